@@ -1,0 +1,64 @@
+# VELL: data-driven hierarchical state machines.
+# What a person types. Each target first installs the Debian packages that are missing; the builds
+# themselves are CMake presets under build/ (`cmake --list-presets`).
+
+JOBS ?= $(shell nproc)
+PREFIX ?= /usr/local
+PRESET ?= dev
+
+.PHONY: help run test bench install format symbols coverage clean setup
+
+help:
+	@echo "make run               build the command and run the sample character"
+	@echo "make test              build everything and run every test (PRESET=dev)"
+	@echo "make bench             measure, in the release build"
+	@echo "make install           install the release build (PREFIX=/usr/local, DESTDIR=)"
+	@echo "make format            let clang-format 14 lay out the sources"
+	@echo "make symbols           write the lists of exported symbols anew"
+	@echo "make coverage          show which lines the tests reach"
+	@echo "make clean             remove build/"
+
+setup:
+	@cmake/install-packages.sh
+
+run: setup
+	cmake --preset dev
+	cmake --build build/dev -j $(JOBS) --target run_programs
+	@if [ -x samples/run.sh ]; then samples/run.sh; \
+	else build/dev/bin/vell run samples/character.json --ticks 10; fi
+
+test: setup
+	cmake --preset $(PRESET)
+	cmake --build build/$(PRESET) -j $(JOBS)
+	ctest --preset $(PRESET) -j $(JOBS)
+
+bench: setup
+	cmake --preset release
+	cmake --build build/release -j $(JOBS) --target bench_programs
+	@if [ -x bench/run.sh ]; then bench/run.sh; \
+	else echo "bench/run.sh is not there: nothing to measure"; exit 1; fi
+
+install: setup
+	cmake --preset install
+	cmake --build build/install -j $(JOBS)
+	cmake --install build/install --prefix $(PREFIX)
+
+format:
+	@CI=true cmake/install-packages.sh
+	cmake/check-format.sh --fix
+
+symbols: setup
+	cmake --preset dev
+	cmake --build build/dev -j $(JOBS) --target VELLLibX64 DURMBaseX64 TesselX64
+	cmake/check-symbols.sh --update build/dev/lib
+
+coverage:
+	@CI=true cmake/install-packages.sh
+	cmake --preset coverage
+	cmake --build build/coverage -j $(JOBS)
+	ctest --preset coverage -j $(JOBS)
+	gcovr --root . --object-directory build/coverage --filter '(machine|states|transitions|definitions|parameters|introspection|foundation|platform|include)/' --txt build/coverage/coverage.txt --html-details build/coverage/coverage.html
+	@tail -n 4 build/coverage/coverage.txt
+
+clean:
+	rm -rf build

@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Checks that every source lies as clang-format 14 lays it; with --fix, lays it so.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+mode=(--dry-run -Werror)
+[[ "${1:-}" != "--fix" ]] || mode=(-i)
+
+mapfile -t files < <(git ls-files --cached --others --exclude-standard '*.h' '*.cpp')
+if ((${#files[@]} < 5)); then
+    echo "check-format: found only ${#files[@]} sources" >&2
+    exit 1
+fi
+printf '%s\0' "${files[@]}" | xargs -0 -n 16 -P "$(nproc)" clang-format-14 "${mode[@]}"
+echo "${#files[@]} sources are laid out alike"

@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# Installs from Debian's packages what building VELL needs and the machine lacks, and nothing else.
+# `CI=true` adds the tools of the checks. `VELL_NO_INSTALL=1` leaves the machine as it is.
+set -euo pipefail
+
+packages=(g++ cmake ninja-build rapidjson-dev zlib1g-dev libcli11-dev libgtest-dev libgmock-dev
+          libbenchmark-dev graphviz pkg-config)
+if [[ -n "${CI:-}" && "${CI}" != "false" ]]; then
+    packages+=(clang-14 clang-format-14 libclang-rt-14-dev valgrind gcovr)
+fi
+
+[[ -z "${VELL_NO_INSTALL:-}" ]] || exit 0
+
+if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+    echo "This is not a Debian system; going on with what is installed." >&2
+    echo "VELL needs: ${packages[*]} (Debian's names)" >&2
+    exit 0
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+    state=$(dpkg-query -W -f '${db:Status-Status}' "${package}" 2>/dev/null || true)
+    [[ "${state}" == "installed" ]] || missing+=("${package}")
+done
+((${#missing[@]} > 0)) || exit 0
+
+as_root=()
+if ((EUID != 0)); then
+    if ! command -v sudo >/dev/null; then
+        echo "Missing packages, and neither root nor sudo to install them. As root, type:" >&2
+        echo "    apt-get install --no-install-recommends ${missing[*]}" >&2
+        exit 1
+    fi
+    as_root=(sudo)
+fi
+
+echo "Installing ${missing[*]}"
+as_root+=(env DEBIAN_FRONTEND=noninteractive)
+"${as_root[@]}" apt-get update -qq </dev/null
+"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" </dev/null
