@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Builds the library against the platform libraries of an installed tree, as a site with its own does,
+# and checks that a consumer loads those: COMPILER INSTALLED_TREE FOLDER_TO_WORK_IN
+set -euo pipefail
+site=$(realpath "$2")
+rm -rf "$3"
+mkdir -p "$3/site"
+cp -a "${site}"/lib* "$3/site/"
+find "$3/site" -name '*VELLLibX64*' -prune -exec rm -rf {} +
+site=$(realpath "$3/site")
+
+cmake -G Ninja -S "$(dirname "$0")/../.." -B "$3/build" -DCMAKE_CXX_COMPILER="$1" \
+    -DVELL_PLATFORM_ROOT="${site}" -DVELL_BUILD_TESTS=OFF -DVELL_BUILD_TOOLS=OFF \
+    -DVELL_BUILD_SAMPLES=OFF
+cmake --build "$3/build"
+cmake --install "$3/build" --prefix "$3/tree"
+
+if find "$3/build" "$3/tree" -name 'libDURMBaseX64*' -o -name 'libTesselX64*' | grep .; then
+    echo "ours were built although the site has its own" >&2
+    exit 1
+fi
+"$(dirname "$0")/run-find-package.sh" "$1" "$3/tree" "$3/consumer"
+for name in DURMBaseX64 TesselX64; do
+    if ! ldd "$3/consumer/consumer" | grep -F "lib${name}.so" | grep -F "${site}"; then
+        echo "the consumer does not load the site's ${name}" >&2
+        ldd "$3/consumer/consumer" >&2
+        exit 1
+    fi
+done
