@@ -1,0 +1,125 @@
+// VELL: data-driven hierarchical state machines.
+// platform/tessel/Entry.h: one key of a table with its value.
+#pragma once
+
+#include "platform/tessel/Key.h"
+
+#include <tessel/Tessel.h>
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+
+namespace Tessel
+{
+
+/// One key of a table with its value: 32 bytes on a 64-bit machine, the size that most decides what
+/// a tree of many small tables weighs. The key's address carries the kind in its low bits.
+class Entry final : public KVValue
+{
+public:
+    /// How the value is stored: the type numbers, and a kind of its own for a text outside.
+    enum Kind : unsigned
+    {
+        KindNone = ValueType_None,
+        KindShortText = ValueType_Text,
+        KindLongText = 2,
+        KindFloat2 = ValueType_Float2,
+        KindFloat3 = ValueType_Float3,
+        KindFloat4 = ValueType_Float4,
+        KindTable = ValueType_Table,
+        KindInt = ValueType_Int,
+        KindFloat = ValueType_Float,
+        KindUInt = ValueType_UInt,
+    };
+
+    /// The longest text that is stored in the entry itself.
+    static constexpr std::size_t kMaxShortText = 15;
+
+    /// Takes over `key`, which whoever removes the entry gives back.
+    explicit Entry(const Key* key) : keyAndKind(reinterpret_cast<std::uintptr_t>(key)), payload{}
+    {
+    }
+
+    Entry(const Entry&) = delete;
+    Entry& operator=(const Entry&) = delete;
+
+    int GetValueType() const override;
+    int GetIntValue() const override;
+    float GetFloatValue() const override;
+    const char* GetStringValue() const override;
+    int GetFloat2Value(Float2* out) const override;
+    int GetFloat3Value(Float3* out) const override;
+    unsigned GetUIntValue() const override;
+
+    /// As `GetFloat3Value`, for four floats.
+    int GetFloat4Value(Float4* out) const;
+
+    /// Stores a plain value. The entry must not hold a long text or a table.
+    template <class Value>
+    void Store(Kind kind, const Value& value)
+    {
+        static_assert(sizeof(Value) <= sizeof(payload), "a value fits into the entry");
+        std::memcpy(payload, &value, sizeof(value));
+        SetKind(kind);
+    }
+
+    /// Stores a text that may lie in this very entry. `buffer` has room for it when it is neither
+    /// short nor fits into the long text that the entry holds, and is taken over then. The entry
+    /// must not hold a table.
+    void StoreText(const char* text, std::size_t length, std::unique_ptr<char[]>& buffer);
+
+    /// Frees a long text, if there is one. The kind is none then.
+    void ReleaseText();
+
+    /// Tells whether the entry holds a long text in whose place one of `length` fits.
+    bool HasRoomForLongText(std::size_t length) const;
+
+    /// Gives the handle that is stored, live or stale; null when the entry holds no table.
+    KVTable GetStoredTable() const
+    {
+        KVTable table;
+        if (GetKind() == KindTable)
+        {
+            std::memcpy(&table, payload, sizeof(table));
+        }
+        return table;
+    }
+
+    Kind GetKind() const
+    {
+        return static_cast<Kind>(keyAndKind & kKindMask);
+    }
+
+    const Key* GetKey() const
+    {
+        return reinterpret_cast<const Key*>(keyAndKind & ~kKindMask);
+    }
+
+private:
+    static constexpr std::uintptr_t kKindMask = Key::kAlignment - 1;
+
+    struct LongText
+    {
+        char* text;             ///< owned
+        std::uint32_t capacity; ///< bytes, the final zero among them
+    };
+
+    template <class Value>
+    Value Load() const
+    {
+        Value value;
+        std::memcpy(&value, payload, sizeof(value));
+        return value;
+    }
+
+    void SetKind(Kind kind)
+    {
+        keyAndKind = (keyAndKind & ~kKindMask) | kind;
+    }
+
+    std::uintptr_t keyAndKind;
+    alignas(8) unsigned char payload[16];
+};
+
+} // namespace Tessel

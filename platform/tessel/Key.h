@@ -1,0 +1,75 @@
+// VELL: data-driven hierarchical state machines.
+// platform/tessel/Key.h: the stored text of a key, shared by all tables or owned by one.
+#pragma once
+
+#include "platform/tessel/KeyText.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace Tessel
+{
+
+/// The stored text of a key. Names are shared by all tables and kept for good, so a table that has
+/// the same keys as a thousand others pays a pointer for each and takes no lock for them. What is
+/// not worth keeping (decimal ids, long texts, names beyond the first 4096) belongs to its one
+/// user.
+class Key
+{
+public:
+    /// The alignment of every key: the four low bits of its address are free for the user.
+    static constexpr std::size_t kAlignment = 16;
+
+    /// The most keys that are shared and kept for good.
+    static constexpr std::uint32_t kMaxShared = 4096;
+
+    /// The longest text that is shared.
+    static constexpr std::size_t kMaxSharedLength = 63;
+
+    /// Gives a key with the text of `name`, to be given back by `Release`. Takes a lock only for a
+    /// name that is seen for the first time. May throw `std::bad_alloc`.
+    static const Key* Acquire(const KeyText& name);
+
+    /// Ends the use of a key; null is allowed. No other user of a shared key is touched.
+    static void Release(const Key* key);
+
+    /// Gives the number of keys that are kept for good.
+    static std::uint32_t GetSharedCount();
+
+    bool IsShared() const
+    {
+        return shared != 0;
+    }
+
+    const char* GetText() const
+    {
+        return reinterpret_cast<const char*>(this + 1);
+    }
+
+    std::uint32_t GetHash() const
+    {
+        return hash;
+    }
+
+    bool Is(const KeyText& name) const
+    {
+        return hash == name.hash && length == name.length &&
+               IsSameText(GetText(), name.text, name.length);
+    }
+
+    Key(const Key&) = delete;
+    Key& operator=(const Key&) = delete;
+
+private:
+    Key(const KeyText& name, bool isShared);
+
+    static const Key* Create(const KeyText& name, bool isShared);
+    static const Key* FindShared(const KeyText& name);
+    static const Key* AddShared(const KeyText& name);
+
+    std::uint32_t hash;
+    std::uint32_t length : 31;
+    std::uint32_t shared : 1; ///< 1 when kept for good; the text follows the record
+};
+
+} // namespace Tessel

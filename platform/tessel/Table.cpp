@@ -1,0 +1,422 @@
+// VELL: data-driven hierarchical state machines.
+// platform/tessel/Table.cpp: a table of keys and values.
+#include "platform/tessel/Table.h"
+
+#include "platform/tessel/TableStore.h"
+
+#include <algorithm>
+#include <new>
+#include <unordered_set>
+#include <vector>
+
+namespace Tessel
+{
+
+static_assert(sizeof(void*) != 8 || sizeof(Entry) == 32, "entries decide what a table weighs");
+static_assert(sizeof(void*) != 8 || sizeof(Table) == 120, "two keys need no memory but this");
+
+KVValue* Table::GetValueAt(unsigned index)
+{
+    return extras == nullptr ? nullptr : extras->elements.GetAt(index);
+}
+
+KVTable Table::GetTable(const char* key)
+{
+    const Entry* entry = Find(key);
+    if (entry == nullptr)
+    {
+        return KVTable();
+    }
+    const KVTable stored = entry->GetStoredTable();
+    return TableStore::Find(stored) == nullptr ? KVTable() : stored;
+}
+
+int Table::GetInt(const char* key)
+{
+    const Entry* entry = Find(key);
+    return entry == nullptr ? 0 : entry->GetIntValue();
+}
+
+float Table::GetFloat(const char* key)
+{
+    const Entry* entry = Find(key);
+    return entry == nullptr ? 0.0f : entry->GetFloatValue();
+}
+
+const char* Table::GetString(const char* key)
+{
+    const Entry* entry = Find(key);
+    return entry == nullptr ? nullptr : entry->GetStringValue();
+}
+
+int Table::GetFloat2(const char* key, Float2* out)
+{
+    const Entry* entry = Find(key);
+    return entry == nullptr ? 0 : entry->GetFloat2Value(out);
+}
+
+int Table::GetFloat3(const char* key, Float3* out)
+{
+    const Entry* entry = Find(key);
+    return entry == nullptr ? 0 : entry->GetFloat3Value(out);
+}
+
+int Table::GetFloat4(const char* key, Float4* out)
+{
+    const Entry* entry = Find(key);
+    return entry == nullptr ? 0 : entry->GetFloat4Value(out);
+}
+
+unsigned Table::GetUInt(const char* key)
+{
+    const Entry* entry = Find(key);
+    return entry == nullptr ? 0 : entry->GetUIntValue();
+}
+
+int Table::SetUInt(const char* key, unsigned value, int)
+{
+    return Write(key, Entry::KindUInt, value);
+}
+
+int Table::SetFloat4(const char* key, const Float4* value, int)
+{
+    return value == nullptr ? 0 : Write(key, Entry::KindFloat4, *value);
+}
+
+int Table::SetFloat3(const char* key, const Float3* value, int)
+{
+    return value == nullptr ? 0 : Write(key, Entry::KindFloat3, *value);
+}
+
+int Table::SetFloat2(const char* key, const Float2* value, int)
+{
+    return value == nullptr ? 0 : Write(key, Entry::KindFloat2, *value);
+}
+
+int Table::SetString(const char* key, const char* text, int)
+{
+    if (key == nullptr || text == nullptr)
+    {
+        return 0;
+    }
+    const KeyText wanted(key);
+    const std::size_t length = std::strlen(text);
+    if (length >= KeyText::kMaxLength)
+    {
+        return 0;
+    }
+    Entry* entry = Find(wanted);
+    std::unique_ptr<char[]> buffer;
+    if (length > Entry::kMaxShortText && !(entry != nullptr && entry->HasRoomForLongText(length)))
+    {
+        buffer.reset(new char[length + 1]);
+    }
+    if (entry == nullptr)
+    {
+        entry = Add(wanted);
+    }
+    if (entry->GetKind() == Entry::KindTable)
+    {
+        ReleaseValue(*entry);
+    }
+    entry->StoreText(text, length, buffer);
+    return NotifyWritten(wanted);
+}
+
+int Table::SetFloat(const char* key, float value, int)
+{
+    return Write(key, Entry::KindFloat, value);
+}
+
+int Table::SetInt(const char* key, int value, int)
+{
+    return Write(key, Entry::KindInt, value);
+}
+
+KVTable Table::AddTable(const char* key, int)
+{
+    if (key == nullptr)
+    {
+        return KVTable();
+    }
+    const KeyText wanted(key);
+    Entry* entry = Find(wanted);
+    // The child first: a key without a value must not stay behind when there is no memory for it.
+    Table* child = TableStore::Open(wanted, 0);
+    if (child == nullptr)
+    {
+        return KVTable();
+    }
+    if (entry == nullptr)
+    {
+        try
+        {
+            entry = Add(wanted);
+        }
+        catch (...)
+        {
+            TableStore::Close(*child);
+            throw;
+        }
+    }
+    StoreChild(*entry, *child);
+    return child->GetHandle();
+}
+
+int Table::AttachTable(const char* key, KVTable child, int)
+{
+    Table* found = TableStore::Find(child);
+    if (key == nullptr || found == nullptr || found == this || IsBelow(*found))
+    {
+        return 0;
+    }
+    const KeyText wanted(key);
+    Entry* entry = Find(wanted);
+    if (entry == nullptr)
+    {
+        entry = Add(wanted);
+    }
+    StoreChild(*entry, *found);
+    return 1;
+}
+
+int Table::RemoveAt(unsigned index, int)
+{
+    return extras != nullptr && extras->elements.RemoveAt(index) ? 1 : 0;
+}
+
+int Table::PushUInt(unsigned value, int)
+{
+    NeedExtras().elements.Push(value);
+    return 1;
+}
+
+unsigned Table::GetCount()
+{
+    return extras == nullptr ? 0 : extras->elements.GetCount();
+}
+
+KVValue* Table::FindValue(const char* key)
+{
+    return Find(key);
+}
+
+KVListener* Table::GetTableListener()
+{
+    return NeedExtras().listeners.GetTableListener();
+}
+
+KVListener* Table::GetValueListener(const char* key)
+{
+    return key == nullptr ? nullptr : NeedExtras().listeners.Add(KeyText(key));
+}
+
+void Table::RemoveValueListener(const char* key, const KVListener* listener)
+{
+    if (extras != nullptr && key != nullptr && listener != nullptr && listener->function != nullptr)
+    {
+        extras->listeners.Remove(KeyText(key), *listener);
+    }
+}
+
+int Table::NeedsLock()
+{
+    return 0;
+}
+
+void Table::Lock()
+{
+}
+
+void Table::Unlock()
+{
+}
+
+unsigned Table::GetKeyCount()
+{
+    return keyCount;
+}
+
+const char* Table::GetKeyAt(unsigned index)
+{
+    return index < keyCount ? GetEntry(index)->GetKey()->GetText() : nullptr;
+}
+
+int Table::GetTypeAt(unsigned index)
+{
+    return index < keyCount ? GetEntry(index)->GetValueType() : static_cast<int>(ValueType_None);
+}
+
+inline Entry* Table::Find(const char* key)
+{
+    return key == nullptr ? nullptr : Find(KeyText(key));
+}
+
+inline Entry* Table::Find(const KeyText& key)
+{
+    if (keyCount > kTaggedEntries)
+    {
+        return extras->index.Find(key);
+    }
+    std::uint64_t rest = tags;
+    const std::uint32_t tag = key.hash >> 24;
+    for (std::uint32_t i = 0; i < keyCount; ++i, rest >>= 8)
+    {
+        if ((rest & 0xff) == tag)
+        {
+            Entry* entry = GetEntry(i);
+            if (entry->GetKey()->Is(key))
+            {
+                return entry;
+            }
+        }
+    }
+    return nullptr;
+}
+
+/// Adds a key that is not there yet, without a value. When there is no memory for it, the table
+/// keeps at most some room that is not used yet.
+Entry* Table::Add(const KeyText& key)
+{
+    const std::uint32_t index = keyCount;
+    Entry* entry = MakeRoom(index);
+    const bool isIndexed = index >= kTaggedEntries;
+    if (isIndexed)
+    {
+        NeedExtras().index.Reserve(index + 1);
+    }
+    entry = new (entry) Entry(Key::Acquire(key));
+    if (index == kTaggedEntries)
+    {
+        for (std::uint32_t i = 0; i < index; ++i)
+        {
+            extras->index.Insert(GetEntry(i));
+        }
+    }
+    if (isIndexed)
+    {
+        extras->index.Insert(entry);
+    }
+    else
+    {
+        tags |= static_cast<std::uint64_t>(key.hash >> 24) << (8 * index);
+    }
+    ++keyCount;
+    return entry;
+}
+
+/// Gives the place of the entry `index`, the next one to be made. Beside the two entries in the
+/// table there are blocks of 1, 3, 6, 12, 24 ... entries, so that after them 3, 6, 12, 24 ... fit.
+Entry* Table::MakeRoom(std::uint32_t index)
+{
+    if (index < kInlineEntries)
+    {
+        return reinterpret_cast<Entry*>(inlineEntries) + index;
+    }
+    Block** block = &blocks;
+    std::uint32_t first = kInlineEntries;
+    std::uint32_t size = 1;
+    while (index >= first + size)
+    {
+        block = &(*block)->next;
+        first += size;
+        size = first;
+    }
+    if (*block == nullptr)
+    {
+        void* memory = ::operator new(sizeof(Block) + size * sizeof(Entry));
+        *block = new (memory) Block{nullptr};
+    }
+    return (*block)->GetEntries() + (index - first);
+}
+
+Table::Extras& Table::NeedExtras()
+{
+    if (extras == nullptr)
+    {
+        extras = new Extras;
+    }
+    return *extras;
+}
+
+template <class Value>
+inline int Table::Write(const char* key, Entry::Kind kind, const Value& value)
+{
+    if (key == nullptr)
+    {
+        return 0;
+    }
+    const KeyText wanted(key);
+    Entry* entry = Find(wanted);
+    if (entry == nullptr)
+    {
+        entry = Add(wanted);
+    }
+    ReleaseValue(*entry);
+    entry->Store(kind, value);
+    return NotifyWritten(wanted);
+}
+
+inline int Table::NotifyWritten(const KeyText& key)
+{
+    if (extras != nullptr)
+    {
+        extras->listeners.Call(*this, key);
+    }
+    return 1;
+}
+
+/// Puts `child` into `entry`. The new hold comes first: the old value may hold `child` too.
+void Table::StoreChild(Entry& entry, Table& child)
+{
+    child.SetLink(child.GetLink() + kOneParent);
+    ReleaseValue(entry);
+    entry.Store(Entry::KindTable, child.GetHandle());
+    SetLink(GetLink() | kMayHaveChildren);
+}
+
+inline void Table::ReleaseValue(Entry& entry)
+{
+    const Entry::Kind kind = entry.GetKind();
+    if (kind == Entry::KindLongText)
+    {
+        entry.ReleaseText();
+    }
+    else if (kind == Entry::KindTable)
+    {
+        TableStore::ReleaseChild(entry.GetStoredTable());
+    }
+}
+
+/// Tells whether this table stands below `top`. A table without a parent stands below none, and
+/// below a table without children stands none, so the walk is for the rare case of two trees.
+bool Table::IsBelow(Table& top)
+{
+    if (GetLink() < kOneParent || (top.GetLink() & kMayHaveChildren) == 0)
+    {
+        return false;
+    }
+    std::vector<Table*> toVisit{&top};
+    std::unordered_set<Table*> seen;
+    while (!toVisit.empty())
+    {
+        Table* table = toVisit.back();
+        toVisit.pop_back();
+        for (std::uint32_t i = 0; i < table->keyCount; ++i)
+        {
+            Table* child = TableStore::Find(table->GetEntry(i)->GetStoredTable());
+            if (child == this)
+            {
+                return true;
+            }
+            if (child != nullptr && (child->GetLink() & kMayHaveChildren) != 0 &&
+                seen.insert(child).second)
+            {
+                toVisit.push_back(child);
+            }
+        }
+    }
+    return false;
+}
+
+} // namespace Tessel

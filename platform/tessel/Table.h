@@ -1,0 +1,166 @@
+// VELL: data-driven hierarchical state machines.
+// platform/tessel/Table.h: a table of keys and values.
+#pragma once
+
+#include "platform/tessel/ElementArray.h"
+#include "platform/tessel/Entry.h"
+#include "platform/tessel/KeyIndex.h"
+#include "platform/tessel/ListenerSet.h"
+#include "platform/tessel/TableHandle.h"
+
+#include <tessel/Tessel.h>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+
+namespace Tessel
+{
+
+/// A table, and the slot that it stands in: made once, opened and closed many times. Two entries
+/// stand in the table itself, so that most tables need no memory of their own; three keys take
+/// 168 bytes in all. Up to eight keys are found by one byte of their hash, more by an index.
+class Table final : public ITable
+{
+public:
+    explicit Table(std::uint32_t ownSlot) : slot(ownSlot)
+    {
+    }
+
+    Table(const Table&) = delete;
+    Table& operator=(const Table&) = delete;
+
+    KVValue* GetValueAt(unsigned index) override;
+    KVTable GetTable(const char* key) override;
+    int GetInt(const char* key) override;
+    float GetFloat(const char* key) override;
+    const char* GetString(const char* key) override;
+    int GetFloat2(const char* key, Float2* out) override;
+    int GetFloat3(const char* key, Float3* out) override;
+    int GetFloat4(const char* key, Float4* out) override;
+    unsigned GetUInt(const char* key) override;
+    int SetUInt(const char* key, unsigned value, int flag) override;
+    int SetFloat4(const char* key, const Float4* value, int flag) override;
+    int SetFloat3(const char* key, const Float3* value, int flag) override;
+    int SetFloat2(const char* key, const Float2* value, int flag) override;
+    int SetString(const char* key, const char* text, int flag) override;
+    int SetFloat(const char* key, float value, int flag) override;
+    int SetInt(const char* key, int value, int flag) override;
+    KVTable AddTable(const char* key, int flag) override;
+    int AttachTable(const char* key, KVTable child, int flag) override;
+    int RemoveAt(unsigned index, int flag) override;
+    int PushUInt(unsigned value, int flag) override;
+    unsigned GetCount() override;
+    KVValue* FindValue(const char* key) override;
+    KVListener* GetTableListener() override;
+    KVListener* GetValueListener(const char* key) override;
+    void RemoveValueListener(const char* key, const KVListener* listener) override;
+    int NeedsLock() override;
+    void Lock() override;
+    void Unlock() override;
+    unsigned GetKeyCount() override;
+    const char* GetKeyAt(unsigned index) override;
+    int GetTypeAt(unsigned index) override;
+
+    const char* GetName() const
+    {
+        return name->GetText();
+    }
+
+    KVTable GetHandle() const
+    {
+        return TableHandle::Make(slot, GetGeneration());
+    }
+
+    /// Odd while the table is open. Other threads ask it by stale handles.
+    std::uint32_t GetGeneration() const
+    {
+        return generation.load(std::memory_order_relaxed);
+    }
+
+private:
+    friend class TableStore;
+
+    static constexpr std::uint32_t kInlineEntries = 2;
+    static constexpr std::uint32_t kTaggedEntries = 8; ///< more are found by the index
+
+    // `link` of an open table: who holds it, and whether it may hold others.
+    static constexpr std::uint32_t kHeldByCreator = 1;
+    static constexpr std::uint32_t kMayHaveChildren = 2;
+    static constexpr std::uint32_t kOneParent = 4; ///< the count of parents stands above the bits
+    static constexpr std::uint32_t kHolders = ~kMayHaveChildren;
+
+    /// A run of entries outside of the table; they follow it in memory.
+    struct Block
+    {
+        Block* next;
+
+        Entry* GetEntries()
+        {
+            return reinterpret_cast<Entry*>(this + 1);
+        }
+    };
+
+    /// What few tables need.
+    struct Extras
+    {
+        KeyIndex index; ///< filled when there are more than `kTaggedEntries` keys
+        ElementArray elements;
+        ListenerSet listeners;
+    };
+
+    Entry* Find(const char* key);
+    Entry* Find(const KeyText& key);
+    Entry* Add(const KeyText& key);
+    Entry* MakeRoom(std::uint32_t index);
+    Entry* GetEntry(std::uint32_t index);
+    Extras& NeedExtras();
+
+    template <class Value>
+    int Write(const char* key, Entry::Kind kind, const Value& value);
+    int NotifyWritten(const KeyText& key);
+    void StoreChild(Entry& entry, Table& child);
+    void ReleaseValue(Entry& entry);
+    bool IsBelow(Table& top);
+
+    std::uint32_t GetLink() const
+    {
+        return link.load(std::memory_order_relaxed);
+    }
+
+    void SetLink(std::uint32_t value)
+    {
+        link.store(value, std::memory_order_relaxed);
+    }
+
+    std::atomic<std::uint32_t> generation{0};
+    std::atomic<std::uint32_t> link{0}; ///< holders; while closing and when free, the next slot
+    const std::uint32_t slot;
+    std::uint32_t keyCount = 0;
+    std::uint64_t tags = 0; ///< one byte of the hash of each of the first eight keys
+    Block* blocks = nullptr;
+    Extras* extras = nullptr;  ///< null until needed
+    const Key* name = nullptr; ///< null when closed
+    alignas(Entry) unsigned char inlineEntries[kInlineEntries * sizeof(Entry)];
+};
+
+// In line: it is on the way of every read and write.
+inline Entry* Table::GetEntry(std::uint32_t index)
+{
+    if (index < kInlineEntries)
+    {
+        return reinterpret_cast<Entry*>(inlineEntries) + index;
+    }
+    Block* block = blocks;
+    std::uint32_t first = kInlineEntries;
+    std::uint32_t size = 1;
+    while (index >= first + size)
+    {
+        block = block->next;
+        first += size;
+        size = first;
+    }
+    return block->GetEntries() + (index - first);
+}
+
+} // namespace Tessel
