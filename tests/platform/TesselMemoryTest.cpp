@@ -37,10 +37,18 @@ std::size_t GetHeapBytes()
 #if defined(TESSEL_TEST_SANITIZED)
     return __sanitizer_get_current_allocated_bytes();
 #else
+    // Blocks that the allocator keeps at hand for the thread count as allocated, see kSlack.
     const struct mallinfo2 info = mallinfo2();
     return info.uordblks + info.hblkhd;
 #endif
 }
+
+/// How far the bytes may move without a leak; one block a round would come to far more.
+#if defined(TESSEL_TEST_SANITIZED)
+constexpr std::size_t kSlack = 0;
+#else
+constexpr std::size_t kSlack = 4096;
+#endif
 
 int Ignore(void*, opResult, KVTable, const char*)
 {
@@ -76,7 +84,7 @@ TEST(TableMemory, ComesBackWhenTheTableIsClosed)
         CloseTable(MakeFullTable());
     }
 
-    EXPECT_EQ(GetHeapBytes(), before);
+    EXPECT_LE(GetHeapBytes(), before + kSlack);
 }
 
 TEST(TableMemory, OfThreeShortKeysIsAtMost170Bytes)
@@ -135,7 +143,7 @@ TEST(TableMemory, DoesNotGrowWithRewritesPushesAndListeners)
 
     churn(100000);
 
-    EXPECT_EQ(GetHeapBytes(), before);
+    EXPECT_LE(GetHeapBytes(), before + kSlack);
     CloseTable(table);
 }
 
@@ -157,7 +165,7 @@ TEST(TableMemory, DoesNotGrowWithListenersOnEverNewKeys)
 
     churn(1000, 50000);
 
-    EXPECT_EQ(GetHeapBytes(), before);
+    EXPECT_LE(GetHeapBytes(), before + kSlack);
     CloseTable(table);
 }
 
@@ -178,7 +186,7 @@ TEST(TableMemory, DoesNotGrowWithEverNewIdsAsKeys)
 
     churn(4100000000u, 4100200000u);
 
-    EXPECT_EQ(GetHeapBytes(), before);
+    EXPECT_LE(GetHeapBytes(), before + kSlack);
     EXPECT_EQ(Key::GetSharedCount(), shared);
 }
 
