@@ -1,0 +1,41 @@
+// VELL: data-driven hierarchical state machines.
+// foundation/FunctionName.h: names of functions and files as log lines show them.
+#pragma once
+
+#include <string_view>
+
+namespace vell
+{
+
+/// Cuts what the compiler calls a function down to its qualified name, without result, parameters
+/// and template arguments: "int vell::HSM::PushState(unsigned int)" gives "vell::HSM::PushState".
+constexpr std::string_view QualifiedName(std::string_view pretty)
+{
+    const std::size_t end = pretty.find('(');
+    std::size_t begin = end == std::string_view::npos ? pretty.size() : end;
+    const std::string_view head = pretty.substr(0, begin);
+    while (begin > 0 && head[begin - 1] != ' ' && head[begin - 1] != '*' && head[begin - 1] != '&')
+    {
+        --begin;
+    }
+    return head.substr(begin);
+}
+
+/// Gives the name of a source file without its folders.
+constexpr std::string_view BaseName(std::string_view path)
+{
+    const std::size_t slash = path.find_last_of("/\\");
+    return slash == std::string_view::npos ? path : path.substr(slash + 1);
+}
+
+} // namespace vell
+
+/// The qualified name of the function in which it stands.
+#if defined(_MSC_VER) && !defined(__clang__)
+#define VELL_FUNCTION (::vell::QualifiedName(__FUNCTION__ "("))
+#else
+#define VELL_FUNCTION (::vell::QualifiedName(__PRETTY_FUNCTION__))
+#endif
+
+/// The name of the source file in which it stands.
+#define VELL_FILE (::vell::BaseName(__FILE__))

@@ -1,0 +1,110 @@
+// VELL: data-driven hierarchical state machines.
+// foundation/HSMAlloc.cpp: the arena's block and what is kept for its end.
+#include <vell/HSMAlloc.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+
+namespace vell
+{
+
+HSMAlloc::~HSMAlloc()
+{
+    Release();
+    for (const Kept& entry : kept)
+    {
+        entry.duty->destroy(entry.object);
+    }
+}
+
+int HSMAlloc::Reserve(unsigned int size)
+{
+    Release();
+    block = static_cast<unsigned char*>(std::malloc(size));
+    if (block == nullptr)
+    {
+        return 0;
+    }
+    capacity = size;
+    return 1;
+}
+
+void HSMAlloc::Release()
+{
+    for (Kept& entry : kept)
+    {
+        if (entry.duty->release != nullptr)
+        {
+            entry.object = entry.duty->release(entry.object);
+            entry.duty = TableDuty();
+        }
+    }
+    used = 0;
+    capacity = 0;
+    std::free(block);
+    block = nullptr;
+}
+
+void* HSMAlloc::AllocRaw(unsigned int size)
+{
+    if (size == 0 || !HasRoom(size))
+    {
+        return nullptr;
+    }
+    unsigned char* bytes = block + used;
+    std::memset(bytes, 0, size);
+    used += size;
+#if defined(VELL_ARENA_ROUNDING)
+    const unsigned int padding = (8u - used % 8u) % 8u;
+    used += padding < capacity - used ? padding : capacity - used;
+#endif
+    return bytes;
+}
+
+void HSMAlloc::CloseLater(Tessel::KVTable table)
+{
+    MakeRoomToKeep();
+    kept.push_back(Kept{TableToPointer(table), TableDuty()});
+}
+
+void HSMAlloc::MakeRoomToKeep()
+{
+    if (kept.size() == kept.capacity())
+    {
+        kept.reserve(kept.empty() ? 64 : kept.size() * 2);
+    }
+}
+
+void HSMAlloc::Forget(const void* object)
+{
+    for (auto entry = kept.rbegin(); entry != kept.rend(); ++entry)
+    {
+        if (entry->object == object)
+        {
+            kept.erase(std::next(entry).base());
+            return;
+        }
+    }
+}
+
+void* HSMAlloc::TableToPointer(Tessel::KVTable table)
+{
+    static_assert(sizeof(table) == sizeof(void*), "a handle is one pointer wide");
+    void* pointer = nullptr;
+    std::memcpy(&pointer, &table, sizeof(pointer));
+    return pointer;
+}
+
+const HSMAlloc::Duty* HSMAlloc::TableDuty()
+{
+    static const Duty duty{nullptr, [](void* held)
+                           {
+                               Tessel::KVTable table;
+                               std::memcpy(static_cast<void*>(&table), &held, sizeof(table));
+                               Tessel::CloseTable(table);
+                           }};
+    return &duty;
+}
+
+} // namespace vell

@@ -1,0 +1,77 @@
+// VELL: data-driven hierarchical state machines.
+// include/vell/AttribBase.h: the common part of all attributes.
+#pragma once
+
+#include <vell/IAttribDef.h>
+
+#include <tessel/Tessel.h>
+
+namespace vell
+{
+
+/// An attribute with its key/value table, named "attribBase". Every write of the value goes to the
+/// table's key "value", and a tool's write of that key comes back as a `SetValue`.
+class VELL_API AttribBase : public IAttribDef
+{
+public:
+    AttribBase();
+    /// Copies share the table.
+    AttribBase(const AttribBase& other) = default;
+    AttribBase& operator=(const AttribBase& other) = default;
+
+    // The order of these is part of the interface.
+
+    /// Closes the table.
+    ~AttribBase() override;
+    const char* GetName() const override;
+    int GetDefaultType() const override;
+    void SetValue(const char* value) override;
+    void SetValue(int value) override;
+    void SetValue(float value) override;
+    void SetValue(bool value) override;
+    int GetValue(const char* value) override;
+    int GetValue(int* value) override;
+    int GetValue(float* value) override;
+    int GetValue(bool* value) override;
+    virtual void SetValue(const Tessel::Float4& value);
+    virtual void SetValue(const Tessel::Float3& value);
+    virtual void SetValue(const Tessel::Float2& value);
+    virtual int GetValue(Tessel::Float4* value);
+    virtual int GetValue(Tessel::Float3* value);
+    virtual int GetValue(Tessel::Float2* value);
+
+    /// Stores the pointer `newName` and writes the key "name". The text stays the caller's.
+    void SetName(const char* newName);
+    /// Gives the attribute's table, or null.
+    Tessel::KVTable GetKVTable() const;
+    /// Makes a new table. Returns 1.
+    int CreateKVTable();
+    /// Closes the table and keeps its handle. Returns 1.
+    int DestroyKVTable();
+    /// Starts listening to the key "value". Returns 1, or 0 with log lines when there is no table.
+    int InitKVTableListener();
+    /// Stops listening. Returns 1, or 0 with log lines when there is no table.
+    int UnInitKVTableListener();
+    /// Takes a change of `key` in `table` over as the value, unless the attribute itself is writing
+    /// or `op` is not opResult_ValueChanged.
+    void OnAttribValueModified(Tessel::opResult op, Tessel::KVTable table, const char* key);
+
+    /// For the arena: gives heap memory back and returns the table that is left to close.
+    Tessel::KVTable ReleaseStorage();
+
+protected:
+    /// The constructor of a concrete attribute: `type` is its parameter type number, whose name
+    /// goes to the key "type".
+    explicit AttribBase(int type);
+
+    Tessel::KVTable kvTable;    ///< null only where there was no memory for one
+    int syncState = 0;          ///< 0 idle, 2 while the attribute writes its own table
+    const char* name = nullptr; ///< belongs to the document
+    int defaultType = 0;        ///< parameter type number of the value
+
+private:
+    int ListenToValue();
+    int StopListeningToValue();
+};
+
+} // namespace vell

@@ -1,0 +1,142 @@
+// VELL: data-driven hierarchical state machines.
+// include/vell/BaseDef.h: the base of every node definition.
+#pragma once
+
+#include <vell/IBaseDef.h>
+#include <vell/Json.h>
+
+#include <tessel/Tessel.h>
+
+#include <map>
+
+namespace vell
+{
+
+class HSMAlloc;
+
+/// The base of every definition class. A host that adds a kind of node derives from it, writes a
+/// factory that places the object with HSMAlloc::New and registers it (IHSM::RegisterNodeDef). Its
+/// `Init` calls BaseDef::Init first, and on failure runs the virtual `Uninit` and returns 0.
+class VELL_API BaseDef : public IBaseDef
+{
+public:
+    BaseDef();
+    explicit BaseDef(const char* name);
+    BaseDef(const char* name, unsigned int id, unsigned int parentId);
+    /// Copies share name, table, child ids and action lists with the source; the map of attributes
+    /// is the copy's own and holds the same attributes.
+    BaseDef(const BaseDef& other);
+    BaseDef& operator=(const BaseDef& other);
+
+    /// The factory of a plain node. Places the definition in the arena; null with a log line when
+    /// there is no room.
+    static BaseDef* Create(const GenericValue& node, HSMAlloc* alloc);
+
+    // The order of these is part of the interface.
+
+    /// Runs `Uninit` of this class. Never runs for a definition in the arena.
+    ~BaseDef() override;
+    AttribBase* GetAttrib(const char* attribName) override;
+    const char* GetName() override;
+    unsigned int GetID() override;
+    unsigned int GetParentID() override;
+    eHSMDefTypes GetType() override;
+    const char* GetScriptName() override;
+    int RegisterEnter(Action* action) override;
+    int RegisterExit(Action* action) override;
+    int RegisterExecute(Action* action) override;
+    Action* GetActions() override;
+    Action* GetEnterActions() override;
+    Action* GetExitActions() override;
+    int RemoveAction(Action* action) override;
+    void SetFlags(unsigned int newFlags) override;
+    unsigned int GetFlags() const override;
+    /// Reads the common members of `node` and makes the node's table. Returns 1, or 0 with log
+    /// lines; what was read until then stays.
+    virtual int Init(const GenericValue& node, HSMAlloc* alloc);
+    /// Deletes the actions, stops listening and closes the table. To be called once.
+    virtual void Uninit();
+    /// Writes the id into the node's table, which is made when there is none. Returns 1.
+    virtual int InitKVTable();
+    /// Does nothing here. Returns 1.
+    virtual int UninitKVTable();
+
+    /// Stores the pointer; the text stays the caller's.
+    void SetName(const char* newName);
+    void SetID(unsigned int newId);
+    void SetParent(unsigned int newParentId);
+    void SetType(eHSMDefTypes newType);
+    void SetIndex(int newIndex);
+    /// Gives the position in the order of insertion, -1 until the node stands in a table.
+    int GetIndex() const;
+    /// Gives the builder number, 0 when the document names none.
+    __DURM_BUILDERS__ GetBuilderType() const;
+    /// Gives the id of the connector taken on exit, or 0.
+    unsigned int GetExitConnector() const;
+    unsigned int GetNumChildren() const;
+    /// Gives the id of child `i`, which has to be below `GetNumChildren()`.
+    unsigned int GetChildID(unsigned int i) const;
+    /// Gives the node's table, or null.
+    Tessel::KVTable GetKVTable() const;
+    /// Writes the key "dynamic", and for a non-zero `dynamic` the key "name". Returns 1.
+    int TabSetDynamic(int dynamic);
+
+    /// For the arena: gives heap memory back and returns the table that is left to close.
+    Tessel::KVTable ReleaseStorage();
+
+protected:
+    int CreateKVTable();
+    int DestroyKVTable();
+    int TabSetName();
+
+    int AddTail(Action** head, Action* action);
+    int AddHead(Action** head, Action* action);
+    int DestroyActions(Action** head);
+
+    int Init_Attribs(const GenericValue& node, HSMAlloc* alloc);
+    int Init_Attrib(const GenericValue& element, HSMAlloc* alloc);
+    int Uninit_Attribs();
+    int Uninit_Attrib(AttribBase* attrib);
+    int TabAddAttrib(AttribBase* attrib);
+
+    using AttribMap = std::map<const char*, AttribBase*>;
+
+    Tessel::KVTable kvTable;            ///< named "baseDef"; null until Init or InitKVTable
+    const char* name = nullptr;         ///< belongs to the document
+    eHSMDefTypes type = DefTypeBase;    ///< set by the factory
+    __DURM_BUILDERS__ builderType = {}; ///< 0 when the document names none
+    unsigned int id = 0;                ///< 0 means none
+    unsigned int parentId = 0;          ///< id of the enclosing node
+    int index = -1;                     ///< position in the order of insertion
+    unsigned int exitConnector = 0;     ///< id of a connector, or 0
+    unsigned int flags = 0;             ///< class mask
+    char* scriptName = nullptr;         ///< in the arena; null when absent or empty
+    unsigned int numChildren = 0;       ///< length of `childIds`
+    unsigned int* childIds = nullptr;   ///< in the arena, of no particular alignment
+    unsigned int numAttribs = 0;        ///< length of the document's attribute array
+    AttribMap attribs;                  ///< keys are compared as pointers; attributes in the arena
+    unsigned int numExecute = 0;        ///< length of the execute list
+    Action* executeActions = nullptr;   ///< owned
+    unsigned int numEnter = 0;          ///< length of the enter list
+    Action* enterActions = nullptr;     ///< owned
+    unsigned int numExit = 0;           ///< length of the exit list
+    Action* exitActions = nullptr;      ///< owned
+    void* reserved = nullptr;           ///< nobody reads it
+
+private:
+    friend class SMState;
+
+    /// A list that is being performed: what comes next, so that a removal can step over it.
+    struct ActionWalk
+    {
+        Action* next;
+        ActionWalk* outer;
+    };
+
+    void Append(Action** head, unsigned int* count, Action* action);
+    void StepOver(const Action* removed);
+
+    ActionWalk* walks = nullptr; ///< the lists being performed now, innermost first
+};
+
+} // namespace vell

@@ -1,0 +1,200 @@
+// VELL: data-driven hierarchical state machines.
+// include/vell/HSM.h: the machine.
+#pragma once
+
+#include <vell/Events.h>
+#include <vell/HSMAlloc.h>
+#include <vell/IHSM.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace vell
+{
+
+class NodeDefTable;
+class ParameterTable;
+struct UpdateResult;
+
+/// The machine that the factories make. A host that adds kinds of states derives from it: such a
+/// class is built on the constructor without arguments, sets `filePath` or `jsonText`, and calls
+/// `Create`, which then reaches its own `RegisterBuilders`.
+class VELL_API HSM : public IHSM
+{
+public:
+    /// Makes a machine without a document; `Create` is not called.
+    HSM();
+    /// Makes a machine from the document in a file. `filePath` is not copied and has to live until
+    /// `Create` has run, which is inside this constructor; `auxiliaryName` is never read.
+    HSM(const char* filePath, const char* auxiliaryName);
+    /// Makes a machine from the text of a document, which is read inside this constructor.
+    explicit HSM(const char* jsonText);
+    HSM(const HSM&) = delete;
+    HSM& operator=(const HSM&) = delete;
+
+    // The order of these is part of the interface.
+
+    ~HSM() override;
+    int Init() override;
+    int Uninit() override;
+    int SetContextInfo(const Tessel::KVTable& context) override;
+    int Create() override;
+    int Destroy() override;
+    void Update(float timeStep) override;
+    void Start() override;
+    IParameterTable* GetParameterTable() override;
+    unsigned int FindParameterByName(const char* name) override;
+    Tessel::KVTable GetKVTable() const override;
+    SMState* GetCurrentState() override;
+    const char* GetMDLAsset() override;
+    const char* GetSkelAsset() override;
+    const char* GetGUID() override;
+    __STATE_MACHINE_TYPES__ GetHSMType() const override;
+    IBaseDef* BeginDef(unsigned int mask) override;
+    IBaseDef* NextDef(unsigned int mask) override;
+    IBaseDef* FindDef(const char* name) override;
+    IBaseDef* FindDef(unsigned int id) override;
+    int SubscribeTransitionChange(IBroadcastListener* listener) override;
+    int UnsubscribeTransitionChange(IBroadcastListener* listener) override;
+    int SubscribeStateChange(IBroadcastListener* listener) override;
+    int UnsubscribeStateChange(IBroadcastListener* listener) override;
+    int SubscribeEvents(IBroadcastListener* listener) override;
+    int UnsubscribeEvents(IBroadcastListener* listener) override;
+    int RegisterAction(Action* action) override;
+    Action* FindAction(unsigned int id) override;
+    int RegisterNodeDef(__DURM_BUILDERS__ builder, NodeDefFactory factory) override;
+
+protected:
+    int RegisterState(__DURM_BUILDERS__ builder, StateFactory factory) override;
+
+public:
+    void SetStateSwitchCallback(StateSwitchCallback callback) override;
+    /// Adds `trigger` to the transition named `name`. Returns 1, or 0 with a log line.
+    virtual int AssignTrigger(const char* name, Trigger trigger);
+    /// Puts one execute action made by `factory` on every definition of the state class. Returns
+    /// how many.
+    virtual int AssignDefaultAction(ActionFactory factory);
+
+protected:
+    /// Leaves the top state and enters `id` in its place, leaving and entering twice. Returns null.
+    virtual Action* ChangeState(unsigned int id);
+    /// Registers the standard six state factories. A subclass adds its own after calling this one.
+    virtual void RegisterBuilders();
+    /// Empties the state-builder registry of the process.
+    virtual void UnRegisterBuilders();
+
+public:
+    // What a host may call besides the interface.
+
+    /// Enters `state` and puts it on top. Returns it, or null with log lines when it would not be
+    /// entered; it was then asked twice.
+    SMState* PushState(SMState* state);
+    /// Activates, enters and pushes the state of node `id`. Returns it, or null with log lines.
+    SMState* PushState(unsigned int id);
+    /// Leaves the top state and takes it off. Returns it, or null.
+    SMState* PopState();
+    /// Ends a blip, or pops the top state when none runs. Returns 1, or 0 with a log line.
+    int RevertToPreviousState();
+    /// Ends a blip and empties the main stack too. Returns 1, or 0 when no blip runs.
+    int RevertToStartState();
+    /// Tells whether a blip runs.
+    bool IsBlipState();
+    /// Sends `event` to the event listeners. Returns how many were called.
+    int FireEvent(__HSMEventType__ type, const __PlayAnimEvent__* event);
+    /// Binds the conditions of all transitions to their parameters. `Init` calls it; a host calls
+    /// it again after making parameters that conditions name.
+    void BindParamCond();
+    /// Fires a message: the text parameter `name` takes its default. Does nothing for another name.
+    void BroadcastMessage(const char* name);
+    /// Gives the current text of a text parameter, valid until the parameter changes, and returns
+    /// 1; otherwise 0.
+    int GetParameterMessage(unsigned int id, const char** out);
+    /// Sets the current text of a text parameter and returns 1; otherwise 0. Null is an empty text.
+    int SetParameterMessage(unsigned int id, const char* text);
+    /// Gives the text of a text attribute of the current state, valid as long as the machine, and
+    /// returns 1; otherwise 0.
+    int GetAttributeValue(const char* name, const char** out);
+    /// Sets the text of an attribute of the current state and returns 1, also where its type is
+    /// another and nothing changes; 0 when there is no such attribute.
+    int SetAttribValue(const char* name, const char* text);
+    /// Sets nothing: logs the attribute's type and returns 0.
+    int SetAttribValue(const char* name, void* value);
+    /// Tests `table` for null. Returns 1, or 0 with a log line.
+    int InitCond(NodeDefTable* table);
+
+protected:
+    // Loading.
+    int GetMemoryRequirements(const GenericValue& head);
+    const char* GetHSMType(const GenericValue& head);
+    int InitParameterTable(const GenericValue& root, HSMAlloc* arena);
+    int InitNodeDefTable(const GenericValue& nodes, HSMAlloc* arena);
+    int UninitParameterTable(HSMAlloc* arena);
+    int UninitNodeDefTable(HSMAlloc* arena);
+    int ImportLayers(const GenericValue& root, HSMAlloc* arena);
+    int ImportStates(const GenericValue& layer, HSMAlloc* arena);
+
+    // The tick.
+    int UpdateState(SMState* state, UpdateResult* result, float timeStep);
+    int UpdateStateStack(UpdateResult* result);
+    void StartState(unsigned int id, std::vector<unsigned int>& ids);
+
+    // Activation.
+    SMState* ActivateState(unsigned int id, float switchArgument);
+    int ActivateTransitions(SMState* state);
+    SMState* FindState(unsigned int id);
+
+    // The tree.
+    int CreateKVTable();
+    int DestroyKVTable();
+    int InitKVTable_Self();
+    int InitKVTable_ContextTable();
+    int InitKVTable_ParameterTable();
+    int InitKVTable_NodeDefTable();
+    int GetCurrentStackTable(Tessel::KVTable* out);
+    int UpdateKVTable_OnPushState(SMState* state);
+    int UpdateKVTable_OnPopState();
+    int SetContextInfo_StackStates(const Tessel::KVTable& table);
+    int SetContextInfo_StackBlip(const Tessel::KVTable& table);
+    int SetContextInfo_StateSwitching(const Tessel::KVTable& context);
+
+    using ListenerList = std::vector<IBroadcastListener*>;
+
+    Tessel::KVTable kvTable;                       ///< root of the tree; null until Init
+    ParameterTable* parameterTable = nullptr;      ///< in the arena; null without JSON_Parameters
+    NodeDefTable* nodeDefTable = nullptr;          ///< in the arena; null when Create failed
+    GenericDocument document;                      ///< definitions point into its texts
+    const char* filePath = nullptr;                ///< the host's
+    const char* auxiliaryName = nullptr;           ///< the host's; never read
+    const char* jsonText = nullptr;                ///< the host's
+    unsigned int startStateID = 0;                 ///< node that Start pushes
+    __STATE_MACHINE_TYPES__ machineType = {};      ///< from the head
+    SMState* previousState = nullptr;              ///< state last left by a transition
+    SMState* globalState = nullptr;                ///< made by the first Start
+    bool applyingContext = false;                  ///< Update does nothing while it is true
+    std::map<unsigned int, Action*> actions;       ///< not owned
+    std::vector<SMState*> stateStack;              ///< the main stack, bottom first
+    std::vector<SMState*> blipStack;               ///< the stack of a blip, bottom first
+    std::vector<SMState*>* currentStack = nullptr; ///< one of the two; null until Start
+    std::map<unsigned int, SMState*> states;       ///< every state ever activated; in the arena
+    HSMAlloc alloc;                                ///< the arena
+    ListenerList stateChangeListeners;             ///< not owned
+    ListenerList transitionChangeListeners;        ///< not owned; nobody calls them
+    ListenerList eventListeners;                   ///< not owned
+    bool blipActive = false;                       ///< a blip runs
+    int blipStackLevel = 0;                        ///< top index at the last blip; never read
+    int blipPriority = 1;                          ///< lowest priority that starts a blip
+    StateSwitchCallback stateSwitchCallback = nullptr;
+    std::string fileName; ///< copy of filePath's text, taken by Create, for the tree
+
+private:
+    int Subscribe(ListenerList& list, IBroadcastListener* listener);
+    int Unsubscribe(ListenerList& list, IBroadcastListener* listener);
+    int Notify();
+    unsigned int ParseDocument();
+    void StartBlip(UpdateResult* result);
+    void ReportStateChange(SMState* previous, unsigned int nextId);
+    Tessel::KVTable GetContextTable() const;
+};
+
+} // namespace vell

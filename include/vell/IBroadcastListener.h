@@ -1,0 +1,20 @@
+// VELL: data-driven hierarchical state machines.
+// include/vell/IBroadcastListener.h: the interface of whoever is told of events.
+#pragma once
+
+#include <vell/Export.h>
+
+namespace vell
+{
+
+/// Receives events. Listeners belong to the host: the machine keeps plain pointers, never deletes
+/// one, and a listener that goes away unsubscribes itself first. There is no virtual destructor.
+class VELL_API IBroadcastListener
+{
+public:
+    /// Takes the event `event` with its `record`, which is valid during the call only and may be
+    /// null. The machine does not look at the result.
+    virtual int OnBroadcastEvent(int event, const void* record) = 0;
+};
+
+} // namespace vell

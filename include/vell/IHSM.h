@@ -1,0 +1,121 @@
+// VELL: data-driven hierarchical state machines.
+// include/vell/IHSM.h: a machine as a host holds it.
+#pragma once
+
+#include <vell/Export.h>
+#include <vell/Json.h>
+#include <vell/Types.h>
+
+#include <tessel/Tessel.h>
+
+namespace vell
+{
+
+class Action;
+class BaseDef;
+class HSM;
+class HSMAlloc;
+class IBaseDef;
+class IBroadcastListener;
+class IHSM;
+class IParameterTable;
+class SMState;
+
+/// Makes the definition of a node from its JSON object, not yet initialised, in the arena; null
+/// when it cannot.
+using NodeDefFactory = BaseDef* (*)(const GenericValue& node, HSMAlloc* alloc);
+/// Makes the run-time state of the node `id` in the arena; null when it cannot.
+using StateFactory = SMState* (*)(unsigned int id, HSMAlloc* alloc);
+/// Hears of every activation: the machine, the state last left (or null), the state now activated
+/// and not yet entered, and the float of the transition that fired (else 0). Must not call Update,
+/// PushState or PopState.
+using StateSwitchCallback = void (*)(HSM* machine, SMState* previous, SMState* next,
+                                     float argument);
+/// Decides whether a transition holds. `state` is always null.
+using Trigger = bool (*)(IHSM* machine, SMState* state);
+/// Makes the default action for a definition; `scriptName` may be null.
+using ActionFactory = Action* (*)(const char* scriptName);
+
+/// A machine. A host keeps this order: a factory (CreateHSM, CreateHSMJson); `RegisterNodeDef`;
+/// `Init`, the only place where a failed load shows; registrations and subscriptions; `Start`,
+/// once; `Update`, once a frame; `Uninit`; `Destroy`; delete. A machine belongs to one thread at a
+/// time, and machines are made and deleted by one thread at a time.
+class VELL_API IHSM
+{
+public:
+    // The order of these is part of the interface.
+
+    virtual ~IHSM() = default;
+    /// Fills the tables from the document. Returns 1, or 0 with log lines.
+    virtual int Init() = 0;
+    /// Releases the definitions and the arena and closes the tree. After it only `Destroy` and
+    /// deletion are allowed. Returns 1.
+    virtual int Uninit() = 0;
+    /// Puts both stacks and the last state change into the state that `context` records, a table of
+    /// the shape of another machine's "contextInfo". Returns 1, also when an id names no state,
+    /// which only the log shows. States are neither left nor entered.
+    virtual int SetContextInfo(const Tessel::KVTable& context) = 0;
+    /// Reads the document. The constructors call it; a subclass built without a document calls it
+    /// itself. Returns 1, or 0 with log lines.
+    virtual int Create() = 0;
+    /// Empties the state-builder registry of the process. Returns 1.
+    virtual int Destroy() = 0;
+    /// One tick; `timeStep` in the host's unit of time. Throws std::out_of_range when a blip that
+    /// ends leaves the walk above the main stack.
+    virtual void Update(float timeStep) = 0;
+    /// Activates the global state and enters the start state. Failures go to the log.
+    virtual void Start() = 0;
+    /// Gives the parameters, or null before `Init`.
+    virtual IParameterTable* GetParameterTable() = 0;
+    /// Gives a parameter's id, or 0, without a log line.
+    virtual unsigned int FindParameterByName(const char* name) = 0;
+    /// Gives the root of the tree that mirrors the machine, or a null handle.
+    virtual Tessel::KVTable GetKVTable() const = 0;
+    /// Gives the innermost active state, or null.
+    virtual SMState* GetCurrentState() = 0;
+    /// Gives the model's file name, or null; never an empty text.
+    virtual const char* GetMDLAsset() = 0;
+    /// Gives the skeleton's file name, or null.
+    virtual const char* GetSkelAsset() = 0;
+    /// Gives the document's GUID, empty when it has none; null with a log line without a node
+    /// table.
+    virtual const char* GetGUID() = 0;
+    /// Gives the machine type that the document names.
+    virtual __STATE_MACHINE_TYPES__ GetHSMType() const = 0;
+    /// Starts a walk over the definitions whose flags meet `mask`, in ascending id. Null at the
+    /// end. One walk runs at a time.
+    virtual IBaseDef* BeginDef(unsigned int mask) = 0;
+    /// Goes on with the walk.
+    virtual IBaseDef* NextDef(unsigned int mask) = 0;
+    /// Gives the definition with this name and the lowest id, or null with a log line.
+    virtual IBaseDef* FindDef(const char* name) = 0;
+    /// Gives the definition, or null with a log line.
+    virtual IBaseDef* FindDef(unsigned int id) = 0;
+    /// The listener lists. Each Subscribe returns 1, or 0 when `listener` is on the list already;
+    /// each Unsubscribe returns 1, or 0 when it is not. Nobody calls the transition change
+    /// listeners: the record of a state change names the transition.
+    virtual int SubscribeTransitionChange(IBroadcastListener* listener) = 0;
+    virtual int UnsubscribeTransitionChange(IBroadcastListener* listener) = 0;
+    virtual int SubscribeStateChange(IBroadcastListener* listener) = 0;
+    virtual int UnsubscribeStateChange(IBroadcastListener* listener) = 0;
+    virtual int SubscribeEvents(IBroadcastListener* listener) = 0;
+    virtual int UnsubscribeEvents(IBroadcastListener* listener) = 0;
+    /// Puts `action` into the look-up by its id. Returns 0, also on success: `FindAction` tells.
+    /// The action stays the host's.
+    virtual int RegisterAction(Action* action) = 0;
+    /// Gives the registered action, or null.
+    virtual Action* FindAction(unsigned int id) = 0;
+    /// Makes `factory` build the nodes of a builder number, for every machine of the process that
+    /// is not yet initialised. Returns 1, or 0 with a log line.
+    virtual int RegisterNodeDef(__DURM_BUILDERS__ builder, NodeDefFactory factory) = 0;
+
+protected:
+    /// Makes `factory` build the states of a builder number, for every machine of the process.
+    virtual int RegisterState(__DURM_BUILDERS__ builder, StateFactory factory) = 0;
+
+public:
+    /// Sets the one callback; null for none.
+    virtual void SetStateSwitchCallback(StateSwitchCallback callback) = 0;
+};
+
+} // namespace vell

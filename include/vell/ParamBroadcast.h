@@ -1,0 +1,35 @@
+// VELL: data-driven hierarchical state machines.
+// include/vell/ParamBroadcast.h: the record by which host input reaches parameters.
+#pragma once
+
+#include <cstddef>
+
+namespace vell
+{
+
+/// One piece of host input, as `OnBroadcastEvent` of a parameter takes it. The class of the
+/// parameter decides which of the overlapping inputs it reads. For event 6 the record is not this
+/// one but the bare value: one to four floats.
+struct ParamBroadcast
+{
+    int subKind;             ///< a bool parameter takes event 1 only when this is 1
+    int binding;             ///< compared with the parameter's `GetAssign`
+    unsigned char unread[8]; ///< the host's own
+    union
+    {
+        int boolean;     ///< bool input; non-zero is true
+        float vector[4]; ///< three or four floats of a vector input
+        struct
+        {
+            float unused;    ///< stands before the scalar input
+            float scalar[2]; ///< one float, or the two of a two-float input
+        } stick;
+    } input;
+};
+
+static_assert(sizeof(ParamBroadcast) == 32, "the record ends with the fourth float");
+static_assert(offsetof(ParamBroadcast, binding) == 4, "the binding number lies at byte 4");
+static_assert(offsetof(ParamBroadcast, input) == 16, "the input starts at byte 16");
+static_assert(offsetof(ParamBroadcast, input.stick.scalar) == 20, "the scalar lies at byte 20");
+
+} // namespace vell

@@ -1,0 +1,200 @@
+// VELL: data-driven hierarchical state machines.
+// include/vell/Parameters.h: the seven parameter classes.
+#pragma once
+
+#include <vell/ParameterDef.h>
+#include <vell/ParameterValues.h>
+
+#include <string>
+
+namespace vell
+{
+
+/// A bool parameter.
+class VELL_API ParameterBoolDef : public ParameterDef, public IParameterBoolDef
+{
+public:
+    ParameterBoolDef();
+    ~ParameterBoolDef() override;
+
+    int InitKVTable() override;
+    bool GetDefaultValue() override;
+    void SetDefaultValue(bool newDefault) override;
+    bool GetValue() override;
+    void SetValue(bool newValue) override;
+    void* GetValuePtr() override;
+    void ResetValue() override;
+    void PullValue() override;
+    int OnBroadcastEvent(int event, const void* record) override;
+
+private:
+    void WriteValue();
+
+    union
+    {
+        bool defaultValue;
+        int defaultBytes; ///< zero; a four-byte read of the default stays inside it
+    };
+    union
+    {
+        bool value;
+        int valueBytes; ///< zero but for the value; a four-byte read stays inside the object
+    };
+};
+
+/// A signed 32-bit parameter.
+class VELL_API ParameterIntegerDef : public ParameterDef, public IParameterIntDef
+{
+public:
+    ParameterIntegerDef();
+    ~ParameterIntegerDef() override;
+
+    int InitKVTable() override;
+    int GetDefaultValue() override;
+    void SetDefaultValue(int newDefault) override;
+    int GetValue() override;
+    void SetValue(int newValue) override;
+    void* GetValuePtr() override;
+    void ResetValue() override;
+    void PullValue() override;
+    int OnBroadcastEvent(int event, const void* record) override;
+
+private:
+    void WriteValue();
+
+    int defaultValue = 0;
+    int value = 0;
+};
+
+/// A float parameter.
+class VELL_API ParameterFloatDef : public ParameterDef, public IParameterFloatDef
+{
+public:
+    ParameterFloatDef();
+    ~ParameterFloatDef() override;
+
+    int InitKVTable() override;
+    float GetDefaultValue() override;
+    void SetDefaultValue(float newDefault) override;
+    float GetValue() override;
+    void SetValue(float newValue) override;
+    void* GetValuePtr() override;
+    void ResetValue() override;
+    void PullValue() override;
+    int OnBroadcastEvent(int event, const void* record) override;
+
+private:
+    void WriteValue();
+
+    float defaultValue = 0.0f;
+    float value = 0.0f;
+};
+
+/// A two-float parameter with its length.
+class VELL_API ParameterAnalogDef : public ParameterDef, public IParameterAnalogDef
+{
+public:
+    ParameterAnalogDef();
+    ~ParameterAnalogDef() override;
+
+    int InitKVTable() override;
+    Tessel::Float2 GetDefaultValue() override;
+    void SetDefaultValue(const Tessel::Float2& newDefault) override;
+    Tessel::Float2 GetValue() override;
+    void SetValue(const Tessel::Float2& newValue) override;
+    void* GetValuePtr() override;
+    void ResetValue() override;
+    float GetMagnitude() override;
+    Tessel::Float2 GetVector() override;
+    void SetVector(const Tessel::Float2& newValue) override;
+    void PullValue() override;
+    int OnBroadcastEvent(int event, const void* record) override;
+
+private:
+    void WriteValue();
+
+    Tessel::Float2 defaultValue{};
+    Tessel::Float2 value{};
+    float magnitude = 0.0f; ///< length of `value`, as of the last SetValue
+};
+
+/// A three-float parameter with its length.
+class VELL_API ParameterFloat3Def : public ParameterDef, public IParameterFloat3Def
+{
+public:
+    ParameterFloat3Def();
+    ~ParameterFloat3Def() override;
+
+    int InitKVTable() override;
+    Tessel::Float3 GetDefaultValue() override;
+    void SetDefaultValue(const Tessel::Float3& newDefault) override;
+    Tessel::Float3 GetValue() override;
+    void SetValue(const Tessel::Float3& newValue) override;
+    void* GetValuePtr() override;
+    void ResetValue() override;
+    float GetMagnitude() override;
+    Tessel::Float3 GetVector() override;
+    void SetVector(const Tessel::Float3& newValue) override;
+    void PullValue() override;
+    int OnBroadcastEvent(int event, const void* record) override;
+
+private:
+    void WriteValue();
+
+    Tessel::Float3 defaultValue{};
+    Tessel::Float3 value{};
+    float magnitude = 0.0f; ///< length of `value`, as of the last SetValue
+};
+
+/// A four-float parameter.
+class VELL_API ParameterFloat4Def : public ParameterDef, public IParameterFloat4Def
+{
+public:
+    ParameterFloat4Def();
+    ~ParameterFloat4Def() override;
+
+    int InitKVTable() override;
+    Tessel::Float4 GetDefaultValue() override;
+    void SetDefaultValue(const Tessel::Float4& newDefault) override;
+    Tessel::Float4 GetValue() override;
+    void SetValue(const Tessel::Float4& newValue) override;
+    void* GetValuePtr() override;
+    void ResetValue() override;
+    void PullValue() override;
+    int OnBroadcastEvent(int event, const void* record) override;
+
+private:
+    void WriteValue();
+
+    Tessel::Float4 defaultValue{};
+    Tessel::Float4 value{};
+};
+
+/// A text parameter, by which messages reach conditions.
+class VELL_API ParameterMessageDef : public ParameterDef, public IParameterMessageDef
+{
+public:
+    ParameterMessageDef();
+    ~ParameterMessageDef() override;
+
+    int InitKVTable() override;
+    std::string GetDefaultValue() override;
+    void SetDefaultValue(std::string newDefault) override;
+    std::string GetValue() override;
+    void SetValue(const std::string& newValue) override;
+    void* GetValuePtr() override;
+    void ResetValue() override;
+    void PullValue() override;
+    int OnBroadcastEvent(int event, const void* record) override;
+
+    /// For the arena: gives heap memory back and returns the table that is left to close.
+    Tessel::KVTable ReleaseStorage();
+
+private:
+    void WriteValue();
+
+    std::string defaultValue;
+    std::string value;
+};
+
+} // namespace vell

@@ -1,0 +1,141 @@
+// VELL: data-driven hierarchical state machines.
+// include/vell/SMState.h: the run-time object of a node.
+#pragma once
+
+#include <vell/Export.h>
+#include <vell/Types.h>
+
+#include <tessel/Tessel.h>
+
+#include <vector>
+
+namespace vell
+{
+
+class Action;
+class AttribBase;
+class BaseDef;
+class HSM;
+class HSMAlloc;
+class SubstateState;
+class TransitionDef;
+struct UpdateResult;
+
+/// What sits on a machine's stack: runs its definition's actions and decides every tick whether one
+/// of its transitions fires. A state is made when its node is first needed and stays as long as the
+/// machine. A host that adds a kind of state derives from it, writes a factory that places the
+/// object with HSMAlloc::New, and registers it from a subclass of HSM (HSM::RegisterState).
+class VELL_API SMState
+{
+public:
+    SMState();
+    SMState(const SMState& other);
+    SMState& operator=(const SMState& other);
+
+    /// The factory of a plain state. Null with a log line when `alloc` is null or has no room.
+    static SMState* Create(unsigned int id, HSMAlloc* alloc);
+
+    // The order of these is part of the interface.
+
+    virtual ~SMState();
+    /// Takes the definition. Returns 1, or 0 with a log line for null.
+    virtual int Init(BaseDef* newDef);
+    /// Returns 1.
+    virtual int Uninit();
+    /// Tests that the exit connector leads to a definition. Returns 1, or 0 with a log line. The
+    /// library does not call it.
+    virtual int HandleInput(HSM* machine);
+    /// One tick of the state, `dt` in the host's unit of time. Returns 1, or 0 when `Execute`
+    /// failed, which then ran twice.
+    virtual int Update(HSM* machine, float dt);
+    /// Runs the enter actions, tells the parent, logs, and asks for the animation of a clip.
+    /// Returns 1, or 0 with a log line when there is no definition.
+    virtual int Enter();
+    /// Runs the execute actions. Returns 1, or 0 with a log line when there is no definition.
+    virtual int Execute(double dt);
+    /// Logs and runs the exit actions. Returns 1, or 0 with a log line when there is no definition.
+    virtual int Exit();
+    /// Returns the state itself.
+    virtual SMState* GetStates();
+    /// Finds the first transition, in ascending priority, that holds, and fills `result`. Returns
+    /// its target's id, or 0.
+    virtual unsigned int ProcessTransitions(HSM* machine, UpdateResult* result);
+
+    BaseDef* GetDef() const;
+    void SetDef(BaseDef* newDef);
+    /// Gives the substate whose nested level holds this state, or null.
+    SubstateState* GetParent() const;
+    void SetParent(SubstateState* newParent);
+    HSM* GetHSM() const;
+    void SetHSM(HSM* machine);
+    /// Null: the actions that run are those of the definition.
+    Action* GetEntryAction() const;
+    Action* GetExitAction() const;
+    /// Gives the definition's id, or 0 with a log line when there is no definition.
+    unsigned int GetID() const;
+    /// Gives the definition's parent id, or 0 with a log line when there is no definition.
+    unsigned int GetParentID() const;
+    /// Gives the definition's exit connector, or 0.
+    unsigned int GetExitConnector() const;
+
+    /// Appends `transition`, which may be null: evaluation passes over it.
+    void PushTransition(TransitionDef* transition);
+    /// Puts smaller priorities first. Equal ones keep their order.
+    void SortTransitions();
+    int GetNumTransitions() const;
+    /// Gives the transition, or null with a log line when `index` is at or past the count.
+    TransitionDef* GetTransitionAt(int index) const;
+
+    /// Gives the attribute of the definition, or null.
+    AttribBase* GetAttribBase(const char* name) const;
+    /// Sets the attribute and returns 1, also where its type is another and nothing changes; 0 when
+    /// there is no such attribute.
+    int SetAttrib(const char* name, const char* value);
+    int SetAttrib(const char* name, int value);
+    int SetAttrib(const char* name, float value);
+    int SetAttrib(const char* name, bool value);
+    int SetAttrib(const char* name, const Tessel::Float4& value);
+    int SetAttrib(const char* name, const Tessel::Float3& value);
+    int SetAttrib(const char* name, const Tessel::Float2& value);
+    /// Sets nothing: logs the attribute's type and returns 0.
+    int SetAttrib(const char* name, void* value);
+    /// Gives the text of a text attribute, valid as long as the machine, and returns 1; otherwise
+    /// 0.
+    int GetAttrib(const char* name, const char** out) const;
+    /// Writes the value of a bool (1 byte), integer or float attribute (4 bytes). Returns 1 also
+    /// when there is no such attribute or it is a text, and nothing is written; 0 for the vector
+    /// types.
+    int GetAttrib(const char* name, void* out) const;
+
+    /// For the arena: gives heap memory back; there is no table to close.
+    Tessel::KVTable ReleaseStorage();
+
+protected:
+    /// Runs the chain from `first` and returns 1.
+    int PerformActions(__ActType__ type, float dt, Action* first);
+
+    BaseDef* def = nullptr;                  ///< not owned
+    unsigned int id = 0;                     ///< as given to the factory; nobody reads it
+    std::vector<TransitionDef*> transitions; ///< in the order of evaluation; not owned
+    Action* entryAction = nullptr;           ///< nobody sets it
+    Action* exitAction = nullptr;            ///< nobody sets it
+    SubstateState* parent = nullptr;         ///< set on activation
+    HSM* hsm = nullptr;                      ///< set on activation
+
+private:
+    friend class HSM;
+    friend class EnterState;
+    friend class ExitState;
+    friend class GlobalState;
+    friend class SubstateState;
+
+    /// Places a T in the arena and gives it its id; null when there is no room.
+    template <class T>
+    static T* Place(unsigned int stateId, HSMAlloc* alloc);
+
+    void TellParent();
+    void RequestAnimation();
+    void ReportTransition(HSM* machine, TransitionDef& transition) const;
+};
+
+} // namespace vell

@@ -1,0 +1,25 @@
+// VELL: data-driven hierarchical state machines.
+// include/vell/vell.h: everything that a host may include, in one line.
+#pragma once
+
+#include <vell/Action.h>
+#include <vell/AttribBase.h>
+#include <vell/BaseDef.h>
+#include <vell/Events.h>
+#include <vell/Export.h>
+#include <vell/Factories.h>
+#include <vell/HSM.h>
+#include <vell/HSMAlloc.h>
+#include <vell/IAttribDef.h>
+#include <vell/IBaseDef.h>
+#include <vell/IBroadcastListener.h>
+#include <vell/IHSM.h>
+#include <vell/IParameterTable.h>
+#include <vell/Json.h>
+#include <vell/ParamBroadcast.h>
+#include <vell/ParameterDef.h>
+#include <vell/ParameterValues.h>
+#include <vell/Parameters.h>
+#include <vell/SMState.h>
+#include <vell/Types.h>
+#include <vell/UpdateResult.h>
