@@ -1,0 +1,156 @@
+// VELL: data-driven hierarchical state machines.
+// definitions/BaseDefActions.cpp: the three action lists of a definition.
+#include <vell/BaseDef.h>
+
+#include "foundation/Checks.h"
+
+#include <vell/Action.h>
+
+namespace vell
+{
+
+int BaseDef::RegisterEnter(Action* action)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(action);
+        Append(&enterActions, &numEnter, action);
+        result = 1;
+    } while (false);
+    return result;
+}
+
+int BaseDef::RegisterExit(Action* action)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(action);
+        Append(&exitActions, &numExit, action);
+        result = 1;
+    } while (false);
+    return result;
+}
+
+int BaseDef::RegisterExecute(Action* action)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(action);
+        Append(&executeActions, &numExecute, action);
+        result = 1;
+    } while (false);
+    return result;
+}
+
+void BaseDef::Append(Action** head, unsigned int* count, Action* action)
+{
+    action->SetOwner(this);
+    AddTail(head, action);
+    ++*count;
+}
+
+Action* BaseDef::GetActions()
+{
+    return executeActions;
+}
+
+Action* BaseDef::GetEnterActions()
+{
+    return enterActions;
+}
+
+Action* BaseDef::GetExitActions()
+{
+    return exitActions;
+}
+
+int BaseDef::RemoveAction(Action* action)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(action);
+        if (action == executeActions)
+        {
+            // Required: `prev` of the new head stays as the host left it.
+            executeActions = action->next;
+        }
+        else
+        {
+            Action* found = executeActions;
+            while (found != nullptr && found != action)
+            {
+                found = found->next;
+            }
+            if (found == nullptr)
+            {
+                break;
+            }
+            // Required: the predecessor is reached by `prev`, which registration does not write.
+            // Where the host did not set it, the predecessor keeps its link to the deleted action.
+            if (action->prev != nullptr)
+            {
+                action->prev->next = action->next;
+            }
+            if (action->next != nullptr)
+            {
+                action->next->prev = action->prev;
+            }
+        }
+        StepOver(action);
+        delete action;
+        --numExecute;
+        result = 1;
+    } while (false);
+    return result;
+}
+
+void BaseDef::StepOver(const Action* removed)
+{
+    for (ActionWalk* walk = walks; walk != nullptr; walk = walk->outer)
+    {
+        if (walk->next == removed)
+        {
+            walk->next = removed->next;
+        }
+    }
+}
+
+int BaseDef::AddTail(Action** head, Action* action)
+{
+    Action** link = head;
+    while (*link != nullptr)
+    {
+        link = &(*link)->next;
+    }
+    *link = action;
+    return 1;
+}
+
+int BaseDef::AddHead(Action** head, Action* action)
+{
+    if (*head != nullptr)
+    {
+        action->next = *head;
+    }
+    *head = action;
+    return 1;
+}
+
+int BaseDef::DestroyActions(Action** head)
+{
+    Action* action = *head;
+    while (action != nullptr)
+    {
+        Action* following = action->next;
+        delete action;
+        action = following;
+    }
+    *head = nullptr;
+    return 1;
+}
+
+} // namespace vell

@@ -1,0 +1,231 @@
+// VELL: data-driven hierarchical state machines.
+// definitions/BaseDefAttribs.cpp: the attributes of a definition.
+#include <vell/BaseDef.h>
+
+#include "definitions/AttribDefs.h"
+#include "definitions/JsonReader.h"
+#include "foundation/Checks.h"
+#include "foundation/NumberText.h"
+#include "foundation/TextCompare.h"
+
+#include <vell/HSMAlloc.h>
+
+namespace vell
+{
+namespace
+{
+
+constexpr const char* kDataMember = "ATTRIB_Data";
+
+/// Places the attribute class of a parameter type in the arena. Null when there is no room.
+AttribBase* PlaceAttrib(int type, HSMAlloc& alloc)
+{
+    switch (type)
+    {
+    case DURMBaseLib::PARAM_Bool:
+        return alloc.New<AttribDefBool>();
+    case DURMBaseLib::PARAM_Integer:
+        return alloc.New<AttribDefInteger>();
+    case DURMBaseLib::PARAM_Float:
+        return alloc.New<AttribDefFloat>();
+    case DURMBaseLib::PARAM_Float2:
+        return alloc.New<AttribDefFloat2>();
+    case DURMBaseLib::PARAM_Float3:
+        return alloc.New<AttribDefFloat3>();
+    case DURMBaseLib::PARAM_Float4:
+        return alloc.New<AttribDefFloat4>();
+    default:
+        return alloc.New<AttribDefString>();
+    }
+}
+
+/// Gives the parameter type that an attribute type name stands for, or 0.
+int FindAttribType(const char* typeName)
+{
+    static constexpr struct
+    {
+        const char* name;
+        int type;
+    } types[] = {
+        {"QString", DURMBaseLib::PARAM_Message},  {"int", DURMBaseLib::PARAM_Integer},
+        {"double", DURMBaseLib::PARAM_Float},     {"QVector2D", DURMBaseLib::PARAM_Float2},
+        {"QVector3D", DURMBaseLib::PARAM_Float3}, {"QVector4D", DURMBaseLib::PARAM_Float4},
+        {"bool", DURMBaseLib::PARAM_Bool},
+    };
+    for (const auto& entry : types)
+    {
+        if (EqualsIgnoringCase(typeName, entry.name))
+        {
+            return entry.type;
+        }
+    }
+    return 0;
+}
+
+/// Gives how many floats a parameter type holds as a vector; 0 for the others.
+int VectorWidth(int type)
+{
+    switch (type)
+    {
+    case DURMBaseLib::PARAM_Float2:
+        return 2;
+    case DURMBaseLib::PARAM_Float3:
+        return 3;
+    case DURMBaseLib::PARAM_Float4:
+        return 4;
+    default:
+        return 0;
+    }
+}
+
+void SetFirstValue(AttribBase& attrib, const GenericValue& value, const float* vector)
+{
+    switch (attrib.GetDefaultType())
+    {
+    case DURMBaseLib::PARAM_Bool:
+        return attrib.SetValue(ReadBool(value));
+    case DURMBaseLib::PARAM_Integer:
+        return attrib.SetValue(ReadInt(value));
+    case DURMBaseLib::PARAM_Float:
+        return attrib.SetValue(ReadFloat(value));
+    case DURMBaseLib::PARAM_Float2:
+        return attrib.SetValue(Tessel::Float2{vector[0], vector[1]});
+    case DURMBaseLib::PARAM_Float3:
+        return attrib.SetValue(Tessel::Float3{vector[0], vector[1], vector[2]});
+    case DURMBaseLib::PARAM_Float4:
+        return attrib.SetValue(Tessel::Float4{vector[0], vector[1], vector[2], vector[3]});
+    default:
+        return attrib.SetValue(ReadText(value));
+    }
+}
+
+} // namespace
+
+int BaseDef::Init_Attribs(const GenericValue& node, HSMAlloc* alloc)
+{
+    int result = 0;
+    do
+    {
+        const GenericValue* array = FindMember(node, JSON_Attributes);
+        if (array == nullptr)
+        {
+            result = 1;
+            break;
+        }
+        ERROR_BREAK(array->IsArray());
+        numAttribs = array->Size();
+        result = 1;
+        for (const GenericValue& element : array->GetArray())
+        {
+            result = 0;
+            ERROR_BREAK(Init_Attrib(element, alloc));
+            result = 1;
+        }
+    } while (false);
+    return result;
+}
+
+int BaseDef::Init_Attrib(const GenericValue& element, HSMAlloc* alloc)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(element.IsObject());
+        const GenericValue* array = FindMember(element, kDataMember);
+        if (array == nullptr)
+        {
+            result = 1;
+            break;
+        }
+        ERROR_BREAK(array->IsArray());
+        const GenericValue& data = GetFirstElement(*array);
+        ERROR_BREAK(data.IsObject());
+        const GenericValue* typeMember = FindMember(data, JSON_AttributeType);
+        if (typeMember == nullptr)
+        {
+            result = 1;
+            break;
+        }
+        const char* typeName = ReadText(*typeMember);
+        const int attribType = FindAttribType(typeName);
+        if (attribType == 0)
+        {
+            LogStream(LogError) << typeName << " isn't implemented for this sprint (yet)"
+                                << EndLine;
+            break;
+        }
+        AttribBase* attrib = PlaceAttrib(attribType, *alloc);
+        ERROR_BREAK(attrib);
+
+        const int width = VectorWidth(attribType);
+        float vector[4] = {};
+        if (width != 0)
+        {
+            const GenericValue* text = FindMember(data, JSON_Value);
+            ERROR_BREAK(text != nullptr);
+            ERROR_BREAK(ReadNumbers(ReadText(*text), vector, width));
+        }
+        SetFirstValue(*attrib, GetMember(data, JSON_Value), vector);
+
+        attrib->SetName(ReadText(element, JSON_Name));
+        attrib->InitKVTableListener();
+        const bool inserted = attribs.emplace(attrib->GetName(), attrib).second;
+        ERROR_BREAK(inserted);
+        ERROR_BREAK(TabAddAttrib(attrib));
+        result = 1;
+    } while (false);
+    return result;
+}
+
+int BaseDef::Uninit_Attribs()
+{
+    for (const auto& entry : attribs)
+    {
+        Uninit_Attrib(entry.second);
+    }
+    return 1;
+}
+
+int BaseDef::Uninit_Attrib(AttribBase* attrib)
+{
+    if (attrib != nullptr)
+    {
+        attrib->UnInitKVTableListener();
+    }
+    return 1;
+}
+
+int BaseDef::TabAddAttrib(AttribBase* attrib)
+{
+    Tessel::KVTable attribTable = attrib->GetKVTable();
+    if (attribTable)
+    {
+        attribTable->SetUInt("nodeID", id, 1);
+    }
+    if (Tessel::KVTable children = kvTable ? kvTable->GetTable("attribs") : Tessel::KVTable())
+    {
+        children->AttachTable(attrib->GetName(), attribTable, 1);
+    }
+    return 1;
+}
+
+AttribBase* BaseDef::GetAttrib(const char* attribName)
+{
+    if (attribName == nullptr)
+    {
+        return nullptr;
+    }
+    // Required: a hit by the address of the name does not end the search; the last equal name in
+    // the order of addresses wins.
+    AttribBase* found = nullptr;
+    for (const auto& entry : attribs)
+    {
+        if (entry.second != nullptr && EqualsText(entry.second->GetName(), attribName))
+        {
+            found = entry.second;
+        }
+    }
+    return found;
+}
+
+} // namespace vell

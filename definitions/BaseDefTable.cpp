@@ -1,0 +1,72 @@
+// VELL: data-driven hierarchical state machines.
+// definitions/BaseDefTable.cpp: a definition's key/value table.
+#include <vell/BaseDef.h>
+
+namespace vell
+{
+
+int BaseDef::CreateKVTable()
+{
+    kvTable = Tessel::CreateTable("baseDef");
+    if (kvTable)
+    {
+        kvTable->AddTable("attribs", 1);
+    }
+    return 1;
+}
+
+int BaseDef::DestroyKVTable()
+{
+    if (kvTable)
+    {
+        Tessel::CloseTable(kvTable);
+    }
+    return 1;
+}
+
+int BaseDef::InitKVTable()
+{
+    if (!kvTable)
+    {
+        CreateKVTable();
+    }
+    if (kvTable)
+    {
+        kvTable->SetUInt("id", id, 1);
+        if (Tessel::KVTable attribTable = kvTable->GetTable("attribs"))
+        {
+            attribTable->SetUInt("id", id, 1);
+        }
+    }
+    return 1;
+}
+
+int BaseDef::UninitKVTable()
+{
+    return 1;
+}
+
+int BaseDef::TabSetName()
+{
+    return kvTable ? kvTable->SetString("name", name, 1) : 0;
+}
+
+int BaseDef::TabSetDynamic(int dynamic)
+{
+    if (kvTable)
+    {
+        kvTable->SetInt("dynamic", dynamic, 1);
+        if (dynamic != 0)
+        {
+            TabSetName();
+        }
+    }
+    return 1;
+}
+
+Tessel::KVTable BaseDef::GetKVTable() const
+{
+    return kvTable;
+}
+
+} // namespace vell

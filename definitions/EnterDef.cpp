@@ -1,0 +1,39 @@
+// VELL: data-driven hierarchical state machines.
+// definitions/EnterDef.cpp: the enter node of a level.
+#include "definitions/EnterDef.h"
+
+#include "definitions/DefPlacement.h"
+#include "definitions/JsonReader.h"
+#include "foundation/Checks.h"
+
+namespace vell
+{
+
+BaseDef* EnterDef::Create(const GenericValue& node, HSMAlloc* alloc)
+{
+    EnterDef* def = nullptr;
+    do
+    {
+        ERROR_BREAK(node.IsObject());
+        def = PlaceDef<EnterDef>(alloc, DefTypeEnter, DefTypesState);
+        ERROR_BREAK(def);
+    } while (false);
+    return def;
+}
+
+int EnterDef::Init(const GenericValue& node, HSMAlloc* alloc)
+{
+    do
+    {
+        ERROR_BREAK(node.IsObject());
+        ERROR_BREAK(alloc);
+        ERROR_BREAK(BaseDef::Init(node, alloc));
+        targetId = ReadUInt(node, JSON_EntryTarget);
+        ERROR_BREAK(targetId);
+        return 1;
+    } while (false);
+    Uninit();
+    return 0;
+}
+
+} // namespace vell

@@ -1,0 +1,23 @@
+// VELL: data-driven hierarchical state machines.
+// definitions/EnterDef.h: the enter node of a level.
+#pragma once
+
+#include <vell/BaseDef.h>
+
+namespace vell
+{
+
+/// The enter node of a level.
+class EnterDef : public BaseDef
+{
+public:
+    /// The factory: places the definition in the arena, not yet initialised. Null with a log line
+    /// when `node` is no object or there is no room.
+    static BaseDef* Create(const GenericValue& node, HSMAlloc* alloc);
+
+    int Init(const GenericValue& node, HSMAlloc* alloc) override;
+
+    unsigned int targetId = 0; ///< the level's first state
+};
+
+} // namespace vell

@@ -1,0 +1,42 @@
+// VELL: data-driven hierarchical state machines.
+// definitions/ExitDef.cpp: the exit node of a level.
+#include "definitions/ExitDef.h"
+
+#include "definitions/DefPlacement.h"
+#include "definitions/JsonReader.h"
+#include "foundation/Checks.h"
+
+namespace vell
+{
+
+BaseDef* ExitDef::Create(const GenericValue& node, HSMAlloc* alloc)
+{
+    ExitDef* def = nullptr;
+    do
+    {
+        ERROR_BREAK(node.IsObject());
+        def = PlaceDef<ExitDef>(alloc, DefTypeExit, DefTypesState);
+        ERROR_BREAK(def);
+    } while (false);
+    return def;
+}
+
+int ExitDef::Init(const GenericValue& node, HSMAlloc* alloc)
+{
+    do
+    {
+        ERROR_BREAK(node.IsObject());
+        ERROR_BREAK(alloc);
+        ERROR_BREAK(BaseDef::Init(node, alloc));
+        if (const GenericValue* target = FindMember(node, JSON_EntryTarget))
+        {
+            targetId = ReadUInt(*target);
+            ERROR_BREAK(targetId);
+        }
+        return 1;
+    } while (false);
+    Uninit();
+    return 0;
+}
+
+} // namespace vell

@@ -1,0 +1,36 @@
+// VELL: data-driven hierarchical state machines.
+// definitions/GenericDef.cpp: a plain state.
+#include "definitions/GenericDef.h"
+
+#include "definitions/DefPlacement.h"
+#include "foundation/Checks.h"
+
+namespace vell
+{
+
+BaseDef* GenericDef::Create(const GenericValue& node, HSMAlloc* alloc)
+{
+    GenericDef* def = nullptr;
+    do
+    {
+        ERROR_BREAK(node.IsObject());
+        def = PlaceDef<GenericDef>(alloc, DefTypeGeneric, DefTypesState);
+        ERROR_BREAK(def);
+    } while (false);
+    return def;
+}
+
+int GenericDef::Init(const GenericValue& node, HSMAlloc* alloc)
+{
+    do
+    {
+        ERROR_BREAK(node.IsObject());
+        ERROR_BREAK(alloc);
+        ERROR_BREAK(BaseDef::Init(node, alloc));
+        return 1;
+    } while (false);
+    Uninit();
+    return 0;
+}
+
+} // namespace vell

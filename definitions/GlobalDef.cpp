@@ -1,0 +1,36 @@
+// VELL: data-driven hierarchical state machines.
+// definitions/GlobalDef.cpp: the node whose transitions interrupt the machine.
+#include "definitions/GlobalDef.h"
+
+#include "definitions/DefPlacement.h"
+#include "foundation/Checks.h"
+
+namespace vell
+{
+
+BaseDef* GlobalDef::Create(const GenericValue& node, HSMAlloc* alloc)
+{
+    GlobalDef* def = nullptr;
+    do
+    {
+        ERROR_BREAK(node.IsObject());
+        def = PlaceDef<GlobalDef>(alloc, DefTypeGlobal, DefTypesState);
+        ERROR_BREAK(def);
+    } while (false);
+    return def;
+}
+
+int GlobalDef::Init(const GenericValue& node, HSMAlloc* alloc)
+{
+    do
+    {
+        ERROR_BREAK(node.IsObject());
+        ERROR_BREAK(alloc);
+        ERROR_BREAK(BaseDef::Init(node, alloc));
+        return 1;
+    } while (false);
+    Uninit();
+    return 0;
+}
+
+} // namespace vell

@@ -1,0 +1,249 @@
+// VELL: data-driven hierarchical state machines.
+// definitions/NodeDefTable.cpp: building, filing and finding of definitions.
+#include "definitions/NodeDefTable.h"
+
+#include "definitions/AnimClipDef.h"
+#include "definitions/ConnectorDef.h"
+#include "definitions/EnterDef.h"
+#include "definitions/ExitDef.h"
+#include "definitions/GenericDef.h"
+#include "definitions/GlobalDef.h"
+#include "definitions/JsonReader.h"
+#include "definitions/SubstateDef.h"
+#include "foundation/Checks.h"
+#include "foundation/TextCompare.h"
+#include "transitions/ConditionDef.h"
+#include "transitions/TransitionDef.h"
+
+#include <vell/HSMAlloc.h>
+
+#include <cstdio>
+
+namespace vell
+{
+namespace
+{
+
+using BuilderMap = std::map<__DURM_BUILDERS__, NodeDefFactory>;
+
+/// The one registry of the process. It is never destroyed, so that a machine may still be deleted
+/// while static objects are.
+BuilderMap& Builders()
+{
+    static auto* builders = new BuilderMap;
+    return *builders;
+}
+
+BaseDef* CreateTransition(const GenericValue& node, HSMAlloc* alloc)
+{
+    return TransitionDef::Create(node, alloc);
+}
+
+} // namespace
+
+NodeDefTable::NodeDefTable() : cursor(nodes.end())
+{
+    RegisterNodeDef(DURMBaseLib::BUILDER_Base, BaseDef::Create);
+    RegisterNodeDef(DURMBaseLib::BUILDER_AnimClip, AnimClipDef::Create);
+    RegisterNodeDef(DURMBaseLib::BUILDER_Generic, GenericDef::Create);
+    RegisterNodeDef(DURMBaseLib::BUILDER_Connector, ConnectorDef::Create);
+    RegisterNodeDef(DURMBaseLib::BUILDER_Transition, CreateTransition);
+    RegisterNodeDef(DURMBaseLib::BUILDER_Enter, EnterDef::Create);
+    RegisterNodeDef(DURMBaseLib::BUILDER_Exit, ExitDef::Create);
+    RegisterNodeDef(DURMBaseLib::BUILDER_Condition, ConditionDef::Create);
+    RegisterNodeDef(DURMBaseLib::BUILDER_Global, GlobalDef::Create);
+    RegisterNodeDef(DURMBaseLib::BUILDER_Substate, SubstateDef::Create);
+}
+
+NodeDefTable::~NodeDefTable()
+{
+    ClearBuilders();
+}
+
+int NodeDefTable::RegisterNodeDef(__DURM_BUILDERS__ builder, NodeDefFactory factory)
+{
+    Builders()[builder] = factory;
+    return 1;
+}
+
+void NodeDefTable::ClearBuilders()
+{
+    Builders().clear();
+}
+
+int NodeDefTable::Init(const GenericValue& newNodes, HSMAlloc* alloc)
+{
+    do
+    {
+        if (!kvTable)
+        {
+            ERROR_BREAK(CreateKVTable());
+        }
+        ERROR_BREAK(newNodes.IsArray());
+        numNodes = newNodes.Size();
+        for (const GenericValue& node : newNodes.GetArray())
+        {
+            ERROR_GOTO(node.IsObject(), failed);
+            BaseDef* def = CreateNodeDef(node, alloc);
+            ERROR_GOTO(def, failed);
+            // Required: a refused definition is offered a second time, which its log lines and its
+            // index show, and ends the array; the load goes on with the nodes before it.
+            ERROR_BREAK(InsertNode(def));
+        }
+        return 1;
+    } while (false);
+
+failed:
+    Uninit();
+    return 0;
+}
+
+BaseDef* NodeDefTable::CreateNodeDef(const GenericValue& node, HSMAlloc* alloc)
+{
+    do
+    {
+        ASSERT_BREAK(alloc != nullptr && node.IsObject());
+        const int builder = DURMBaseLib::GetBuilderIndex(ReadText(node, JSON_BuilderType));
+        const auto entry = Builders().find(static_cast<__DURM_BUILDERS__>(builder));
+        ERROR_BREAK(entry != Builders().end());
+        BaseDef* def = entry->second == nullptr ? nullptr : entry->second(node, alloc);
+        ERROR_BREAK(def);
+        const int initialised = def->Init(node, alloc);
+        ERROR_BREAK(initialised);
+        if (def->GetType() == DefTypeEnter)
+        {
+            LogStream(LogInfo) << "EnterNode: " << def->GetName()
+                               << " - ParentID: " << def->GetParentID() << EndLine;
+            InsertEnterNode(def);
+        }
+        def->InitKVTable();
+        return def;
+    } while (false);
+
+    LogStream(LogError) << "Failed to create builder type - (" << ReadText(node, JSON_BuilderType)
+                        << ")" << EndLine;
+    return nullptr;
+}
+
+int NodeDefTable::InsertNode(BaseDef* def)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(def);
+        def->SetIndex(static_cast<int>(nextIndex));
+        ++nextIndex;
+        const unsigned int id = def->GetID();
+        const auto [position, inserted] = nodes.emplace(id, def);
+        if (!inserted)
+        {
+            BaseDef* old = position->second;
+            LogStream(LogError) << "Duplicate ID (" << id << ") error: " << def->GetName()
+                                << " conflicts with " << (old == nullptr ? nullptr : old->GetName())
+                                << EndLine;
+        }
+        nodeIds.push_back(id);
+        ERROR_BREAK(inserted);
+
+        char key[64];
+        std::snprintf(key, sizeof(key), "%u", id);
+        ASSERT_BREAK(kvTable && kvTable->AttachTable(key, def->GetKVTable(), 1));
+        result = 1;
+    } while (false);
+    return result;
+}
+
+int NodeDefTable::InsertEnterNode(BaseDef* def)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(def);
+        const bool inserted = enterNodes.emplace(def->GetParentID(), def).second;
+        ERROR_BREAK(inserted);
+        result = 1;
+    } while (false);
+    return result;
+}
+
+BaseDef* NodeDefTable::Find(unsigned int id) const
+{
+    const auto entry = nodes.find(id);
+    return entry == nodes.end() ? nullptr : entry->second;
+}
+
+BaseDef* NodeDefTable::FindByName(const char* name) const
+{
+    for (const auto& entry : nodes)
+    {
+        if (entry.second != nullptr && EqualsText(entry.second->GetName(), name))
+        {
+            return entry.second;
+        }
+    }
+    return nullptr;
+}
+
+BaseDef* NodeDefTable::FindFirst(unsigned int mask)
+{
+    return WalkFrom(nodes.begin(), mask);
+}
+
+BaseDef* NodeDefTable::FindNext(unsigned int mask)
+{
+    return WalkFrom(cursor, mask);
+}
+
+BaseDef* NodeDefTable::WalkFrom(NodeMap::iterator position, unsigned int mask)
+{
+    for (; position != nodes.end(); ++position)
+    {
+        BaseDef* def = position->second;
+        const bool accepted =
+            def != nullptr && (mask == 0xffffffffu || (def->GetFlags() & mask) != 0);
+        if (accepted)
+        {
+            cursor = ++position;
+            return def;
+        }
+    }
+    return nullptr;
+}
+
+int NodeDefTable::CreateKVTable()
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(!kvTable);
+        kvTable = Tessel::CreateTable("nodeDefTable");
+        ERROR_BREAK(static_cast<bool>(kvTable));
+        result = 1;
+    } while (false);
+    return result;
+}
+
+void NodeDefTable::Uninit()
+{
+    numNodes = 0;
+    for (const auto& entry : nodes)
+    {
+        if (entry.second != nullptr)
+        {
+            entry.second->Uninit();
+        }
+    }
+    nodes.clear();
+    cursor = nodes.end();
+}
+
+Tessel::KVTable NodeDefTable::ReleaseStorage()
+{
+    NodeMap().swap(nodes);
+    NodeMap().swap(enterNodes);
+    std::vector<unsigned int>().swap(nodeIds);
+    cursor = nodes.end();
+    return kvTable;
+}
+
+} // namespace vell

@@ -1,0 +1,101 @@
+// VELL: data-driven hierarchical state machines.
+// definitions/NodeDefTable.h: all definitions of a machine, by id.
+#pragma once
+
+#include <vell/BaseDef.h>
+#include <vell/IHSM.h>
+
+#include <tessel/Tessel.h>
+
+#include <cstddef>
+#include <map>
+#include <vector>
+
+namespace vell
+{
+
+/// Turns the nodes of a document into definitions by way of the builder registry, and finds them
+/// again. Definitions lie in the arena and refer to each other by id only.
+class NodeDefTable
+{
+public:
+    using NodeMap = std::map<unsigned int, BaseDef*>;
+
+    /// Registers the ten standard factories.
+    NodeDefTable();
+    /// Empties the builder registry of the process. Never runs for the table in the arena.
+    virtual ~NodeDefTable();
+    NodeDefTable(const NodeDefTable&) = delete;
+    NodeDefTable& operator=(const NodeDefTable&) = delete;
+
+    /// Makes `factory` build the nodes of a number, for all machines of the process. Returns 1.
+    int RegisterNodeDef(__DURM_BUILDERS__ builder, NodeDefFactory factory);
+    /// Empties the builder registry of the process.
+    static void ClearBuilders();
+
+    /// Builds the nodes of one array. Returns 1, also after a duplicate id, which ends the array; 0
+    /// with log lines, and without any node, when one could not be built.
+    int Init(const GenericValue& nodes, HSMAlloc* alloc);
+    /// Takes in the head. Returns 1, or 0 with log lines.
+    int ImportHead(const GenericValue& head);
+    /// Takes in the skeleton section. Returns 1, or 0 with a log line.
+    int ImportSkel(const GenericValue& skeleton, HSMAlloc* alloc);
+    /// Builds the nodes of the global array. Returns 1, also when a node stopped it, or 0 with a
+    /// log line.
+    int ImportGlobal(const GenericValue& globals, HSMAlloc* alloc);
+    /// Builds one definition, not yet inserted. Null with log lines.
+    BaseDef* CreateNodeDef(const GenericValue& node, HSMAlloc* alloc);
+    /// Files `def` by its id and attaches its table. Returns 1, or 0 with log lines.
+    int InsertNode(BaseDef* def);
+    /// Files an enter node by its parent's id. Returns 1, or 0 with a log line when there is one.
+    int InsertEnterNode(BaseDef* def);
+    /// Stores the entry node's id, and logs when there is no such node.
+    void SetEnterNode(unsigned int id);
+
+    /// Gives the definition, or null.
+    BaseDef* Find(unsigned int id) const;
+    /// Gives the definition with this name and the lowest id, or null.
+    BaseDef* FindByName(const char* name) const;
+    /// Walks the definitions whose flags meet `mask`, in ascending id. Null at the end. There is
+    /// one cursor.
+    BaseDef* FindFirst(unsigned int mask);
+    BaseDef* FindNext(unsigned int mask);
+
+    /// Makes the table "nodeDefTable". Returns 1, or 0 with a log line when there is one.
+    int CreateKVTable();
+    /// Uninitialises all definitions and forgets them.
+    void Uninit();
+
+    /// For the arena: gives heap memory back and returns the table that is left to close.
+    Tessel::KVTable ReleaseStorage();
+
+    static constexpr std::size_t kIdentitySize =
+        70; ///< characters of a GUID or build id, terminated
+
+    Tessel::KVTable kvTable;           ///< null until the first Init
+    unsigned int numNodes = 0;         ///< size of the last array
+    unsigned int nextIndex = 0;        ///< insertions tried so far
+    unsigned int enterNodeId = 0;      ///< from the head
+    unsigned int globalNodeId = 0;     ///< last GlobalDef of the global array
+    unsigned int substateRootId = 0;   ///< from the head: the node that the machine starts with
+    unsigned int headValue84 = 0;      ///< from the head; nobody reads it
+    char guid[kIdentitySize] = {};     ///< empty when the head has none
+    char buildId[kIdentitySize] = {};  ///< the GUID when the head has none
+    NodeMap enterNodes;                ///< enter node of each parent id
+    NodeMap nodes;                     ///< every definition
+    std::vector<unsigned int> nodeIds; ///< in order of insertion, refused duplicates included
+    char* modelFileName = nullptr;     ///< in the arena
+    char* skeletonFileName = nullptr;  ///< in the arena
+    unsigned int skelValue89 = 0;      ///< from the skeleton; nobody reads it
+
+private:
+    void ImportIdentity(const GenericValue& head);
+    void PrintHead(const GenericValue& head, unsigned int substateRoot) const;
+    int ImportSkel_ModelFileName(const GenericValue& skeleton, HSMAlloc* alloc);
+    int ImportSkel_SkeletonFileName(const GenericValue& skeleton, HSMAlloc* alloc);
+    BaseDef* WalkFrom(NodeMap::iterator position, unsigned int mask);
+
+    NodeMap::iterator cursor; ///< position of the one walk
+};
+
+} // namespace vell

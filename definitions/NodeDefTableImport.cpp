@@ -1,0 +1,185 @@
+// VELL: data-driven hierarchical state machines.
+// definitions/NodeDefTableImport.cpp: the head, skeleton and global sections of a document.
+#include "definitions/NodeDefTable.h"
+
+#include "definitions/JsonReader.h"
+#include "foundation/ArenaMemory.h"
+#include "foundation/Checks.h"
+
+#include <cstring>
+
+namespace vell
+{
+namespace
+{
+
+/// Copies a text that is shorter than `target` and writes it to the table. A longer one is dropped.
+void StoreIdentity(char (&target)[NodeDefTable::kIdentitySize], const char* text,
+                   Tessel::KVTable table, const char* key)
+{
+    const std::size_t length = strnlen(text, sizeof(target));
+    if (length == sizeof(target))
+    {
+        return;
+    }
+    std::memcpy(target, text, length + 1);
+    if (table)
+    {
+        table->SetString(key, target, 1);
+    }
+}
+
+void WriteText(Tessel::KVTable table, const char* key, const char* text)
+{
+    if (table && *text != '\0')
+    {
+        table->SetString(key, text, 1);
+    }
+}
+
+} // namespace
+
+int NodeDefTable::ImportHead(const GenericValue& head)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(head.IsObject());
+        const unsigned int enterNode = ReadUInt(head, JSON_HeadEnterNode);
+        const unsigned int version = ReadUInt(head, JSON_HeadVersion);
+        if (version > 1)
+        {
+            ImportIdentity(head);
+        }
+        const unsigned int value84 = version > 2 ? ReadUInt(head, JSON_HeadValue84) : 0;
+        const unsigned int substateRoot = version > 2 ? ReadUInt(head, JSON_HeadSubstateRoot) : 0;
+        PrintHead(head, substateRoot);
+        ERROR_BREAK(enterNode);
+        SetEnterNode(enterNode);
+        substateRootId = substateRoot;
+        headValue84 = value84;
+        result = 1;
+    } while (false);
+    return result;
+}
+
+void NodeDefTable::ImportIdentity(const GenericValue& head)
+{
+    const char* guidText = ReadText(head, JSON_GUID);
+    if (guidText != nullptr && *guidText != '\0')
+    {
+        StoreIdentity(guid, guidText, kvTable, "hsmID");
+    }
+    // Required: without a build id of its own a machine shows its GUID as the build id.
+    const GenericValue* build = FindMember(head, JSON_HeadBuildID);
+    const char* buildText = build == nullptr ? guidText : ReadText(*build);
+    if (buildText != nullptr)
+    {
+        StoreIdentity(buildId, buildText, kvTable, "buildID");
+    }
+}
+
+void NodeDefTable::PrintHead(const GenericValue& head, unsigned int substateRoot) const
+{
+    LogStream(LogPlain) << "\n\nHSM Entry Information" << EndLine;
+    LogStream(LogPlain) << "---------------------\n\n" << EndLine;
+    LogStream(LogInfo) << "HSM_ID:\t\t\t" << ReadUInt(head, JSON_ID) << EndLine;
+    LogStream(LogInfo) << "HSM_EnterLayerID:\t" << ReadUInt(head, JSON_HeadEnterLayer) << EndLine;
+    LogStream(LogInfo) << "SubstateRootID:    " << substateRoot << EndLine;
+    LogStream(LogInfo) << "HSM_EnterNodeID:\t" << ReadUInt(head, JSON_HeadEnterNode) << EndLine;
+    LogStream(LogInfo) << "HSM_Type:\t\t\t" << ReadText(head, JSON_HeadMachineType) << EndLine;
+    LogStream(LogInfo) << "HSM_GUID:\t\t\t" << guid << EndLine;
+    LogStream(LogInfo) << "HSM_BuildID:\t\t" << buildId << EndLine;
+    LogStream(LogPlain) << "\n\n" << EndLine;
+}
+
+void NodeDefTable::SetEnterNode(unsigned int id)
+{
+    enterNodeId = id;
+    if (Find(id) == nullptr)
+    {
+        LogStream(LogError) << "Entry Node doesn't exist: " << id << EndLine;
+    }
+}
+
+int NodeDefTable::ImportGlobal(const GenericValue& globals, HSMAlloc* alloc)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(globals.IsArray());
+        // Required: a node that cannot be taken in ends the walk, not the load.
+        result = 1;
+        for (const GenericValue& node : globals.GetArray())
+        {
+            ERROR_BREAK(node.IsObject());
+            BaseDef* def = CreateNodeDef(node, alloc);
+            ERROR_BREAK(def);
+            ERROR_BREAK(InsertNode(def));
+            if (def->GetType() == DefTypeGlobal)
+            {
+                globalNodeId = def->GetID();
+            }
+        }
+    } while (false);
+    return result;
+}
+
+int NodeDefTable::ImportSkel(const GenericValue& skeleton, HSMAlloc* alloc)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(alloc);
+        ERROR_BREAK(skeleton.IsObject());
+        // Required: a missing file name does not fail the section.
+        ImportSkel_ModelFileName(skeleton, alloc);
+        ImportSkel_SkeletonFileName(skeleton, alloc);
+        if (const GenericValue* value = FindMember(skeleton, JSON_SkeletonValue89))
+        {
+            skelValue89 = ReadUInt(*value);
+        }
+        result = 1;
+    } while (false);
+    return result;
+}
+
+int NodeDefTable::ImportSkel_ModelFileName(const GenericValue& skeleton, HSMAlloc* alloc)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(FindMember(skeleton, JSON_ModelFileName) != nullptr);
+        const char* text = ReadText(skeleton, JSON_ModelFileName);
+        ERROR_BREAK(text == nullptr || *text != '\0');
+        const std::size_t length = text == nullptr ? 0 : std::strlen(text);
+        modelFileName = AllocText(*alloc, length);
+        ERROR_BREAK(modelFileName);
+        ERROR_BREAK(text);
+        std::memcpy(modelFileName, text, length);
+        WriteText(kvTable, "modelfilename", modelFileName);
+        result = 1;
+    } while (false);
+    return result;
+}
+
+int NodeDefTable::ImportSkel_SkeletonFileName(const GenericValue& skeleton, HSMAlloc* alloc)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(FindMember(skeleton, JSON_SkeletonFileName) != nullptr);
+        const char* text = ReadText(skeleton, JSON_SkeletonFileName);
+        ERROR_BREAK(text == nullptr || *text != '\0');
+        const std::size_t length = text == nullptr ? 0 : std::strlen(text);
+        skeletonFileName = AllocText(*alloc, length);
+        ERROR_BREAK(skeletonFileName);
+        ERROR_BREAK(text);
+        std::memcpy(skeletonFileName, text, length);
+        WriteText(kvTable, "skelfilename", skeletonFileName);
+        result = 1;
+    } while (false);
+    return result;
+}
+
+} // namespace vell

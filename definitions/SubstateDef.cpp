@@ -1,0 +1,41 @@
+// VELL: data-driven hierarchical state machines.
+// definitions/SubstateDef.cpp: a node that holds a nested level.
+#include "definitions/SubstateDef.h"
+
+#include "definitions/DefPlacement.h"
+#include "definitions/JsonReader.h"
+#include "foundation/Checks.h"
+
+namespace vell
+{
+
+BaseDef* SubstateDef::Create(const GenericValue& node, HSMAlloc* alloc)
+{
+    SubstateDef* def = nullptr;
+    do
+    {
+        ERROR_BREAK(node.IsObject());
+        def = PlaceDef<SubstateDef>(alloc, DefTypeSubstate, DefTypesSubstate);
+        ERROR_BREAK(def);
+    } while (false);
+    return def;
+}
+
+int SubstateDef::Init(const GenericValue& node, HSMAlloc* alloc)
+{
+    do
+    {
+        ERROR_BREAK(node.IsObject());
+        ERROR_BREAK(alloc);
+        ERROR_BREAK(BaseDef::Init(node, alloc));
+        enterId = ReadUInt(node, JSON_SubstateEnter);
+        ERROR_BREAK(enterId);
+        exitId = ReadUInt(node, JSON_SubstateExit);
+        ERROR_BREAK(exitId);
+        return 1;
+    } while (false);
+    Uninit();
+    return 0;
+}
+
+} // namespace vell

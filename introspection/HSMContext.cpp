@@ -1,0 +1,102 @@
+// VELL: data-driven hierarchical state machines.
+// introspection/HSMContext.cpp: putting a machine into a recorded context.
+#include <vell/HSM.h>
+
+#include "foundation/Checks.h"
+#include "introspection/TreeKeys.h"
+
+namespace vell
+{
+namespace
+{
+
+/// Keeps a machine from ticking for as long as it lives.
+class Suspension
+{
+public:
+    explicit Suspension(bool& machineFlag) : flag(machineFlag)
+    {
+        flag = true;
+    }
+    ~Suspension()
+    {
+        flag = false;
+    }
+    Suspension(const Suspension&) = delete;
+    Suspension& operator=(const Suspension&) = delete;
+
+private:
+    bool& flag;
+};
+
+Tessel::KVTable GetChild(Tessel::KVTable table, const char* key)
+{
+    return table ? table->GetTable(key) : Tessel::KVTable();
+}
+
+unsigned int GetIdAt(Tessel::KVTable array, unsigned int index)
+{
+    Tessel::KVValue* value = array->GetValueAt(index);
+    return value == nullptr ? 0 : value->GetUIntValue();
+}
+
+} // namespace
+
+int HSM::SetContextInfo(const Tessel::KVTable& context)
+{
+    const Suspension suspension(applyingContext);
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(SetContextInfo_StackStates(GetChild(context, kMainStackKey)));
+        ERROR_BREAK(SetContextInfo_StackBlip(GetChild(context, kBlipStackKey)));
+        ERROR_BREAK(SetContextInfo_StateSwitching(context));
+        result = 1;
+    } while (false);
+    return result;
+}
+
+int HSM::SetContextInfo_StackStates(const Tessel::KVTable& table)
+{
+    stateStack.clear();
+    const unsigned int count = table ? table->GetCount() : 0;
+    for (unsigned int i = 0; i < count; ++i)
+    {
+        SMState* state = ActivateState(GetIdAt(table, i), 0.0f);
+        // Required: an unknown id ends the restore, and only the log shows it.
+        ERROR_BREAK(state);
+        stateStack.push_back(state);
+    }
+    return 1;
+}
+
+int HSM::SetContextInfo_StackBlip(const Tessel::KVTable& table)
+{
+    blipStack.clear();
+    const unsigned int count = table ? table->GetCount() : 0;
+    for (unsigned int i = 0; i < count; ++i)
+    {
+        SMState* state = ActivateState(GetIdAt(table, i), 0.0f);
+        // Required: as for the main stack.
+        ERROR_BREAK(state);
+        blipStack.push_back(state);
+    }
+    return 1;
+}
+
+int HSM::SetContextInfo_StateSwitching(const Tessel::KVTable& context)
+{
+    Tessel::KVTable own = GetContextTable();
+    for (const char* key : {kNextStateKey, kPreviousStateKey, kTransitionKey})
+    {
+        const unsigned int value = context ? context->GetUInt(key) : 0;
+        if (own)
+        {
+            own->SetUInt(key, value, 0);
+        }
+    }
+    Notify();
+    return 1;
+}
+
+} // namespace vell

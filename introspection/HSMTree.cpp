@@ -1,0 +1,129 @@
+// VELL: data-driven hierarchical state machines.
+// introspection/HSMTree.cpp: the tree of tables that mirrors a machine.
+#include <vell/HSM.h>
+
+#include "definitions/NodeDefTable.h"
+#include "foundation/Checks.h"
+#include "introspection/TreeKeys.h"
+#include "parameters/ParameterTable.h"
+
+#include <vell/SMState.h>
+
+namespace vell
+{
+
+int HSM::CreateKVTable()
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(!kvTable);
+        kvTable = Tessel::CreateTable("HSM");
+        ERROR_BREAK(static_cast<bool>(kvTable));
+        InitKVTable_Self();
+        ERROR_BREAK(InitKVTable_ContextTable());
+        // Required: a machine without a parameter table is refused here; its document lacks the
+        // member.
+        ERROR_BREAK(InitKVTable_ParameterTable());
+        if (nodeDefTable != nullptr && nodeDefTable->kvTable)
+        {
+            ERROR_BREAK(InitKVTable_NodeDefTable());
+        }
+        result = 1;
+    } while (false);
+    return result;
+}
+
+int HSM::DestroyKVTable()
+{
+    if (kvTable)
+    {
+        Tessel::CloseTable(kvTable);
+    }
+    return 1;
+}
+
+int HSM::InitKVTable_Self()
+{
+    if (kvTable && !fileName.empty())
+    {
+        kvTable->SetString("filename", fileName.c_str(), 1);
+    }
+    return 1;
+}
+
+int HSM::InitKVTable_ContextTable()
+{
+    if (!kvTable)
+    {
+        return 1;
+    }
+    if (Tessel::KVTable context = kvTable->AddTable(kContextKey, 1))
+    {
+        context->AddTable(kMainStackKey, 1);
+        context->AddTable(kBlipStackKey, 1);
+        context->SetUInt(kNextStateKey, 0, 1);
+        context->SetUInt(kPreviousStateKey, 0, 1);
+        context->SetUInt(kTransitionKey, 0, 1);
+    }
+    return 1;
+}
+
+int HSM::InitKVTable_ParameterTable()
+{
+    if (!kvTable || parameterTable == nullptr)
+    {
+        return 0;
+    }
+    return kvTable->AttachTable(kParametersKey, parameterTable->GetKVTable(), 1);
+}
+
+int HSM::InitKVTable_NodeDefTable()
+{
+    if (!kvTable || nodeDefTable == nullptr)
+    {
+        return 0;
+    }
+    return kvTable->AttachTable(kNodesKey, nodeDefTable->kvTable, 1);
+}
+
+Tessel::KVTable HSM::GetContextTable() const
+{
+    return kvTable ? kvTable->GetTable(kContextKey) : Tessel::KVTable();
+}
+
+int HSM::GetCurrentStackTable(Tessel::KVTable* out)
+{
+    const bool isMain = currentStack == &stateStack;
+    if (!isMain && currentStack != &blipStack)
+    {
+        return 0;
+    }
+    Tessel::KVTable context = GetContextTable();
+    *out = context ? context->GetTable(isMain ? kMainStackKey : kBlipStackKey) : Tessel::KVTable();
+    return 1;
+}
+
+int HSM::UpdateKVTable_OnPushState(SMState* state)
+{
+    Tessel::KVTable stack;
+    const unsigned int id = state->GetID();
+    if (!GetCurrentStackTable(&stack) || !stack)
+    {
+        return 0;
+    }
+    return stack->PushUInt(id, 1);
+}
+
+int HSM::UpdateKVTable_OnPopState()
+{
+    Tessel::KVTable stack;
+    if (!GetCurrentStackTable(&stack) || !stack)
+    {
+        return 0;
+    }
+    const unsigned int count = stack->GetCount();
+    return count == 0 ? 0 : stack->RemoveAt(count - 1, 1);
+}
+
+} // namespace vell

@@ -1,0 +1,28 @@
+// VELL: data-driven hierarchical state machines.
+// machine/Factories.cpp: the exported functions.
+#include <vell/Factories.h>
+
+#include <vell/HSM.h>
+
+#include <iostream>
+
+namespace vell
+{
+
+IHSM* CreateHSM(const char* filePath, const char* auxiliaryName)
+{
+    return new HSM(filePath, auxiliaryName);
+}
+
+IHSM* CreateHSMJson(const char* jsonText)
+{
+    return new HSM(jsonText);
+}
+
+void SetLogCallBack(LogCallBack callback)
+{
+    std::cout << "Callback being setup" << std::endl;
+    SetLogCallBackBase(callback);
+}
+
+} // namespace vell

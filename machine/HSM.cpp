@@ -1,0 +1,99 @@
+// VELL: data-driven hierarchical state machines.
+// machine/HSM.cpp: making, starting and unmaking of a machine.
+#include <vell/HSM.h>
+
+#include "definitions/NodeDefTable.h"
+#include "foundation/Checks.h"
+#include "parameters/ParameterTable.h"
+
+#include <vell/SMState.h>
+
+namespace vell
+{
+namespace
+{
+
+constexpr auto kDefaultMachineType = static_cast<__STATE_MACHINE_TYPES__>(1);
+
+} // namespace
+
+HSM::HSM() : machineType(kDefaultMachineType)
+{
+}
+
+HSM::HSM(const char* path, const char* auxiliary) : filePath(path), auxiliaryName(auxiliary)
+{
+    HSM::Create();
+}
+
+HSM::HSM(const char* text) : jsonText(text), machineType(kDefaultMachineType)
+{
+    HSM::Create();
+}
+
+HSM::~HSM()
+{
+    HSM::UnRegisterBuilders();
+    // Required: both registries serve the whole process, and deleting any machine empties them.
+    NodeDefTable::ClearBuilders();
+    HSM::DestroyKVTable();
+}
+
+void HSM::Start()
+{
+    currentStack = &stateStack;
+    if (nodeDefTable != nullptr && globalState == nullptr)
+    {
+        globalState = ActivateState(nodeDefTable->globalNodeId, 0.0f);
+    }
+    PushState(startStateID);
+}
+
+int HSM::Uninit()
+{
+    if (parameterTable != nullptr)
+    {
+        parameterTable->Uninit();
+    }
+    if (nodeDefTable != nullptr)
+    {
+        nodeDefTable->Uninit();
+    }
+    alloc.Release();
+    DestroyKVTable();
+    return 1;
+}
+
+int HSM::Destroy()
+{
+    UnRegisterBuilders();
+    return 1;
+}
+
+IParameterTable* HSM::GetParameterTable()
+{
+    return parameterTable;
+}
+
+Tessel::KVTable HSM::GetKVTable() const
+{
+    return kvTable;
+}
+
+__STATE_MACHINE_TYPES__ HSM::GetHSMType() const
+{
+    return machineType;
+}
+
+int HSM::InitCond(NodeDefTable* table)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(table);
+        result = 1;
+    } while (false);
+    return result;
+}
+
+} // namespace vell

@@ -1,0 +1,135 @@
+// VELL: data-driven hierarchical state machines.
+// machine/HSMActivation.cpp: making run-time states on first use.
+#include <vell/HSM.h>
+
+#include "definitions/NodeDefTable.h"
+#include "definitions/SubstateDef.h"
+#include "foundation/Checks.h"
+#include "machine/StateBuilders.h"
+#include "parameters/ParameterTable.h"
+#include "states/SubstateState.h"
+#include "transitions/ConditionDef.h"
+#include "transitions/TransitionDef.h"
+
+#include <vell/SMState.h>
+
+namespace vell
+{
+
+SMState* HSM::ActivateState(unsigned int id, float switchArgument)
+{
+    do
+    {
+        SMState* state = FindState(id);
+        if (state == nullptr)
+        {
+            if (id == 0)
+            {
+                break;
+            }
+            ERROR_BREAK(nodeDefTable);
+            BaseDef* def = nodeDefTable->Find(id);
+            ERROR_BREAK(def);
+            const StateFactory factory = FindStateBuilder(def->GetBuilderType());
+            ERROR_BREAK(factory != nullptr);
+            state = factory(id, &alloc);
+            ERROR_BREAK(state);
+            state->hsm = this;
+            // Required: a failing Init runs a second time.
+            ERROR_BREAK(state->Init(def));
+            ActivateTransitions(state);
+            const bool inserted = states.emplace(id, state).second;
+            ERROR_BREAK(inserted);
+            // Required: looked up once. A state that is activated before its substate has no parent
+            // for good.
+            state->parent = dynamic_cast<SubstateState*>(FindState(state->GetParentID()));
+        }
+        BaseDef* def = state->GetDef();
+        LogStream(LogInfo) << "Activated State: " << (def == nullptr ? nullptr : def->GetName())
+                           << " (" << id << ")" << EndLine;
+        if (stateSwitchCallback != nullptr)
+        {
+            stateSwitchCallback(this, previousState, state, switchArgument);
+        }
+        return state;
+    } while (false);
+    LogStream(LogError) << "Failed to activate state: Unable to find state ID: "
+                        << " (" << id << ")" << EndLine;
+    return nullptr;
+}
+
+int HSM::ActivateTransitions(SMState* state)
+{
+    const BaseDef* def = state->GetDef();
+    const unsigned int count =
+        def == nullptr || nodeDefTable == nullptr ? 0 : def->GetNumChildren();
+    for (unsigned int i = 0; i < count; ++i)
+    {
+        auto* transition = dynamic_cast<TransitionDef*>(nodeDefTable->Find(def->GetChildID(i)));
+        if (transition == nullptr)
+        {
+            continue;
+        }
+        for (ConditionDef* condition : transition->conditions)
+        {
+            ParameterDef* parameter = condition == nullptr || parameterTable == nullptr
+                                          ? nullptr
+                                          : parameterTable->FindParameter(condition->parameterID);
+            if (parameter != nullptr)
+            {
+                condition->SetParameter(parameter);
+            }
+        }
+        state->PushTransition(transition);
+    }
+    state->SortTransitions();
+    return 1;
+}
+
+SMState* HSM::FindState(unsigned int id)
+{
+    const auto entry = states.find(id);
+    return entry == states.end() ? nullptr : entry->second;
+}
+
+Action* HSM::ChangeState(unsigned int id)
+{
+    // Required: the state is left twice and its successor entered twice.
+    if (SMState* current = GetCurrentState())
+    {
+        current->Exit();
+        previousState = PopState();
+    }
+    SMState* state = ActivateState(id, 0.0f);
+    if (state == nullptr)
+    {
+        return nullptr;
+    }
+    state->Enter();
+    PushState(state);
+    ReportStateChange(previousState, state->GetID());
+    Notify();
+    return nullptr;
+}
+
+void HSM::StartState(unsigned int id, std::vector<unsigned int>& ids)
+{
+    auto* substate = dynamic_cast<SubstateState*>(ActivateState(id, 0.0f));
+    while (substate != nullptr)
+    {
+        ids.push_back(id);
+        if (substate->GetParentID() == 0)
+        {
+            return;
+        }
+        id = substate->GetParentID();
+        substate = dynamic_cast<SubstateState*>(ActivateState(id, 0.0f));
+    }
+}
+
+void HSM::SetStateSwitchCallback(StateSwitchCallback callback)
+{
+    stateSwitchCallback = callback;
+}
+
+} // namespace vell

@@ -1,0 +1,56 @@
+// VELL: data-driven hierarchical state machines.
+// machine/HSMLayers.cpp: the layers of a document.
+#include <vell/HSM.h>
+
+#include "definitions/JsonReader.h"
+#include "foundation/Checks.h"
+
+namespace vell
+{
+
+int HSM::ImportLayers(const GenericValue& root, HSMAlloc* arena)
+{
+    int result = 0;
+    do
+    {
+        const GenericValue* layers = FindMember(root, JSON_Layers);
+        if (layers == nullptr)
+        {
+            const GenericValue* nodes = FindMember(root, JSON_Nodes);
+            ERROR_BREAK(nodes != nullptr);
+            // Required: nodes at the root are taken in, and the load fails all the same.
+            ERROR_BREAK(InitNodeDefTable(*nodes, arena));
+            break;
+        }
+        ERROR_BREAK(layers->IsArray());
+        LogStream(LogPlain) << "\n\nImporting HSM layers" << EndLine;
+        LogStream(LogPlain) << "--------------------\n\n" << EndLine;
+        for (unsigned int i = 0; i < layers->Size(); ++i)
+        {
+            const GenericValue& layer = (*layers)[i];
+            LogStream(LogPlain) << "Importing Layer[" << i << "]: " << ReadText(layer, JSON_Name)
+                                << EndLine;
+            LogStream(LogPlain) << "---------------------------------------" << EndLine;
+            // Required: a failed layer runs a second time and ends the walk, not the load.
+            ERROR_BREAK(ImportStates(layer, arena));
+            LogStream(LogPlain) << "\n" << EndLine;
+        }
+        result = 1;
+    } while (false);
+    return result;
+}
+
+int HSM::ImportStates(const GenericValue& layer, HSMAlloc*)
+{
+    int result = 0;
+    do
+    {
+        const GenericValue* nodes = FindMember(layer, JSON_Nodes);
+        ERROR_BREAK(nodes != nullptr);
+        ERROR_BREAK(InitNodeDefTable(*nodes, &alloc));
+        result = 1;
+    } while (false);
+    return result;
+}
+
+} // namespace vell

@@ -1,0 +1,173 @@
+// VELL: data-driven hierarchical state machines.
+// machine/HSMLoad.cpp: from a document's text to full tables.
+#include <vell/HSM.h>
+
+#include "definitions/JsonReader.h"
+#include "definitions/NodeDefTable.h"
+#include "foundation/Checks.h"
+#include "machine/DocumentParser.h"
+#include "parameters/ParameterTable.h"
+
+namespace vell
+{
+namespace
+{
+
+/// Required: the arena is this many times the figure of the head.
+constexpr unsigned int kMemoryFactor = 100;
+constexpr int kDefaultMemory = 0x100000;
+
+} // namespace
+
+int HSM::Create()
+{
+    int result = 0;
+    do
+    {
+        const unsigned int errorCode = ParseDocument();
+        if (document.HasParseError())
+        {
+            LogStream(LogError)
+                << "JSON file has errors, please run a validator on it and correct issues: "
+                << errorCode << EndLine;
+            ERROR_BREAK(false);
+        }
+        ERROR_BREAK(FindMember(document, JSON_Head) != nullptr);
+        const GenericValue& head = GetMember(document, JSON_Head);
+        const unsigned int size =
+            static_cast<unsigned int>(GetMemoryRequirements(head)) * kMemoryFactor;
+        // Required: a refused block is asked for twice; the load fails also when the second attempt
+        // succeeds.
+        ERROR_BREAK(alloc.Reserve(size));
+        const char* typeName = GetHSMType(head);
+        ERROR_BREAK(typeName);
+        machineType = DURMBaseLib::GetStateMachineTypeByName(typeName);
+        RegisterBuilders();
+        nodeDefTable = alloc.New<NodeDefTable>();
+        ERROR_BREAK(nodeDefTable);
+        result = 1;
+    } while (false);
+    return result;
+}
+
+unsigned int HSM::ParseDocument()
+{
+    unsigned int errorCode = 0;
+    if (filePath != nullptr)
+    {
+        fileName = filePath;
+        ParseFile(filePath, document);
+        errorCode = static_cast<unsigned int>(document.GetParseError());
+    }
+    if (jsonText != nullptr)
+    {
+        // Required: the code in the log line stays 0 on this path, whatever the parser said.
+        ParseText(jsonText, document);
+    }
+    return errorCode;
+}
+
+int HSM::GetMemoryRequirements(const GenericValue& head)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(head.IsObject());
+        const GenericValue* memory = FindMember(head, JSON_HeadMemory);
+        result = memory == nullptr ? kDefaultMemory : ReadInt(*memory);
+    } while (false);
+    return result;
+}
+
+const char* HSM::GetHSMType(const GenericValue& head)
+{
+    const char* result = nullptr;
+    do
+    {
+        ERROR_BREAK(head.IsObject());
+        result = ReadText(head, JSON_HeadMachineType);
+    } while (false);
+    return result;
+}
+
+int HSM::Init()
+{
+    do
+    {
+        // Required: a failed step runs a second time, over what its first run left behind.
+        ERROR_BREAK(InitParameterTable(document, &alloc));
+        ERROR_BREAK(ImportLayers(document, &alloc));
+        ERROR_BREAK(nodeDefTable);
+        if (const GenericValue* head = FindMember(document, JSON_Head))
+        {
+            ERROR_BREAK(nodeDefTable->ImportHead(*head));
+        }
+        if (const GenericValue* skeleton = FindMember(document, JSON_Skeleton))
+        {
+            ERROR_BREAK(nodeDefTable->ImportSkel(*skeleton, &alloc));
+        }
+        if (const GenericValue* global = FindMember(document, JSON_Global))
+        {
+            ERROR_BREAK(nodeDefTable->ImportGlobal(*global, &alloc));
+        }
+        startStateID = nodeDefTable->substateRootId;
+        BindParamCond();
+        ERROR_BREAK(CreateKVTable());
+        return 1;
+    } while (false);
+    LogStream(LogError) << "Parsing JSON file has caused an exception" << EndLine;
+    return 0;
+}
+
+int HSM::InitParameterTable(const GenericValue& root, HSMAlloc* arena)
+{
+    do
+    {
+        const GenericValue* parameters = FindMember(root, JSON_Parameters);
+        if (parameters == nullptr)
+        {
+            return 1;
+        }
+        if (parameterTable == nullptr)
+        {
+            parameterTable = arena->New<ParameterTable>();
+            ERROR_BREAK(parameterTable);
+        }
+        ERROR_BREAK(parameterTable->Init(*parameters, arena));
+        return 1;
+    } while (false);
+    UninitParameterTable(arena);
+    return 0;
+}
+
+int HSM::UninitParameterTable(HSMAlloc*)
+{
+    if (parameterTable != nullptr)
+    {
+        parameterTable->Uninit();
+    }
+    return 1;
+}
+
+int HSM::InitNodeDefTable(const GenericValue& nodes, HSMAlloc* arena)
+{
+    do
+    {
+        ERROR_BREAK(nodeDefTable);
+        ERROR_BREAK(nodeDefTable->Init(nodes, arena));
+        return 1;
+    } while (false);
+    UninitNodeDefTable(arena);
+    return 0;
+}
+
+int HSM::UninitNodeDefTable(HSMAlloc*)
+{
+    if (nodeDefTable != nullptr)
+    {
+        nodeDefTable->Uninit();
+    }
+    return 1;
+}
+
+} // namespace vell

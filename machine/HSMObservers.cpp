@@ -1,0 +1,252 @@
+// VELL: data-driven hierarchical state machines.
+// machine/HSMObservers.cpp: listeners, actions, triggers, assets and the walk over definitions.
+#include <vell/HSM.h>
+
+#include "definitions/NodeDefTable.h"
+#include "foundation/Checks.h"
+#include "transitions/TransitionDef.h"
+
+#include <vell/Action.h>
+#include <vell/IBroadcastListener.h>
+
+#include <algorithm>
+
+namespace vell
+{
+
+int HSM::SubscribeTransitionChange(IBroadcastListener* listener)
+{
+    return Subscribe(transitionChangeListeners, listener);
+}
+
+int HSM::UnsubscribeTransitionChange(IBroadcastListener* listener)
+{
+    return Unsubscribe(transitionChangeListeners, listener);
+}
+
+int HSM::SubscribeStateChange(IBroadcastListener* listener)
+{
+    return Subscribe(stateChangeListeners, listener);
+}
+
+int HSM::UnsubscribeStateChange(IBroadcastListener* listener)
+{
+    return Unsubscribe(stateChangeListeners, listener);
+}
+
+int HSM::SubscribeEvents(IBroadcastListener* listener)
+{
+    return Subscribe(eventListeners, listener);
+}
+
+int HSM::UnsubscribeEvents(IBroadcastListener* listener)
+{
+    return Unsubscribe(eventListeners, listener);
+}
+
+int HSM::Subscribe(ListenerList& list, IBroadcastListener* listener)
+{
+    if (std::find(list.begin(), list.end(), listener) != list.end())
+    {
+        return 0;
+    }
+    list.push_back(listener);
+    return 1;
+}
+
+int HSM::Unsubscribe(ListenerList& list, IBroadcastListener* listener)
+{
+    const auto entry = std::find(list.begin(), list.end(), listener);
+    if (entry == list.end())
+    {
+        return 0;
+    }
+    list.erase(entry);
+    return 1;
+}
+
+int HSM::Notify()
+{
+    StateChangeEvent change{0, 0, 0};
+    Tessel::KVTable context = GetContextTable();
+    if (context)
+    {
+        change.nextID = context->GetUInt("nextState");
+        change.previousID = context->GetUInt("previousState");
+        change.transitionID = context->GetUInt("transitionTriggered");
+    }
+    const bool hasListeners = !stateChangeListeners.empty();
+    int called = 0;
+    for (std::size_t i = 0; i < stateChangeListeners.size(); ++i)
+    {
+        // Each listener gets a record of its own.
+        const StateChangeEvent record = change;
+        if (stateChangeListeners[i] != nullptr)
+        {
+            stateChangeListeners[i]->OnBroadcastEvent(HSMEventStateChange, &record);
+            ++called;
+        }
+    }
+    if (hasListeners && context)
+    {
+        context->SetUInt("nextState", 0, 1);
+        context->SetUInt("previousState", 0, 1);
+        context->SetUInt("transitionTriggered", 0, 1);
+    }
+    return called;
+}
+
+int HSM::FireEvent(__HSMEventType__ type, const __PlayAnimEvent__* event)
+{
+    int called = 0;
+    for (std::size_t i = 0; i < eventListeners.size(); ++i)
+    {
+        if (eventListeners[i] != nullptr)
+        {
+            eventListeners[i]->OnBroadcastEvent(type, event);
+            ++called;
+        }
+    }
+    return called;
+}
+
+int HSM::RegisterAction(Action* action)
+{
+    do
+    {
+        ERROR_BREAK(action);
+        const bool isNew = actions.emplace(action->id, action).second;
+        ERROR_BREAK(isNew);
+    } while (false);
+    // Required: 0 also on success. FindAction tells.
+    return 0;
+}
+
+Action* HSM::FindAction(unsigned int id)
+{
+    const auto entry = actions.find(id);
+    return entry == actions.end() ? nullptr : entry->second;
+}
+
+int HSM::AssignTrigger(const char* name, Trigger trigger)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(nodeDefTable);
+        auto* transition = dynamic_cast<TransitionDef*>(nodeDefTable->FindByName(name));
+        ERROR_BREAK(transition);
+        ERROR_BREAK(transition->RegisterCondition(trigger));
+        result = 1;
+    } while (false);
+    return result;
+}
+
+int HSM::AssignDefaultAction(ActionFactory factory)
+{
+    if (factory == nullptr || nodeDefTable == nullptr)
+    {
+        return 0;
+    }
+    int count = 0;
+    for (BaseDef* def = nodeDefTable->FindFirst(DefTypesState); def != nullptr;
+         def = nodeDefTable->FindNext(DefTypesState))
+    {
+        def->RegisterExecute(factory(def->GetScriptName()));
+        ++count;
+    }
+    if (count != 0)
+    {
+        LogStream(LogInfo) << "Assigned a Default Action to " << count
+                           << " states of eHSMDefTypes::DefTypesState type" << EndLine;
+    }
+    return count;
+}
+
+const char* HSM::GetMDLAsset()
+{
+    const char* asset = nullptr;
+    do
+    {
+        ERROR_BREAK(nodeDefTable);
+        const char* file = nodeDefTable->modelFileName;
+        asset = file == nullptr || *file == '\0' ? nullptr : file;
+    } while (false);
+    return asset;
+}
+
+const char* HSM::GetSkelAsset()
+{
+    const char* asset = nullptr;
+    do
+    {
+        ERROR_BREAK(nodeDefTable);
+        asset = nodeDefTable->skeletonFileName;
+    } while (false);
+    return asset;
+}
+
+const char* HSM::GetGUID()
+{
+    const char* guid = nullptr;
+    do
+    {
+        ERROR_BREAK(nodeDefTable);
+        guid = nodeDefTable->guid;
+    } while (false);
+    return guid;
+}
+
+IBaseDef* HSM::BeginDef(unsigned int mask)
+{
+    IBaseDef* def = nullptr;
+    do
+    {
+        ERROR_BREAK(nodeDefTable);
+        def = nodeDefTable->FindFirst(mask);
+    } while (false);
+    return def;
+}
+
+IBaseDef* HSM::NextDef(unsigned int mask)
+{
+    IBaseDef* def = nullptr;
+    do
+    {
+        ERROR_BREAK(nodeDefTable);
+        def = nodeDefTable->FindNext(mask);
+    } while (false);
+    return def;
+}
+
+IBaseDef* HSM::FindDef(const char* name)
+{
+    IBaseDef* def = nullptr;
+    do
+    {
+        ERROR_BREAK(nodeDefTable);
+        def = nodeDefTable->FindByName(name);
+        if (def == nullptr)
+        {
+            LogStream(LogError) << "Failed to find node definition named: " << name << EndLine;
+        }
+    } while (false);
+    return def;
+}
+
+IBaseDef* HSM::FindDef(unsigned int id)
+{
+    IBaseDef* def = nullptr;
+    do
+    {
+        ERROR_BREAK(nodeDefTable);
+        def = nodeDefTable->Find(id);
+        if (def == nullptr)
+        {
+            LogStream(LogError) << "Failed to find node definition ID: " << id << EndLine;
+        }
+    } while (false);
+    return def;
+}
+
+} // namespace vell

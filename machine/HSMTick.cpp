@@ -1,0 +1,254 @@
+// VELL: data-driven hierarchical state machines.
+// machine/HSMTick.cpp: one tick, and the two stacks.
+#include <vell/HSM.h>
+
+#include "foundation/Checks.h"
+#include "parameters/ParameterTable.h"
+
+#include <vell/BaseDef.h>
+#include <vell/SMState.h>
+#include <vell/UpdateResult.h>
+
+namespace vell
+{
+namespace
+{
+
+// What UpdateState returns.
+constexpr int kTransitionFired = 3;
+constexpr int kNoTransition = 2;
+
+constexpr int kRestingBlipPriority = 1;
+
+int TopIndex(const std::vector<SMState*>& stack)
+{
+    return static_cast<int>(stack.size()) - 1;
+}
+
+} // namespace
+
+void HSM::Update(float timeStep)
+{
+    if (applyingContext)
+    {
+        return;
+    }
+    UpdateResult result;
+    if (globalState != nullptr && currentStack != nullptr)
+    {
+        result.stackIndex = 0;
+        if (UpdateState(globalState, &result, timeStep) == kTransitionFired &&
+            result.priority >= blipPriority)
+        {
+            StartBlip(&result);
+        }
+    }
+    for (int i = currentStack == nullptr ? -1 : TopIndex(*currentStack); i >= 0; --i)
+    {
+        // Required: a blip that ends inside this walk goes on below the same index of the main
+        // stack, and a main stack that is too short for it shows as std::out_of_range.
+        SMState* state = currentStack->at(static_cast<std::size_t>(i));
+        result.stackIndex = i;
+        if (state != nullptr)
+        {
+            state->Update(this, timeStep);
+        }
+        if (UpdateState(state, &result, timeStep) == kTransitionFired)
+        {
+            UpdateStateStack(&result);
+        }
+    }
+    if (parameterTable != nullptr)
+    {
+        parameterTable->ResetFrameParameters();
+    }
+}
+
+void HSM::StartBlip(UpdateResult* result)
+{
+    const BaseDef* def = globalState->GetDef();
+    LogStream(LogInfo) << "State Blip: "
+                       << (def == nullptr ? nullptr : globalState->GetDef()->GetName()) << EndLine;
+    const int top = TopIndex(*currentStack);
+    if (blipActive)
+    {
+        UpdateResult blank = UpdateResult::Blank();
+        UpdateStateStack(&blank);
+    }
+    blipStackLevel = top;
+    result->blipLevel = top;
+    result->isBlip = true;
+    blipActive = true;
+    currentStack = &blipStack;
+    blipPriority = result->priority;
+    PushState(result->targetID);
+}
+
+int HSM::UpdateState(SMState* state, UpdateResult* result, float)
+{
+    int outcome = 0;
+    do
+    {
+        ERROR_BREAK(state);
+        ERROR_BREAK(result);
+        if (state->ProcessTransitions(this, result) == 0)
+        {
+            outcome = kNoTransition;
+            break;
+        }
+        BaseDef* def = state->GetDef();
+        LogStream(LogInfo) << "Transition satisfied: "
+                           << (def == nullptr ? nullptr : def->GetName()) << EndLine;
+        result->popLevel = result->stackIndex;
+        outcome = kTransitionFired;
+    } while (false);
+    return outcome;
+}
+
+int HSM::UpdateStateStack(UpdateResult* result)
+{
+    int outcome = 0;
+    do
+    {
+        ERROR_BREAK(result);
+        SMState* previous = nullptr;
+        for (int i = currentStack == nullptr ? -1 : TopIndex(*currentStack); i >= result->popLevel;
+             --i)
+        {
+            if (currentStack->at(static_cast<std::size_t>(i)) == nullptr)
+            {
+                continue;
+            }
+            SMState* popped = PopState();
+            if (previous == nullptr)
+            {
+                previous = popped;
+                previousState = popped;
+            }
+        }
+        const unsigned int target = result->targetID;
+        if (target == 0)
+        {
+            outcome = 1;
+            break;
+        }
+        SMState* state = ActivateState(target, result->switchArgument);
+        ERROR_BREAK(state);
+        result->Reset();
+        // Required: a state that would not be entered is reported as the next one all the same.
+        PushState(state);
+        ReportStateChange(previous, target);
+        Notify();
+        outcome = 1;
+    } while (false);
+    return outcome;
+}
+
+void HSM::ReportStateChange(SMState* previous, unsigned int nextId)
+{
+    if (Tessel::KVTable context = GetContextTable())
+    {
+        context->SetUInt("previousState", previous == nullptr ? 0 : previous->GetID(), 1);
+        context->SetUInt("nextState", nextId, 1);
+    }
+}
+
+SMState* HSM::PushState(SMState* state)
+{
+    if (state == nullptr || currentStack == nullptr)
+    {
+        return nullptr;
+    }
+    SMState* pushed = nullptr;
+    do
+    {
+        // Required: a state that fails to be entered is asked twice.
+        ERROR_BREAK(state->Enter());
+        currentStack->push_back(state);
+        UpdateKVTable_OnPushState(state);
+        pushed = state;
+    } while (false);
+    return pushed;
+}
+
+SMState* HSM::PushState(unsigned int id)
+{
+    SMState* pushed = nullptr;
+    do
+    {
+        SMState* state = ActivateState(id, 0.0f);
+        ERROR_BREAK(state);
+        pushed = PushState(state);
+        if (pushed == nullptr)
+        {
+            LogStream(LogError) << "State failed to be pushed onto state stack: " << id << EndLine;
+        }
+    } while (false);
+    return pushed;
+}
+
+SMState* HSM::PopState()
+{
+    if (currentStack == nullptr || currentStack->empty())
+    {
+        return nullptr;
+    }
+    SMState* popped = nullptr;
+    do
+    {
+        SMState* top = currentStack->back();
+        ERROR_BREAK(top);
+        top->Exit();
+        currentStack->pop_back();
+        UpdateKVTable_OnPopState();
+        popped = top;
+    } while (false);
+    return popped;
+}
+
+SMState* HSM::GetCurrentState()
+{
+    return currentStack == nullptr || currentStack->empty() ? nullptr : currentStack->back();
+}
+
+bool HSM::IsBlipState()
+{
+    return blipActive;
+}
+
+int HSM::RevertToPreviousState()
+{
+    if (!blipActive)
+    {
+        PopState();
+        return 1;
+    }
+    int result = 0;
+    do
+    {
+        UpdateResult blank = UpdateResult::Blank();
+        ERROR_BREAK(UpdateStateStack(&blank));
+        blipActive = false;
+        blipPriority = kRestingBlipPriority;
+        currentStack = &stateStack;
+        result = 1;
+    } while (false);
+    return result;
+}
+
+int HSM::RevertToStartState()
+{
+    if (!blipActive)
+    {
+        return 0;
+    }
+    UpdateResult blank = UpdateResult::Blank();
+    UpdateStateStack(&blank);
+    blipActive = false;
+    currentStack = &stateStack;
+    UpdateStateStack(&blank);
+    // Required: nothing is pushed, and `blipPriority` stays at that of the ended blip.
+    return 1;
+}
+
+} // namespace vell

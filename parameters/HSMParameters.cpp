@@ -1,0 +1,120 @@
+// VELL: data-driven hierarchical state machines.
+// parameters/HSMParameters.cpp: how a machine's parameters reach conditions and the host.
+#include <vell/HSM.h>
+
+#include "definitions/AttribDefs.h"
+#include "definitions/NodeDefTable.h"
+#include "parameters/ParameterTable.h"
+#include "transitions/ConditionDef.h"
+#include "transitions/TransitionDef.h"
+
+#include <vell/Parameters.h>
+#include <vell/SMState.h>
+
+namespace vell
+{
+namespace
+{
+
+/// Gives the parameter as a message that answers to texts, or null. Type 7 does not.
+ParameterMessageDef* FindMessage(ParameterTable* table, unsigned int id)
+{
+    ParameterDef* def = table == nullptr ? nullptr : table->FindParameter(id);
+    if (def == nullptr || def->GetParamType() != DURMBaseLib::PARAM_Message)
+    {
+        return nullptr;
+    }
+    return dynamic_cast<ParameterMessageDef*>(def);
+}
+
+} // namespace
+
+void HSM::BindParamCond()
+{
+    if (nodeDefTable == nullptr || parameterTable == nullptr)
+    {
+        return;
+    }
+    const std::size_t count = nodeDefTable->nodeIds.size();
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        BaseDef* def = nodeDefTable->Find(nodeDefTable->nodeIds[i]);
+        if (def == nullptr || def->GetType() != DefTypeTransition)
+        {
+            continue;
+        }
+        auto* transition = dynamic_cast<TransitionDef*>(def);
+        if (transition == nullptr)
+        {
+            continue;
+        }
+        for (ConditionDef* condition : transition->conditions)
+        {
+            if (condition != nullptr && condition->parameterID != 0)
+            {
+                condition->SetParameter(parameterTable->FindParameter(condition->parameterID));
+                condition->ParameterBind();
+            }
+        }
+    }
+}
+
+unsigned int HSM::FindParameterByName(const char* name)
+{
+    return parameterTable == nullptr ? 0 : parameterTable->GetParameterID(name);
+}
+
+void HSM::BroadcastMessage(const char* name)
+{
+    if (parameterTable == nullptr)
+    {
+        return;
+    }
+    ParameterDef* def = parameterTable->FindParameter(FindParameterByName(name));
+    if (auto* message = dynamic_cast<ParameterMessageDef*>(def))
+    {
+        message->SetValue(message->GetDefaultValue());
+    }
+}
+
+int HSM::GetParameterMessage(unsigned int id, const char** out)
+{
+    ParameterMessageDef* message = FindMessage(parameterTable, id);
+    if (message == nullptr || out == nullptr)
+    {
+        return 0;
+    }
+    *out = static_cast<const std::string*>(message->GetValuePtr())->c_str();
+    return 1;
+}
+
+int HSM::SetParameterMessage(unsigned int id, const char* text)
+{
+    ParameterMessageDef* message = FindMessage(parameterTable, id);
+    if (message == nullptr)
+    {
+        return 0;
+    }
+    message->SetValue(text == nullptr ? "" : text);
+    return 1;
+}
+
+int HSM::GetAttributeValue(const char* name, const char** out)
+{
+    const SMState* state = GetCurrentState();
+    return state == nullptr ? 0 : state->GetAttrib(name, out);
+}
+
+int HSM::SetAttribValue(const char* name, const char* text)
+{
+    SMState* state = GetCurrentState();
+    return state == nullptr ? 0 : state->SetAttrib(name, text);
+}
+
+int HSM::SetAttribValue(const char* name, void* value)
+{
+    SMState* state = GetCurrentState();
+    return state == nullptr ? 0 : state->SetAttrib(name, value);
+}
+
+} // namespace vell

@@ -1,0 +1,120 @@
+// VELL: data-driven hierarchical state machines.
+// parameters/ParameterAnalogDef.cpp: values and input of two-float parameters.
+#include <vell/Parameters.h>
+
+#include "foundation/TableSync.h"
+#include "parameters/ParameterKeys.h"
+
+#include <durm/DURMBaseLib.h>
+
+#include <cmath>
+
+namespace vell
+{
+
+ParameterAnalogDef::ParameterAnalogDef() : ParameterDef(DURMBaseLib::PARAM_Float2)
+{
+}
+
+ParameterAnalogDef::~ParameterAnalogDef() = default;
+
+int ParameterAnalogDef::InitKVTable()
+{
+    InitTypeKey();
+    if (kvTable)
+    {
+        kvTable->SetFloat2(kValueKey, &value, 1);
+    }
+    InitKVTableListener();
+    return 1;
+}
+
+Tessel::Float2 ParameterAnalogDef::GetDefaultValue()
+{
+    return defaultValue;
+}
+
+void ParameterAnalogDef::SetDefaultValue(const Tessel::Float2& newDefault)
+{
+    defaultValue = newDefault;
+}
+
+Tessel::Float2 ParameterAnalogDef::GetValue()
+{
+    return value;
+}
+
+void ParameterAnalogDef::SetValue(const Tessel::Float2& newValue)
+{
+    value = newValue;
+    magnitude = std::sqrt(value.x * value.x + value.y * value.y);
+    WriteValue();
+}
+
+void ParameterAnalogDef::WriteValue()
+{
+    WriteOwnTable(syncState, kvTable,
+                  [this](Tessel::KVTable table)
+                  {
+                      table->SetFloat2(kValueKey, &value, 1);
+                  });
+}
+
+void* ParameterAnalogDef::GetValuePtr()
+{
+    return &value;
+}
+
+void ParameterAnalogDef::ResetValue()
+{
+    SetValue(defaultValue);
+}
+
+float ParameterAnalogDef::GetMagnitude()
+{
+    return magnitude;
+}
+
+Tessel::Float2 ParameterAnalogDef::GetVector()
+{
+    return GetValue();
+}
+
+void ParameterAnalogDef::SetVector(const Tessel::Float2& newValue)
+{
+    SetValue(newValue);
+}
+
+void ParameterAnalogDef::PullValue()
+{
+    Tessel::Float2 pulled{};
+    if (kvTable && kvTable->GetFloat2(kValueKey, &pulled))
+    {
+        SetValue(pulled);
+    }
+}
+
+int ParameterAnalogDef::OnBroadcastEvent(int event, const void* record)
+{
+    if (event == kEventReset)
+    {
+        ResetValue();
+        return 0;
+    }
+    if (record == nullptr)
+    {
+        return 0;
+    }
+    if (event == kEventInput && ReadBinding(record) == assign)
+    {
+        SetValue(ReadRecord<Tessel::Float2>(record, kScalarOffset));
+        return 1;
+    }
+    if (event == kEventValue)
+    {
+        SetValue(ReadRecord<Tessel::Float2>(record, 0));
+    }
+    return 0;
+}
+
+} // namespace vell

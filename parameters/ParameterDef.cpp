@@ -1,0 +1,132 @@
+// VELL: data-driven hierarchical state machines.
+// parameters/ParameterDef.cpp: what all parameters share.
+#include <vell/ParameterDef.h>
+
+#include "foundation/TableSync.h"
+#include "parameters/ParameterKeys.h"
+
+#include <durm/DURMBaseLib.h>
+
+namespace vell
+{
+namespace
+{
+
+int Forward(void* parameter, Tessel::opResult result, Tessel::KVTable table, const char* key)
+{
+    return static_cast<ParameterDef*>(parameter)->OnParamValueModified(result, table, key);
+}
+
+} // namespace
+
+ParameterDef::ParameterDef(int newType) : paramType(newType)
+{
+    type = DefTypeParameter;
+    flags |= DefTypesParameter;
+}
+
+int ParameterDef::UninitKVTable()
+{
+    UnInitKVTableListener();
+    return 1;
+}
+
+int ParameterDef::GetParamType()
+{
+    return paramType;
+}
+
+void ParameterDef::SetParamType(int newType)
+{
+    paramType = newType;
+}
+
+int ParameterDef::GetAssign()
+{
+    return assign;
+}
+
+void ParameterDef::SetAssign(int newAssign)
+{
+    assign = newAssign;
+}
+
+int ParameterDef::GetAssignClass()
+{
+    return assignClass;
+}
+
+void ParameterDef::SetAssignClass(int newClass)
+{
+    assignClass = newClass;
+}
+
+int ParameterDef::GetSyncState()
+{
+    return syncState;
+}
+
+void ParameterDef::SetSyncState(int newState)
+{
+    syncState = newState;
+}
+
+bool ParameterDef::IsResetEachFrame() const
+{
+    return resetEachFrame;
+}
+
+void ParameterDef::InitTypeKey()
+{
+    BaseDef::InitKVTable();
+    if (kvTable)
+    {
+        const auto number = static_cast<DURMBaseLib::__ePARAMTYPE__>(GetParamType());
+        kvTable->SetString("type", DURMBaseLib::GetParameterName(number), 1);
+    }
+}
+
+int ParameterDef::InitKVTableListener()
+{
+    if (!kvTable)
+    {
+        return 0;
+    }
+    TableLock lock(kvTable);
+    if (kvTable->FindValue(kValueKey) == nullptr)
+    {
+        return 0;
+    }
+    if (Tessel::KVListener* listener = kvTable->GetValueListener(kValueKey))
+    {
+        listener->object = this;
+        listener->function = Forward;
+    }
+    return 1;
+}
+
+int ParameterDef::UnInitKVTableListener()
+{
+    if (!kvTable)
+    {
+        return 1;
+    }
+    TableLock lock(kvTable);
+    if (kvTable->FindValue(kValueKey) != nullptr)
+    {
+        const Tessel::KVListener listener{this, Forward};
+        kvTable->RemoveValueListener(kValueKey, &listener);
+    }
+    return 1;
+}
+
+int ParameterDef::OnParamValueModified(Tessel::opResult result, Tessel::KVTable, const char*)
+{
+    if (syncState != kSyncWriting && result == Tessel::opResult_ValueChanged)
+    {
+        PullValue();
+    }
+    return 1;
+}
+
+} // namespace vell

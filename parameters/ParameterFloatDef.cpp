@@ -1,0 +1,100 @@
+// VELL: data-driven hierarchical state machines.
+// parameters/ParameterFloatDef.cpp: values and input of float parameters.
+#include <vell/Parameters.h>
+
+#include "foundation/Checks.h"
+#include "foundation/TableSync.h"
+#include "parameters/ParameterKeys.h"
+
+#include <durm/DURMBaseLib.h>
+
+namespace vell
+{
+
+ParameterFloatDef::ParameterFloatDef() : ParameterDef(DURMBaseLib::PARAM_Float)
+{
+}
+
+ParameterFloatDef::~ParameterFloatDef() = default;
+
+int ParameterFloatDef::InitKVTable()
+{
+    InitTypeKey();
+    if (kvTable)
+    {
+        kvTable->SetFloat(kValueKey, value, 1);
+    }
+    InitKVTableListener();
+    return 1;
+}
+
+float ParameterFloatDef::GetDefaultValue()
+{
+    return defaultValue;
+}
+
+void ParameterFloatDef::SetDefaultValue(float newDefault)
+{
+    defaultValue = newDefault;
+}
+
+float ParameterFloatDef::GetValue()
+{
+    return value;
+}
+
+void ParameterFloatDef::SetValue(float newValue)
+{
+    value = newValue;
+    WriteValue();
+}
+
+void ParameterFloatDef::WriteValue()
+{
+    WriteOwnTable(syncState, kvTable,
+                  [this](Tessel::KVTable table)
+                  {
+                      table->SetFloat(kValueKey, value, 1);
+                  });
+}
+
+void* ParameterFloatDef::GetValuePtr()
+{
+    return &value;
+}
+
+void ParameterFloatDef::ResetValue()
+{
+    SetValue(defaultValue);
+}
+
+void ParameterFloatDef::PullValue()
+{
+    SetValue(kvTable ? kvTable->GetFloat(kValueKey) : 0.0f);
+}
+
+int ParameterFloatDef::OnBroadcastEvent(int event, const void* record)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(record);
+        // Required: a float takes input of any binding.
+        if (event == kEventInput)
+        {
+            SetValue(ReadRecord<float>(record, kScalarOffset));
+        }
+        else if (event == kEventValue)
+        {
+            SetValue(ReadRecord<float>(record, 0));
+        }
+        else if (event == kEventReset)
+        {
+            ResetValue();
+        }
+        result = 1;
+    } while (false);
+    return result;
+}
+
+} // namespace vell

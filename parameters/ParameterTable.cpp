@@ -1,0 +1,193 @@
+// VELL: data-driven hierarchical state machines.
+// parameters/ParameterTable.cpp: finding, filing and releasing of parameters.
+#include "parameters/ParameterTable.h"
+
+#include "foundation/Checks.h"
+#include "foundation/TableSync.h"
+
+#include <vell/HSMAlloc.h>
+#include <vell/ParameterDef.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace vell
+{
+namespace
+{
+
+/// Hears of every write into a parameter's table, and has nothing to do.
+int OnParameterTableModified(void*, Tessel::opResult result, Tessel::KVTable table, const char* key)
+{
+    if (result == Tessel::opResult_ValueChanged && table)
+    {
+        table->GetUInt("id");
+        table->GetString(key);
+    }
+    return 1;
+}
+
+} // namespace
+
+ParameterTable::ParameterTable() = default;
+
+ParameterTable::~ParameterTable() = default;
+
+int ParameterTable::GetParameterCount()
+{
+    return static_cast<int>(idToParam.size());
+}
+
+const char* ParameterTable::GetParameterName(unsigned int id)
+{
+    ParameterDef* def = FindParameter(id);
+    return def == nullptr ? nullptr : def->GetName();
+}
+
+unsigned int ParameterTable::GetParameterID(const char* name)
+{
+    const auto entry = nameToId.find(name);
+    return name == nullptr || entry == nameToId.end() ? 0 : entry->second;
+}
+
+unsigned int ParameterTable::GetParameterIDByIndex(unsigned int index)
+{
+    if (index >= idToParam.size())
+    {
+        return 0;
+    }
+    return std::next(idToParam.begin(), static_cast<std::ptrdiff_t>(index))->first;
+}
+
+ParameterDef* ParameterTable::FindParameter(const char* name)
+{
+    ParameterDef* def = nullptr;
+    do
+    {
+        const unsigned int id = GetParameterID(name);
+        ERROR_BREAK(id != 0);
+        def = FindParameter(id);
+    } while (false);
+    return def;
+}
+
+ParameterDef* ParameterTable::FindParameter(unsigned int id)
+{
+    const auto entry = idToParam.find(id);
+    return entry == idToParam.end() ? nullptr : entry->second;
+}
+
+int ParameterTable::GetParameterAssign(unsigned int id)
+{
+    ParameterDef* def = FindParameter(id);
+    return def == nullptr ? 0 : def->GetAssign();
+}
+
+int ParameterTable::GetParameterAssignClass(unsigned int id)
+{
+    ParameterDef* def = FindParameter(id);
+    return def == nullptr ? 0 : def->GetAssignClass();
+}
+
+IBroadcastListener* ParameterTable::GetBroadcastListener(unsigned int id)
+{
+    return FindParameter(id);
+}
+
+int ParameterTable::CreateKVTable()
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(!table);
+        table = Tessel::CreateTable("parameterTable");
+        ERROR_BREAK(static_cast<bool>(table));
+        result = 1;
+    } while (false);
+    return result;
+}
+
+int ParameterTable::AddParameter(ParameterDef* def)
+{
+    int result = 0;
+    do
+    {
+        ASSERT_BREAK(def != nullptr);
+        const unsigned int id = def->GetID();
+        ASSERT_BREAK(id != 0);
+        const bool newName = nameToId.emplace(def->GetName(), id).second;
+        ASSERT_BREAK(newName);
+        // Required: a refused id leaves the name behind, which then answers with the other
+        // parameter's id.
+        const bool newId = idToParam.emplace(id, def).second;
+        ASSERT_BREAK(newId);
+        if (def->resetEachFrame)
+        {
+            const auto byId = [](ParameterDef* left, unsigned int right)
+            {
+                return left->GetID() < right;
+            };
+            resetting.insert(std::lower_bound(resetting.begin(), resetting.end(), id, byId), def);
+        }
+
+        char key[64];
+        std::snprintf(key, sizeof(key), "%u", id);
+        Tessel::KVTable defTable = def->GetKVTable();
+        if (table)
+        {
+            table->AttachTable(key, defTable, 1);
+        }
+        if (defTable)
+        {
+            TableLock lock(defTable);
+            if (Tessel::KVListener* listener = defTable->GetTableListener())
+            {
+                listener->object = this;
+                listener->function = OnParameterTableModified;
+            }
+        }
+        result = 1;
+    } while (false);
+    return result;
+}
+
+void ParameterTable::Uninit()
+{
+    for (const auto& entry : idToParam)
+    {
+        if (entry.second != nullptr)
+        {
+            entry.second->Uninit();
+        }
+    }
+    idToParam.clear();
+    resetting.clear();
+    if (table)
+    {
+        Tessel::CloseTable(table);
+    }
+}
+
+void ParameterTable::ResetFrameParameters()
+{
+    for (std::size_t i = 0; i < resetting.size(); ++i)
+    {
+        resetting[i]->ResetValue();
+    }
+}
+
+Tessel::KVTable ParameterTable::GetKVTable() const
+{
+    return table;
+}
+
+Tessel::KVTable ParameterTable::ReleaseStorage()
+{
+    NameMap().swap(nameToId);
+    ParameterMap().swap(idToParam);
+    std::vector<ParameterDef*>().swap(resetting);
+    std::vector<std::unique_ptr<ParameterDef>>().swap(ownParameters);
+    return table;
+}
+
+} // namespace vell

@@ -1,0 +1,93 @@
+// VELL: data-driven hierarchical state machines.
+// parameters/ParameterTable.h: all parameters of a machine.
+#pragma once
+
+#include <vell/IParameterTable.h>
+#include <vell/Json.h>
+
+#include <tessel/Tessel.h>
+
+#include <cstring>
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace vell
+{
+
+class HSMAlloc;
+
+/// Builds the document's parameters in the arena, makes further ones on the heap while the machine
+/// runs, and finds them by id and by name.
+class ParameterTable : public IParameterTable
+{
+public:
+    /// Orders names by their characters. A null name comes first.
+    struct NameOrder
+    {
+        bool operator()(const char* left, const char* right) const
+        {
+            return left == nullptr || right == nullptr ? left == nullptr && right != nullptr
+                                                       : std::strcmp(left, right) < 0;
+        }
+    };
+    using NameMap = std::map<const char*, unsigned int, NameOrder>;
+    using ParameterMap = std::map<unsigned int, ParameterDef*>;
+
+    ParameterTable();
+    /// Deletes the run-time parameters that no arena keeps. Never runs for a table in the arena.
+    ~ParameterTable();
+    ParameterTable(const ParameterTable&) = delete;
+    ParameterTable& operator=(const ParameterTable&) = delete;
+
+    int GetParameterCount() override;
+    const char* GetParameterName(unsigned int id) override;
+    unsigned int GetParameterID(const char* name) override;
+    unsigned int GetParameterIDByIndex(unsigned int index) override;
+    ParameterDef* FindParameter(const char* name) override;
+    ParameterDef* FindParameter(unsigned int id) override;
+    int GetParameterAssign(unsigned int id) override;
+    int GetParameterAssignClass(unsigned int id) override;
+    IBroadcastListener* GetBroadcastListener(unsigned int id) override;
+    int CreateFloatParameter(const char* name, float value, IParameterFloatDef** out) override;
+    int CreateBoolParameter(const char* name, bool value, IParameterBoolDef** out) override;
+    int CreateIntParameter(const char* name, int value, IParameterIntDef** out) override;
+    int CreateMessageParameter(const char* name, const char* text,
+                               IParameterMessageDef** out) override;
+
+    /// Builds the parameters of the document's array. Returns 1, or 0 with log lines and no
+    /// parameters.
+    int Init(const GenericValue& array, HSMAlloc* alloc);
+    /// Takes `def` in. Returns 1, or 0 with a log line when its id or name is taken. The name of a
+    /// parameter whose id is taken stays known.
+    int AddParameter(ParameterDef* def);
+    /// Builds one parameter, not yet taken in. Null with log lines.
+    ParameterDef* CreateParameterDef(const GenericValue& node, HSMAlloc* alloc);
+    /// Makes the table "parameterTable". Returns 1, or 0 with a log line when there is one.
+    int CreateKVTable();
+    /// Uninitialises all parameters, forgets them but for their names, and closes the table.
+    void Uninit();
+
+    /// Resets the parameters that ask for it, in ascending id order: the end of a tick.
+    void ResetFrameParameters();
+
+    /// Gives the table, or null.
+    Tessel::KVTable GetKVTable() const;
+
+    /// For the arena: gives heap memory back and returns the table that is left to close.
+    Tessel::KVTable ReleaseStorage();
+
+private:
+    bool IsNewName(const char* name);
+    void KeepRuntimeParameter(ParameterDef* def, const char* name);
+    int PublishRuntimeParameter(ParameterDef* def);
+
+    Tessel::KVTable table;                ///< null until CreateKVTable
+    NameMap nameToId;                     ///< keys are the parameters' own name pointers
+    ParameterMap idToParam;               ///< every parameter
+    HSMAlloc* arena = nullptr;            ///< keeps run-time parameters to its end; null until Init
+    std::vector<ParameterDef*> resetting; ///< those that reset each frame, in ascending id order
+    std::vector<std::unique_ptr<ParameterDef>> ownParameters; ///< run-time ones without an arena
+};
+
+} // namespace vell

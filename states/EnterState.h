@@ -1,0 +1,29 @@
+// VELL: data-driven hierarchical state machines.
+// states/EnterState.h: the run-time state of an enter node.
+#pragma once
+
+#include <vell/SMState.h>
+
+namespace vell
+{
+
+class EnterDef;
+
+/// Behaves as a plain state. It stands on the stack only where a transition leads to the enter
+/// node: a nested level's start does not pass through it.
+class EnterState : public SMState
+{
+public:
+    /// The factory. Null with a log line when `alloc` is null or has no room.
+    static SMState* Create(unsigned int id, HSMAlloc* alloc);
+
+    ~EnterState() override;
+    int Init(BaseDef* newDef) override;
+    int Enter() override;
+    int Exit() override;
+
+    EnterDef* typedDef = nullptr; ///< the definition as its own class; null until Init
+    unsigned int unread[3] = {};  ///< nobody reads them
+};
+
+} // namespace vell

@@ -1,0 +1,57 @@
+// VELL: data-driven hierarchical state machines.
+// transitions/ConditionDefBool.cpp: loading and evaluating of bool conditions.
+#include "transitions/ConditionDefBool.h"
+
+#include "definitions/JsonReader.h"
+#include "foundation/Checks.h"
+
+#include <vell/ParameterDef.h>
+
+#include <cstring>
+
+namespace vell
+{
+
+int ConditionDefBool::Init(const GenericValue& node, HSMAlloc* alloc)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(ConditionDef::Init(node, alloc));
+        ERROR_BREAK(GetMember(node, JSON_ConditionValue).IsArray());
+        const GenericValue* operand = FindOperand(node);
+        ERROR_BREAK(operand != nullptr);
+        target = ReadBool(*operand);
+        result = 1;
+    } while (false);
+    return result;
+}
+
+void ConditionDefBool::Uninit()
+{
+    boundValue = nullptr;
+}
+
+bool ConditionDefBool::Evaluate(HSM*)
+{
+    if (boundValue == nullptr)
+    {
+        return false;
+    }
+    // The parameter may be of another class; its first byte is then compared as it is.
+    unsigned char byte = 0;
+    std::memcpy(&byte, boundValue, sizeof(byte));
+    return byte == (target ? 1 : 0);
+}
+
+bool ConditionDefBool::ParameterBind()
+{
+    do
+    {
+        ERROR_BREAK(parameter);
+        boundValue = static_cast<const bool*>(parameter->GetValuePtr());
+    } while (false);
+    return true;
+}
+
+} // namespace vell

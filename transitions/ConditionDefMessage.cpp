@@ -1,0 +1,61 @@
+// VELL: data-driven hierarchical state machines.
+// transitions/ConditionDefMessage.cpp: loading and evaluating of message conditions.
+#include "transitions/ConditionDefMessage.h"
+
+#include "definitions/JsonReader.h"
+#include "foundation/ArenaMemory.h"
+#include "foundation/Checks.h"
+
+#include <vell/Parameters.h>
+
+#include <cstring>
+
+namespace vell
+{
+
+int ConditionDefMessage::Init(const GenericValue& node, HSMAlloc* alloc)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(node.IsObject());
+        ERROR_BREAK(alloc);
+        ERROR_BREAK(ConditionDef::Init(node, alloc));
+        ERROR_BREAK(GetMember(node, JSON_ConditionValue).IsArray());
+        const GenericValue* operand = FindOperand(node);
+        ERROR_BREAK(operand != nullptr);
+        const char* text = ReadText(*operand);
+        ERROR_BREAK(text);
+        const std::size_t length = std::strlen(text);
+        ERROR_BREAK(length != 0);
+        target = AllocText(*alloc, length);
+        ERROR_BREAK(target);
+        std::memcpy(target, text, length + 1);
+        result = 1;
+    } while (false);
+    return result;
+}
+
+void ConditionDefMessage::Uninit()
+{
+}
+
+bool ConditionDefMessage::Evaluate(HSM*)
+{
+    return boundValue != nullptr && std::strcmp(boundValue->c_str(), target) == 0;
+}
+
+bool ConditionDefMessage::ParameterBind()
+{
+    do
+    {
+        ERROR_BREAK(parameter);
+        // A parameter of another class holds no text: the condition then stays unbound.
+        const bool isMessage = dynamic_cast<ParameterMessageDef*>(parameter) != nullptr;
+        boundValue =
+            isMessage ? static_cast<const std::string*>(parameter->GetValuePtr()) : nullptr;
+    } while (false);
+    return true;
+}
+
+} // namespace vell

@@ -1,0 +1,94 @@
+// VELL: data-driven hierarchical state machines.
+// transitions/ConditionFloatDef.cpp: loading and evaluating of float conditions.
+#include "transitions/ConditionFloatDef.h"
+
+#include "definitions/JsonReader.h"
+#include "foundation/Checks.h"
+
+#include <vell/ParameterDef.h>
+
+#include <cmath>
+
+namespace vell
+{
+
+namespace
+{
+
+/// How far apart equal floats may be, exclusive.
+constexpr float kTolerance = 0.01f;
+
+} // namespace
+
+int ConditionFloatDef::Init(const GenericValue& node, HSMAlloc* alloc)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(ConditionDef::Init(node, alloc));
+        ERROR_BREAK(GetMember(node, JSON_ConditionValue).IsArray());
+        const GenericValue* operand = FindOperand(node);
+        ERROR_BREAK(operand != nullptr);
+        if (evaluation == EvaluateInRange)
+        {
+            double low = 0.0;
+            double high = 0.0;
+            ERROR_BREAK(ReadRange(ReadText(*operand), &low, &high));
+            target = static_cast<float>(low);
+            rangeHigh = static_cast<float>(high);
+        }
+        else
+        {
+            target = ReadFloat(*operand);
+        }
+        result = 1;
+    } while (false);
+    return result;
+}
+
+void ConditionFloatDef::Uninit()
+{
+    boundValue = nullptr;
+}
+
+bool ConditionFloatDef::Evaluate(HSM*)
+{
+    if (boundValue == nullptr)
+    {
+        return false;
+    }
+    const float value = *boundValue;
+    switch (evaluation)
+    {
+    // Required: the tolerance belongs to equality alone, so a value close to the target and not
+    // equal to it is both equal and not equal.
+    case EvaluateEqual:
+        return std::fabs(target - value) < kTolerance;
+    case EvaluateNotEqual:
+        return value != target;
+    case EvaluateGreater:
+        return value > target;
+    case EvaluateGreaterOrEqual:
+        return value >= target;
+    case EvaluateLess:
+        return value < target;
+    case EvaluateLessOrEqual:
+        return value <= target;
+    case EvaluateInRange:
+        return value >= target && value <= rangeHigh;
+    default:
+        return false;
+    }
+}
+
+bool ConditionFloatDef::ParameterBind()
+{
+    // Required: the one class that does not report a missing parameter here.
+    if (parameter != nullptr)
+    {
+        boundValue = static_cast<const float*>(parameter->GetValuePtr());
+    }
+    return true;
+}
+
+} // namespace vell

@@ -1,0 +1,131 @@
+// VELL: data-driven hierarchical state machines.
+// transitions/TransitionDef.cpp: loading and evaluating of transitions.
+#include "transitions/TransitionDef.h"
+
+#include "definitions/DefPlacement.h"
+#include "definitions/JsonReader.h"
+#include "foundation/ArenaMemory.h"
+#include "foundation/Checks.h"
+#include "transitions/ConditionDef.h"
+
+#include <vell/HSM.h>
+
+namespace vell
+{
+
+TransitionDef* TransitionDef::Create(const GenericValue& node, HSMAlloc* alloc)
+{
+    TransitionDef* def = nullptr;
+    do
+    {
+        ERROR_BREAK(node.IsObject());
+        def = PlaceDef<TransitionDef>(alloc, DefTypeTransition, DefTypesTransition);
+        ERROR_BREAK(def);
+    } while (false);
+    return def;
+}
+
+int TransitionDef::Init(const GenericValue& node, HSMAlloc* alloc)
+{
+    do
+    {
+        ERROR_BREAK(node.IsObject());
+        const int baseResult = BaseDef::Init(node, alloc);
+        ERROR_BREAK(baseResult);
+        if (!InitConditions(GetMember(node, JSON_Conditions), alloc))
+        {
+            LogStream(LogWarning)
+                << "Conditions failed / missing for transition: Ignoring this transition"
+                << GetName() << EndLine;
+            disabled = true;
+        }
+        targetID = ReadUInt(node, JSON_TransitionTarget);
+        parentId = ReadUInt(node, JSON_TransitionSource);
+        const GenericValue* tagMember = FindMember(node, JSON_TransitionTag);
+        tag = tagMember == nullptr ? 0 : ReadInt(*tagMember);
+        tagArgument =
+            tagMember == nullptr ? 0 : ReadInt(GetMember(node, JSON_TransitionTagArgument));
+        const GenericValue* priorityMember = FindMember(node, JSON_TransitionPriority);
+        priority = priorityMember == nullptr ? 5 : ReadInt(*priorityMember);
+        // Required: this undoes the disabling above. A transition whose conditions failed stays in
+        // force with those made before the failure, and with its triggers.
+        disabled = ReadBool(GetMember(node, JSON_TransitionDisabled));
+        switchArgument = ReadFloat(GetMember(node, JSON_TransitionSwitchArgument));
+        return 1;
+    } while (false);
+    Uninit();
+    return 0;
+}
+
+int TransitionDef::InitConditions(const GenericValue& array, HSMAlloc* alloc)
+{
+    do
+    {
+        ERROR_BREAK(array.IsArray());
+        conditionCount = array.Size();
+        ERROR_BREAK(conditionCount);
+        conditionArray = AllocArray<ConditionDef*>(*alloc, conditionCount);
+        ERROR_BREAK(conditionArray);
+        conditions.reserve(conditionCount);
+        for (unsigned int i = 0; i < conditionCount; ++i)
+        {
+            const GenericValue& element = array[i];
+            ERROR_GOTO(element.IsObject(), failed);
+            auto* condition = dynamic_cast<ConditionDef*>(ConditionDef::Create(element, alloc));
+            ERROR_GOTO(condition, failed);
+            ERROR_GOTO(condition->Init(element, alloc), failed);
+            StoreElement(conditionArray, i, condition);
+            conditions.push_back(condition);
+        }
+        return 1;
+    } while (false);
+    return 0;
+
+failed:
+    LogStream(LogError) << "An error occurred initilizing a condition" << EndLine;
+    return 0;
+}
+
+int TransitionDef::RegisterCondition(Trigger trigger)
+{
+    int result = 0;
+    do
+    {
+        ERROR_BREAK(trigger != nullptr);
+        triggers.push_back(trigger);
+        result = 1;
+    } while (false);
+    return result;
+}
+
+int TransitionDef::HandleConditions(HSM* hsm)
+{
+    int result = 0;
+    for (ConditionDef* condition : conditions)
+    {
+        if (condition->Evaluate(hsm))
+        {
+            result = 1;
+            break;
+        }
+    }
+    // Required: triggers run even when a condition has settled the answer, and receive no state.
+    for (std::size_t i = 0; i < triggers.size(); ++i)
+    {
+        ERROR_BREAK(triggers[i] != nullptr);
+        if (triggers[i](hsm, nullptr))
+        {
+            return 1;
+        }
+    }
+    return result;
+}
+
+Tessel::KVTable TransitionDef::ReleaseStorage()
+{
+    std::vector<ConditionDef*>().swap(conditions);
+    std::vector<Trigger>().swap(triggers);
+    return BaseDef::ReleaseStorage();
+}
+
+} // namespace vell

@@ -1,0 +1,54 @@
+// VELL: data-driven hierarchical state machines.
+// transitions/TransitionDef.h: from one state to another, when any one of its conditions holds.
+#pragma once
+
+#include <vell/BaseDef.h>
+#include <vell/IHSM.h>
+
+#include <vector>
+
+namespace vell
+{
+
+class ConditionDef;
+class HSM;
+
+/// A transition. It holds when any one of its conditions or triggers does. It does not act: the
+/// state that lists it asks it, and the machine does the rest.
+class TransitionDef : public BaseDef
+{
+public:
+    /// The factory: places the definition in the arena, not yet initialised. Null with a log line
+    /// when `node` is no object or there is no room.
+    static TransitionDef* Create(const GenericValue& node, HSMAlloc* alloc);
+
+    /// Reads the transition. Bad conditions do not fail it. Returns 1, or 0 with log lines.
+    int Init(const GenericValue& node, HSMAlloc* alloc) override;
+
+    /// Makes the conditions of an array, up to the first bad one. Returns 1, or 0 with log lines.
+    int InitConditions(const GenericValue& array, HSMAlloc* alloc);
+
+    /// Adds `trigger`, also when it is there already. Returns 1, or 0 with a log line for null.
+    int RegisterCondition(Trigger trigger);
+
+    /// Tells whether the transition holds: 1 or 0. All triggers up to the first that returns true
+    /// are called in every case.
+    int HandleConditions(HSM* hsm);
+
+    /// For the arena: gives heap memory back and returns the table that is left to close.
+    Tessel::KVTable ReleaseStorage();
+
+    bool disabled = false;           ///< never evaluated
+    int tag = 0;                     ///< the host's; copied to UpdateResult::tag
+    int tagArgument = 0;             ///< the host's
+    int priority = 5;                ///< smaller is tested first; larger is stronger as a blip
+    float switchArgument = 0.0f;     ///< handed to the state-switch callback
+    unsigned int reserved = 0;       ///< nobody reads it
+    unsigned int targetID = 0;       ///< state to activate; 0 cannot fire
+    unsigned int conditionCount = 0; ///< length of the document's condition array
+    ConditionDef** conditionArray = nullptr; ///< in the arena, of no particular alignment
+    std::vector<ConditionDef*> conditions;   ///< in document order; the conditions lie in the arena
+    std::vector<Trigger> triggers;           ///< in the order of registration
+};
+
+} // namespace vell
