@@ -2,85 +2,13 @@
 // platform/tessel/Entry.cpp: one key of a table with its value.
 #include "platform/tessel/Entry.h"
 
-#include <limits>
-
 namespace Tessel
 {
-
-namespace
-{
-
-/// Cuts off toward 0 and holds at the limits; a plain cast of a value beyond them is undefined.
-template <class Integer>
-Integer Saturate(float value)
-{
-    constexpr Integer kMin = std::numeric_limits<Integer>::min();
-    constexpr Integer kMax = std::numeric_limits<Integer>::max();
-
-    if (!(value == value))
-    {
-        return 0;
-    }
-    const double exact = static_cast<double>(value);
-    if (exact <= static_cast<double>(kMin))
-    {
-        return kMin;
-    }
-    if (exact >= static_cast<double>(kMax))
-    {
-        return kMax;
-    }
-    return static_cast<Integer>(exact);
-}
-
-} // namespace
 
 int Entry::GetValueType() const
 {
     const Kind kind = GetKind();
     return kind == KindLongText ? static_cast<int>(ValueType_Text) : static_cast<int>(kind);
-}
-
-int Entry::GetIntValue() const
-{
-    switch (GetKind())
-    {
-    case KindInt:
-    case KindUInt:
-        return Load<int>();
-    case KindFloat:
-        return Saturate<int>(Load<float>());
-    default:
-        return 0;
-    }
-}
-
-float Entry::GetFloatValue() const
-{
-    switch (GetKind())
-    {
-    case KindFloat:
-        return Load<float>();
-    case KindInt:
-        return static_cast<float>(Load<int>());
-    case KindUInt:
-        return static_cast<float>(Load<unsigned>());
-    default:
-        return 0.0f;
-    }
-}
-
-const char* Entry::GetStringValue() const
-{
-    switch (GetKind())
-    {
-    case KindShortText:
-        return reinterpret_cast<const char*>(payload);
-    case KindLongText:
-        return Load<LongText>().text;
-    default:
-        return nullptr;
-    }
 }
 
 int Entry::GetFloat2Value(Float2* out) const
@@ -111,24 +39,6 @@ int Entry::GetFloat4Value(Float4* out) const
     }
     *out = Load<Float4>();
     return 1;
-}
-
-unsigned Entry::GetUIntValue() const
-{
-    switch (GetKind())
-    {
-    case KindInt:
-    case KindUInt:
-        return Load<unsigned>();
-    case KindFloat:
-    {
-        const float value = Load<float>();
-        return value < 0.0f ? static_cast<unsigned>(Saturate<int>(value))
-                            : Saturate<unsigned>(value);
-    }
-    default:
-        return 0;
-    }
 }
 
 void Entry::StoreText(const char* text, std::size_t length, std::unique_ptr<char[]>& buffer)

@@ -8,10 +8,34 @@
 
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <memory>
 
 namespace Tessel
 {
+
+/// Cuts off toward 0 and holds at the limits; a plain cast of a value beyond them is undefined.
+template <class Integer>
+Integer Saturate(float value)
+{
+    constexpr Integer kMin = std::numeric_limits<Integer>::min();
+    constexpr Integer kMax = std::numeric_limits<Integer>::max();
+
+    if (!(value == value))
+    {
+        return 0;
+    }
+    const double exact = static_cast<double>(value);
+    if (exact <= static_cast<double>(kMin))
+    {
+        return kMin;
+    }
+    if (exact >= static_cast<double>(kMax))
+    {
+        return kMax;
+    }
+    return static_cast<Integer>(exact);
+}
 
 /// One key of a table with its value: 32 bytes on a 64-bit machine, the size that most decides what
 /// a tree of many small tables weighs. The key's address carries the kind in its low bits.
@@ -121,5 +145,60 @@ private:
     std::uintptr_t keyAndKind;
     alignas(8) unsigned char payload[16];
 };
+
+// In line: these are what most reads come to.
+
+inline int Entry::GetIntValue() const
+{
+    const Kind kind = GetKind();
+    if (kind == KindInt || kind == KindUInt)
+    {
+        return Load<int>();
+    }
+    return kind == KindFloat ? Saturate<int>(Load<float>()) : 0;
+}
+
+inline float Entry::GetFloatValue() const
+{
+    switch (GetKind())
+    {
+    case KindFloat:
+        return Load<float>();
+    case KindInt:
+        return static_cast<float>(Load<int>());
+    case KindUInt:
+        return static_cast<float>(Load<unsigned>());
+    default:
+        return 0.0f;
+    }
+}
+
+inline const char* Entry::GetStringValue() const
+{
+    switch (GetKind())
+    {
+    case KindShortText:
+        return reinterpret_cast<const char*>(payload);
+    case KindLongText:
+        return Load<LongText>().text;
+    default:
+        return nullptr;
+    }
+}
+
+inline unsigned Entry::GetUIntValue() const
+{
+    const Kind kind = GetKind();
+    if (kind == KindInt || kind == KindUInt)
+    {
+        return Load<unsigned>();
+    }
+    if (kind != KindFloat)
+    {
+        return 0;
+    }
+    const float value = Load<float>();
+    return value < 0.0f ? static_cast<unsigned>(Saturate<int>(value)) : Saturate<unsigned>(value);
+}
 
 } // namespace Tessel

@@ -49,8 +49,8 @@ void Free(void* memory)
 
 } // namespace
 
-Key::Key(const KeyText& name, bool isShared)
-    : hash(name.hash), length(name.length & KeyText::kMaxLength), shared(isShared ? 1u : 0u)
+Key::Key(const KeyText& name, std::uint32_t nameHash, bool isShared)
+    : hash(nameHash), length(name.length & KeyText::kMaxLength), shared(isShared ? 1u : 0u)
 {
     char* text = reinterpret_cast<char*>(this + 1);
     std::memcpy(text, name.text, name.length);
@@ -59,19 +59,20 @@ Key::Key(const KeyText& name, bool isShared)
 
 const Key* Key::Acquire(const KeyText& name)
 {
+    const std::uint32_t hash = name.ComputeHash();
     if (!IsWorthSharing(name))
     {
-        return Create(name, false);
+        return Create(name, hash, false);
     }
-    if (const Key* key = FindShared(name))
+    if (const Key* key = FindShared(name, hash))
     {
         return key;
     }
     if (sharedCount.load(std::memory_order_relaxed) >= kMaxShared)
     {
-        return Create(name, false);
+        return Create(name, hash, false);
     }
-    return AddShared(name);
+    return AddShared(name, hash);
 }
 
 void Key::Release(const Key* key)
@@ -87,40 +88,40 @@ std::uint32_t Key::GetSharedCount()
     return sharedCount.load(std::memory_order_relaxed);
 }
 
-const Key* Key::Create(const KeyText& name, bool isShared)
+const Key* Key::Create(const KeyText& name, std::uint32_t hash, bool isShared)
 {
     if (name.length > KeyText::kMaxLength)
     {
         throw std::bad_alloc();
     }
-    return new (Allocate(sizeof(Key) + name.length + 1)) Key(name, isShared);
+    return new (Allocate(sizeof(Key) + name.length + 1)) Key(name, hash, isShared);
 }
 
-const Key* Key::FindShared(const KeyText& name)
+const Key* Key::FindShared(const KeyText& name, std::uint32_t hash)
 {
-    for (std::uint32_t at = name.hash % kPlaces;; at = (at + 1) % kPlaces)
+    for (std::uint32_t at = hash % kPlaces;; at = (at + 1) % kPlaces)
     {
         const Key* key = sharedKeys[at].load(std::memory_order_acquire);
-        if (key == nullptr || key->Is(name))
+        if (key == nullptr || (key->hash == hash && key->Is(name)))
         {
             return key;
         }
     }
 }
 
-const Key* Key::AddShared(const KeyText& name)
+const Key* Key::AddShared(const KeyText& name, std::uint32_t hash)
 {
     const std::lock_guard<std::mutex> lock(sharedMutex);
-    if (const Key* key = FindShared(name))
+    if (const Key* key = FindShared(name, hash))
     {
         return key;
     }
     const std::uint32_t count = sharedCount.load(std::memory_order_relaxed);
     const bool isRoom = count < kMaxShared;
-    const Key* key = Create(name, isRoom);
+    const Key* key = Create(name, hash, isRoom);
     if (isRoom)
     {
-        std::uint32_t at = name.hash % kPlaces;
+        std::uint32_t at = hash % kPlaces;
         while (sharedKeys[at].load(std::memory_order_relaxed) != nullptr)
         {
             at = (at + 1) % kPlaces;

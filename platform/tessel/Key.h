@@ -51,21 +51,21 @@ public:
         return hash;
     }
 
+    /// Tells whether this is the text of `name`.
     bool Is(const KeyText& name) const
     {
-        return hash == name.hash && length == name.length &&
-               IsSameText(GetText(), name.text, name.length);
+        return length == name.length && IsSameText(GetText(), name.text, name.length);
     }
 
     Key(const Key&) = delete;
     Key& operator=(const Key&) = delete;
 
 private:
-    Key(const KeyText& name, bool isShared);
+    Key(const KeyText& name, std::uint32_t nameHash, bool isShared);
 
-    static const Key* Create(const KeyText& name, bool isShared);
-    static const Key* FindShared(const KeyText& name);
-    static const Key* AddShared(const KeyText& name);
+    static const Key* Create(const KeyText& name, std::uint32_t hash, bool isShared);
+    static const Key* FindShared(const KeyText& name, std::uint32_t hash);
+    static const Key* AddShared(const KeyText& name, std::uint32_t hash);
 
     std::uint32_t hash;
     std::uint32_t length : 31;

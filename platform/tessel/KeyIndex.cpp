@@ -39,9 +39,15 @@ void KeyIndex::Insert(Entry* entry)
 
 Entry* KeyIndex::Find(const KeyText& name) const
 {
-    std::uint32_t at = name.hash & (placeCount - 1);
-    while (places[at] != nullptr && !places[at]->GetKey()->Is(name))
+    const std::uint32_t hash = name.ComputeHash();
+    std::uint32_t at = hash & (placeCount - 1);
+    while (places[at] != nullptr)
     {
+        const Key& key = *places[at]->GetKey();
+        if (key.GetHash() == hash && key.Is(name))
+        {
+            break;
+        }
         at = (at + 1) & (placeCount - 1);
     }
     return places[at];

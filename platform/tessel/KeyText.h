@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// platform/tessel/KeyText.h: a key as a caller gives it, with its length and hash.
+// platform/tessel/KeyText.h: a key as a caller gives it.
 #pragma once
 
 #include <cstddef>
@@ -25,12 +25,15 @@ inline std::uint64_t LoadHalf(const char* from)
     return half;
 }
 
-/// Tells whether `length` bytes are equal. Short texts, the common ones, are compared in line.
+/// Tells whether `length` bytes are equal. In line and without a call: keys are short.
 inline bool IsSameText(const char* left, const char* right, std::size_t length)
 {
-    if (length > 16)
+    for (; length > 16; length -= 8, left += 8, right += 8)
     {
-        return std::memcmp(left, right, length) == 0;
+        if (LoadWord(left) != LoadWord(right))
+        {
+            return false;
+        }
     }
     if (length >= 8)
     {
@@ -100,12 +103,24 @@ struct KeyText
     /// Takes a text that is not null.
     explicit KeyText(const char* key) : text(key), length(std::strlen(key))
     {
-        hash = HashText(text, length);
+    }
+
+    /// Gives one byte that tells most keys of a short table apart, for far less than a hash.
+    std::uint32_t GetTag() const
+    {
+        const unsigned first = static_cast<unsigned char>(text[0]);
+        const unsigned last = static_cast<unsigned char>(text[length - (length != 0 ? 1 : 0)]);
+        return (static_cast<unsigned>(length) + first * 9 + last * 5) & 0xff;
+    }
+
+    /// Computes the hash, which only large tables and the making of keys need.
+    std::uint32_t ComputeHash() const
+    {
+        return HashText(text, length);
     }
 
     const char* text;
     std::size_t length;
-    std::uint32_t hash;
 };
 
 } // namespace Tessel

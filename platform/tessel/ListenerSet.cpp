@@ -70,13 +70,13 @@ KVListener* ListenerSet::Add(const KeyText& name)
     *record = Record{{}, nullptr, key, nextSerial, false};
     ++nextSerial;
     ++recordCount;
-    Append(GetBucket(name.hash), record);
+    Append(GetBucket(name), record);
     return &record->listener;
 }
 
 void ListenerSet::Remove(const KeyText& name, const KVListener& listener)
 {
-    for (Record** link = GetBucket(name.hash); *link != nullptr; link = &(*link)->next)
+    for (Record** link = GetBucket(name); *link != nullptr; link = &(*link)->next)
     {
         Record* record = *link;
         if (record->removed || record->listener.object != listener.object ||
@@ -96,13 +96,13 @@ void ListenerSet::Remove(const KeyText& name, const KVListener& listener)
     }
 }
 
-void ListenerSet::Call(Table& table, const KeyText& name)
+void ListenerSet::CallAll(Table& table, const KeyText& name)
 {
     const CallScope scope(*this, table);
     const KVTable handle = table.GetHandle();
     const std::uint64_t end = nextSerial;
 
-    for (Record* record = *GetBucket(name.hash); record != nullptr; record = record->next)
+    for (Record* record = *GetBucket(name); record != nullptr; record = record->next)
     {
         const KVListener listener = record->listener;
         if (record->serial >= end || record->removed || listener.function == nullptr ||
@@ -135,7 +135,7 @@ void ListenerSet::GrowBuckets()
         while (record != nullptr)
         {
             Record* next = std::exchange(record->next, nullptr);
-            Append(GetBucket(record->key->GetHash()), record);
+            Append(&buckets[record->key->GetHash() & (newCount - 1)], record);
             record = next;
         }
     }

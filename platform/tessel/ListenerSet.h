@@ -39,7 +39,13 @@ public:
 
     /// Calls the listeners of `name` that were there when the call began, then the table's own.
     /// Ends when `table` was closed by one of them: this set is gone then.
-    void Call(Table& table, const KeyText& name);
+    void Call(Table& table, const KeyText& name)
+    {
+        if (recordCount != 0 || tableListener.function != nullptr)
+        {
+            CallAll(table, name);
+        }
+    }
 
 private:
     struct Record
@@ -53,10 +59,12 @@ private:
 
     class CallScope;
 
-    Record** GetBucket(std::uint32_t hash)
+    Record** GetBucket(const KeyText& name)
     {
-        return &buckets[hash & (bucketCount - 1)];
+        return bucketCount == 1 ? buckets : &buckets[name.ComputeHash() & (bucketCount - 1)];
     }
+
+    void CallAll(Table& table, const KeyText& name);
 
     void GrowBuckets();
     void Sweep();

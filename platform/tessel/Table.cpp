@@ -252,14 +252,15 @@ inline Entry* Table::Find(const char* key)
     return key == nullptr ? nullptr : Find(KeyText(key));
 }
 
-inline Entry* Table::Find(const KeyText& key)
+// Calls nothing but its last step: most of what a read or write costs is here.
+Entry* Table::Find(const KeyText& key)
 {
     if (keyCount > kTaggedEntries)
     {
         return extras->index.Find(key);
     }
     std::uint64_t rest = tags;
-    const std::uint32_t tag = key.hash >> 24;
+    const std::uint32_t tag = key.GetTag();
     for (std::uint32_t i = 0; i < keyCount; ++i, rest >>= 8)
     {
         if ((rest & 0xff) == tag)
@@ -299,7 +300,7 @@ Entry* Table::Add(const KeyText& key)
     }
     else
     {
-        tags |= static_cast<std::uint64_t>(key.hash >> 24) << (8 * index);
+        tags |= static_cast<std::uint64_t>(key.GetTag()) << (8 * index);
     }
     ++keyCount;
     return entry;

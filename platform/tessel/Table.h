@@ -19,7 +19,7 @@ namespace Tessel
 
 /// A table, and the slot that it stands in: made once, opened and closed many times. Two entries
 /// stand in the table itself, so that most tables need no memory of their own; three keys take
-/// 168 bytes in all. Up to eight keys are found by one byte of their hash, more by an index.
+/// 168 bytes in all. Up to eight keys are found by a tag of one byte, more by an index.
 class Table final : public ITable
 {
 public:
@@ -137,7 +137,7 @@ private:
     std::atomic<std::uint32_t> link{0}; ///< holders; while closing and when free, the next slot
     const std::uint32_t slot;
     std::uint32_t keyCount = 0;
-    std::uint64_t tags = 0; ///< one byte of the hash of each of the first eight keys
+    std::uint64_t tags = 0; ///< those of the first eight keys, a byte each
     Block* blocks = nullptr;
     Extras* extras = nullptr;  ///< null until needed
     const Key* name = nullptr; ///< null when closed
