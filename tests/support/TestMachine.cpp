@@ -1,0 +1,81 @@
+// VELL: data-driven hierarchical state machines.
+// tests/support/TestMachine.cpp: making and showing of test machines.
+#include "tests/support/TestMachine.h"
+
+#include <vell/BaseDef.h>
+#include <vell/SMState.h>
+
+namespace vell::test
+{
+namespace
+{
+
+std::string Path(const std::vector<SMState*>& stack)
+{
+    std::string path;
+    for (SMState* state : stack)
+    {
+        const char* name =
+            state == nullptr || state->GetDef() == nullptr ? "(null)" : state->GetDef()->GetName();
+        path += (path.empty() ? "" : "/") + std::string(name == nullptr ? "(null)" : name);
+    }
+    return path.empty() ? "-" : path;
+}
+
+} // namespace
+
+TestMachine::TestMachine(const std::string& documentText)
+{
+    Load(documentText);
+}
+
+TestMachine::TestMachine(const DocumentBuilder& builder)
+{
+    Load(builder.Text());
+}
+
+TestMachine::~TestMachine()
+{
+    if (!uninitialised)
+    {
+        HSM::Uninit();
+    }
+}
+
+int TestMachine::Load(const std::string& documentText)
+{
+    text = documentText;
+    jsonText = text.c_str();
+    return Create();
+}
+
+int TestMachine::Uninit()
+{
+    uninitialised = true;
+    return HSM::Uninit();
+}
+
+std::string TestMachine::MainStack() const
+{
+    return Path(stateStack);
+}
+
+std::string TestMachine::BlipStack() const
+{
+    return Path(blipStack);
+}
+
+std::vector<unsigned int> TestMachine::StackInTree(const char* key) const
+{
+    std::vector<unsigned int> ids;
+    Tessel::KVTable context = kvTable ? kvTable->GetTable("contextInfo") : Tessel::KVTable();
+    Tessel::KVTable array = context ? context->GetTable(key) : Tessel::KVTable();
+    const unsigned int count = array ? array->GetCount() : 0;
+    for (unsigned int i = 0; i < count; ++i)
+    {
+        ids.push_back(array->GetValueAt(i)->GetUIntValue());
+    }
+    return ids;
+}
+
+} // namespace vell::test
