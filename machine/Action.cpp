@@ -1,0 +1,24 @@
+// VELL: data-driven hierarchical state machines.
+// machine/Action.cpp: what an action does when the host overrides nothing.
+#include <vell/Action.h>
+
+namespace vell
+{
+
+Action::~Action() = default;
+
+int Action::Init()
+{
+    return 1;
+}
+
+int Action::Perform(__ActType__, float)
+{
+    return 1;
+}
+
+void Action::SetOwner(BaseDef*)
+{
+}
+
+} // namespace vell
