@@ -31,6 +31,7 @@ function(vell_shared_library name objects)
     target_include_directories(
         ${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
                        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    target_compile_features(${name} INTERFACE cxx_std_17)
     # While the interface still grows, a minor version may change it.
     set_target_properties(
         ${name}
