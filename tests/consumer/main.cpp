@@ -25,9 +25,13 @@ void WriteDocument(Writer& writer)
     writer.StartObject();
     Key(writer, vell::JSON_HeadMemory);
     writer.Uint(1000);
+    Key(writer, vell::JSON_HeadMachineType);
+    writer.String("character");
     Key(writer, vell::JSON_HeadVersion);
-    writer.Uint(1);
+    writer.Uint(3);
     Key(writer, vell::JSON_HeadEnterNode);
+    writer.Uint(7);
+    Key(writer, vell::JSON_HeadSubstateRoot);
     writer.Uint(7);
     writer.EndObject();
     Key(writer, vell::JSON_Parameters);
@@ -103,7 +107,7 @@ void RunMachine(const char* document)
     const vell::SMState* current = machine->GetCurrentState();
     Expect(current != nullptr && current->GetID() == 7, "the start state is the current one");
     Expect(performed == 3, "the actions perform once on entry and once a tick");
-    Expect(machine->GetKVTable() != nullptr, "the machine has its tree");
+    Expect(static_cast<bool>(machine->GetKVTable()), "the machine has its tree");
     machine->Uninit();
     machine->Destroy();
     delete machine;
@@ -120,7 +124,7 @@ int main()
     RunMachine(text.GetString());
 
     Tessel::KVTable table = Tessel::CreateTable("consumer");
-    Expect(table != nullptr, "the table library makes a table");
+    Expect(static_cast<bool>(table), "the table library makes a table");
     Tessel::CloseTable(table);
     if (failures == 0)
     {

@@ -9,11 +9,11 @@ cp -a "${site}"/lib* "$3/site/"
 find "$3/site" -name '*VELLLibX64*' -prune -exec rm -rf {} +
 site=$(realpath "$3/site")
 
-cmake -G Ninja -S "$(dirname "$0")/../.." -B "$3/build" -DCMAKE_CXX_COMPILER="$1" \
-    -DVELL_PLATFORM_ROOT="${site}" -DVELL_BUILD_TESTS=OFF -DVELL_BUILD_TOOLS=OFF \
-    -DVELL_BUILD_SAMPLES=OFF
+cmake -G Ninja -S "$(dirname "$0")/../.." -B "$3/build" -DCMAKE_BUILD_TYPE=Debug \
+    -DCMAKE_CXX_COMPILER="$1" -DVELL_PLATFORM_ROOT="${site}" \
+    -DVELL_BUILD_TESTS=OFF -DVELL_BUILD_TOOLS=OFF -DVELL_BUILD_SAMPLES=OFF
 cmake --build "$3/build"
-cmake --install "$3/build" --prefix "$3/tree"
+cmake --install "$3/build" --prefix "$3/tree" >/dev/null
 
 if find "$3/build" "$3/tree" -name 'libDURMBaseX64*' -o -name 'libTesselX64*' | grep .; then
     echo "ours were built although the site has its own" >&2
