@@ -198,6 +198,11 @@ JsonObject MessageParameter(const std::string& name, const std::string& text)
     return Parameter(PARAM_Message, name, text);
 }
 
+JsonObject PulseParameter(const std::string& name)
+{
+    return BoolParameter(name, false).Set(JSON_ParameterResetEachFrame, true);
+}
+
 JsonObject VectorParameter(int parameterType, const std::string& name, const std::string& numbers)
 {
     JsonObject data;
@@ -255,6 +260,15 @@ DocumentBuilder& DocumentBuilder::Nodes(const std::vector<Json>& nodes)
         Node(node);
     }
     return *this;
+}
+
+DocumentBuilder& DocumentBuilder::Level(const std::string& name, unsigned int id,
+                                        unsigned int first, const Ids& children,
+                                        unsigned int parent)
+{
+    Node(Substate(name, id, id + 1, id + 2, children, parent));
+    Node(Enter(name + "In", id + 1, first, id));
+    return Node(Exit(name + "Out", id + 2, id));
 }
 
 DocumentBuilder& DocumentBuilder::Layer(const std::string& name)

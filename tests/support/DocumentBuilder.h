@@ -61,6 +61,8 @@ JsonObject BoolParameter(const std::string& name, bool value);
 JsonObject IntParameter(const std::string& name, int value);
 JsonObject FloatParameter(const std::string& name, double value);
 JsonObject MessageParameter(const std::string& name, const std::string& text);
+/// A bool parameter that is false again after every tick.
+JsonObject PulseParameter(const std::string& name);
 /// Two to four floats as a text such as "0.5,1".
 JsonObject VectorParameter(int parameterType, const std::string& name, const std::string& numbers);
 
@@ -84,6 +86,10 @@ public:
     /// Adds a node to the layer added last.
     DocumentBuilder& Node(const Json& node);
     DocumentBuilder& Nodes(const std::vector<Json>& nodes);
+    /// Adds a substate with its enter node, `id` + 1, which leads to `first`, and its exit node,
+    /// `id` + 2, named NAMEIn and NAMEOut.
+    DocumentBuilder& Level(const std::string& name, unsigned int id, unsigned int first,
+                           const Ids& children = {}, unsigned int parent = 0);
     /// Starts a further layer. The first call renames the layer "Base" while that has no nodes.
     DocumentBuilder& Layer(const std::string& name);
     DocumentBuilder& GlobalNode(const Json& node);

@@ -34,8 +34,15 @@ std::string WithoutLineNumbers(const std::string& text)
     return std::regex_replace(std::regex_replace(text, check, "$1# in "), place, "$1#");
 }
 
+/// The level of a test's own lines.
+constexpr int kNote = 0;
+
 std::string Shown(const LogLine& line)
 {
+    if (line.level == kNote)
+    {
+        return line.text;
+    }
     std::string text = line.text;
     const std::size_t tagEnd = text.find("\t: ");
     if (text.rfind('[', 0) == 0 && tagEnd != std::string::npos)
@@ -105,6 +112,11 @@ std::vector<LogLine> LogRecorder::TakeRaw()
 void LogRecorder::Clear()
 {
     Recorded().clear();
+}
+
+void LogRecorder::Note(const std::string& text)
+{
+    Recorded().push_back({kNote, text});
 }
 
 std::string ErrorBreak(const std::string& function, const std::string& value)

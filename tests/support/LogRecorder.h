@@ -39,6 +39,10 @@ public:
     /// Forgets the lines.
     void Clear();
 
+    /// Adds a line of the test's own between those of the library. `Take` shows it as it is,
+    /// without a level; `Take` with levels leaves it out. Does nothing to what the library logs.
+    static void Note(const std::string& text);
+
 private:
     int savedError = -1; ///< standard error as it was
 };

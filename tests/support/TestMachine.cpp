@@ -3,7 +3,11 @@
 #include "tests/support/TestMachine.h"
 
 #include <vell/BaseDef.h>
+#include <vell/IParameterTable.h>
+#include <vell/Parameters.h>
 #include <vell/SMState.h>
+
+#include <gtest/gtest.h>
 
 namespace vell::test
 {
@@ -76,6 +80,19 @@ std::vector<unsigned int> TestMachine::StackInTree(const char* key) const
         ids.push_back(array->GetValueAt(i)->GetUIntValue());
     }
     return ids;
+}
+
+unsigned int TestMachine::ContextValue(const char* key) const
+{
+    Tessel::KVTable context = kvTable ? kvTable->GetTable("contextInfo") : Tessel::KVTable();
+    return context ? context->GetUInt(key) : 0;
+}
+
+void TestMachine::SetBool(const char* name, bool value)
+{
+    auto* parameter = dynamic_cast<ParameterBoolDef*>(GetParameterTable()->FindParameter(name));
+    ASSERT_NE(parameter, nullptr) << name;
+    parameter->SetValue(value);
 }
 
 } // namespace vell::test

@@ -34,6 +34,10 @@ public:
     std::string BlipStack() const;
     /// Ids of a "contextInfo" array, bottom first.
     std::vector<unsigned int> StackInTree(const char* key) const;
+    /// A number of "contextInfo"; 0 without a tree.
+    unsigned int ContextValue(const char* key) const;
+    /// Sets a bool parameter of the document.
+    void SetBool(const char* name, bool value);
 
     using HSM::ActivateState;
     using HSM::ActivateTransitions;
