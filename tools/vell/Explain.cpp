@@ -1,0 +1,129 @@
+// VELL: data-driven hierarchical state machines.
+// tools/vell/Explain.cpp: the reading of transitions, and its words.
+#include "tools/vell/Explain.h"
+
+#include "tools/vell/ParameterText.h"
+#include "transitions/ConditionDef.h"
+#include "transitions/TransitionDef.h"
+
+#include <vell/SMState.h>
+
+#include <algorithm>
+
+namespace vell::tool
+{
+namespace
+{
+
+bool AnyHolds(const std::vector<ConditionReading>& conditions)
+{
+    return std::any_of(conditions.begin(), conditions.end(),
+                       [](const ConditionReading& reading)
+                       {
+                           return reading.holds;
+                       });
+}
+
+Verdict Judge(const TransitionReading& reading, const TransitionDef* fired, bool isRefused)
+{
+    if (reading.transition == fired)
+    {
+        return isRefused ? Verdict::Refused : Verdict::Fires;
+    }
+    if (reading.transition->disabled)
+    {
+        return Verdict::Disabled;
+    }
+    return reading.transition->targetID == 0 && AnyHolds(reading.conditions) ? Verdict::NoTarget
+                                                                             : Verdict::NotHolding;
+}
+
+std::string Text(const ConditionReading& reading)
+{
+    return reading.text +
+           (reading.saw.empty() ? " (its parameter is not there)" : " (saw " + reading.saw + ")");
+}
+
+} // namespace
+
+std::vector<ConditionReading> ReadConditions(const TransitionDef& transition,
+                                             IParameterTable* parameters)
+{
+    std::vector<ConditionReading> readings;
+    for (ConditionDef* condition : transition.conditions)
+    {
+        readings.push_back({ConditionText(*condition, parameters), SeenText(*condition),
+                            condition->Evaluate(nullptr)});
+    }
+    return readings;
+}
+
+std::vector<TransitionReading> ExplainState(const SMState& state, const TransitionDef* fired,
+                                            bool isRefused, int blipPriority,
+                                            IParameterTable* parameters)
+{
+    std::vector<TransitionReading> readings;
+    bool isReached = true;
+    for (int i = 0; i < state.GetNumTransitions(); ++i)
+    {
+        TransitionReading reading;
+        reading.transition = state.GetTransitionAt(i);
+        if (reading.transition == nullptr)
+        {
+            continue;
+        }
+        reading.conditions = ReadConditions(*reading.transition, parameters);
+        reading.blipPriority = blipPriority;
+        reading.verdict = isReached ? Judge(reading, fired, isRefused) : Verdict::NotReached;
+        isReached = isReached && (reading.verdict == Verdict::Disabled ||
+                                  reading.verdict == Verdict::NotHolding);
+        readings.push_back(reading);
+    }
+    return readings;
+}
+
+std::string HeldText(const TransitionDef& transition, IParameterTable* parameters)
+{
+    for (const ConditionReading& reading : ReadConditions(transition, parameters))
+    {
+        if (reading.holds)
+        {
+            return Text(reading);
+        }
+    }
+    return "a trigger";
+}
+
+std::string VerdictText(const TransitionReading& reading)
+{
+    switch (reading.verdict)
+    {
+    case Verdict::Fires:
+        return "fires";
+    case Verdict::Refused:
+        return "refused, its priority is below " + std::to_string(reading.blipPriority) +
+               ", which a blip needs now";
+    case Verdict::Disabled:
+        return "disabled";
+    case Verdict::NotHolding:
+        return reading.conditions.empty() ? "has no conditions, only a trigger fires it"
+                                          : "no condition holds";
+    case Verdict::NoTarget:
+        return "holds and has no target, so nothing fires";
+    case Verdict::NotReached:
+        return "not reached, an earlier one holds";
+    }
+    return "";
+}
+
+std::string ConditionsText(const std::vector<ConditionReading>& conditions)
+{
+    std::string text;
+    for (const ConditionReading& reading : conditions)
+    {
+        text += (text.empty() ? "" : ", ") + Text(reading);
+    }
+    return text;
+}
+
+} // namespace vell::tool

@@ -1,0 +1,358 @@
+// VELL: data-driven hierarchical state machines.
+// tools/vell/ObservedMachine.cpp: states that report, and loading with words for what is wrong.
+#include "tools/vell/ObservedMachine.h"
+
+#include "definitions/NodeDefTable.h"
+#include "foundation/LogStream.h"
+#include "states/EnterState.h"
+#include "states/ExitState.h"
+#include "states/GlobalState.h"
+#include "states/SubstateState.h"
+#include "transitions/TransitionDef.h"
+
+#include <vell/HSMAlloc.h>
+#include <vell/UpdateResult.h>
+
+#include <rapidjson/error/en.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <exception>
+#include <fstream>
+#include <sstream>
+
+namespace vell::tool
+{
+namespace
+{
+
+/// A standard state that reports. It has no field of its own, so the arena holds as many.
+template <class Standard>
+class Observed : public Standard
+{
+public:
+    static SMState* Create(unsigned int stateId, HSMAlloc* alloc)
+    {
+        Observed* state = alloc == nullptr ? nullptr : alloc->New<Observed>();
+        if (state != nullptr)
+        {
+            state->id = stateId;
+        }
+        return state;
+    }
+
+    int Enter() override
+    {
+        const int result = Standard::Enter();
+        if (ObservedMachine* machine = result == 0 ? nullptr : Machine())
+        {
+            machine->ReportEntered(*this);
+        }
+        return result;
+    }
+
+    int Exit() override
+    {
+        const int result = Standard::Exit();
+        if (ObservedMachine* machine = Machine())
+        {
+            machine->ReportLeft(*this);
+        }
+        return result;
+    }
+
+    int Update(HSM* caller, float dt) override
+    {
+        const bool wasBlip = caller->IsBlipState();
+        const int result = Standard::Update(caller, dt);
+        if (ObservedMachine* machine = Machine())
+        {
+            machine->ReportUpdated(*this, result, wasBlip);
+        }
+        return result;
+    }
+
+    unsigned int ProcessTransitions(HSM* caller, UpdateResult* result) override
+    {
+        const unsigned int target = Standard::ProcessTransitions(caller, result);
+        if (ObservedMachine* machine = Machine())
+        {
+            machine->ReportTested(*this, *result, target);
+        }
+        return target;
+    }
+
+private:
+    ObservedMachine* Machine() const
+    {
+        return dynamic_cast<ObservedMachine*>(this->hsm);
+    }
+};
+
+/// Collects what the library complains of for as long as it lives. One lives at a time.
+class ComplaintCollector
+{
+public:
+    explicit ComplaintCollector(std::vector<std::string>& complaints)
+    {
+        list = &complaints;
+        DURMBaseLib::SetLogCallBackBase(Take);
+    }
+    ~ComplaintCollector()
+    {
+        DURMBaseLib::SetLogCallBackBase(nullptr);
+        list = nullptr;
+    }
+    ComplaintCollector(const ComplaintCollector&) = delete;
+    ComplaintCollector& operator=(const ComplaintCollector&) = delete;
+
+private:
+    static void Take(int level, const char* text)
+    {
+        if (list == nullptr || (level != LogError && level != LogWarning))
+        {
+            return;
+        }
+        std::string line = text;
+        const std::size_t separator = line.find("\t: ");
+        line.erase(0, separator == std::string::npos ? 0 : separator + 3);
+        while (!line.empty() && line.back() == '\n')
+        {
+            line.pop_back();
+        }
+        list->push_back(line);
+    }
+
+    static std::vector<std::string>* list;
+};
+
+std::vector<std::string>* ComplaintCollector::list = nullptr;
+
+} // namespace
+
+ObservedMachine::~ObservedMachine()
+{
+    if (isCreated)
+    {
+        Uninit();
+    }
+    Destroy();
+}
+
+void ObservedMachine::RegisterBuilders()
+{
+    HSM::RegisterBuilders();
+    RegisterState(DURMBaseLib::BUILDER_Generic, Observed<SMState>::Create);
+    RegisterState(DURMBaseLib::BUILDER_Enter, Observed<EnterState>::Create);
+    RegisterState(DURMBaseLib::BUILDER_Exit, Observed<ExitState>::Create);
+    RegisterState(DURMBaseLib::BUILDER_Global, Observed<GlobalState>::Create);
+    RegisterState(DURMBaseLib::BUILDER_Substate, Observed<SubstateState>::Create);
+    RegisterState(DURMBaseLib::BUILDER_AnimClip, Observed<SMState>::Create);
+}
+
+std::string ObservedMachine::Load(const std::string& newPath)
+{
+    path = newPath;
+    if (!std::ifstream(path))
+    {
+        return path + ": cannot be read: " + std::strerror(errno);
+    }
+    const ComplaintCollector collector(complaints);
+    filePath = path.c_str();
+    isCreated = Create() != 0;
+    if (document.HasParseError())
+    {
+        complaints.clear();
+        return ParseFault(path);
+    }
+    if (!isCreated)
+    {
+        return path + ": is no machine document: its head is missing or incomplete";
+    }
+    if (Init() == 0)
+    {
+        return path + ": the machine cannot be built";
+    }
+    return "";
+}
+
+std::string ObservedMachine::ParseFault(const std::string& file)
+{
+    std::ostringstream whole;
+    whole << std::ifstream(file, std::ios::binary).rdbuf();
+    const std::string text = whole.str();
+    const std::size_t offset = std::min(document.GetErrorOffset(), text.size());
+    const auto fault = text.begin() + static_cast<std::ptrdiff_t>(offset);
+    const auto line = 1 + std::count(text.begin(), fault, '\n');
+    const std::size_t lineStart = offset == 0 ? std::string::npos : text.rfind('\n', offset - 1);
+    const std::size_t column = lineStart == std::string::npos ? offset + 1 : offset - lineStart;
+    return file + ":" + std::to_string(line) + ":" + std::to_string(column) +
+           ": is no JSON: " + rapidjson::GetParseError_En(document.GetParseError());
+}
+
+std::string ObservedMachine::StartRunning()
+{
+    const ComplaintCollector collector(complaints);
+    Start();
+    if (GetCurrentState() == nullptr && globalState == nullptr)
+    {
+        return path + ": nothing runs: the start state, node " + std::to_string(startStateID) +
+               ", cannot be entered";
+    }
+    return "";
+}
+
+const std::vector<std::string>& ObservedMachine::Complaints() const
+{
+    return complaints;
+}
+
+void ObservedMachine::SetObserver(MachineObserver* newObserver)
+{
+    observer = newObserver;
+}
+
+std::string ObservedMachine::Tick(float seconds)
+{
+    try
+    {
+        Update(seconds);
+    }
+    catch (const std::exception&)
+    {
+        return "the tick broke off: a blip ended at an exit node that stood higher on its stack "
+               "than "
+               "the main stack reaches";
+    }
+    CheckTarget();
+    return "";
+}
+
+const std::vector<SMState*>& ObservedMachine::MainStack() const
+{
+    return stateStack;
+}
+
+const std::vector<SMState*>& ObservedMachine::BlipStack() const
+{
+    return blipStack;
+}
+
+const std::vector<SMState*>& ObservedMachine::Stack() const
+{
+    return currentStack == nullptr ? stateStack : *currentStack;
+}
+
+std::string ObservedMachine::StackPath() const
+{
+    return PathOf(Stack());
+}
+
+int ObservedMachine::BlipPriority() const
+{
+    return blipPriority;
+}
+
+bool ObservedMachine::IsGlobalState(const SMState& state) const
+{
+    return &state == globalState;
+}
+
+NodeDefTable* ObservedMachine::Nodes() const
+{
+    return nodeDefTable;
+}
+
+unsigned int ObservedMachine::StartStateId() const
+{
+    return startStateID;
+}
+
+void ObservedMachine::ReportEntered(const SMState& state)
+{
+    pendingTarget = state.GetID() == pendingTarget ? 0 : pendingTarget;
+    if (observer != nullptr)
+    {
+        observer->OnEntered(state);
+    }
+}
+
+void ObservedMachine::ReportLeft(const SMState& state)
+{
+    if (observer != nullptr)
+    {
+        observer->OnLeft(state);
+    }
+}
+
+void ObservedMachine::ReportTested(const SMState& state, const UpdateResult& result,
+                                   unsigned int target)
+{
+    CheckTarget();
+    const bool isGlobal = IsGlobalState(state);
+    const bool isRefused = target != 0 && isGlobal && result.priority < blipPriority;
+    if (target != 0 && !isRefused)
+    {
+        pendingTarget = target;
+    }
+    if (observer == nullptr)
+    {
+        return;
+    }
+    observer->OnTested(state, target == 0 ? nullptr : result.transition, isRefused);
+    if (target != 0 && isGlobal && !isRefused)
+    {
+        observer->OnBlipStarted(result.priority, blipActive);
+    }
+}
+
+void ObservedMachine::ReportUpdated(const SMState& state, int updateResult, bool wasBlip)
+{
+    CheckTarget();
+    if (observer == nullptr)
+    {
+        return;
+    }
+    if (wasBlip && !blipActive)
+    {
+        observer->OnBlipEnded();
+    }
+    if (updateResult == 0)
+    {
+        observer->OnUpdateFailed(state);
+    }
+}
+
+void ObservedMachine::CheckTarget()
+{
+    if (pendingTarget != 0 && observer != nullptr)
+    {
+        observer->OnTargetMissed(pendingTarget);
+    }
+    pendingTarget = 0;
+}
+
+std::string NameOf(BaseDef& def)
+{
+    const char* name = def.GetName();
+    return name == nullptr ? "#" + std::to_string(def.GetID()) : std::string(name);
+}
+
+std::string NameOf(const SMState& state)
+{
+    BaseDef* def = state.GetDef();
+    return def == nullptr ? std::string("?") : NameOf(*def);
+}
+
+std::string PathOf(const std::vector<SMState*>& stack)
+{
+    std::string text;
+    for (const SMState* state : stack)
+    {
+        text += (text.empty() ? "" : "/") + (state == nullptr ? std::string("?") : NameOf(*state));
+    }
+    return text;
+}
+
+} // namespace vell::tool

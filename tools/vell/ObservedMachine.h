@@ -1,0 +1,96 @@
+// VELL: data-driven hierarchical state machines.
+// tools/vell/ObservedMachine.h: a machine that tells what happens inside its ticks.
+#pragma once
+
+#include <vell/HSM.h>
+#include <vell/SMState.h>
+
+#include <string>
+#include <vector>
+
+namespace vell::tool
+{
+
+/// Hears what happens, in the order in which it happens. Nothing it hears of may be changed.
+class MachineObserver
+{
+public:
+    virtual ~MachineObserver() = default;
+
+    /// `state` was entered. Unless its node cannot be run it goes on top of the stack next.
+    virtual void OnEntered(const SMState& state) = 0;
+    virtual void OnLeft(const SMState& state) = 0;
+    /// The transitions of `state` were tested; `fired` is the one that holds, or null.
+    /// `isRefused` says that it is the global state's and too weak to start a blip.
+    virtual void OnTested(const SMState& state, const TransitionDef* fired, bool isRefused) = 0;
+    /// A blip of `priority` starts; `isDisplacing` when it takes the place of another.
+    virtual void OnBlipStarted(int priority, bool isDisplacing) = 0;
+    virtual void OnBlipEnded() = 0;
+    /// `target` was to be entered, and there is no such node or it cannot be run.
+    virtual void OnTargetMissed(unsigned int target) = 0;
+    /// A substate could not start its level.
+    virtual void OnUpdateFailed(const SMState& state) = 0;
+};
+
+/// A machine whose states report to an observer. The states are of classes of their own that do
+/// what the standard ones do, so that also a state that is entered and left within one tick is
+/// seen.
+class ObservedMachine : public HSM
+{
+public:
+    ObservedMachine() = default;
+    /// Uninitialises the machine when it was loaded.
+    ~ObservedMachine() override;
+
+    /// Loads the document in a file. Gives an empty text, or what is wrong, with the line and
+    /// column where the text is no JSON. `Complaints` then has the library's own words.
+    std::string Load(const std::string& path);
+    /// Enters the start state. Gives an empty text, or what is wrong when nothing runs.
+    std::string StartRunning();
+    /// Errors and warnings that the library logged while loading and starting.
+    const std::vector<std::string>& Complaints() const;
+
+    /// Who is told; null for nobody. Not owned.
+    void SetObserver(MachineObserver* newObserver);
+    /// One tick. Gives an empty text, or what stopped it.
+    std::string Tick(float seconds);
+
+    const std::vector<SMState*>& MainStack() const;
+    const std::vector<SMState*>& BlipStack() const;
+    /// The stack that the tick works on.
+    const std::vector<SMState*>& Stack() const;
+    /// Names of the current stack's states, bottom first, with '/' between.
+    std::string StackPath() const;
+    int BlipPriority() const;
+    bool IsGlobalState(const SMState& state) const;
+    NodeDefTable* Nodes() const;
+    unsigned int StartStateId() const;
+
+    // For the states.
+    void ReportEntered(const SMState& state);
+    void ReportLeft(const SMState& state);
+    void ReportTested(const SMState& state, const UpdateResult& result, unsigned int target);
+    void ReportUpdated(const SMState& state, int updateResult, bool wasBlip);
+
+protected:
+    void RegisterBuilders() override;
+
+private:
+    void CheckTarget();
+    std::string ParseFault(const std::string& path);
+
+    MachineObserver* observer = nullptr;
+    std::string path;
+    std::vector<std::string> complaints;
+    unsigned int pendingTarget = 0; ///< what the transition that fired last is to enter
+    bool isCreated = false;
+};
+
+/// Gives the name of a node, or `#ID` for one without a name.
+std::string NameOf(BaseDef& def);
+std::string NameOf(const SMState& state);
+
+/// Names of the states, bottom first, with '/' between.
+std::string PathOf(const std::vector<SMState*>& stack);
+
+} // namespace vell::tool

@@ -1,0 +1,237 @@
+// VELL: data-driven hierarchical state machines.
+// tools/vell/Script.cpp: from the text of a script to its instructions.
+#include "tools/vell/Script.h"
+
+#include <charconv>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <istream>
+
+namespace vell::tool
+{
+namespace
+{
+
+bool IsBlank(char c)
+{
+    return c == ' ' || c == '\t' || c == '\r';
+}
+
+/// Cuts the comment off: a `#` at the start or behind a blank, outside of quotes.
+std::string WithoutComment(const std::string& line)
+{
+    bool quoted = false;
+    for (std::size_t i = 0; i < line.size(); ++i)
+    {
+        quoted = quoted != (line[i] == '"');
+        if (line[i] == '#' && !quoted && (i == 0 || IsBlank(line[i - 1])))
+        {
+            return line.substr(0, i);
+        }
+    }
+    return line;
+}
+
+/// One line, taken word by word. A word in quotes may hold blanks.
+class Words
+{
+public:
+    explicit Words(const std::string& line) : text(WithoutComment(line))
+    {
+        SkipBlanks();
+    }
+
+    bool AtEnd() const
+    {
+        return place == text.size();
+    }
+
+    std::string Next()
+    {
+        const bool quoted = !AtEnd() && text[place] == '"';
+        const std::size_t begin = quoted ? place + 1 : place;
+        std::size_t end = begin;
+        while (end < text.size() && (quoted ? text[end] != '"' : !IsBlank(text[end])))
+        {
+            ++end;
+        }
+        place = quoted && end < text.size() ? end + 1 : end;
+        SkipBlanks();
+        return text.substr(begin, end - begin);
+    }
+
+    /// Takes all that is left, without the blanks around it and without quotes around it.
+    std::string Rest()
+    {
+        std::string rest = text.substr(place);
+        place = text.size();
+        while (!rest.empty() && IsBlank(rest.back()))
+        {
+            rest.pop_back();
+        }
+        if (rest.size() > 1 && rest.front() == '"' && rest.back() == '"')
+        {
+            return rest.substr(1, rest.size() - 2);
+        }
+        return rest;
+    }
+
+private:
+    void SkipBlanks()
+    {
+        while (!AtEnd() && IsBlank(text[place]))
+        {
+            ++place;
+        }
+    }
+
+    std::string text;
+    std::size_t place = 0;
+};
+
+// Each reader fills `instruction` and gives what is wrong with its line, or an empty text.
+
+std::string ReadTick(Words& words, Instruction& instruction)
+{
+    instruction.operation = Operation::Tick;
+    if (words.AtEnd())
+    {
+        return "";
+    }
+    const std::string count = words.Rest();
+    const char* end = count.data() + count.size();
+    const auto [stop, error] = std::from_chars(count.data(), end, instruction.count);
+    return error == std::errc() && stop == end
+               ? ""
+               : "'" + count + "' is no number of ticks; write: tick [N]";
+}
+
+std::string ReadNameAndValue(Words& words, Instruction& instruction, const char* usage)
+{
+    if (!words.AtEnd())
+    {
+        instruction.name = words.Next();
+        if (!words.AtEnd())
+        {
+            instruction.value = words.Rest();
+            return "";
+        }
+    }
+    return std::string("a name and a value are missing; write: ") + usage;
+}
+
+std::string ReadMessage(Words& words, Instruction& instruction)
+{
+    instruction.operation = Operation::Message;
+    if (!words.AtEnd())
+    {
+        instruction.name = words.Next();
+        if (words.AtEnd())
+        {
+            return "";
+        }
+    }
+    return "one name is wanted; write: message NAME";
+}
+
+std::string ReadExpectation(Words& words, Instruction& instruction)
+{
+    const std::string subject = words.AtEnd() ? "" : words.Next();
+    if (subject == "stack")
+    {
+        instruction.operation = Operation::ExpectStack;
+        instruction.value = words.Rest();
+        if (instruction.value == "-")
+        {
+            instruction.value.clear();
+        }
+        return "";
+    }
+    if (subject == "param")
+    {
+        instruction.operation = Operation::ExpectParam;
+        return ReadNameAndValue(words, instruction, "expect param NAME VALUE");
+    }
+    if (subject == "blip")
+    {
+        instruction.operation = Operation::ExpectBlip;
+        const std::string answer = words.Rest();
+        instruction.flag = answer == "yes";
+        return answer == "yes" || answer == "no" ? ""
+                                                 : "write: expect blip yes, or: expect blip no";
+    }
+    return "nothing is known as '" + subject +
+           "' to expect; there are: expect stack, expect param, expect blip";
+}
+
+std::string ReadInstruction(Words& words, Instruction& instruction)
+{
+    const std::string verb = words.Next();
+    if (verb == "tick")
+    {
+        return ReadTick(words, instruction);
+    }
+    if (verb == "set")
+    {
+        instruction.operation = Operation::Set;
+        return ReadNameAndValue(words, instruction, "set NAME VALUE");
+    }
+    if (verb == "message")
+    {
+        return ReadMessage(words, instruction);
+    }
+    if (verb == "expect")
+    {
+        return ReadExpectation(words, instruction);
+    }
+    return "'" + verb + "' is no instruction; there are: tick, set, message, expect";
+}
+
+} // namespace
+
+Script ReadScript(std::istream& in, const std::string& file)
+{
+    Script script;
+    script.file = file;
+    std::string line;
+    for (unsigned int number = 1; std::getline(in, line); ++number)
+    {
+        Words words(line);
+        if (words.AtEnd())
+        {
+            continue;
+        }
+        Instruction instruction;
+        instruction.line = number;
+        const std::string fault = ReadInstruction(words, instruction);
+        if (fault.empty())
+        {
+            script.instructions.push_back(instruction);
+        }
+        else
+        {
+            script.errors.push_back(file + ":" + std::to_string(number) + ": " + fault);
+        }
+    }
+    return script;
+}
+
+Script ReadScriptFile(const std::string& path)
+{
+    if (path == "-")
+    {
+        return ReadScript(std::cin, "standard input");
+    }
+    std::ifstream in(path);
+    if (!in)
+    {
+        Script script;
+        script.errors.push_back(path + ": cannot be read: " + std::strerror(errno));
+        return script;
+    }
+    return ReadScript(in, path);
+}
+
+} // namespace vell::tool
