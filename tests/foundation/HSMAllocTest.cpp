@@ -1,0 +1,485 @@
+// VELL: data-driven hierarchical state machines.
+// tests/foundation/HSMAllocTest.cpp: what the arena hands out, records and gives back.
+#include <vell/HSMAlloc.h>
+
+#include "tests/support/HeapWatch.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <type_traits>
+
+namespace vell::test
+{
+namespace
+{
+
+using Sizes = std::map<void*, unsigned int>;
+
+struct Small
+{
+    Small()
+    {
+        ++constructed;
+    }
+    ~Small()
+    {
+        ++destroyed;
+    }
+    std::uint64_t value = 7;
+
+    static int constructed;
+    static int destroyed;
+};
+
+int Small::constructed = 0;
+int Small::destroyed = 0;
+
+struct Large
+{
+    std::uint64_t values[3] = {1, 2, 3};
+};
+
+struct Throwing
+{
+    Throwing()
+    {
+        throw 1;
+    }
+    std::uint64_t value;
+};
+
+/// Holds heap memory and a table, as definitions do.
+struct Holder
+{
+    std::vector<std::string> texts = {std::string(100, 'x'), std::string(200, 'y')};
+    Tessel::KVTable table = Tessel::CreateTable("holder");
+
+    Tessel::KVTable ReleaseStorage()
+    {
+        std::vector<std::string>().swap(texts);
+        return table;
+    }
+};
+
+struct Owned
+{
+    explicit Owned(int& counter) : deleted(counter)
+    {
+    }
+    ~Owned()
+    {
+        ++deleted;
+    }
+    int& deleted;
+};
+
+bool IsZero(const void* bytes, std::size_t size)
+{
+    const auto* first = static_cast<const unsigned char*>(bytes);
+    return std::all_of(first, first + size,
+                       [](unsigned char byte)
+                       {
+                           return byte == 0;
+                       });
+}
+
+std::ptrdiff_t OffsetOf(const void* object, const HSMAlloc& arena)
+{
+    return static_cast<const unsigned char*>(object) - arena.block;
+}
+
+} // namespace
+
+TEST(HSMAlloc, CannotBeCopied)
+{
+    EXPECT_FALSE(std::is_copy_constructible_v<HSMAlloc>);
+    EXPECT_FALSE(std::is_copy_assignable_v<HSMAlloc>);
+}
+
+TEST(HSMAlloc, StartsWithoutABlock)
+{
+    const HSMAlloc arena;
+
+    EXPECT_EQ(arena.block, nullptr);
+    EXPECT_EQ(arena.used, 0u);
+    EXPECT_EQ(arena.capacity, 0u);
+    EXPECT_TRUE(arena.tracked.empty());
+}
+
+TEST(HSMAlloc, HandsOutNothingWithoutABlock)
+{
+    HSMAlloc arena;
+    Small::constructed = 0;
+
+    EXPECT_EQ(arena.New<Small>(), nullptr);
+    EXPECT_EQ(arena.AllocRaw(1), nullptr);
+    EXPECT_EQ(Small::constructed, 0);
+    EXPECT_TRUE(arena.tracked.empty());
+}
+
+TEST(HSMAlloc, HandsOutNothingAfterARefusedReserve)
+{
+    HSMAlloc arena;
+    ASSERT_EQ(arena.Reserve(64), 1);
+    HeapWatch heap;
+    heap.RefuseMalloc(4096, 1);
+
+    const int reserved = arena.Reserve(4096);
+
+    EXPECT_EQ(reserved, 0);
+    EXPECT_EQ(heap.Refused(), 1u);
+    EXPECT_EQ(arena.block, nullptr);
+    EXPECT_EQ(arena.capacity, 0u);
+    EXPECT_EQ(arena.used, 0u);
+    EXPECT_EQ(arena.New<Small>(), nullptr);
+    EXPECT_EQ(arena.AllocRaw(1), nullptr);
+}
+
+TEST(HSMAlloc, ReservesByOneMallocOfTheSize)
+{
+    HSMAlloc arena;
+    HeapWatch heap;
+
+    const int reserved = arena.Reserve(100);
+
+    EXPECT_EQ(reserved, 1);
+    EXPECT_EQ(heap.Mallocs(), 1u);
+    EXPECT_EQ(heap.News(), 0u);
+    EXPECT_EQ(arena.capacity, 100u);
+    EXPECT_EQ(arena.used, 0u);
+    EXPECT_NE(arena.block, nullptr);
+}
+
+TEST(HSMAlloc, ReserveFreesTheBlockBefore)
+{
+    HSMAlloc arena;
+    HeapWatch heap;
+    arena.Reserve(100);
+    arena.AllocRaw(10);
+
+    const int reserved = arena.Reserve(200);
+
+    EXPECT_EQ(reserved, 1);
+    EXPECT_EQ(arena.used, 0u);
+    EXPECT_EQ(arena.capacity, 200u);
+    EXPECT_EQ(heap.BlocksKept(), 1);
+}
+
+TEST(HSMAlloc, ReserveRunsNoDestructorOfTheObjectsBefore)
+{
+    HSMAlloc arena;
+    arena.Reserve(64);
+    arena.New<Small>();
+    Small::destroyed = 0;
+
+    arena.Reserve(64);
+
+    EXPECT_EQ(Small::destroyed, 0);
+}
+
+TEST(HSMAlloc, PlacesObjectsAtTheExactSumOfTheirSizes)
+{
+    HSMAlloc arena;
+    arena.Reserve(100);
+
+    Small* first = arena.New<Small>();
+    Large* second = arena.New<Large>();
+    Small* third = arena.New<Small>();
+
+    EXPECT_EQ(OffsetOf(first, arena), 0);
+    EXPECT_EQ(OffsetOf(second, arena), 8);
+    EXPECT_EQ(OffsetOf(third, arena), 32);
+    EXPECT_EQ(arena.used, 40u);
+}
+
+#if !defined(VELL_ARENA_ROUNDING)
+TEST(HSMAlloc, PlacesWhatFollowsARawAllocationWithoutAligningIt)
+{
+    HSMAlloc arena;
+    arena.Reserve(100);
+
+    void* text = arena.AllocRaw(5);
+    void* next = arena.AllocRaw(3);
+
+    EXPECT_EQ(OffsetOf(text, arena), 0);
+    EXPECT_EQ(OffsetOf(next, arena), 5);
+    EXPECT_EQ(arena.used, 8u);
+}
+#else
+TEST(HSMAlloc, RoundsUpAfterARawAllocation)
+{
+    HSMAlloc arena;
+    arena.Reserve(20);
+
+    arena.AllocRaw(5);
+    Small* object = arena.New<Small>();
+    void* last = arena.AllocRaw(4);
+
+    EXPECT_EQ(OffsetOf(object, arena), 8);
+    EXPECT_EQ(OffsetOf(last, arena), 16);
+    EXPECT_EQ(arena.used, 20u);
+}
+#endif
+
+TEST(HSMAlloc, ConstructsObjectsByTheirDefaultConstructor)
+{
+    HSMAlloc arena;
+    arena.Reserve(64);
+    std::memset(arena.block, 0xff, 64);
+
+    const Small* object = arena.New<Small>();
+
+    ASSERT_NE(object, nullptr);
+    EXPECT_EQ(object->value, 7u);
+}
+
+TEST(HSMAlloc, RecordsTypedAllocationsWithTheirSizes)
+{
+    HSMAlloc arena;
+    arena.Reserve(64);
+
+    void* first = arena.New<Small>();
+    arena.AllocRaw(8);
+    void* second = arena.New<Large>();
+
+    EXPECT_EQ(arena.tracked, (Sizes{{first, 8u}, {second, 24u}}));
+}
+
+TEST(HSMAlloc, ConstructsBeforeItRecords)
+{
+    HSMAlloc arena;
+    arena.Reserve(64);
+
+    EXPECT_THROW(arena.New<Throwing>(), int);
+
+    EXPECT_EQ(arena.used, 0u);
+    EXPECT_TRUE(arena.tracked.empty());
+}
+
+TEST(HSMAlloc, HandsOutZeroedBytes)
+{
+    HSMAlloc arena;
+    arena.Reserve(64);
+    std::memset(arena.block, 0xff, 64);
+
+    void* bytes = arena.AllocRaw(16);
+
+    ASSERT_NE(bytes, nullptr);
+    EXPECT_TRUE(IsZero(bytes, 16));
+    EXPECT_EQ(arena.block[16], 0xff);
+    EXPECT_EQ(arena.used, 16u);
+    EXPECT_TRUE(arena.tracked.empty());
+}
+
+TEST(HSMAlloc, HandsOutNothingForASizeOfZero)
+{
+    HSMAlloc arena;
+    arena.Reserve(64);
+
+    EXPECT_EQ(arena.AllocRaw(0), nullptr);
+    EXPECT_EQ(arena.used, 0u);
+}
+
+TEST(HSMAlloc, FillsUpToItsVeryEndByRawBytes)
+{
+    HSMAlloc arena;
+    arena.Reserve(24);
+    arena.AllocRaw(8);
+
+    void* rest = arena.AllocRaw(arena.capacity - arena.used);
+
+    EXPECT_NE(rest, nullptr);
+    EXPECT_EQ(arena.used, arena.capacity);
+    EXPECT_EQ(arena.AllocRaw(1), nullptr);
+    EXPECT_EQ(arena.New<Small>(), nullptr);
+}
+
+TEST(HSMAlloc, PlacesAnObjectThatEndsExactlyAtItsEnd)
+{
+    HSMAlloc arena;
+    arena.Reserve(24);
+
+    EXPECT_NE(arena.New<Large>(), nullptr);
+    EXPECT_EQ(arena.used, 24u);
+}
+
+TEST(HSMAlloc, RefusesAnObjectThatIsOneByteTooLarge)
+{
+    HSMAlloc arena;
+    arena.Reserve(15);
+    arena.New<Small>();
+    Small::constructed = 0;
+
+    EXPECT_EQ(arena.New<Small>(), nullptr);
+
+    EXPECT_EQ(Small::constructed, 0);
+    EXPECT_EQ(arena.used, 8u);
+    EXPECT_EQ(arena.tracked.size(), 1u);
+}
+
+TEST(HSMAlloc, RefusesRawBytesThatAreOneTooMany)
+{
+    HSMAlloc arena;
+    arena.Reserve(16);
+    arena.AllocRaw(8);
+
+    EXPECT_EQ(arena.AllocRaw(9), nullptr);
+    EXPECT_EQ(arena.used, 8u);
+}
+
+TEST(HSMAlloc, RefusesASizeThatWrapsThe32Bits)
+{
+    HSMAlloc arena;
+    arena.Reserve(64);
+    arena.AllocRaw(16);
+
+    EXPECT_EQ(arena.AllocRaw(UINT_MAX), nullptr);
+    EXPECT_EQ(arena.AllocRaw(UINT_MAX - 8), nullptr);
+    EXPECT_EQ(arena.used, 16u);
+}
+
+TEST(HSMAlloc, HasNoRoomInABlockOfNoBytes)
+{
+    HSMAlloc arena;
+
+    arena.Reserve(0);
+
+    EXPECT_EQ(arena.capacity, 0u);
+    EXPECT_EQ(arena.New<Small>(), nullptr);
+    EXPECT_EQ(arena.AllocRaw(1), nullptr);
+}
+
+TEST(HSMAlloc, ReleaseFreesTheBlockAndKeepsTheRecord)
+{
+    HSMAlloc arena;
+    arena.Reserve(64);
+    void* object = arena.New<Small>();
+    Small::destroyed = 0;
+
+    arena.Release();
+
+    EXPECT_EQ(arena.block, nullptr);
+    EXPECT_EQ(arena.used, 0u);
+    EXPECT_EQ(arena.capacity, 0u);
+    EXPECT_EQ(arena.tracked, (Sizes{{object, 8u}}));
+    EXPECT_EQ(Small::destroyed, 0);
+}
+
+TEST(HSMAlloc, MayBeReleasedRepeatedly)
+{
+    HSMAlloc arena;
+    arena.Release();
+    arena.Reserve(64);
+    arena.Release();
+
+    arena.Release();
+
+    EXPECT_EQ(arena.block, nullptr);
+    EXPECT_EQ(arena.AllocRaw(1), nullptr);
+}
+
+TEST(HSMAlloc, KeepsTheOldSizeOnRecordForANewObjectAtAnOldAddress)
+{
+    HSMAlloc arena;
+    arena.Reserve(64);
+    // The same block stands in for one that comes back at the address of the last.
+    void* first = arena.New<Small>();
+    arena.used = 0;
+
+    void* second = arena.New<Large>();
+
+    ASSERT_EQ(second, first);
+    EXPECT_EQ(arena.tracked, (Sizes{{first, 8u}}));
+    EXPECT_EQ(arena.used, 24u);
+}
+
+TEST(HSMAlloc, DestructionRunsNoDestructorOfAnObject)
+{
+    Small::destroyed = 0;
+    {
+        HSMAlloc arena;
+        arena.Reserve(64);
+        arena.New<Small>();
+    }
+
+    EXPECT_EQ(Small::destroyed, 0);
+}
+
+TEST(HSMAlloc, GivesBackTheHeapMemoryOfItsObjectsWhenReleased)
+{
+    HSMAlloc arena;
+    arena.Reserve(1024);
+    arena.New<Holder>();
+    HeapWatch heap;
+
+    arena.Release();
+
+    // The block, the vector and its two texts.
+    EXPECT_EQ(heap.BlocksKept(), -4);
+}
+
+TEST(HSMAlloc, ClosesTheTablesOfItsObjectsAtItsEndAndNotBefore)
+{
+    Tessel::KVTable table;
+    {
+        HSMAlloc arena;
+        arena.Reserve(1024);
+        table = arena.New<Holder>()->table;
+        table->SetInt("key", 5, 1);
+
+        arena.Release();
+
+        EXPECT_EQ(table->GetInt("key"), 5);
+    }
+    EXPECT_EQ(table->GetInt("key"), 0);
+}
+
+TEST(HSMAlloc, ClosesAtItsEndWhatItWasToldToCloseLater)
+{
+    Tessel::KVTable table = Tessel::CreateTable("later");
+    table->SetInt("key", 5, 1);
+    {
+        HSMAlloc arena;
+        arena.CloseLater(table);
+        arena.Release();
+        EXPECT_EQ(table->GetInt("key"), 5);
+    }
+
+    EXPECT_EQ(table->GetInt("key"), 0);
+}
+
+TEST(HSMAlloc, DeletesAtItsEndWhatItWasToldToDeleteLater)
+{
+    int deleted = 0;
+    {
+        HSMAlloc arena;
+        arena.DeleteLater(new Owned(deleted));
+        arena.Release();
+        EXPECT_EQ(deleted, 0);
+    }
+
+    EXPECT_EQ(deleted, 1);
+}
+
+TEST(HSMAlloc, DeletesAtOnceAndOnlyOnceWhatIsNoLongerToWait)
+{
+    int deleted = 0;
+    {
+        HSMAlloc arena;
+        auto* first = new Owned(deleted);
+        arena.DeleteLater(first);
+        arena.DeleteLater(new Owned(deleted));
+
+        arena.DeleteNow(first);
+
+        EXPECT_EQ(deleted, 1);
+    }
+    EXPECT_EQ(deleted, 2);
+}
+
+} // namespace vell::test

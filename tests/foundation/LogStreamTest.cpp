@@ -1,0 +1,173 @@
+// VELL: data-driven hierarchical state machines.
+// tests/foundation/LogStreamTest.cpp: the text of log lines and where they go.
+#include "foundation/LogStream.h"
+
+#include "tests/support/HeapWatch.h"
+#include "tests/support/LogRecorder.h"
+
+#include <durm/DURMBaseLib.h>
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <sstream>
+#include <string>
+
+namespace vell::test
+{
+namespace
+{
+
+/// Writes one line of `level` that holds `value`, and gives it as the logger received it.
+template <class Value>
+std::string LineWith(const Value& value, int level = LogPlain)
+{
+    LogRecorder log;
+    LogStream(level) << value << EndLine;
+    const std::vector<LogLine> lines = log.TakeRaw();
+    return lines.size() == 1 ? lines[0].text : std::to_string(lines.size()) + " lines";
+}
+
+/// Gives what a standard stream in its default state writes for `value`, with a newline.
+template <class Value>
+std::string Streamed(const Value& value)
+{
+    std::ostringstream stream;
+    stream << value << std::endl;
+    return stream.str();
+}
+
+const char* WriteInnerLine()
+{
+    LogStream(LogInfo) << "inner" << EndLine;
+    return "value";
+}
+
+} // namespace
+
+TEST(LogStream, BeginsEachLineWithTheTagOfItsLevelAndASeparator)
+{
+    EXPECT_EQ(LineWith("text", 3), "[ERROR]\t: text\n");
+    EXPECT_EQ(LineWith("text", 4), "[WARNING]\t: text\n");
+    EXPECT_EQ(LineWith("text", 6), "[INFO]\t: text\n");
+    EXPECT_EQ(LineWith("text", 8), "[LUA]\t: text\n");
+}
+
+TEST(LogStream, WritesLinesOfOtherLevelsWithoutTagAndSeparator)
+{
+    for (const int level : {9, 0, 1, 2, 5, 7, 10, -1, INT_MAX, INT_MIN})
+    {
+        EXPECT_EQ(LineWith("text", level), "text\n") << level;
+    }
+}
+
+TEST(LogStream, PassesNewlinesOfAMessageThroughAndAddsTheFinalOne)
+{
+    EXPECT_EQ(LineWith("\n\nImporting HSM layers"), "\n\nImporting HSM layers\n");
+    EXPECT_EQ(LineWith("\n"), "\n\n");
+}
+
+TEST(LogStream, WritesTextsAsTheyAre)
+{
+    EXPECT_EQ(LineWith("a\tb"), "a\tb\n");
+    EXPECT_EQ(LineWith(std::string(5000, 'x')), std::string(5000, 'x') + "\n");
+    EXPECT_EQ(LineWith(std::string_view("part of it").substr(0, 4)), "part\n");
+}
+
+TEST(LogStream, InsertsNothingForANullTextAndGoesOn)
+{
+    const char* text = nullptr;
+    LogRecorder log;
+
+    LogStream(LogInfo) << "before (" << text << ") after" << EndLine;
+
+    EXPECT_EQ(log.Take(), (Lines{"6 before () after"}));
+}
+
+TEST(LogStream, WritesNumbersLikeAStandardStream)
+{
+    for (const int number : {0, 7, -7, INT_MAX, INT_MIN})
+    {
+        EXPECT_EQ(LineWith(number), Streamed(number));
+    }
+    for (const unsigned int number : {0u, 7u, UINT_MAX})
+    {
+        EXPECT_EQ(LineWith(number), Streamed(number));
+    }
+}
+
+TEST(LogStream, WritesTruthAsANumber)
+{
+    EXPECT_EQ(LineWith(true), "1\n");
+    EXPECT_EQ(LineWith(false), "0\n");
+}
+
+TEST(LogStream, WritesPointersLikeAStandardStream)
+{
+    const int object = 0;
+    const void* pointer = &object;
+    const void* none = nullptr;
+
+    EXPECT_EQ(LineWith(pointer), Streamed(pointer));
+    EXPECT_EQ(LineWith(none), "0\n");
+}
+
+TEST(LogStream, WritesTheSameLineToStandardErrorAndToTheLogger)
+{
+    LogRecorder log;
+    testing::internal::CaptureStderr();
+
+    LogStream(LogWarning) << "number " << 5 << EndLine;
+
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "[WARNING]\t: number 5\n");
+    const std::vector<LogLine> lines = log.TakeRaw();
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0].level, 4);
+    EXPECT_EQ(lines[0].text, "[WARNING]\t: number 5\n");
+}
+
+TEST(LogStream, WritesToStandardErrorAlsoWithoutACallback)
+{
+    SetLogCallBackBase(nullptr);
+    testing::internal::CaptureStderr();
+
+    LogStream(LogPlain) << "nobody listens" << EndLine;
+
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "nobody listens\n");
+}
+
+TEST(LogStream, WritesOnlyWhenItIsFinished)
+{
+    LogRecorder log;
+
+    LogStream line(LogInfo);
+    line << "half";
+
+    EXPECT_EQ(log.Take(), Lines{});
+    line.Flush();
+    EXPECT_EQ(log.Take(), (Lines{"6 half"}));
+}
+
+TEST(LogStream, LetsALineThatIsWrittenMeanwhileComeOutFirst)
+{
+    LogRecorder log;
+
+    LogStream(LogError) << "outer " << WriteInnerLine() << EndLine;
+
+    EXPECT_EQ(log.Take(), (Lines{"6 inner", "3 outer value"}));
+}
+
+TEST(LogStream, AllocatesNothingOnceItHasWrittenALineOfTheLength)
+{
+    // The recorder would keep the lines.
+    LogRecorder log;
+    SetLogCallBackBase(nullptr);
+    LogStream(LogInfo) << std::string(1000, 'x') << EndLine;
+    HeapWatch heap;
+
+    LogStream(LogInfo) << "some text " << 5 << " " << true << EndLine;
+
+    EXPECT_EQ(heap.Mallocs() + heap.News(), 0u);
+}
+
+} // namespace vell::test

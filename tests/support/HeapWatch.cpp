@@ -1,0 +1,154 @@
+// VELL: data-driven hierarchical state machines.
+// tests/support/HeapWatch.cpp: counting and refusing of heap blocks.
+#include "tests/support/HeapWatch.h"
+
+#include <cstdlib>
+#include <new>
+
+// The linker leads this program's calls of malloc and its kin here (--wrap), which works beside the
+// sanitizers, whose own malloc is the real one then. operator new is replaced as the language
+// allows, so that calls from inside the standard library are counted too.
+extern "C"
+{
+    void* __real_malloc(std::size_t size);
+    void* __real_calloc(std::size_t count, std::size_t size);
+    void* __real_realloc(void* block, std::size_t size);
+    void __real_free(void* block);
+    void* __wrap_malloc(std::size_t size);
+    void* __wrap_calloc(std::size_t count, std::size_t size);
+    void* __wrap_realloc(void* block, std::size_t size);
+    void __wrap_free(void* block);
+}
+
+namespace
+{
+
+struct Counters
+{
+    bool watching;
+    std::size_t mallocs;
+    std::size_t news;
+    std::ptrdiff_t kept;
+    std::size_t refuseSize;
+    std::size_t refuseCount;
+    std::size_t refused;
+};
+
+// Plain data without a constructor, so that any allocation may find it.
+thread_local Counters counters;
+
+void* Taken(void* block, std::size_t& kind)
+{
+    if (counters.watching && block != nullptr)
+    {
+        ++kind;
+        ++counters.kept;
+    }
+    return block;
+}
+
+void GivenBack(const void* block)
+{
+    if (counters.watching && block != nullptr)
+    {
+        --counters.kept;
+    }
+}
+
+} // namespace
+
+void* __wrap_malloc(std::size_t size)
+{
+    if (counters.refuseCount != 0 && size == counters.refuseSize)
+    {
+        --counters.refuseCount;
+        ++counters.refused;
+        return nullptr;
+    }
+    return Taken(__real_malloc(size), counters.mallocs);
+}
+
+void* __wrap_calloc(std::size_t count, std::size_t size)
+{
+    return Taken(__real_calloc(count, size), counters.mallocs);
+}
+
+void* __wrap_realloc(void* block, std::size_t size)
+{
+    const bool had = block != nullptr;
+    void* moved = __real_realloc(block, size);
+    if (had && (moved != nullptr || size == 0) && counters.watching)
+    {
+        --counters.kept;
+    }
+    return Taken(moved, counters.mallocs);
+}
+
+void __wrap_free(void* block)
+{
+    GivenBack(block);
+    __real_free(block);
+}
+
+void* operator new(std::size_t size)
+{
+    void* block = Taken(__real_malloc(size == 0 ? 1 : size), counters.news);
+    if (block == nullptr)
+    {
+        throw std::bad_alloc();
+    }
+    return block;
+}
+
+void operator delete(void* block) noexcept
+{
+    GivenBack(block);
+    __real_free(block);
+}
+
+void operator delete(void* block, std::size_t) noexcept
+{
+    ::operator delete(block);
+}
+
+namespace vell::test
+{
+
+HeapWatch::HeapWatch()
+{
+    counters = Counters();
+    counters.watching = true;
+}
+
+HeapWatch::~HeapWatch()
+{
+    counters = Counters();
+}
+
+std::size_t HeapWatch::Mallocs() const
+{
+    return counters.mallocs;
+}
+
+std::size_t HeapWatch::News() const
+{
+    return counters.news;
+}
+
+std::ptrdiff_t HeapWatch::BlocksKept() const
+{
+    return counters.kept;
+}
+
+void HeapWatch::RefuseMalloc(std::size_t size, std::size_t count)
+{
+    counters.refuseSize = size;
+    counters.refuseCount = count;
+}
+
+std::size_t HeapWatch::Refused() const
+{
+    return counters.refused;
+}
+
+} // namespace vell::test
