@@ -1,0 +1,478 @@
+// VELL: data-driven hierarchical state machines.
+// tests/machine/HSMObserversTest.cpp: listeners of state changes and events.
+#include "tests/support/DocumentBuilder.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/HostObjects.h"
+#include "tests/support/TestMachine.h"
+#include "tests/support/TreeLines.h"
+
+#include <vell/Events.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace vell::test
+{
+namespace
+{
+
+using Subscription = int (HSM::*)(IBroadcastListener*);
+
+struct ListenerLists
+{
+    Subscription subscribe;
+    Subscription unsubscribe;
+};
+
+constexpr ListenerLists kStateChange{&HSM::SubscribeStateChange, &HSM::UnsubscribeStateChange};
+constexpr ListenerLists kTransitionChange{&HSM::SubscribeTransitionChange,
+                                          &HSM::UnsubscribeTransitionChange};
+constexpr ListenerLists kEvents{&HSM::SubscribeEvents, &HSM::UnsubscribeEvents};
+constexpr ListenerLists kAllLists[] = {kStateChange, kTransitionChange, kEvents};
+
+DocumentBuilder TwoStates()
+{
+    DocumentBuilder document;
+    document.Start(10)
+        .Parameter(BoolParameter("go", false))
+        .Parameter(BoolParameter("lost", false))
+        .Parameter(BoolParameter("hit", false))
+        .Node(Generic("Stand", 10, {100, 101}))
+        .Node(Clip("Walk", 11, "walk.anim"))
+        .Node(Clip("Flinch", 12, "flinch.anim").Set(JSON_ClipFlag, true))
+        .Node(Transition("Go", 100, 10, 11, {BoolCondition("go", true)}))
+        .Node(Transition("Lose", 101, 10, 999, {BoolCondition("lost", true)}))
+        .GlobalNode(Global("Anywhere", 50, {500}))
+        .GlobalNode(Transition("Hit", 500, 50, 12, {BoolCondition("hit", true)}));
+    return document;
+}
+
+class HSMObservers : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_EQ(machine.Init(), 1);
+        machine.Start();
+        log.Clear();
+    }
+
+    void Tick(const char* parameter)
+    {
+        TableAt(machine.GetKVTable(), "parameterTable/" + std::to_string(ParameterId(parameter)))
+            ->SetInt("value", 1, 1);
+        machine.Update(0.1f);
+    }
+
+    Tessel::KVTable Context() const
+    {
+        return TableAt(machine.GetKVTable(), "contextInfo");
+    }
+
+    Lines SwitchKeys() const
+    {
+        Lines lines;
+        for (const char* key : {"transitionTriggered", "previousState", "nextState"})
+        {
+            lines.push_back(std::string(key) + " " + std::to_string(Context()->GetUInt(key)));
+        }
+        return lines;
+    }
+
+    LogRecorder log;
+    TestMachine machine{TwoStates()};
+    Lines notes;
+    HostListener a{notes, "a"};
+    HostListener b{notes, "b"};
+    HostListener c{notes, "c"};
+};
+
+const Lines kNoSwitch{"transitionTriggered 0", "previousState 0", "nextState 0"};
+const Lines kWalkSwitch{"transitionTriggered 100", "previousState 10", "nextState 11"};
+
+int NoteWrite(void* object, Tessel::opResult, Tessel::KVTable table, const char* key)
+{
+    static_cast<Lines*>(object)->push_back(std::string(key) + " = " +
+                                           std::to_string(table->GetUInt(key)));
+    return 0;
+}
+
+} // namespace
+
+TEST_F(HSMObservers, TakeAListenerOnceAListAndLetItGoOnce)
+{
+    for (const ListenerLists& list : kAllLists)
+    {
+        EXPECT_EQ((machine.*list.subscribe)(&a), 1);
+        EXPECT_EQ((machine.*list.subscribe)(&a), 0);
+        EXPECT_EQ((machine.*list.unsubscribe)(&a), 1);
+        EXPECT_EQ((machine.*list.unsubscribe)(&a), 0);
+    }
+    EXPECT_EQ(log.Take(), Lines());
+}
+
+TEST_F(HSMObservers, CallAListenerOnceThatSubscribedTwice)
+{
+    machine.SubscribeStateChange(&a);
+    machine.SubscribeStateChange(&a);
+
+    Tick("go");
+
+    EXPECT_EQ(notes, (Lines{"a 3 100 10 11"}));
+}
+
+TEST_F(HSMObservers, GiveZeroForUnsubscribingAnUnknownListener)
+{
+    machine.SubscribeStateChange(&a);
+
+    EXPECT_EQ(machine.UnsubscribeStateChange(&b), 0);
+    EXPECT_EQ(machine.UnsubscribeEvents(&a), 0);
+    EXPECT_EQ(machine.UnsubscribeTransitionChange(&a), 0);
+
+    Tick("go");
+    EXPECT_EQ(notes, (Lines{"a 3 100 10 11"}));
+}
+
+TEST_F(HSMObservers, AreCalledInTheOrderOfSubscription)
+{
+    machine.SubscribeStateChange(&c);
+    machine.SubscribeStateChange(&a);
+    machine.SubscribeStateChange(&b);
+
+    Tick("go");
+
+    EXPECT_EQ(notes, (Lines{"c 3 100 10 11", "a 3 100 10 11", "b 3 100 10 11"}));
+}
+
+TEST_F(HSMObservers, KeepTheirOrderWhenOneOfThemGoes)
+{
+    machine.SubscribeStateChange(&a);
+    machine.SubscribeStateChange(&b);
+    machine.SubscribeStateChange(&c);
+    machine.UnsubscribeStateChange(&a);
+    machine.SubscribeStateChange(&a);
+
+    Tick("go");
+
+    EXPECT_EQ(notes, (Lines{"b 3 100 10 11", "c 3 100 10 11", "a 3 100 10 11"}));
+}
+
+TEST_F(HSMObservers, OfTransitionChangesAreNeverCalled)
+{
+    machine.SubscribeTransitionChange(&a);
+
+    Tick("go");
+    Tick("hit");
+
+    EXPECT_EQ(notes, Lines());
+    EXPECT_EQ(machine.MainStack(), "Walk");
+    EXPECT_EQ(machine.BlipStack(), "Flinch");
+}
+
+TEST_F(HSMObservers, OfTransitionChangesLeaveTheSwitchKeysAlone)
+{
+    machine.SubscribeTransitionChange(&a);
+    machine.SubscribeEvents(&b);
+
+    Tick("go");
+
+    EXPECT_EQ(SwitchKeys(), kWalkSwitch);
+}
+
+TEST_F(HSMObservers, LeaveTheLastSwitchReadableWhenThereAreNone)
+{
+    Tick("go");
+
+    EXPECT_EQ(SwitchKeys(), kWalkSwitch);
+}
+
+TEST_F(HSMObservers, LeaveZeroInTheSwitchKeysAfterTheirCall)
+{
+    machine.SubscribeStateChange(&a);
+
+    Tick("go");
+
+    EXPECT_EQ(SwitchKeys(), kNoSwitch);
+}
+
+TEST_F(HSMObservers, FindTheSwitchKeysAsTheRecordWhileTheyAreCalled)
+{
+    Lines seen;
+    a.then = [&]
+    {
+        seen = SwitchKeys();
+    };
+    machine.SubscribeStateChange(&a);
+
+    Tick("go");
+
+    EXPECT_EQ(seen, kWalkSwitch);
+}
+
+TEST_F(HSMObservers, SeeOneOrderOfWritesAroundTheirCall)
+{
+    Tessel::KVListener* listener = Context()->GetTableListener();
+    listener->object = &notes;
+    listener->function = NoteWrite;
+    machine.SubscribeStateChange(&a);
+
+    Tick("go");
+
+    EXPECT_EQ(notes, (Lines{"transitionTriggered = 100", "previousState = 10", "nextState = 11",
+                            "a 3 100 10 11", "nextState = 0", "previousState = 0",
+                            "transitionTriggered = 0"}));
+}
+
+TEST_F(HSMObservers, MayBeNullWhichIsPassedOverAndNotCounted)
+{
+    EXPECT_EQ(machine.SubscribeEvents(nullptr), 1);
+    EXPECT_EQ(machine.SubscribeEvents(nullptr), 0);
+    machine.SubscribeEvents(&a);
+
+    EXPECT_EQ(machine.FireEvent(static_cast<__HSMEventType__>(9), nullptr), 1);
+
+    EXPECT_EQ(notes, (Lines{"a 9"}));
+    EXPECT_EQ(machine.UnsubscribeEvents(nullptr), 1);
+    EXPECT_EQ(machine.UnsubscribeEvents(nullptr), 0);
+}
+
+TEST_F(HSMObservers, ThatAreNullStillHaveTheSwitchKeysSetToZero)
+{
+    machine.SubscribeStateChange(nullptr);
+
+    Tick("go");
+
+    EXPECT_EQ(SwitchKeys(), kNoSwitch);
+    EXPECT_EQ(machine.MainStack(), "Walk");
+}
+
+TEST_F(HSMObservers, ReceiveThreeZerosWithoutATree)
+{
+    const Tessel::KVTable root = machine.kvTable;
+    machine.kvTable = Tessel::KVTable();
+    machine.SubscribeStateChange(&a);
+
+    machine.ChangeState(11);
+
+    EXPECT_EQ(notes, (Lines{"a 3 0 0 0"}));
+    machine.kvTable = root;
+}
+
+TEST_F(HSMObservers, ReceiveThreeZerosFromATreeWithoutTheContext)
+{
+    const Tessel::KVTable root = machine.kvTable;
+    machine.kvTable = Tessel::CreateTable("other");
+    machine.SubscribeStateChange(&a);
+
+    machine.ChangeState(11);
+
+    EXPECT_EQ(notes, (Lines{"a 3 0 0 0"}));
+    EXPECT_EQ(machine.kvTable->GetKeyCount(), 0u);
+    Tessel::CloseTable(machine.kvTable);
+    machine.kvTable = root;
+}
+
+TEST_F(HSMObservers, HearOfADirectSwitchWithoutATransition)
+{
+    machine.SubscribeStateChange(&a);
+
+    machine.ChangeState(11);
+
+    EXPECT_EQ(notes, (Lines{"a 3 0 10 11"}));
+}
+
+TEST_F(HSMObservers, ReceiveTheTransitionOfAnEarlierFailedTargetWithTheNextSwitch)
+{
+    machine.SubscribeStateChange(&a);
+
+    Tick("lost");
+    EXPECT_EQ(notes, Lines());
+    EXPECT_EQ(SwitchKeys(), (Lines{"transitionTriggered 101", "previousState 0", "nextState 0"}));
+
+    machine.ChangeState(11);
+    EXPECT_EQ(notes, (Lines{"a 3 101 10 11"}));
+}
+
+TEST_F(HSMObservers, HearNothingOfAStartAndTheEndOfABlip)
+{
+    machine.SubscribeStateChange(&a);
+
+    Tick("hit");
+    ASSERT_EQ(machine.BlipStack(), "Flinch");
+    EXPECT_EQ(SwitchKeys(), (Lines{"transitionTriggered 500", "previousState 0", "nextState 0"}));
+    machine.RevertToPreviousState();
+
+    EXPECT_EQ(machine.BlipStack(), "-");
+    EXPECT_EQ(notes, Lines());
+    EXPECT_EQ(SwitchKeys(), (Lines{"transitionTriggered 500", "previousState 0", "nextState 0"}));
+}
+
+TEST_F(HSMObservers, HearNothingOfPushesAndPopsByTheHost)
+{
+    machine.SubscribeStateChange(&a);
+
+    machine.PushState(11u);
+    machine.PopState();
+
+    EXPECT_EQ(notes, Lines());
+    EXPECT_EQ(SwitchKeys(), kNoSwitch);
+}
+
+TEST_F(HSMObservers, ThatUnsubscribeThemselvesMakeTheNextOneBeSkipped)
+{
+    a.then = [&]
+    {
+        machine.UnsubscribeStateChange(&a);
+    };
+    machine.SubscribeStateChange(&a);
+    machine.SubscribeStateChange(&b);
+    machine.SubscribeStateChange(&c);
+
+    Tick("go");
+
+    EXPECT_EQ(notes, (Lines{"a 3 100 10 11", "c 3 100 10 11"}));
+    EXPECT_EQ(SwitchKeys(), kNoSwitch);
+}
+
+TEST_F(HSMObservers, AreNotCalledAfterAnotherTookThemOff)
+{
+    a.then = [&]
+    {
+        machine.UnsubscribeStateChange(&c);
+    };
+    machine.SubscribeStateChange(&a);
+    machine.SubscribeStateChange(&b);
+    machine.SubscribeStateChange(&c);
+
+    Tick("go");
+
+    EXPECT_EQ(notes, (Lines{"a 3 100 10 11", "b 3 100 10 11"}));
+}
+
+TEST_F(HSMObservers, ThatSubscribeDuringACallAreCalledInTheSameWalk)
+{
+    a.then = [&]
+    {
+        machine.SubscribeStateChange(&b);
+    };
+    machine.SubscribeStateChange(&a);
+
+    Tick("go");
+
+    EXPECT_EQ(notes, (Lines{"a 3 100 10 11", "b 3 100 10 11"}));
+}
+
+TEST_F(HSMObservers, MayAllBeTakenOffDuringACall)
+{
+    a.then = [&]
+    {
+        machine.UnsubscribeStateChange(&c);
+        machine.UnsubscribeStateChange(&b);
+        machine.UnsubscribeStateChange(&a);
+    };
+    machine.SubscribeStateChange(&a);
+    machine.SubscribeStateChange(&b);
+    machine.SubscribeStateChange(&c);
+
+    Tick("go");
+
+    EXPECT_EQ(notes, (Lines{"a 3 100 10 11"}));
+    EXPECT_EQ(SwitchKeys(), kNoSwitch);
+}
+
+TEST_F(HSMObservers, OfEventsReceiveWhatTheHostFiresWithItsKind)
+{
+    const __PlayAnimEvent__ event{"wave.anim", true, 2.5f};
+    machine.SubscribeEvents(&b);
+    machine.SubscribeEvents(&a);
+    machine.SubscribeStateChange(&c);
+
+    EXPECT_EQ(machine.FireEvent(HSMEventPlayAnimation, &event), 2);
+    EXPECT_EQ(machine.FireEvent(static_cast<__HSMEventType__>(42), &event), 2);
+
+    EXPECT_EQ(notes, (Lines{"b 5 wave.anim true 2.500000", "a 5 wave.anim true 2.500000", "b 42",
+                            "a 42"}));
+}
+
+TEST_F(HSMObservers, OfEventsMayBeMissing)
+{
+    EXPECT_EQ(machine.FireEvent(HSMEventPlayAnimation, nullptr), 0);
+    EXPECT_EQ(log.Take(), Lines());
+}
+
+TEST_F(HSMObservers, OfEventsMayComeAndGoDuringACall)
+{
+    a.then = [&]
+    {
+        machine.UnsubscribeEvents(&a);
+        machine.SubscribeEvents(&c);
+    };
+    machine.SubscribeEvents(&a);
+    machine.SubscribeEvents(&b);
+
+    EXPECT_EQ(machine.FireEvent(static_cast<__HSMEventType__>(1), nullptr), 2);
+
+    EXPECT_EQ(notes, (Lines{"a 1", "c 1"}));
+}
+
+TEST_F(HSMObservers, OfEventsAreAskedToPlayTheClipOfAnEnteredState)
+{
+    machine.SubscribeEvents(&a);
+
+    Tick("go");
+    Tick("hit");
+
+    EXPECT_EQ(notes, (Lines{"a 5 walk.anim false 30.000000", "a 5 flinch.anim true 30.000000"}));
+}
+
+TEST_F(HSMObservers, OfEventsHearOfTheClipBeforeTheStateChangeIsTold)
+{
+    machine.SubscribeStateChange(&a);
+    machine.SubscribeEvents(&b);
+
+    Tick("go");
+
+    EXPECT_EQ(notes, (Lines{"b 5 walk.anim false 30.000000", "a 3 100 10 11"}));
+}
+
+TEST(HSMObserversLife, BeginsWithTheMachineAndOutlastsUninit)
+{
+    LogRecorder log;
+    Lines notes;
+    HostListener a(notes, "a");
+    TestMachine machine;
+    EXPECT_EQ(machine.SubscribeStateChange(&a), 1);
+    EXPECT_EQ(machine.SubscribeEvents(&a), 1);
+    EXPECT_EQ(machine.SubscribeTransitionChange(&a), 1);
+    machine.Load(TwoStates().Text());
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    machine.ChangeState(11);
+    EXPECT_EQ(notes, (Lines{"a 5 walk.anim false 30.000000", "a 5 walk.anim false 30.000000",
+                            "a 3 0 10 11"}));
+
+    machine.Uninit();
+
+    EXPECT_EQ(machine.UnsubscribeStateChange(&a), 1);
+    EXPECT_EQ(machine.UnsubscribeEvents(&a), 1);
+    EXPECT_EQ(machine.UnsubscribeTransitionChange(&a), 1);
+}
+
+TEST(HSMObserversLife, DoesNotEndWithTheMachine)
+{
+    LogRecorder log;
+    Lines notes;
+    auto listener = std::make_unique<HostListener>(notes, "a");
+    {
+        TestMachine machine(TwoStates());
+        machine.SubscribeStateChange(listener.get());
+        machine.SubscribeEvents(listener.get());
+        ASSERT_EQ(machine.Init(), 1);
+    }
+
+    EXPECT_EQ(listener->OnBroadcastEvent(7, nullptr), 0);
+    EXPECT_EQ(notes, (Lines{"a 7"}));
+}
+
+} // namespace vell::test

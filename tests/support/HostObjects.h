@@ -1,0 +1,90 @@
+// VELL: data-driven hierarchical state machines.
+// tests/support/HostObjects.h: a listener that acts when called, an action that tells its life.
+#pragma once
+
+#include "tests/support/LogRecorder.h"
+
+#include <vell/Action.h>
+#include <vell/Events.h>
+#include <vell/IBroadcastListener.h>
+
+#include <functional>
+#include <string>
+#include <utility>
+
+namespace vell::test
+{
+
+/// Notes each call: "NAME 3 TRANSITION PREVIOUS NEXT" for a state change, "NAME 5 CLIP FLAG RATE"
+/// for an animation, "NAME EVENT" for others and for null records. Then runs `then`, if there is
+/// one.
+class HostListener : public IBroadcastListener
+{
+public:
+    HostListener(Lines& notes, std::string listenerName)
+        : lines(notes), name(std::move(listenerName))
+    {
+    }
+
+    int OnBroadcastEvent(int event, const void* record) override
+    {
+        lines.push_back(name + " " + std::to_string(event) + RecordText(event, record));
+        if (then)
+        {
+            then();
+        }
+        return 0;
+    }
+
+    std::function<void()> then;
+
+private:
+    static std::string RecordText(int event, const void* record)
+    {
+        if (event == HSMEventStateChange && record != nullptr)
+        {
+            const auto& change = *static_cast<const StateChangeEvent*>(record);
+            return " " + std::to_string(change.transitionID) + " " +
+                   std::to_string(change.previousID) + " " + std::to_string(change.nextID);
+        }
+        if (event == HSMEventPlayAnimation && record != nullptr)
+        {
+            const auto& play = *static_cast<const __PlayAnimEvent__*>(record);
+            return std::string(" ") + (play.clipName == nullptr ? "(null)" : play.clipName) +
+                   (play.flag ? " true " : " false ") + std::to_string(play.scalar);
+        }
+        return "";
+    }
+
+    Lines& lines;
+    std::string name;
+};
+
+/// Notes each call and its own end: "NAME owner DEFINITION", "NAME KIND TIME", "NAME deleted".
+class HostAction : public Action
+{
+public:
+    HostAction(Lines& notes, std::string actionName) : lines(notes), name(std::move(actionName))
+    {
+    }
+    HostAction(const HostAction&) = delete;
+    HostAction& operator=(const HostAction&) = delete;
+    ~HostAction() override
+    {
+        lines.push_back(name + " deleted");
+    }
+
+    int Perform(__ActType__ type, float timeStep) override
+    {
+        lines.push_back(name + " " + std::to_string(type) + " " + std::to_string(timeStep));
+        return 1;
+    }
+
+    void SetOwner(BaseDef* owner) override;
+
+private:
+    Lines& lines;
+    std::string name;
+};
+
+} // namespace vell::test
