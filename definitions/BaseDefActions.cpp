@@ -50,6 +50,13 @@ void BaseDef::Append(Action** head, unsigned int* count, Action* action)
     action->SetOwner(this);
     AddTail(head, action);
     ++*count;
+    for (ActionWalk* walk = walks.innermost; walk != nullptr; walk = walk->outer)
+    {
+        if (walk->next == nullptr && walk->head == head)
+        {
+            walk->next = action;
+        }
+    }
 }
 
 Action* BaseDef::GetActions()
@@ -110,13 +117,41 @@ int BaseDef::RemoveAction(Action* action)
 
 void BaseDef::StepOver(const Action* removed)
 {
-    for (ActionWalk* walk = walks; walk != nullptr; walk = walk->outer)
+    for (ActionWalk* walk = walks.innermost; walk != nullptr; walk = walk->outer)
     {
         if (walk->next == removed)
         {
             walk->next = removed->next;
         }
     }
+}
+
+BaseDef::ActionWalk::ActionWalk(BaseDef& walkedDef, Action* first)
+    : def(walkedDef), head(nullptr), next(first), outer(walkedDef.walks.innermost)
+{
+    for (Action** list : {&def.executeActions, &def.enterActions, &def.exitActions})
+    {
+        if (first != nullptr && *list == first)
+        {
+            head = list;
+        }
+    }
+    def.walks.innermost = this;
+}
+
+BaseDef::ActionWalk::~ActionWalk()
+{
+    def.walks.innermost = outer;
+}
+
+Action* BaseDef::ActionWalk::TakeNext()
+{
+    Action* action = next;
+    if (action != nullptr)
+    {
+        next = action->next;
+    }
+    return action;
 }
 
 int BaseDef::AddTail(Action** head, Action* action)

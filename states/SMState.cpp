@@ -170,17 +170,12 @@ int SMState::PerformActions(__ActType__ type, float dt, Action* first)
     {
         return 1;
     }
-    // An action may remove itself or another while it performs; the definition then moves `next`
-    // on.
-    BaseDef::ActionWalk walk{first, def->walks};
-    def->walks = &walk;
-    while (walk.next != nullptr)
+    // An action may remove itself or another and put further ones on while it performs.
+    BaseDef::ActionWalk walk(*def, first);
+    while (Action* action = walk.TakeNext())
     {
-        Action* action = walk.next;
-        walk.next = action->next;
         action->Perform(type, dt);
     }
-    def->walks = walk.outer;
     return 1;
 }
 

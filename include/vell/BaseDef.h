@@ -126,17 +126,48 @@ protected:
 private:
     friend class SMState;
 
-    /// A list that is being performed: what comes next, so that a removal can step over it.
-    struct ActionWalk
+    /// A list that is being performed: what comes next, so that a removal can step over it and an
+    /// action that is put at the end meanwhile is reached. Stands with its definition while it
+    /// lives.
+    class ActionWalk
     {
+    public:
+        ActionWalk(BaseDef& walkedDef, Action* first);
+        ~ActionWalk();
+        ActionWalk(const ActionWalk&) = delete;
+        ActionWalk& operator=(const ActionWalk&) = delete;
+
+        /// Gives the action to perform, or null at the end.
+        Action* TakeNext();
+
+    private:
+        friend class BaseDef;
+
+        BaseDef& def;
+        Action** head; ///< the list, null when the chain is none of the definition's
         Action* next;
         ActionWalk* outer;
+    };
+
+    /// The walks under way. A copy of a definition is not being walked.
+    struct ActionWalks
+    {
+        ActionWalks() = default;
+        ActionWalks(const ActionWalks&)
+        {
+        }
+        ActionWalks& operator=(const ActionWalks&)
+        {
+            return *this;
+        }
+
+        ActionWalk* innermost = nullptr;
     };
 
     void Append(Action** head, unsigned int* count, Action* action);
     void StepOver(const Action* removed);
 
-    ActionWalk* walks = nullptr; ///< the lists being performed now, innermost first
+    ActionWalks walks;
 };
 
 } // namespace vell
