@@ -211,16 +211,13 @@ int BaseDef::TabAddAttrib(AttribBase* attrib)
 
 AttribBase* BaseDef::GetAttrib(const char* attribName)
 {
-    if (attribName == nullptr)
-    {
-        return nullptr;
-    }
     // Required: a hit by the address of the name does not end the search; the last equal name in
     // the order of addresses wins.
-    AttribBase* found = nullptr;
+    const auto hit = attribs.find(attribName);
+    AttribBase* found = hit == attribs.end() ? nullptr : hit->second;
     for (const auto& entry : attribs)
     {
-        if (entry.second != nullptr && EqualsText(entry.second->GetName(), attribName))
+        if (EqualsText(entry.first, attribName))
         {
             found = entry.second;
         }
