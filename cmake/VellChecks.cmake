@@ -12,7 +12,7 @@ if(NOT VELL_SANITIZE)
     set_tests_properties(check.headers PROPERTIES TIMEOUT 600 PROCESSORS 2)
     add_test(NAME check.layers COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-layers.sh)
 endif()
-if(NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_PLATFORM AND UNIX AND NOT APPLE)
+if(VELL_TEST_INSTALL AND NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_PLATFORM AND UNIX AND NOT APPLE)
     add_test(NAME check.symbols COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-symbols.sh
                                         ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 endif()
