@@ -12,12 +12,11 @@ if(NOT VELL_SANITIZE)
     set_tests_properties(check.headers PROPERTIES TIMEOUT 600 PROCESSORS 2)
     add_test(NAME check.layers COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-layers.sh)
 endif()
-if(VELL_TEST_INSTALL AND NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_PLATFORM AND UNIX AND NOT APPLE)
+
+if(VELL_TEST_INSTALL AND VELL_INSTALL AND NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_PLATFORM)
     add_test(NAME check.symbols COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-symbols.sh
                                         ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
-endif()
 
-if(VELL_TEST_INSTALL AND VELL_INSTALL AND NOT VELL_SANITIZE)
     set(scratch ${PROJECT_BINARY_DIR}/install-tests)
     set(consumer ${PROJECT_SOURCE_DIR}/tests/consumer)
 

@@ -56,11 +56,13 @@ function(vell_shared_library name objects)
     endif()
 endfunction()
 
-# The target `name`, which builds whatever the folders that follow it define.
+# The target `name`, which builds whatever those of the folders that follow it define that are part of
+# this build.
 function(vell_folder_target name)
     add_custom_target(${name})
+    get_property(subdirectories DIRECTORY ${PROJECT_SOURCE_DIR} PROPERTY SUBDIRECTORIES)
     foreach(folder IN LISTS ARGN)
-        if(EXISTS ${PROJECT_SOURCE_DIR}/${folder}/CMakeLists.txt)
+        if(${PROJECT_SOURCE_DIR}/${folder} IN_LIST subdirectories)
             get_property(targets DIRECTORY ${PROJECT_SOURCE_DIR}/${folder}
                          PROPERTY BUILDSYSTEM_TARGETS)
             if(targets)

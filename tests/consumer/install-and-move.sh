@@ -20,3 +20,8 @@ for name in VELLLibX64 DURMBaseX64 TesselX64; do
         compgen -G "${scratch}/moved/lib/*/lib${name}.so" >/dev/null ||
         { echo "lib${name}.so was not installed" >&2; exit 1; }
 done
+
+# The command stands on its own.
+if [[ -x "${build}/bin/vell" ]]; then
+    "${scratch}/moved/bin/vell" --version
+fi
