@@ -34,6 +34,7 @@ bool CanRun(IBaseDef& def)
 {
     switch (def.GetType())
     {
+    case DefTypeBase:
     case DefTypeEnter:
     case DefTypeExit:
     case DefTypeGlobal:

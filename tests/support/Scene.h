@@ -7,6 +7,10 @@
 #include "tests/support/Recorders.h"
 #include "tests/support/TestMachine.h"
 
+#include <vell/BaseDef.h>
+#include <vell/HSMAlloc.h>
+#include <vell/SMState.h>
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -20,14 +24,38 @@ inline JsonObject Holds(const char* parameter)
     return BoolCondition(parameter, true);
 }
 
+/// A builder number that the vocabulary does not name.
+constexpr auto kOwnBuilder = static_cast<__DURM_BUILDERS__>(40);
+
+/// A factory for states of a test's own class.
+template <class T>
+SMState* MakeState(unsigned int, HSMAlloc* alloc)
+{
+    return alloc->New<T>();
+}
+
+/// A state that cannot be entered.
+class ShutState : public SMState
+{
+public:
+    int Enter() override
+    {
+        LogRecorder::Note("asked to enter");
+        return 0;
+    }
+};
+
 /// A document, the machine it describes, and what the machine tells.
 class Scene
 {
 public:
     static constexpr float kStep = 0.5f; ///< the time of each tick
 
-    explicit Scene(const DocumentBuilder& document) : machine(document)
+    /// Nodes of the builder number kOwnBuilder run as what `own` makes.
+    explicit Scene(const DocumentBuilder& document, StateFactory own = nullptr) : machine(document)
     {
+        machine.RegisterNodeDef(kOwnBuilder, BaseDef::Create);
+        machine.RegisterState(kOwnBuilder, own);
         EXPECT_EQ(machine.Init(), 1);
         recorder = std::make_unique<MachineRecorder>(machine);
         log.Clear();
