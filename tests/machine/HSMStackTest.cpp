@@ -1,0 +1,322 @@
+// VELL: data-driven hierarchical state machines.
+// tests/machine/HSMStackTest.cpp: pushing, popping and rewriting of the stacks.
+#include "tests/support/Scene.h"
+
+#include <vell/UpdateResult.h>
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <vector>
+
+namespace vell::test
+{
+namespace
+{
+
+/// The states Low (10), Mid (11) and High (12), and Shut (13), which cannot be entered. Transitions
+/// of Mid lead to High (100), to no node (101) and to Shut (102).
+DocumentBuilder StackDocument()
+{
+    DocumentBuilder document;
+    document.Start(10)
+        .Parameter(PulseParameter("up"))
+        .Parameter(PulseParameter("lost"))
+        .Parameter(PulseParameter("shut"))
+        .Nodes({Generic("Low", 10), Generic("Mid", 11, {100, 101, 102}), Generic("High", 12)})
+        .Node(Node(kOwnBuilder, "Shut", 13))
+        .Node(Transition("ToHigh", 100, 11, 12, {Holds("up")})
+                  .Set(JSON_TransitionSwitchArgument, 0.125))
+        .Node(Transition("ToNowhere", 101, 11, 999, {Holds("lost")}))
+        .Node(Transition("ToShut", 102, 11, 13, {Holds("shut")}));
+    return document;
+}
+
+/// A running machine with Low below Mid.
+class HSMStack : public testing::Test
+{
+protected:
+    HSMStack() : scene(StackDocument(), MakeState<ShutState>), machine(scene.machine)
+    {
+        scene.Run(0);
+        machine.PushState(11u);
+        scene.log.Clear();
+    }
+
+    Scene scene;
+    TestMachine& machine;
+};
+
+/// Notes which state is current while its own is being entered.
+class NoteCurrent : public Action
+{
+public:
+    explicit NoteCurrent(TestMachine& ownMachine) : machine(ownMachine)
+    {
+    }
+    int Perform(__ActType__, float) override
+    {
+        LogRecorder::Note("current: " + machine.MainStack());
+        return 0;
+    }
+
+private:
+    TestMachine& machine;
+};
+
+UpdateResult Record(int popLevel, unsigned int target)
+{
+    UpdateResult result;
+    result.popLevel = popLevel;
+    result.targetID = target;
+    return result;
+}
+
+} // namespace
+
+TEST_F(HSMStack, PushByIdActivatesEntersAndAppends)
+{
+    SMState* pushed = machine.PushState(12u);
+
+    EXPECT_EQ(pushed, machine.FindState(12));
+    EXPECT_EQ(scene.log.Take(), Activated("High", 12, "-") + Entered("High"));
+    EXPECT_EQ(machine.StackInTree("stackStates"), (Ids{10, 11, 12}));
+    EXPECT_EQ(machine.GetCurrentState(), pushed);
+}
+
+TEST_F(HSMStack, PushByPointerActivatesNothing)
+{
+    SMState* low = machine.FindState(10);
+
+    EXPECT_EQ(machine.PushState(low), low);
+
+    EXPECT_EQ(scene.log.Take(), Entered("Low"));
+    EXPECT_EQ(machine.MainStack(), "Low/Mid/Low");
+}
+
+TEST_F(HSMStack, StateIsEnteredBeforeItStandsOnTheStack)
+{
+    machine.FindDef(12u)->RegisterEnter(new NoteCurrent(machine));
+
+    machine.PushState(12u);
+
+    EXPECT_EQ(scene.log.Take(),
+              Activated("High", 12, "-") +
+                  (Lines{"High entry 0", "current: Low/Mid", "6 [Enter] High - SMState.cpp : #"}));
+}
+
+TEST_F(HSMStack, PushOfAStateThatWillNotBeEnteredAsksTwiceAndLeavesTheStack)
+{
+    SMState* shut = machine.ActivateState(13, 0.0f);
+    scene.log.Clear();
+
+    EXPECT_EQ(machine.PushState(shut), nullptr);
+
+    EXPECT_EQ(scene.log.Take(),
+              (Lines{"asked to enter", "asked to enter", ErrorBreak("vell::HSM::PushState")}));
+    EXPECT_EQ(machine.StackInTree("stackStates"), (Ids{10, 11}));
+}
+
+TEST_F(HSMStack, PushByIdOfAStateThatWillNotBeEnteredNamesTheId)
+{
+    EXPECT_EQ(machine.PushState(13u), nullptr);
+
+    EXPECT_EQ(scene.log.Take(),
+              Activated("Shut", 13, "-") +
+                  (Lines{"asked to enter", "asked to enter", ErrorBreak("vell::HSM::PushState"),
+                         "3 State failed to be pushed onto state stack: 13"}));
+    EXPECT_EQ(machine.MainStack(), "Low/Mid");
+}
+
+TEST_F(HSMStack, PushOfAnUnknownIdGivesNull)
+{
+    EXPECT_EQ(machine.PushState(999u), nullptr);
+
+    EXPECT_EQ(scene.log.Take(), (Lines{ErrorBreak("vell::HSM::ActivateState"), NotActivated(999),
+                                       ErrorBreak("vell::HSM::PushState")}));
+    EXPECT_EQ(machine.MainStack(), "Low/Mid");
+}
+
+TEST_F(HSMStack, PopExitsTheTopAndKeepsTheStateForTheNextActivation)
+{
+    SMState* mid = machine.FindState(11);
+
+    EXPECT_EQ(machine.PopState(), mid);
+
+    EXPECT_EQ(scene.log.Take(), Left("Mid"));
+    EXPECT_EQ(machine.StackInTree("stackStates"), (Ids{10}));
+    EXPECT_EQ(machine.FindState(11), mid);
+    EXPECT_EQ(machine.previousState, nullptr);
+}
+
+TEST_F(HSMStack, PopOfANullEntryChangesNothing)
+{
+    machine.stateStack.push_back(nullptr);
+
+    EXPECT_EQ(machine.PopState(), nullptr);
+
+    EXPECT_EQ(scene.log.Take(), (Lines{ErrorBreak("vell::HSM::PopState")}));
+    EXPECT_EQ(machine.stateStack.size(), 3u);
+}
+
+TEST_F(HSMStack, PopOfAnEmptyStackGivesNull)
+{
+    machine.PopState();
+    machine.PopState();
+    scene.log.Clear();
+
+    EXPECT_EQ(machine.PopState(), nullptr);
+    EXPECT_EQ(machine.RevertToPreviousState(), 1);
+    EXPECT_EQ(machine.GetCurrentState(), nullptr);
+    EXPECT_EQ(scene.log.Take(), Lines{});
+}
+
+TEST_F(HSMStack, NullStateIsNotPushed)
+{
+    EXPECT_EQ(machine.PushState(static_cast<SMState*>(nullptr)), nullptr);
+
+    EXPECT_EQ(machine.MainStack(), "Low/Mid");
+}
+
+TEST_F(HSMStack, RewriteRefusesANullRecord)
+{
+    EXPECT_EQ(machine.UpdateStateStack(nullptr), 0);
+
+    EXPECT_EQ(scene.log.Take(), (Lines{ErrorBreak("vell::HSM::UpdateStateStack")}));
+}
+
+TEST_F(HSMStack, RewriteWithoutATargetPopsOnly)
+{
+    UpdateResult result = Record(1, 0);
+
+    EXPECT_EQ(machine.UpdateStateStack(&result), 1);
+
+    EXPECT_EQ(scene.log.Take(), Left("Mid"));
+    EXPECT_EQ(machine.previousState, machine.FindState(11));
+    EXPECT_EQ(result.popLevel, 1);
+}
+
+TEST_F(HSMStack, RewriteRemembersTheFirstStatePoppedOnly)
+{
+    UpdateResult result = Record(0, 12);
+    result.switchArgument = 0.5f;
+
+    EXPECT_EQ(machine.UpdateStateStack(&result), 1);
+
+    EXPECT_EQ(scene.log.Take(), Left("Mid") + Left("Low") + Activated("High", 12, "Mid", "0.5") +
+                                    Entered("High") + Reported(0, 11, 12));
+    EXPECT_EQ(machine.previousState, machine.FindState(11));
+    EXPECT_EQ(result.popLevel, -1);
+    EXPECT_EQ(result.targetID, 0u);
+}
+
+TEST_F(HSMStack, RewriteAboveTheTopPopsNothingAndReportsNoPreviousState)
+{
+    UpdateResult result = Record(2, 12);
+
+    EXPECT_EQ(machine.UpdateStateStack(&result), 1);
+
+    EXPECT_EQ(scene.log.Take(), Activated("High", 12, "-") + Entered("High") + Reported(0, 0, 12));
+    EXPECT_EQ(machine.MainStack(), "Low/Mid/High");
+}
+
+TEST_F(HSMStack, RewriteOfAFreshRecordWalksBelowTheStack)
+{
+    UpdateResult result;
+
+    EXPECT_THROW(machine.UpdateStateStack(&result), std::out_of_range);
+}
+
+TEST_F(HSMStack, TransitionHandsItsSwitchArgumentToTheCallback)
+{
+    EXPECT_EQ(scene.TickWith("up"), Lines{"Mid execution 0.5"} + Fired("Mid", 100) + Left("Mid") +
+                                        Activated("High", 12, "Mid", "0.125") + Entered("High") +
+                                        Reported(100, 11, 12) + Lines{"Low execution 0.5"});
+}
+
+TEST_F(HSMStack, UnknownTargetLeavesTheStackShorterAndNotifiesNobody)
+{
+    EXPECT_EQ(scene.TickWith("lost"),
+              Lines{"Mid execution 0.5"} + Fired("Mid", 101) + Left("Mid") +
+                  (Lines{ErrorBreak("vell::HSM::ActivateState"), NotActivated(999),
+                         ErrorBreak("vell::HSM::UpdateStateStack"), "Low execution 0.5"}));
+    EXPECT_EQ(machine.StackInTree("stackStates"), (Ids{10}));
+    EXPECT_EQ(machine.ContextValue("transitionTriggered"), 101u);
+    EXPECT_EQ(machine.ContextValue("nextState"), 0u);
+}
+
+TEST_F(HSMStack, FailedPushOfATargetIsReportedAllTheSame)
+{
+    EXPECT_EQ(scene.TickWith("shut"),
+              Lines{"Mid execution 0.5"} + Fired("Mid", 102) + Left("Mid") +
+                  Activated("Shut", 13, "Mid") +
+                  (Lines{"asked to enter", "asked to enter", ErrorBreak("vell::HSM::PushState")}) +
+                  Reported(102, 11, 13) + Lines{"Low execution 0.5"});
+    EXPECT_EQ(machine.MainStack(), "Low");
+}
+
+TEST_F(HSMStack, SecondStartPushesTheStartStateAgain)
+{
+    machine.Start();
+
+    EXPECT_EQ(machine.MainStack(), "Low/Mid/Low");
+}
+
+TEST_F(HSMStack, ChangeIsReportedWithZerosWithoutATree)
+{
+    const Tessel::KVTable tree = machine.kvTable;
+    machine.kvTable = Tessel::KVTable();
+    UpdateResult result = Record(1, 12);
+
+    machine.UpdateStateStack(&result);
+
+    machine.kvTable = tree;
+    EXPECT_EQ(scene.log.Take(), Left("Mid") + Activated("High", 12, "Mid") + Entered("High") +
+                                    Lines{"changes: change 0: 0 -> 0"});
+}
+
+TEST(HSMStackBeforeStart, HoldsNothingAndTakesNothing)
+{
+    Scene scene(StackDocument());
+
+    EXPECT_EQ(scene.machine.PopState(), nullptr);
+    EXPECT_EQ(scene.machine.RevertToPreviousState(), 1);
+    EXPECT_EQ(scene.machine.RevertToStartState(), 0);
+    EXPECT_EQ(scene.machine.GetCurrentState(), nullptr);
+    EXPECT_FALSE(scene.machine.IsBlipState());
+    EXPECT_EQ(scene.log.Take(), Lines{});
+    EXPECT_EQ(scene.machine.PushState(10u), nullptr);
+    EXPECT_EQ(scene.log.Take(), Activated("Low", 10, "-") +
+                                    Lines{"3 State failed to be pushed onto state stack: 10"});
+}
+
+TEST(HSMStartState, ClimbsFromALevelToTheOutermostOneWithoutPushing)
+{
+    DocumentBuilder document;
+    document.Start(30).Level("Outer", 10, 20).Level("Inner", 20, 30, {}, 10);
+    document.Node(Generic("Leaf", 30, {}, 20));
+    Scene scene(document);
+    std::vector<unsigned int> ids;
+
+    scene.machine.StartState(20, ids);
+
+    EXPECT_EQ(ids, (Ids{20, 10}));
+    EXPECT_EQ(scene.log.Take(), Activated("Inner", 20, "-") + Activated("Outer", 10, "-"));
+    EXPECT_EQ(scene.machine.MainStack(), "-");
+}
+
+TEST(HSMStartState, GivesNothingForAStateThatIsNoLevel)
+{
+    Scene scene(StackDocument());
+    std::vector<unsigned int> ids;
+
+    scene.machine.StartState(10, ids);
+    scene.machine.StartState(999, ids);
+
+    EXPECT_EQ(ids, Ids{});
+    EXPECT_EQ(scene.log.Take(),
+              Activated("Low", 10, "-") +
+                  (Lines{ErrorBreak("vell::HSM::ActivateState"), NotActivated(999)}));
+}
+
+} // namespace vell::test
