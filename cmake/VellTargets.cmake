@@ -27,6 +27,14 @@ function(vell_compile_options target)
     endif()
 endfunction()
 
+# Calls inside a library go straight to their target, and may be inlined: a host does not replace single
+# functions of it.
+function(vell_library_options objects)
+    if(UNIX AND NOT VELL_SANITIZE)
+        target_compile_options(${objects} PRIVATE -fno-semantic-interposition)
+    endif()
+endfunction()
+
 # The shared library `name` out of the object library `objects`, and how it is installed. It finds
 # the other libraries beside itself, or where a site keeps its own.
 function(vell_shared_library name objects)
@@ -48,6 +56,10 @@ function(vell_shared_library name objects)
     if(UNIX AND NOT APPLE AND NOT (VELL_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES Clang))
         target_link_options(${name} PRIVATE LINKER:--no-undefined)
     endif()
+    if(UNIX AND NOT APPLE AND NOT VELL_SANITIZE)
+        target_link_options(${name} PRIVATE LINKER:-Bsymbolic-functions)
+    endif()
+    vell_library_options(${objects})
     if(VELL_INSTALL)
         install(TARGETS ${name} EXPORT VELLTargets
                 RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}

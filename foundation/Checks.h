@@ -21,14 +21,34 @@
 // ERROR_BREAK and ASSERT_BREAK are a plain `break`: they leave the innermost loop, switch or
 // one-pass block. ERROR_GOTO jumps to a label of the function, ERROR_ASSERT goes on.
 
+// Writing the line is left to functions that no passing check enters.
+#if defined(__GNUC__)
+#define VELL_COLD __attribute__((cold, noinline))
+#else
+#define VELL_COLD
+#endif
+
+namespace vell
+{
+
+VELL_COLD void LogErrorBreak(bool value, int line, const char* function);
+VELL_COLD void LogErrorBreak(int value, int line, const char* function);
+VELL_COLD void LogErrorBreak(unsigned int value, int line, const char* function);
+VELL_COLD void LogErrorBreak(const void* value, int line, const char* function);
+VELL_COLD void LogErrorBreak(const char* value, int line, const char* function);
+VELL_COLD void LogAssertBreak(int line, const char* function);
+VELL_COLD void LogErrorGoto(int line, const char* function);
+VELL_COLD void LogErrorAssert(int line, const char* function);
+
+} // namespace vell
+
 // Required: a failing `expr` is evaluated again for the line, so a call in it runs twice, with all
 // its effects, and its own lines come out before this one; the value shown is that of the second
 // run. Hosts count such calls. Do not store the first result here.
 #define ERROR_BREAK(expr)                                                                          \
     if (!(expr))                                                                                   \
     {                                                                                              \
-        ::vell::LogStream(::vell::LogError) << "ERROR_BREAK(" << (expr) << ") at " << __LINE__     \
-                                            << " in " << VELL_FUNCTION << ::vell::EndLine;         \
+        ::vell::LogErrorBreak((expr), __LINE__, VELL_FUNCTION);                                    \
         break;                                                                                     \
     }                                                                                              \
     static_assert(true, "a semicolon follows")
@@ -36,9 +56,7 @@
 #define ASSERT_BREAK(expr)                                                                         \
     if (!(expr))                                                                                   \
     {                                                                                              \
-        ::vell::LogStream(::vell::LogError)                                                        \
-            << "ASSERT_BREAK at line: " << __LINE__ << " in function: " << VELL_FUNCTION           \
-            << ::vell::EndLine;                                                                    \
+        ::vell::LogAssertBreak(__LINE__, VELL_FUNCTION);                                           \
         break;                                                                                     \
     }                                                                                              \
     static_assert(true, "a semicolon follows")
@@ -46,9 +64,7 @@
 #define ERROR_GOTO(expr, label)                                                                    \
     if (!(expr))                                                                                   \
     {                                                                                              \
-        ::vell::LogStream(::vell::LogError)                                                        \
-            << "ERROR_GOTO at line: " << __LINE__ << " in function: " << VELL_FUNCTION             \
-            << ::vell::EndLine;                                                                    \
+        ::vell::LogErrorGoto(__LINE__, VELL_FUNCTION);                                             \
         goto label;                                                                                \
     }                                                                                              \
     static_assert(true, "a semicolon follows")
@@ -56,7 +72,6 @@
 #define ERROR_ASSERT(expr)                                                                         \
     if (!(expr))                                                                                   \
     {                                                                                              \
-        ::vell::LogStream(::vell::LogError)                                                        \
-            << "ERROR_ASSERT at line: " << __LINE__ << " in " << VELL_FUNCTION << ::vell::EndLine; \
+        ::vell::LogErrorAssert(__LINE__, VELL_FUNCTION);                                           \
     }                                                                                              \
     static_assert(true, "a semicolon follows")

@@ -30,12 +30,18 @@ constexpr std::string_view BaseName(std::string_view path)
 
 } // namespace vell
 
-/// The qualified name of the function in which it stands.
+/// What the compiler calls the function in which it stands, for `QualifiedName`.
 #if defined(_MSC_VER) && !defined(__clang__)
-#define VELL_FUNCTION (::vell::QualifiedName(__FUNCTION__ "("))
+#define VELL_FUNCTION __FUNCTION__
 #else
-#define VELL_FUNCTION (::vell::QualifiedName(__PRETTY_FUNCTION__))
+#define VELL_FUNCTION __PRETTY_FUNCTION__
 #endif
 
 /// The name of the source file in which it stands.
-#define VELL_FILE (::vell::BaseName(__FILE__))
+#define VELL_FILE                                                                                  \
+    (                                                                                              \
+        []                                                                                         \
+        {                                                                                          \
+            constexpr std::string_view kName = ::vell::BaseName(__FILE__);                         \
+            return kName;                                                                          \
+        }())

@@ -2,86 +2,79 @@
 // foundation/LogStream.cpp: building and writing of log lines.
 #include "foundation/LogStream.h"
 
+#include "foundation/StandardError.h"
+
 #include <durm/DURMBaseLib.h>
 
 #include <charconv>
 #include <cstdint>
-#include <iostream>
-#include <memory>
 #include <vector>
 
 namespace vell
 {
-namespace
-{
-
-constexpr std::size_t kFirstCapacity = 256; ///< holds any tag, so that starting a line cannot fail
 
 /// The line buffers of a thread: one for each line that is being built at the same time. They are
 /// kept, so that writing a line allocates nothing after the first few.
 class LineBuffers
 {
 public:
-    LineBuffers() = default;
-    LineBuffers(const LineBuffers&) = delete;
-    LineBuffers& operator=(const LineBuffers&) = delete;
-    ~LineBuffers();
-
-    std::string* Take()
+    LineBuffer* Take()
     {
         if (inUse == buffers.size())
         {
-            buffers.push_back(NewBuffer());
+            buffers.push_back(std::make_unique<LineBuffer>());
         }
         return buffers[inUse++].get();
     }
 
-    static std::unique_ptr<std::string> NewBuffer()
+    void GiveBack(LineBuffer* buffer)
     {
-        auto buffer = std::make_unique<std::string>();
-        buffer->reserve(kFirstCapacity);
-        return buffer;
-    }
-
-    void GiveBack(std::string* buffer)
-    {
-        buffer->clear();
+        buffer->Clear();
         --inUse;
     }
 
 private:
-    std::vector<std::unique_ptr<std::string>> buffers;
+    std::vector<std::unique_ptr<LineBuffer>> buffers;
     std::size_t inUse = 0;
 };
 
-/// A host may still log from the destructors of its static objects, when the thread's buffers are
-/// gone.
-thread_local bool buffersGone = false;
-
-LineBuffers::~LineBuffers()
+namespace
 {
-    buffersGone = true;
-}
 
-LineBuffers& ThreadBuffers()
+/// Holds any tag, so that starting a line in a buffer that was made cannot fail.
+constexpr std::size_t kFirstCapacity = 256;
+
+thread_local LineBuffers* threadBuffers = nullptr;
+thread_local bool buffersGone = false; ///< a host may still log from static objects' destructors
+
+/// Makes the thread's buffers, and takes them away when the thread ends.
+class BufferOwner
 {
-    thread_local LineBuffers buffers;
-    return buffers;
-}
+public:
+    BufferOwner() : owned(std::make_unique<LineBuffers>())
+    {
+        threadBuffers = owned.get();
+    }
+    ~BufferOwner()
+    {
+        threadBuffers = nullptr;
+        buffersGone = true;
+    }
+    BufferOwner(const BufferOwner&) = delete;
+    BufferOwner& operator=(const BufferOwner&) = delete;
 
-std::string* TakeBuffer()
-{
-    return buffersGone ? LineBuffers::NewBuffer().release() : ThreadBuffers().Take();
-}
+private:
+    std::unique_ptr<LineBuffers> owned;
+};
 
-void GiveBuffer(std::string* buffer)
+LineBuffers* MakeThreadBuffers()
 {
     if (buffersGone)
     {
-        delete buffer;
-        return;
+        return nullptr;
     }
-    ThreadBuffers().GiveBack(buffer);
+    thread_local BufferOwner owner;
+    return threadBuffers;
 }
 
 std::string_view Tag(int level)
@@ -89,66 +82,66 @@ std::string_view Tag(int level)
     switch (level)
     {
     case LogError:
-        return "[ERROR]";
+        return "[ERROR]\t: ";
     case LogWarning:
-        return "[WARNING]";
+        return "[WARNING]\t: ";
     case LogInfo:
-        return "[INFO]";
+        return "[INFO]\t: ";
     case LogLua:
-        return "[LUA]";
+        return "[LUA]\t: ";
     default:
         return {};
     }
 }
 
 template <class Number>
-void AppendNumber(std::string& text, Number value, int base)
+void AppendNumber(LineBuffer& text, Number value, int base)
 {
     char digits[24];
     const std::to_chars_result end = std::to_chars(digits, digits + sizeof(digits), value, base);
-    text.append(digits, end.ptr);
+    text.Append(digits, static_cast<std::size_t>(end.ptr - digits));
 }
 
 } // namespace
 
-LogStream::LogStream(int lineLevel) : text(TakeBuffer()), level(lineLevel)
+void LineBuffer::Grow(std::size_t count)
+{
+    std::size_t larger = capacity < kFirstCapacity ? kFirstCapacity : capacity * 2;
+    while (larger - size < count)
+    {
+        larger *= 2;
+    }
+    std::unique_ptr<char[]> grown(new char[larger]);
+    if (size != 0)
+    {
+        std::memcpy(grown.get(), room.get(), size);
+    }
+    room = std::move(grown);
+    capacity = larger;
+}
+
+LogStream::LogStream(int lineLevel)
+    : buffers(threadBuffers != nullptr ? threadBuffers : MakeThreadBuffers()),
+      text(buffers != nullptr ? buffers->Take() : new LineBuffer),
+      level(lineLevel)
 {
     const std::string_view tag = Tag(level);
-    if (!tag.empty())
-    {
-        text->append(tag).append("\t: ");
-    }
+    text->Append(tag.data(), tag.size());
 }
 
 LogStream::~LogStream()
 {
-    GiveBuffer(text);
-}
-
-LogStream& LogStream::operator<<(std::string_view value)
-{
-    text->append(value);
-    return *this;
-}
-
-LogStream& LogStream::operator<<(const char* value)
-{
-    if (value != nullptr)
+    if (buffers == nullptr)
     {
-        text->append(value);
+        delete text;
+        return;
     }
-    return *this;
-}
-
-LogStream& LogStream::operator<<(const std::string& value)
-{
-    text->append(value);
-    return *this;
+    buffers->GiveBack(text);
 }
 
 LogStream& LogStream::operator<<(bool value)
 {
-    text->push_back(value ? '1' : '0');
+    text->Append(value ? "1" : "0", 1);
     return *this;
 }
 
@@ -168,25 +161,20 @@ LogStream& LogStream::operator<<(const void* value)
 {
     if (value == nullptr)
     {
-        text->push_back('0');
+        text->Append("0", 1);
         return *this;
     }
-    text->append("0x");
+    text->Append("0x", 2);
     AppendNumber(*text, reinterpret_cast<std::uintptr_t>(value), 16);
     return *this;
 }
 
-void LogStream::operator<<(End)
-{
-    Flush();
-}
-
 void LogStream::Flush()
 {
-    text->push_back('\n');
-    std::cerr.write(text->data(), static_cast<std::streamsize>(text->size()));
-    std::cerr.flush();
-    LogImpl(level, text->c_str());
+    text->Append("\n", 1);
+    text->Terminate();
+    WriteToStandardError(text->Characters(), text->Size());
+    LogImpl(level, text->Characters());
 }
 
 } // namespace vell

@@ -2,6 +2,9 @@
 // foundation/LogStream.h: one log line, from its tag to its newline.
 #pragma once
 
+#include <cstddef>
+#include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -17,6 +20,52 @@ enum LogLevel : int
     LogLua = 8,  ///< has a tag; no line of the library uses it
     LogPlain = 9 ///< has no tag: banners and section lines
 };
+
+/// Where a line is built. Starts with room for any tag, grows as needed and keeps its room.
+class LineBuffer
+{
+public:
+    LineBuffer()
+    {
+        Grow(1);
+    }
+    void Append(const char* characters, std::size_t count)
+    {
+        if (count > capacity - size)
+        {
+            Grow(count);
+        }
+        std::memcpy(room.get() + size, characters, count);
+        size += count;
+    }
+    /// Puts a terminator behind the characters, which does not count as one.
+    void Terminate()
+    {
+        Append("", 1);
+        --size;
+    }
+    const char* Characters() const
+    {
+        return room.get();
+    }
+    std::size_t Size() const
+    {
+        return size;
+    }
+    void Clear()
+    {
+        size = 0;
+    }
+    /// Makes room for `count` more characters.
+    void Grow(std::size_t count);
+
+private:
+    std::unique_ptr<char[]> room;
+    std::size_t size = 0;
+    std::size_t capacity = 0;
+};
+
+class LineBuffers;
 
 /// Builds one line and writes it. The text of each value is that of a standard stream in its
 /// default state. A null text inserts nothing; a null pointer inserts 0.
@@ -39,19 +88,38 @@ public:
     LogStream(const LogStream&) = delete;
     LogStream& operator=(const LogStream&) = delete;
 
-    LogStream& operator<<(std::string_view value);
-    LogStream& operator<<(const char* value);
-    LogStream& operator<<(const std::string& value);
+    LogStream& operator<<(std::string_view value)
+    {
+        text->Append(value.data(), value.size());
+        return *this;
+    }
+    LogStream& operator<<(const char* value)
+    {
+        if (value != nullptr)
+        {
+            text->Append(value, std::strlen(value));
+        }
+        return *this;
+    }
+    LogStream& operator<<(const std::string& value)
+    {
+        text->Append(value.data(), value.size());
+        return *this;
+    }
     LogStream& operator<<(bool value);
     LogStream& operator<<(int value);
     LogStream& operator<<(unsigned int value);
     LogStream& operator<<(const void* value);
-    void operator<<(End);
+    void operator<<(End)
+    {
+        Flush();
+    }
 
     void Flush();
 
 private:
-    std::string* text; ///< one of the thread's line buffers, given back at the end
+    LineBuffers* buffers; ///< of this thread; null when they are gone
+    LineBuffer* text;     ///< one of the thread's, given back at the end
     int level;
 };
 

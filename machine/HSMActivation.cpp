@@ -80,9 +80,11 @@ int HSM::ActivateTransitions(SMState* state)
                 condition->SetParameter(parameter);
             }
         }
+        transition->changes = &guardChanges;
         state->PushTransition(transition);
     }
     state->SortTransitions();
+    state->KeepGuards(guardChanges);
     return 1;
 }
 

@@ -25,6 +25,12 @@ int TopIndex(const std::vector<SMState*>& stack)
     return static_cast<int>(stack.size()) - 1;
 }
 
+const char* NameOf(const SMState& state)
+{
+    BaseDef* def = state.GetDef();
+    return def == nullptr ? nullptr : def->GetName();
+}
+
 } // namespace
 
 void HSM::Update(float timeStep)
@@ -49,12 +55,15 @@ void HSM::Update(float timeStep)
         // stack, and a main stack that is too short for it shows as std::out_of_range.
         SMState* state = currentStack->at(static_cast<std::size_t>(i));
         result.stackIndex = i;
-        if (state != nullptr)
+        if (state == nullptr)
         {
-            state->Update(this, timeStep);
+            UpdateState(state, &result, timeStep);
+            continue;
         }
-        if (UpdateState(state, &result, timeStep) == kTransitionFired)
+        state->Update(this, timeStep);
+        if (state->ProcessTransitions(this, &result) != 0)
         {
+            FinishTransition(*state, &result);
             UpdateStateStack(&result);
         }
     }
@@ -66,9 +75,7 @@ void HSM::Update(float timeStep)
 
 void HSM::StartBlip(UpdateResult* result)
 {
-    const BaseDef* def = globalState->GetDef();
-    LogStream(LogInfo) << "State Blip: "
-                       << (def == nullptr ? nullptr : globalState->GetDef()->GetName()) << EndLine;
+    LogStream(LogInfo) << "State Blip: " << NameOf(*globalState) << EndLine;
     const int top = TopIndex(*currentStack);
     if (blipActive)
     {
@@ -91,18 +98,20 @@ int HSM::UpdateState(SMState* state, UpdateResult* result, float)
     {
         ERROR_BREAK(state);
         ERROR_BREAK(result);
-        if (state->ProcessTransitions(this, result) == 0)
+        outcome = kNoTransition;
+        if (state->ProcessTransitions(this, result) != 0)
         {
-            outcome = kNoTransition;
-            break;
+            FinishTransition(*state, result);
+            outcome = kTransitionFired;
         }
-        BaseDef* def = state->GetDef();
-        LogStream(LogInfo) << "Transition satisfied: "
-                           << (def == nullptr ? nullptr : def->GetName()) << EndLine;
-        result->popLevel = result->stackIndex;
-        outcome = kTransitionFired;
     } while (false);
     return outcome;
+}
+
+void HSM::FinishTransition(const SMState& state, UpdateResult* result)
+{
+    LogStream(LogInfo) << "Transition satisfied: " << NameOf(state) << EndLine;
+    result->popLevel = result->stackIndex;
 }
 
 int HSM::UpdateStateStack(UpdateResult* result)

@@ -35,6 +35,7 @@ void HSM::BindParamCond()
     {
         return;
     }
+    ++guardChanges;
     const std::size_t count = nodeDefTable->nodeIds.size();
     for (std::size_t i = 0; i < count; ++i)
     {

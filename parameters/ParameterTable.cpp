@@ -168,7 +168,7 @@ void ParameterTable::Uninit()
     }
 }
 
-void ParameterTable::ResetFrameParameters()
+void ParameterTable::ResetAll()
 {
     for (std::size_t i = 0; i < resetting.size(); ++i)
     {

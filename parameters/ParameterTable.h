@@ -69,7 +69,13 @@ public:
     void Uninit();
 
     /// Resets the parameters that ask for it, in ascending id order: the end of a tick.
-    void ResetFrameParameters();
+    void ResetFrameParameters()
+    {
+        if (!resetting.empty())
+        {
+            ResetAll();
+        }
+    }
 
     /// Gives the table, or null.
     Tessel::KVTable GetKVTable() const;
@@ -78,6 +84,7 @@ public:
     Tessel::KVTable ReleaseStorage();
 
 private:
+    void ResetAll();
     bool IsNewName(const char* name);
     void KeepRuntimeParameter(ParameterDef* def, const char* name);
     int PublishRuntimeParameter(ParameterDef* def);

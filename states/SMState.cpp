@@ -7,6 +7,7 @@
 #include "states/StatePlacement.h"
 #include "states/SubstateState.h"
 #include "transitions/TransitionDef.h"
+#include "transitions/TransitionGuard.h"
 
 #include <vell/Action.h>
 #include <vell/HSM.h>
@@ -181,29 +182,80 @@ int SMState::PerformActions(__ActType__ type, float dt, Action* first)
 
 unsigned int SMState::ProcessTransitions(HSM* machine, UpdateResult* result)
 {
+    // Most ticks end here: the guards are up to date, and none holds.
+    if (guardChanges != 0 && guardChanges == machine->guardChanges &&
+        FindGuard(guards.data())->kind == TransitionGuard::End)
+    {
+        return 0;
+    }
+    return FireTransition(machine, result);
+}
+
+unsigned int SMState::FireTransition(HSM* machine, UpdateResult* result)
+{
+    TransitionDef* transition =
+        guardChanges == 0 ? AskTransitions(machine) : AskGuardedTransitions(machine);
+    if (transition == nullptr || result == nullptr)
+    {
+        return 0;
+    }
+    result->transition = transition;
+    result->tag = static_cast<unsigned int>(transition->tag);
+    result->targetID = transition->targetID;
+    result->sourceID = transition->GetParentID();
+    result->priority = transition->priority;
+    result->switchArgument = transition->switchArgument;
+    ReportTransition(machine, *transition);
+    return transition->targetID;
+}
+
+TransitionDef* SMState::AskGuardedTransitions(HSM* machine)
+{
+    if (guardChanges != machine->guardChanges)
+    {
+        KeepGuards(machine->guardChanges);
+    }
+    // By index: a trigger that is called in between may have the guards made anew.
+    for (std::size_t i = 0; i < guards.size(); ++i)
+    {
+        const TransitionGuard* guard = FindGuard(&guards[i]);
+        if (guard->kind == TransitionGuard::End)
+        {
+            break;
+        }
+        i = static_cast<std::size_t>(guard - guards.data());
+        TransitionDef* transition = GetTransitionAt(guard->transition);
+        if (!transition->disabled && transition->HandleConditions(machine))
+        {
+            return transition;
+        }
+    }
+    return nullptr;
+}
+
+TransitionDef* SMState::AskTransitions(HSM* machine)
+{
     const int count = GetNumTransitions();
     for (int i = 0; i < count; ++i)
     {
         TransitionDef* transition = GetTransitionAt(i);
-        if (transition == nullptr || transition->disabled || !transition->HandleConditions(machine))
+        if (transition != nullptr && !transition->disabled && transition->HandleConditions(machine))
         {
-            continue;
+            return transition;
         }
-        result->transition = transition;
-        result->tag = static_cast<unsigned int>(transition->tag);
-        result->targetID = transition->targetID;
-        result->sourceID = transition->GetParentID();
-        result->priority = transition->priority;
-        result->switchArgument = transition->switchArgument;
-        ReportTransition(machine, *transition);
-        return transition->targetID;
     }
-    return 0;
+    return nullptr;
+}
+
+void SMState::KeepGuards(unsigned int changeCount)
+{
+    BuildGuards(transitions, &guards);
+    guardChanges = changeCount;
 }
 
 void SMState::ReportTransition(HSM* machine, TransitionDef& transition) const
 {
-    Tessel::KVTable root = machine->GetKVTable();
+    Tessel::KVTable root = machine == nullptr ? Tessel::KVTable() : machine->GetKVTable();
     if (!root)
     {
         return;
@@ -217,10 +269,12 @@ void SMState::ReportTransition(HSM* machine, TransitionDef& transition) const
 void SMState::PushTransition(TransitionDef* transition)
 {
     transitions.push_back(transition);
+    guardChanges = 0;
 }
 
 void SMState::SortTransitions()
 {
+    guardChanges = 0;
     if (transitions.size() > kInsertionLimit)
     {
         std::stable_sort(transitions.begin(), transitions.end(), ComesBefore);
@@ -261,6 +315,7 @@ TransitionDef* SMState::GetTransitionAt(int index) const
 Tessel::KVTable SMState::ReleaseStorage()
 {
     std::vector<TransitionDef*>().swap(transitions);
+    std::vector<TransitionGuard>().swap(guards);
     return Tessel::KVTable();
 }
 

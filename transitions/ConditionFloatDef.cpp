@@ -12,14 +12,6 @@
 namespace vell
 {
 
-namespace
-{
-
-/// How far apart equal floats may be, exclusive.
-constexpr float kTolerance = 0.01f;
-
-} // namespace
-
 int ConditionFloatDef::Init(const GenericValue& node, HSMAlloc* alloc)
 {
     int result = 0;

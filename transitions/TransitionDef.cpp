@@ -93,6 +93,10 @@ int TransitionDef::RegisterCondition(Trigger trigger)
     {
         ERROR_BREAK(trigger != nullptr);
         triggers.push_back(trigger);
+        if (changes != nullptr)
+        {
+            ++*changes;
+        }
         result = 1;
     } while (false);
     return result;

@@ -188,13 +188,18 @@ protected:
     std::string fileName; ///< copy of filePath's text, taken by Create, for the tree
 
 private:
+    friend class SMState;
+
     int Subscribe(ListenerList& list, IBroadcastListener* listener);
     int Unsubscribe(ListenerList& list, IBroadcastListener* listener);
     int Notify();
     unsigned int ParseDocument();
+    void FinishTransition(const SMState& state, UpdateResult* result);
     void StartBlip(UpdateResult* result);
     void ReportStateChange(SMState* previous, unsigned int nextId);
     Tessel::KVTable GetContextTable() const;
+
+    unsigned int guardChanges = 1; ///< grows with every binding and trigger, which change guards
 };
 
 } // namespace vell

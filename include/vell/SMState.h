@@ -19,6 +19,7 @@ class HSM;
 class HSMAlloc;
 class SubstateState;
 class TransitionDef;
+struct TransitionGuard;
 struct UpdateResult;
 
 /// What sits on a machine's stack: runs its definition's actions and decides every tick whether one
@@ -133,9 +134,16 @@ private:
     template <class T>
     static T* Place(unsigned int stateId, HSMAlloc* alloc);
 
+    unsigned int FireTransition(HSM* machine, UpdateResult* result);
+    TransitionDef* AskTransitions(HSM* machine);
+    TransitionDef* AskGuardedTransitions(HSM* machine);
+    void KeepGuards(unsigned int changeCount);
     void TellParent();
     void RequestAnimation();
     void ReportTransition(HSM* machine, TransitionDef& transition) const;
+
+    std::vector<TransitionGuard> guards; ///< the transitions' conditions; empty unless kept
+    unsigned int guardChanges = 0;       ///< the machine's count when they were made; 0 keeps none
 };
 
 } // namespace vell
