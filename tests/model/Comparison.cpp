@@ -1,0 +1,286 @@
+// VELL: data-driven hierarchical state machines.
+// tests/model/Comparison.cpp: two runs side by side, and the shrinking of a case.
+
+#include "tests/model/Comparison.h"
+#include "tests/model/LibraryMachine.h"
+
+#include <algorithm>
+
+namespace model
+{
+
+namespace
+{
+
+constexpr int kMaxTrials = 6000;
+
+bool NeedsStart(InputKind kind)
+{
+    switch (kind)
+    {
+    case InputKind::Tick:
+    case InputKind::PushId:
+    case InputKind::PushCurrent:
+    case InputKind::Pop:
+    case InputKind::RevertToPrevious:
+    case InputKind::RevertToStart:
+    case InputKind::ChangeState:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void Count(const Step& step, Counts* counts)
+{
+    static const char* const starts[] = {"[INFO]\t: Transition satisfied",
+                                         "[INFO]\t: State Blip",
+                                         "[INFO]\t: Revert to Previous",
+                                         "[INFO]\t: [Enter]",
+                                         "[INFO]\t: [Exit]",
+                                         "[ERROR]\t: Failed to activate",
+                                         "[ERROR]\t: Failed to find node",
+                                         "[ERROR]\t: ERROR_BREAK(0) at # in vell::SubstateState",
+                                         "[WARNING]",
+                                         "callback",
+                                         "listener",
+                                         "action",
+                                         "trigger"};
+    if (step.threw)
+    {
+        ++(*counts)["threw"];
+    }
+    for (const char* start : starts)
+    {
+        for (const std::string& line : step.lines)
+        {
+            (*counts)[start] += line.rfind(start, 0) == 0 ? 1 : 0;
+        }
+    }
+}
+
+/// Takes things away from a case as long as its machines differ.
+class Shrinker
+{
+public:
+    Shrinker(Case startCase, Fault plantedFault) : best(std::move(startCase)), fault(plantedFault)
+    {
+    }
+
+    Case Run()
+    {
+        CutInputs();
+        bool isSmaller = true;
+        while (isSmaller && trials < kMaxTrials)
+        {
+            isSmaller = ShrinkOnce();
+        }
+        return best;
+    }
+
+private:
+    // What follows the first difference has no part in it.
+    void CutInputs()
+    {
+        const Difference difference = Compare(best, fault, nullptr);
+        best.inputs.resize(std::min(best.inputs.size(), difference.input + 1));
+    }
+
+    bool ShrinkOnce()
+    {
+        bool isSmaller = ShrinkList([](Case & c) -> auto& { return c.inputs; });
+        for (std::size_t layer = 0; layer < best.document.layers.size(); ++layer)
+        {
+            isSmaller |=
+                ShrinkList([layer](Case & c) -> auto& { return c.document.layers[layer]; });
+        }
+        isSmaller |= ShrinkList([](Case & c) -> auto& { return c.document.layers; });
+        isSmaller |= ShrinkList([](Case & c) -> auto& { return c.document.globals; });
+        isSmaller |= ShrinkList([](Case & c) -> auto& { return c.document.parameters; });
+        isSmaller |= ShrinkList([](Case & c) -> auto& { return c.actions; });
+        for (std::size_t layer = 0; layer < best.document.layers.size(); ++layer)
+        {
+            isSmaller |=
+                ShrinkNodes([layer](Case & c) -> auto& { return c.document.layers[layer]; });
+        }
+        isSmaller |= ShrinkNodes([](Case & c) -> auto& { return c.document.globals; });
+        return isSmaller;
+    }
+
+    template <class Select>
+    bool ShrinkNodes(Select select)
+    {
+        bool isSmaller = false;
+        for (std::size_t index = 0; index < select(best).size(); ++index)
+        {
+            isSmaller |= ShrinkList([&](Case & c) -> auto& { return select(c)[index].children; });
+            isSmaller |= ShrinkList([&](Case & c) -> auto& { return select(c)[index].conditions; });
+            isSmaller |= Simplify(
+                [&](Case& c)
+                {
+                    select(c)[index].disabled = false;
+                },
+                select(best)[index].disabled);
+            isSmaller |= Simplify(
+                [&](Case& c)
+                {
+                    select(c)[index].hasPriority = false;
+                    select(c)[index].priority = 5;
+                },
+                select(best)[index].hasPriority);
+            isSmaller |= Simplify(
+                [&](Case& c)
+                {
+                    select(c)[index].builder = DURMBaseLib::BUILDER_Generic;
+                },
+                select(best)[index].builder == DURMBaseLib::BUILDER_AnimClip);
+        }
+        return isSmaller;
+    }
+
+    // Halves first, then ever smaller pieces down to single ones.
+    template <class Select>
+    bool ShrinkList(Select select)
+    {
+        bool isSmaller = false;
+        std::size_t piece = std::max<std::size_t>(select(best).size(), 1);
+        while (piece > 0)
+        {
+            std::size_t begin = 0;
+            while (begin < select(best).size() && trials < kMaxTrials)
+            {
+                Case candidate = best;
+                auto& list = select(candidate);
+                const auto at = [&list](std::size_t index)
+                {
+                    return list.begin() + static_cast<std::ptrdiff_t>(index);
+                };
+                list.erase(at(begin), at(std::min(begin + piece, list.size())));
+                if (Takes(std::move(candidate)))
+                {
+                    isSmaller = true;
+                }
+                else
+                {
+                    begin += piece;
+                }
+            }
+            piece /= 2;
+        }
+        return isSmaller;
+    }
+
+    template <class Change>
+    bool Simplify(Change change, bool isWorthIt)
+    {
+        if (!isWorthIt)
+        {
+            return false;
+        }
+        Case candidate = best;
+        change(candidate);
+        return Takes(std::move(candidate));
+    }
+
+    bool Takes(Case candidate)
+    {
+        ++trials;
+        if (!Compare(candidate, fault, nullptr).isFound)
+        {
+            return false;
+        }
+        best = std::move(candidate);
+        return true;
+    }
+
+    Case best;
+    Fault fault;
+    int trials = 0;
+};
+
+} // namespace
+
+Difference Compare(const Case& modelCase, Fault fault, Counts* counts)
+{
+    Difference difference;
+    LibraryMachine library(modelCase);
+    NaiveMachine naive(modelCase.document, modelCase.actions, fault);
+    if (!library.IsLoaded())
+    {
+        difference.isFound = true;
+        difference.expected = {"the document loads"};
+        difference.actual = {"it does not"};
+        return difference;
+    }
+    bool isStarted = false;
+    for (std::size_t index = 0; index < modelCase.inputs.size(); ++index)
+    {
+        const Input& input = modelCase.inputs[index];
+        isStarted = isStarted || input.kind == InputKind::Start;
+        if (!isStarted && NeedsStart(input.kind))
+        {
+            continue;
+        }
+        const Step actual = library.Apply(input);
+        const Step expected = naive.Apply(input);
+        if (counts != nullptr)
+        {
+            Count(actual, counts);
+        }
+        if (!(expected == actual))
+        {
+            difference.isFound = true;
+            difference.input = index;
+            difference.expected = Describe(expected);
+            difference.actual = Describe(actual);
+            break;
+        }
+        if (actual.threw)
+        {
+            break;
+        }
+    }
+    return difference;
+}
+
+Case Shrink(Case modelCase, Fault fault)
+{
+    return Shrinker(std::move(modelCase), fault).Run();
+}
+
+std::string Report(const Case& modelCase, const Difference& difference)
+{
+    std::string text = "document:\n" + WriteDocument(modelCase.document) + "\n";
+    for (std::size_t index = 0; index < modelCase.actions.size(); ++index)
+    {
+        text += std::to_string(index) + ": " + Describe(modelCase.actions[index]) + "\n";
+    }
+    text += "calls:\n";
+    for (const Input& input : modelCase.inputs)
+    {
+        text += "  " + Describe(input) + "\n";
+    }
+    if (!difference.isFound)
+    {
+        return text + "no difference\n";
+    }
+    text += "difference after call " + std::to_string(difference.input + 1) + ":\n";
+    const std::size_t count = std::max(difference.expected.size(), difference.actual.size());
+    for (std::size_t index = 0; index < count; ++index)
+    {
+        const auto line = [index](const Lines& lines)
+        {
+            return index < lines.size() ? lines[index] : std::string("(nothing)");
+        };
+        if (line(difference.expected) == line(difference.actual))
+        {
+            text += "    " + line(difference.expected) + "\n";
+            continue;
+        }
+        text += "    model:   " + line(difference.expected) + "\n";
+        text += "    library: " + line(difference.actual) + "\n";
+    }
+    return text;
+}
+
+} // namespace model
