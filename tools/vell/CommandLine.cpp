@@ -2,19 +2,26 @@
 // tools/vell/CommandLine.cpp: reading the command line and doing what it asks for.
 #include "tools/vell/CommandLine.h"
 
+#include "tools/vell/Context.h"
+#include "tools/vell/Graph.h"
 #include "tools/vell/LogRedirect.h"
 #include "tools/vell/ObservedMachine.h"
 #include "tools/vell/Report.h"
 #include "tools/vell/Runner.h"
 #include "tools/vell/Script.h"
+#include "tools/vell/TreeJson.h"
 
 #include <CLI/CLI.hpp>
 
-#include <functional>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace vell::tool
 {
@@ -26,12 +33,20 @@ constexpr std::size_t kComplaintsShown = 10;
 
 constexpr const char* kFooter = R"(
 Examples:
-  vell run hero.json                        what happens in the first ten ticks
-  vell run hero.json --script jump.vell     drive it and check what it does
-  vell run hero.json --script - --explain   why a transition did not fire
+  vell run hero.json                          what happens in the first ten ticks
+  vell run hero.json --script jump.script     drive it and check what it does
+  vell run hero.json --script - --explain     why a transition did not fire
+  vell graph hero.json --format svg -o hero.svg
+  vell tree hero.json --after jump.script     its parameters, nodes and stacks as JSON
+  vell context save hero.json --after jump.script -o jump.json
+  vell context restore hero.json jump.json    go on from there
+  vell COMMAND --help                         all about one command
 
 Exit code: 0 all went well; 1 a document did not load or an expectation did not hold; 2 the command
 line or a script is not understood.)";
+
+constexpr const char* kLogHelp = R"(
+The library writes a log to standard error. It is kept off the terminal: --log puts it into a file.)";
 
 constexpr const char* kScriptHelp = R"(
 A script has an instruction a line; a # and what follows it is a comment:
@@ -43,16 +58,25 @@ A script has an instruction a line; a # and what follows it is a comment:
   expect param NAME VALUE
   expect blip yes|no
 A name with blanks stands in quotes. An expectation that does not hold is shown as FILE:LINE: ...
+)";
 
-The library writes a log to standard error. It is kept off the terminal: --log puts it into a file.)";
+constexpr const char* kContextHelp = R"(
+A context holds both stacks and the last change of state, by the ids of nodes. It does not hold:
+  - parameters: set them by a script after restoring;
+  - whether a blip runs, and its priority: a restored machine runs its main stack;
+  - which state each level had reached: a level that is restored starts anew on its first tick,
+    above the states that were restored.
+)";
 
 /// What the command line asks for.
 struct Request
 {
     std::string document;
     std::string script;
+    std::string context; ///< file of a recorded context
+    std::string output;  ///< empty for the stream
     std::string log;
-    std::string format = "text";
+    std::string format;
     std::optional<std::uint64_t> ticks;
     RunOptions run;
 };
@@ -74,6 +98,14 @@ public:
         app.require_subcommand(1);
         app.footer(kFooter);
         AddRun(app);
+        AddGraph(app);
+        AddTree(app);
+        AddContext(app);
+        if (argc < 2)
+        {
+            errors << app.help();
+            return ExitUsage;
+        }
         try
         {
             app.parse(argc, argv);
@@ -88,77 +120,254 @@ public:
             errors << request.log << ": cannot be written; name another file by --log\n";
             return ExitUsage;
         }
-        return action();
+        Script script;
+        return LoadScript(&script) ? (this->*action)(script) : ExitUsage;
     }
 
 private:
-    void AddDocument(CLI::App& command)
+    using Action = int (Command::*)(const Script& script);
+
+    CLI::App* AddCommand(CLI::App& app, const char* name, const char* description, Action newAction)
     {
-        command.add_option("DOCUMENT", request.document, "The machine document, a JSON file")
+        CLI::App* command = app.add_subcommand(name, description);
+        command->callback(
+            [this, newAction]
+            {
+                action = newAction;
+            });
+        command->add_option("DOCUMENT", request.document, "The machine document, a JSON file")
             ->required();
-        command.add_option("--log", request.log, "File for the library's log")->type_name("FILE");
+        command->add_option("--log", request.log, "File for the library's log")->type_name("FILE");
+        return command;
+    }
+
+    void AddFormat(CLI::App& command, const char* description,
+                   const std::vector<std::string>& formats)
+    {
+        command.add_option("--format", request.format, description)
+            ->check(CLI::IsMember(formats))
+            ->type_name("FORMAT");
+    }
+
+    void AddOutput(CLI::App& command)
+    {
+        command.add_option("-o,--output", request.output, "File to write instead of the terminal")
+            ->type_name("FILE");
+    }
+
+    CLI::Option* AddAfter(CLI::App& command)
+    {
+        return command
+            .add_option("--after", request.script,
+                        "Script that is run first; - is standard input. See: vell run --help")
+            ->type_name("SCRIPT");
+    }
+
+    void AddRunOptions(CLI::App& command, const char* ticksHelp)
+    {
+        command.add_option("--script", request.script, "File of instructions; - is standard input")
+            ->type_name("FILE");
+        command.add_option("--ticks", request.ticks, ticksHelp)->type_name("N");
+        command.add_option("--dt", request.run.timeStep, "Seconds a tick; 1/60 when not given")
+            ->type_name("SECONDS");
+        AddFormat(command, "text: for people; jsonl: an object a line", {"text", "jsonl"});
+        command.add_flag("--explain", request.run.explain,
+                         "Show for each state that is tested each transition, what its conditions "
+                         "saw and why it did not fire");
     }
 
     void AddRun(CLI::App& app)
     {
-        CLI::App* run = app.add_subcommand("run", "Runs a machine and shows what happens");
-        AddDocument(*run);
-        run->add_option("--script", request.script, "File of instructions; - is standard input")
-            ->type_name("FILE");
-        run->add_option("--ticks", request.ticks,
-                        "Ticks after the script; without either, 10 ticks")
-            ->type_name("N");
-        run->add_option("--dt", request.run.timeStep, "Seconds a tick; 1/60 when not given")
-            ->type_name("SECONDS");
-        run->add_option("--format", request.format, "text: for people; jsonl: an object a line")
-            ->check(CLI::IsMember({"text", "jsonl"}));
-        run->add_flag("--explain", request.run.explain,
-                      "Show for each state that is tested each transition, what its conditions saw "
-                      "and why it did not fire");
-        run->footer(kScriptHelp);
-        run->callback(
-            [this]
-            {
-                action = [this]
-                {
-                    return RunMachine();
-                };
-            });
+        CLI::App* run =
+            AddCommand(app, "run", "Runs a machine and shows what happens", &Command::RunMachine);
+        AddRunOptions(*run, "Ticks after the script; without either, 10 ticks");
+        run->footer(std::string(kScriptHelp) + kLogHelp);
     }
 
-    int RunMachine()
+    void AddGraph(CLI::App& app)
     {
-        Script script;
-        if (!LoadScript(request.script, &script))
-        {
-            return ExitUsage;
-        }
+        CLI::App* graph =
+            AddCommand(app, "graph", "Draws the states and transitions", &Command::DrawGraph);
+        AddFormat(*graph,
+                  "dot, which it is without this: for Graphviz; mermaid; svg: drawn by "
+                  "Graphviz's program dot",
+                  {"dot", "mermaid", "svg"});
+        AddOutput(*graph);
+        graph->footer("\nA transition shows its priority and its conditions, any one of which is "
+                      "enough. One that is\ndisabled is dashed; a target that no node has is red."
+                      "\n" +
+                      std::string(kLogHelp));
+    }
+
+    void AddTree(CLI::App& app)
+    {
+        CLI::App* tree = AddCommand(app, "tree", "Prints the tree of tables that mirrors a machine",
+                                    &Command::PrintTree);
+        AddAfter(*tree);
+        AddFormat(*tree, "json, or text: a line for each value", {"json", "text"});
+        AddOutput(*tree);
+        tree->footer("\nWithout --after the machine is loaded and not started.\n" +
+                     std::string(kLogHelp));
+    }
+
+    void AddContext(CLI::App& app)
+    {
+        CLI::App* context =
+            app.add_subcommand("context", "Records a situation and goes on from it later");
+        context->require_subcommand(1);
+        context->footer(kContextHelp);
+        CLI::App* save = AddCommand(*context, "save", "Runs a script and records where it got to",
+                                    &Command::RecordContext);
+        AddAfter(*save)->required();
+        AddOutput(*save);
+        save->footer(std::string(kContextHelp) + kLogHelp);
+        CLI::App* restore = AddCommand(*context, "restore", "Puts a machine where a record says",
+                                       &Command::GoOnFromContext);
+        restore->add_option("CONTEXT", request.context, "What context save wrote")->required();
+        AddRunOptions(*restore, "Ticks after the script; none when not given");
+        restore->footer(std::string(kContextHelp) + kScriptHelp + kLogHelp);
+    }
+
+    int RunMachine(const Script& script)
+    {
         ObservedMachine machine;
         if (!LoadMachine(machine))
         {
             return ExitFailed;
         }
-        const std::unique_ptr<Report> report =
-            request.format == "jsonl" ? MakeJsonReport(out) : MakeTextReport(out);
+        const std::unique_ptr<Report> report = MakeReport();
         Runner runner(machine, *report, errors, request.run);
         if (!runner.Start())
         {
             ShowComplaints(machine);
             return ExitFailed;
         }
+        return Drive(runner, script, request.script.empty() ? kDefaultTicks : 0);
+    }
+
+    int Drive(Runner& runner, const Script& script, std::uint64_t defaultTicks)
+    {
         runner.Run(script);
-        runner.Tick(request.ticks.value_or(request.script.empty() ? kDefaultTicks : 0));
+        runner.Tick(request.ticks.value_or(defaultTicks));
         runner.ReportStack();
         return runner.Failures() == 0 ? ExitWell : ExitFailed;
     }
 
-    bool LoadScript(const std::string& path, Script* script)
+    int DrawGraph(const Script&)
     {
-        if (path.empty())
+        ObservedMachine machine;
+        if (!LoadMachine(machine))
+        {
+            return ExitFailed;
+        }
+        const Graph graph = ReadGraph(machine);
+        if (request.format != "svg")
+        {
+            return Write(request.format == "mermaid" ? GraphToMermaid(graph) : GraphToDot(graph));
+        }
+        std::string fault;
+        const std::string svg = DotToSvg(GraphToDot(graph), &fault);
+        if (!fault.empty())
+        {
+            errors << fault << '\n';
+            return ExitFailed;
+        }
+        return Write(svg);
+    }
+
+    int PrintTree(const Script& script)
+    {
+        ObservedMachine machine;
+        if (!LoadMachine(machine) || (!request.script.empty() && !RunQuietly(machine, script)))
+        {
+            return ExitFailed;
+        }
+        const Tessel::KVTable root = machine.GetKVTable();
+        return Write(request.format == "text" ? TreeToText(root) : TreeToJson(root));
+    }
+
+    int RecordContext(const Script& script)
+    {
+        ObservedMachine machine;
+        if (!LoadMachine(machine) || !RunQuietly(machine, script))
+        {
+            return ExitFailed;
+        }
+        return Write(SaveContext(machine));
+    }
+
+    int GoOnFromContext(const Script& script)
+    {
+        std::ifstream in(request.context, std::ios::binary);
+        if (!in)
+        {
+            errors << request.context << ": cannot be read: " << std::strerror(errno) << '\n';
+            return ExitFailed;
+        }
+        const std::string json{std::istreambuf_iterator<char>(in),
+                               std::istreambuf_iterator<char>()};
+        ObservedMachine machine;
+        if (!LoadMachine(machine))
+        {
+            return ExitFailed;
+        }
+        // The tick needs a started machine; the context then takes the place of its stacks.
+        machine.StartRunning();
+        const std::string fault = RestoreContext(machine, json);
+        if (!fault.empty())
+        {
+            errors << request.context << ": " << fault << '\n';
+            return ExitFailed;
+        }
+        const std::unique_ptr<Report> report = MakeReport();
+        Runner runner(machine, *report, errors, request.run);
+        runner.ReportStack();
+        return Drive(runner, script, 0);
+    }
+
+    /// Starts the machine and runs the script without showing it.
+    bool RunQuietly(ObservedMachine& machine, const Script& script)
+    {
+        Report report;
+        Runner runner(machine, report, errors, request.run);
+        if (!runner.Start())
+        {
+            ShowComplaints(machine);
+            return false;
+        }
+        runner.Run(script);
+        return runner.Failures() == 0;
+    }
+
+    std::unique_ptr<Report> MakeReport()
+    {
+        return request.format == "jsonl" ? MakeJsonReport(out) : MakeTextReport(out);
+    }
+
+    int Write(const std::string& text)
+    {
+        if (request.output.empty())
+        {
+            out << text;
+            return ExitWell;
+        }
+        std::ofstream file(request.output, std::ios::binary);
+        file << text << std::flush;
+        if (!file)
+        {
+            errors << request.output << ": cannot be written; name another file by -o\n";
+            return ExitUsage;
+        }
+        return ExitWell;
+    }
+
+    bool LoadScript(Script* script)
+    {
+        if (request.script.empty())
         {
             return true;
         }
-        *script = ReadScriptFile(path);
+        *script = ReadScriptFile(request.script);
         for (const std::string& error : script->errors)
         {
             errors << error << '\n';
@@ -194,7 +403,7 @@ private:
     std::ostream& out;
     std::ostream& errors;
     Request request;
-    std::function<int()> action;
+    Action action = nullptr;
 };
 
 } // namespace

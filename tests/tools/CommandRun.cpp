@@ -1,0 +1,98 @@
+// VELL: data-driven hierarchical state machines.
+// tests/tools/CommandRun.cpp: the call, the folder and the document.
+#include "tests/tools/CommandRun.h"
+
+#include "tools/vell/CommandLine.h"
+#include "transitions/ConditionDef.h"
+
+#include <vell/Types.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace vell::test
+{
+
+Outcome CallVell(const std::vector<std::string>& words)
+{
+    std::vector<const char*> arguments{"vell"};
+    for (const std::string& word : words)
+    {
+        arguments.push_back(word.c_str());
+    }
+    std::ostringstream out;
+    std::ostringstream errors;
+    Outcome outcome;
+    outcome.code = tool::RunCommandLine(static_cast<int>(arguments.size()), arguments.data(), out,
+                                        errors, false);
+    outcome.out = out.str();
+    outcome.errors = errors.str();
+    return outcome;
+}
+
+Folder::Folder() : path((std::filesystem::temp_directory_path() / "vell-test-XXXXXX").string())
+{
+    if (mkdtemp(path.data()) == nullptr)
+    {
+        path.clear();
+    }
+}
+
+Folder::~Folder()
+{
+    if (!path.empty())
+    {
+        std::filesystem::remove_all(path);
+    }
+}
+
+std::string Folder::PathOf(const std::string& name) const
+{
+    return path + "/" + name;
+}
+
+std::string Folder::Write(const std::string& name, const std::string& text) const
+{
+    std::ofstream(PathOf(name), std::ios::binary) << text;
+    return PathOf(name);
+}
+
+std::string Folder::Read(const std::string& name) const
+{
+    std::ostringstream text;
+    text << std::ifstream(PathOf(name), std::ios::binary).rdbuf();
+    return text.str();
+}
+
+DocumentBuilder Walker()
+{
+    DocumentBuilder builder;
+    builder.Start(10)
+        .Parameter(FloatParameter("speed", 0.0))
+        .Parameter(MessageParameter("halt", "now"))
+        .Parameter(BoolParameter("hit", false))
+        .Node(Substate("Locomotion", 10, 20, 21))
+        .Node(Enter("In", 20, 11, 10))
+        .Node(Exit("Out", 21, 10))
+        .Node(Generic("Stand", 11, {100}, 10))
+        .Node(Generic("Walk", 12, {101, 102}, 10))
+        .Node(Transition("ToWalk", 100, 11, 12, {FloatCondition("speed", EvaluateGreater, 1.5)}))
+        .Node(Transition(
+                  "ToStand", 101, 12, 11,
+                  {FloatCondition("speed", EvaluateLess, 0.5), MessageCondition("halt", "now")})
+                  .Set(JSON_TransitionPriority, 3))
+        .Node(Transition("ToNowhere", 102, 12, 99, {FloatCondition("speed", EvaluateGreater, 0.0)})
+                  .Set(JSON_TransitionPriority, 1)
+                  .Set(JSON_TransitionDisabled, true))
+        .Node(Generic("Hurt", 51, {151}))
+        .Node(Exit("Done", 52))
+        .Node(Transition("TakeHit", 150, 50, 51, {BoolCondition("hit", true)})
+                  .Set(JSON_TransitionPriority, 20))
+        .Node(Transition("Healed", 151, 51, 52, {BoolCondition("hit", false)}))
+        .GlobalNode(Global("Reactions", 50, {150}));
+    return builder;
+}
+
+} // namespace vell::test

@@ -1,0 +1,46 @@
+// VELL: data-driven hierarchical state machines.
+// tests/tools/CommandRun.h: calling the command from a test, and a document to call it with.
+#pragma once
+
+#include "tests/support/DocumentBuilder.h"
+
+#include <string>
+#include <vector>
+
+namespace vell::test
+{
+
+/// What a call of the command did.
+struct Outcome
+{
+    int code = 0;
+    std::string out;
+    std::string errors;
+};
+
+/// Calls the command with these words behind its name.
+Outcome CallVell(const std::vector<std::string>& words);
+
+/// A folder of its own for files of a test, which goes with the object.
+class Folder
+{
+public:
+    Folder();
+    ~Folder();
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    std::string PathOf(const std::string& name) const;
+    /// Writes a file and gives its path.
+    std::string Write(const std::string& name, const std::string& text) const;
+    std::string Read(const std::string& name) const;
+
+private:
+    std::string path;
+};
+
+/// A level, Locomotion, of Stand and Walk, over which a hit starts a blip of Hurt that ends at
+/// Done. Parameters: speed, halt (a message), hit.
+DocumentBuilder Walker();
+
+} // namespace vell::test

@@ -1,0 +1,125 @@
+// VELL: data-driven hierarchical state machines.
+// tests/tools/ScriptTest.cpp: what a script's lines mean, and what is said of wrong ones.
+#include "tools/vell/Script.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace vell::tool
+{
+namespace
+{
+
+Script Read(const std::string& text)
+{
+    std::istringstream in(text);
+    return ReadScript(in, "a.script");
+}
+
+Instruction ReadOne(const std::string& text)
+{
+    const Script script = Read(text);
+    EXPECT_EQ(script.errors, std::vector<std::string>());
+    EXPECT_EQ(script.instructions.size(), 1u) << text;
+    return script.instructions.empty() ? Instruction() : script.instructions[0];
+}
+
+TEST(Script, PassesOverBlankLinesAndComments)
+{
+    const Script script = Read("# a comment\n\n   \t\r\ntick # two\n  # three\ntick 5\n");
+
+    EXPECT_EQ(script.errors, std::vector<std::string>());
+    ASSERT_EQ(script.instructions.size(), 2u);
+    EXPECT_EQ(script.instructions[0].line, 4u);
+    EXPECT_EQ(script.instructions[0].count, 1u);
+    EXPECT_EQ(script.instructions[1].line, 6u);
+    EXPECT_EQ(script.instructions[1].count, 5u);
+}
+
+TEST(Script, TakesANumberSignInsideAWordAsPartOfIt)
+{
+    EXPECT_EQ(ReadOne("expect stack A#1/B").value, "A#1/B");
+    EXPECT_EQ(ReadOne("set name \"a # b\" # comment").value, "a # b");
+}
+
+TEST(Script, SetsAParameterToTheRestOfTheLine)
+{
+    const Instruction vector = ReadOne("set stick 0.3, 0.8  ");
+    EXPECT_EQ(vector.operation, Operation::Set);
+    EXPECT_EQ(vector.name, "stick");
+    EXPECT_EQ(vector.value, "0.3, 0.8");
+
+    const Instruction quoted = ReadOne("set \"left stick\" \"\"");
+    EXPECT_EQ(quoted.name, "left stick");
+    EXPECT_EQ(quoted.value, "");
+}
+
+TEST(Script, FiresAMessage)
+{
+    const Instruction message = ReadOne("message jump");
+
+    EXPECT_EQ(message.operation, Operation::Message);
+    EXPECT_EQ(message.name, "jump");
+}
+
+TEST(Script, ExpectsStacksParametersAndBlips)
+{
+    const Instruction stack = ReadOne("expect stack A/B C/D");
+    EXPECT_EQ(stack.operation, Operation::ExpectStack);
+    EXPECT_EQ(stack.value, "A/B C/D");
+
+    const Instruction parameter = ReadOne("expect param speed 1.5");
+    EXPECT_EQ(parameter.operation, Operation::ExpectParam);
+    EXPECT_EQ(parameter.name, "speed");
+    EXPECT_EQ(parameter.value, "1.5");
+
+    EXPECT_EQ(ReadOne("expect blip yes").operation, Operation::ExpectBlip);
+    EXPECT_TRUE(ReadOne("expect blip yes").flag);
+    EXPECT_FALSE(ReadOne("expect blip no").flag);
+}
+
+TEST(Script, TakesADashAndNothingAsTheEmptyStack)
+{
+    EXPECT_EQ(ReadOne("expect stack -").value, "");
+    EXPECT_EQ(ReadOne("expect stack").value, "");
+}
+
+TEST(Script, NamesFileAndLineOfEveryWrongLine)
+{
+    const Script script = Read("tock\n"
+                               "tick\n"
+                               "tick three\n"
+                               "tick -1\n"
+                               "set speed\n"
+                               "message\n"
+                               "message a b\n"
+                               "expect speed 1\n"
+                               "expect param speed\n"
+                               "expect blip maybe\n");
+
+    EXPECT_EQ(script.instructions.size(), 1u);
+    const std::vector<std::string> expected = {
+        "a.script:1: 'tock' is no instruction; there are: tick, set, message, expect",
+        "a.script:3: 'three' is no number of ticks; write: tick [N]",
+        "a.script:4: '-1' is no number of ticks; write: tick [N]",
+        "a.script:5: a name and a value are missing; write: set NAME VALUE",
+        "a.script:6: one name is wanted; write: message NAME",
+        "a.script:7: one name is wanted; write: message NAME",
+        "a.script:8: nothing is known as 'speed' to expect; there are: expect stack, expect param, "
+        "expect blip",
+        "a.script:9: a name and a value are missing; write: expect param NAME VALUE",
+        "a.script:10: write: expect blip yes, or: expect blip no"};
+    EXPECT_EQ(script.errors, expected);
+}
+
+TEST(Script, SaysWhyAFileCannotBeRead)
+{
+    const Script script = ReadScriptFile("no/such/file.script");
+
+    EXPECT_EQ(script.errors, std::vector<std::string>{
+                                 "no/such/file.script: cannot be read: No such file or directory"});
+}
+
+} // namespace
+} // namespace vell::tool

@@ -1,0 +1,145 @@
+// VELL: data-driven hierarchical state machines.
+// tests/tools/TreeJsonTest.cpp: trees of tables as text.
+#include "tools/vell/TreeJson.h"
+
+#include "introspection/TreeKeys.h"
+#include "tests/tools/CommandRun.h"
+#include "tools/vell/CommandLine.h"
+
+#include <rapidjson/document.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace vell::test
+{
+namespace
+{
+
+/// A table with a value of every type, an array, and a text that needs escaping.
+Tessel::KVTable MakeTable()
+{
+    const Tessel::Float2 two{0.3f, 0.8f};
+    const Tessel::Float3 three{1.0f, 2.0f, 3.5f};
+    const Tessel::Float4 four{0.0f, 0.0f, 0.1f, 1.0f};
+    Tessel::KVTable table = Tessel::CreateTable("root");
+    table->SetString("text", "a \"b\"\n\\", 1);
+    table->SetInt("int", -3, 1);
+    table->SetUInt("uint", 4000000000u, 1);
+    table->SetFloat("float", 0.1f, 1);
+    table->SetFloat("endless", std::numeric_limits<float>::infinity(), 1);
+    table->SetFloat2("two", &two, 1);
+    table->SetFloat3("three", &three, 1);
+    table->SetFloat4("four", &four, 1);
+    table->AddTable("empty", 1);
+    table->AddTable(kMainStackKey, 1);
+    Tessel::KVTable array = table->AddTable("array", 1);
+    array->PushUInt(7, 1);
+    array->PushUInt(8, 1);
+    Tessel::KVTable both = table->AddTable("both", 1);
+    both->SetInt("key", 1, 1);
+    both->PushUInt(9, 1);
+    return table;
+}
+
+TEST(TreeJson, WritesEveryTypeOfValue)
+{
+    const Tessel::KVTable table = MakeTable();
+
+    EXPECT_EQ(tool::TreeToJson(table), "{\n"
+                                       "  \"text\": \"a \\\"b\\\"\\n\\\\\",\n"
+                                       "  \"int\": -3,\n"
+                                       "  \"uint\": 4000000000,\n"
+                                       "  \"float\": 0.1,\n"
+                                       "  \"endless\": null,\n"
+                                       "  \"two\": [0.3, 0.8],\n"
+                                       "  \"three\": [1, 2, 3.5],\n"
+                                       "  \"four\": [0, 0, 0.1, 1],\n"
+                                       "  \"empty\": {},\n"
+                                       "  \"stackStates\": [],\n"
+                                       "  \"array\": [7, 8],\n"
+                                       "  \"both\": {\n"
+                                       "    \"key\": 1,\n"
+                                       "    \"[]\": [9]\n"
+                                       "  }\n"
+                                       "}\n");
+    Tessel::CloseTable(table);
+}
+
+TEST(TreeJson, WritesALineForEachValueAsText)
+{
+    const Tessel::KVTable table = MakeTable();
+
+    EXPECT_EQ(tool::TreeToText(table), "text = \"a \\\"b\\\"\\n\\\\\"\n"
+                                       "int = -3\n"
+                                       "uint = 4000000000\n"
+                                       "float = 0.1\n"
+                                       "endless = null\n"
+                                       "two = [0.3,0.8]\n"
+                                       "three = [1,2,3.5]\n"
+                                       "four = [0,0,0.1,1]\n"
+                                       "stackStates = []\n"
+                                       "array = [7,8]\n"
+                                       "both/key = 1\n"
+                                       "both/[] = [9]\n");
+    Tessel::CloseTable(table);
+}
+
+TEST(VellTree, PrintsTheTreeAfterAScript)
+{
+    const Folder folder;
+
+    const Outcome outcome = CallVell({"tree", folder.Write("a.json", Walker().Text()), "--after",
+                                      folder.Write("a.script", "tick\nset speed 2\ntick\n")});
+
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.code, tool::ExitWell);
+    rapidjson::Document tree;
+    tree.Parse(outcome.out.c_str());
+    ASSERT_FALSE(tree.HasParseError());
+    EXPECT_STREQ(tree["filename"].GetString(), folder.PathOf("a.json").c_str());
+    const rapidjson::Value& stack = tree[kContextKey][kMainStackKey];
+    ASSERT_EQ(stack.Size(), 2u);
+    EXPECT_EQ(stack[0].GetUint(), 10u);
+    EXPECT_EQ(stack[1].GetUint(), 12u);
+    EXPECT_EQ(tree[kContextKey][kBlipStackKey].Size(), 0u);
+    EXPECT_EQ(tree[kContextKey][kTransitionKey].GetUint(), 100u);
+    const std::string speed = std::to_string(ParameterId("speed"));
+    EXPECT_EQ(tree[kParametersKey][speed.c_str()]["value"].GetDouble(), 2.0);
+    EXPECT_EQ(tree[kNodesKey]["11"]["id"].GetUint(), 11u);
+}
+
+TEST(VellTree, PrintsTheTreeOfAMachineThatIsNotStarted)
+{
+    const Folder folder;
+    const std::string path = folder.Write("a.json", Walker().Text());
+
+    const Outcome outcome = CallVell({"tree", path, "--format", "text"});
+
+    EXPECT_EQ(outcome.errors, "");
+    const std::string head = "filename = \"" + path +
+                             "\"\n"
+                             "contextInfo/stackStates = []\n"
+                             "contextInfo/stackBlip = []\n"
+                             "contextInfo/nextState = 0\n"
+                             "contextInfo/previousState = 0\n"
+                             "contextInfo/transitionTriggered = 0\n";
+    EXPECT_EQ(outcome.out.substr(0, head.size()), head);
+}
+
+TEST(VellTree, FailsWhenItsScriptDoes)
+{
+    const Folder folder;
+
+    const Outcome outcome = CallVell({"tree", folder.Write("a.json", Walker().Text()), "--after",
+                                      folder.Write("a.script", "expect stack X\n")});
+
+    EXPECT_EQ(outcome.code, tool::ExitFailed);
+    EXPECT_EQ(outcome.errors,
+              folder.PathOf("a.script") + ":1: expected stack X, it is Locomotion\n");
+    EXPECT_EQ(outcome.out, "");
+}
+
+} // namespace
+} // namespace vell::test

@@ -1,0 +1,119 @@
+// VELL: data-driven hierarchical state machines.
+// tools/vell/Context.cpp: saving, checking and restoring of contexts.
+#include "tools/vell/Context.h"
+
+#include "introspection/TreeKeys.h"
+#include "tools/vell/ObservedMachine.h"
+#include "tools/vell/TreeJson.h"
+
+#include <rapidjson/document.h>
+#include <rapidjson/error/en.h>
+
+namespace vell::tool
+{
+namespace
+{
+
+/// Gives what is wrong with the array `key` of a context, or an empty text.
+std::string CheckArray(const rapidjson::Value& context, const char* key)
+{
+    const auto member = context.FindMember(key);
+    if (member == context.MemberEnd() || !member->value.IsArray())
+    {
+        return std::string("\"") + key + "\" is missing or no array";
+    }
+    for (const rapidjson::Value& element : member->value.GetArray())
+    {
+        if (!element.IsUint())
+        {
+            return std::string("\"") + key + "\" has an element that is no id";
+        }
+    }
+    return "";
+}
+
+std::string CheckContext(const rapidjson::Value& context)
+{
+    if (!context.IsObject())
+    {
+        return "it is no object";
+    }
+    for (const char* key : {kMainStackKey, kBlipStackKey})
+    {
+        const std::string fault = CheckArray(context, key);
+        if (!fault.empty())
+        {
+            return fault;
+        }
+    }
+    for (const char* key : {kNextStateKey, kPreviousStateKey, kTransitionKey})
+    {
+        const auto member = context.FindMember(key);
+        if (member == context.MemberEnd() || !member->value.IsUint())
+        {
+            return std::string("\"") + key + "\" is missing or no id";
+        }
+    }
+    return "";
+}
+
+/// Gives the first id of a recorded stack that did not get onto the machine's, or 0.
+unsigned int FirstMissing(Tessel::KVTable recorded, const std::vector<SMState*>& stack)
+{
+    const unsigned int count = static_cast<unsigned int>(stack.size());
+    return count < recorded->GetCount() ? recorded->GetValueAt(count)->GetUIntValue() : 0;
+}
+
+} // namespace
+
+std::string SaveContext(const ObservedMachine& machine)
+{
+    return TreeToJson(machine.GetKVTable()->GetTable(kContextKey));
+}
+
+std::string RestoreContext(ObservedMachine& machine, const std::string& json)
+{
+    std::string fault;
+    const Tessel::KVTable context = ContextFromJson(json, &fault);
+    if (!context)
+    {
+        return fault;
+    }
+    machine.SetContextInfo(context);
+    unsigned int missing = FirstMissing(context->GetTable(kMainStackKey), machine.MainStack());
+    if (missing == 0)
+    {
+        missing = FirstMissing(context->GetTable(kBlipStackKey), machine.BlipStack());
+    }
+    Tessel::CloseTable(context);
+    return missing == 0 ? "" : "the document has no state " + std::to_string(missing);
+}
+
+Tessel::KVTable ContextFromJson(const std::string& json, std::string* fault)
+{
+    rapidjson::Document context;
+    context.Parse(json.c_str());
+    *fault = context.HasParseError() ? std::string("it is no JSON: ") +
+                                           rapidjson::GetParseError_En(context.GetParseError())
+                                     : CheckContext(context);
+    if (!fault->empty())
+    {
+        return Tessel::KVTable();
+    }
+    Tessel::KVTable table = Tessel::CreateTable(kContextKey);
+    for (const char* key : {kMainStackKey, kBlipStackKey})
+    {
+        Tessel::KVTable array = table->AddTable(key, 1);
+        for (const rapidjson::Value& id : context[key].GetArray())
+        {
+            array->PushUInt(id.GetUint(), 1);
+        }
+    }
+    for (const char* key : {kNextStateKey, kPreviousStateKey, kTransitionKey})
+    {
+        table->SetUInt(key, context[key].GetUint(), 1);
+    }
+    return table;
+}
+
+} // namespace vell::tool

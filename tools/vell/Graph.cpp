@@ -1,0 +1,213 @@
+// VELL: data-driven hierarchical state machines.
+// tools/vell/Graph.cpp: from definitions to nodes and edges.
+#include "tools/vell/Graph.h"
+
+#include "definitions/EnterDef.h"
+#include "definitions/ExitDef.h"
+#include "definitions/GlobalDef.h"
+#include "definitions/NodeDefTable.h"
+#include "definitions/SubstateDef.h"
+#include "tools/vell/ObservedMachine.h"
+#include "tools/vell/ParameterText.h"
+#include "transitions/ConditionDef.h"
+#include "transitions/TransitionDef.h"
+
+#include <map>
+#include <set>
+
+namespace vell::tool
+{
+namespace
+{
+
+NodeShape ShapeOf(BaseDef& def)
+{
+    if (dynamic_cast<SubstateDef*>(&def) != nullptr)
+    {
+        return NodeShape::Level;
+    }
+    if (dynamic_cast<EnterDef*>(&def) != nullptr)
+    {
+        return NodeShape::Enter;
+    }
+    if (dynamic_cast<ExitDef*>(&def) != nullptr)
+    {
+        return NodeShape::Exit;
+    }
+    if (dynamic_cast<GlobalDef*>(&def) != nullptr)
+    {
+        return NodeShape::Global;
+    }
+    return (def.GetFlags() & DefTypesState) != 0 ? NodeShape::State : NodeShape::Other;
+}
+
+/// Builds one graph.
+class Reader
+{
+public:
+    explicit Reader(const ObservedMachine& newMachine)
+        : machine(newMachine), table(*newMachine.Nodes())
+    {
+    }
+
+    Graph Read()
+    {
+        SortByLevel();
+        for (BaseDef* def : levels[0])
+        {
+            AddNode(*def, graph.nodes);
+        }
+        // Levels that enclose one another hang from no root.
+        for (const auto& [id, def] : table.nodes)
+        {
+            if (IsNode(*def) && placed.count(id) == 0)
+            {
+                AddNode(*def, graph.nodes);
+            }
+        }
+        for (const auto& [id, def] : table.nodes)
+        {
+            AddEdgesOf(id, *def);
+        }
+        AddUnlistedTransitions();
+        AddUnknownNodes();
+        return graph;
+    }
+
+private:
+    static bool IsNode(BaseDef& def)
+    {
+        return (def.GetFlags() & (DefTypesTransition | DefTypesCondition | DefTypesParameter)) == 0;
+    }
+
+    void SortByLevel()
+    {
+        for (const auto& [id, def] : table.nodes)
+        {
+            if (IsNode(*def))
+            {
+                const bool isInside =
+                    dynamic_cast<SubstateDef*>(table.Find(def->GetParentID())) != nullptr;
+                levels[isInside ? def->GetParentID() : 0].push_back(def);
+            }
+        }
+    }
+
+    void AddNode(BaseDef& def, std::vector<GraphNode>& list)
+    {
+        const unsigned int id = def.GetID();
+        if (!placed.insert(id).second)
+        {
+            return;
+        }
+        GraphNode node;
+        node.id = id;
+        node.name = NameOf(def);
+        node.shape = ShapeOf(def);
+        node.isStart = id == machine.StartStateId();
+        if (node.shape == NodeShape::Level)
+        {
+            for (BaseDef* inner : levels[id])
+            {
+                AddNode(*inner, node.inside);
+            }
+        }
+        list.push_back(node);
+    }
+
+    void AddEdgesOf(unsigned int id, BaseDef& def)
+    {
+        for (unsigned int i = 0; i < def.GetNumChildren(); ++i)
+        {
+            auto* transition = dynamic_cast<TransitionDef*>(table.Find(def.GetChildID(i)));
+            if (transition != nullptr)
+            {
+                listed.insert(transition);
+                AddTransition(id, *transition, "");
+            }
+        }
+        if (auto* enter = dynamic_cast<EnterDef*>(&def))
+        {
+            GraphEdge edge;
+            edge.from = id;
+            edge.to = enter->targetId;
+            edge.isEntry = true;
+            graph.edges.push_back(edge);
+        }
+    }
+
+    void AddUnlistedTransitions()
+    {
+        for (const auto& [id, def] : table.nodes)
+        {
+            auto* transition = dynamic_cast<TransitionDef*>(def);
+            if (transition != nullptr && listed.count(transition) == 0)
+            {
+                AddTransition(def->GetParentID(), *transition, " (no state lists it)");
+                graph.edges.back().isDisabled = true;
+            }
+        }
+    }
+
+    void AddTransition(unsigned int from, TransitionDef& transition, const char* remark)
+    {
+        GraphEdge edge;
+        edge.from = from;
+        edge.to = transition.targetID;
+        edge.name = NameOf(transition);
+        edge.isDisabled = transition.disabled;
+        for (const ConditionDef* condition : transition.conditions)
+        {
+            edge.label +=
+                (edge.label.empty() ? "" : " or ") + ConditionText(*condition, Parameters());
+        }
+        edge.label = std::to_string(transition.priority) + ": " +
+                     (edge.label.empty() ? "a trigger" : edge.label) + remark;
+        graph.edges.push_back(edge);
+    }
+
+    IParameterTable* Parameters() const
+    {
+        return const_cast<ObservedMachine&>(machine).GetParameterTable();
+    }
+
+    void AddUnknownNodes()
+    {
+        for (const GraphEdge& edge : graph.edges)
+        {
+            AddUnknownNode(edge.from);
+            AddUnknownNode(edge.to);
+        }
+        AddUnknownNode(machine.StartStateId());
+    }
+
+    void AddUnknownNode(unsigned int id)
+    {
+        if (!placed.insert(id).second)
+        {
+            return;
+        }
+        GraphNode node;
+        node.id = id;
+        node.name = id == 0 ? "no node" : "no node " + std::to_string(id);
+        node.shape = NodeShape::Unknown;
+        node.isStart = id == machine.StartStateId();
+        graph.nodes.push_back(node);
+    }
+
+    const ObservedMachine& machine;
+    NodeDefTable& table;
+    Graph graph;
+    std::map<unsigned int, std::vector<BaseDef*>> levels; ///< what each level holds; 0 is the top
+    std::set<unsigned int> placed;
+    std::set<const TransitionDef*> listed;
+};
+
+} // namespace
+
+Graph ReadGraph(const ObservedMachine& machine)
+{
+    return machine.Nodes() == nullptr ? Graph() : Reader(machine).Read();
+}
+
+} // namespace vell::tool
