@@ -1,0 +1,587 @@
+// VELL: data-driven hierarchical state machines.
+// tests/parameters/HSMParametersTest.cpp: binding, messages, attributes and resets of a machine.
+#include "definitions/NodeDefTable.h"
+#include "tests/support/DocumentBuilder.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/TestMachine.h"
+#include "tests/support/WriteCounter.h"
+#include "transitions/ConditionDef.h"
+#include "transitions/TransitionDef.h"
+
+#include <vell/Action.h>
+#include <vell/IParameterTable.h>
+#include <vell/Parameters.h>
+#include <vell/SMState.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace vell::test
+{
+namespace
+{
+
+using namespace DURMBaseLib;
+
+/// A machine that stands in "Stand" and goes to "Walk" on one condition.
+DocumentBuilder StandAndWalk(const Json& condition)
+{
+    DocumentBuilder document;
+    document.Start(10)
+        .Node(Generic("Stand", 10, {100}))
+        .Node(Generic("Walk", 11))
+        .Node(Transition("Go", 100, 10, 11, {condition}));
+    return document;
+}
+
+template <class T>
+T* Find(TestMachine& machine, const char* name)
+{
+    return dynamic_cast<T*>(machine.GetParameterTable()->FindParameter(name));
+}
+
+TransitionDef* FindTransition(TestMachine& machine, unsigned int id)
+{
+    return dynamic_cast<TransitionDef*>(machine.nodeDefTable->Find(id));
+}
+
+/// A machine with one parameter of each kind that answers to texts or does not.
+class Messages : public testing::Test
+{
+protected:
+    Messages()
+        : machine(DocumentBuilder()
+                      .Start(10)
+                      .Node(Generic("Stand", 10))
+                      .Parameter(MessageParameter("jump", "now"))
+                      .Parameter(Parameter(PARAM_Text, "note", "later"))
+                      .Parameter(FloatParameter("speed", 1.0)))
+    {
+        machine.Init();
+        log.Clear();
+    }
+
+    LogRecorder log;
+    TestMachine machine;
+};
+
+const char* const kWarning = "4 Parameter definition is NULL";
+
+} // namespace
+
+TEST(ConditionBinding, ReachesEachLayerAndTheGlobalNodes)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Parameter(BoolParameter("on", true)).Start(10);
+    document.Layer("First")
+        .Node(Generic("Stand", 10))
+        .Node(Transition("A", 100, 10, 10, {BoolCondition("on", true)}));
+    document.Layer("Second").Node(Transition("B", 200, 10, 10, {BoolCondition("on", true)}));
+    document.GlobalNode(Transition("C", 300, 10, 10, {BoolCondition("on", true)}));
+    TestMachine machine(document);
+
+    ASSERT_EQ(machine.Init(), 1);
+
+    for (const unsigned int id : {100u, 200u, 300u})
+    {
+        ASSERT_NE(FindTransition(machine, id), nullptr) << id;
+        EXPECT_EQ(FindTransition(machine, id)->HandleConditions(&machine), 1) << id;
+    }
+}
+
+TEST(ConditionBinding, WarnsAndFailsForAMissingParameterButNotForAFloat)
+{
+    const struct
+    {
+        Json condition;
+        Lines lines;
+    } cases[] = {
+        {BoolCondition("none", false),
+         {kWarning, ErrorBreak("vell::ConditionDefBool::ParameterBind")}},
+        {IntCondition("none", 1, 0),
+         {kWarning, ErrorBreak("vell::ConditionDefInteger::ParameterBind")}},
+        {FloatCondition("none", 1, 0.0), {kWarning}},
+        {MessageCondition("none", "x"),
+         {kWarning, ErrorBreak("vell::ConditionDefMessage::ParameterBind")}},
+    };
+    for (const auto& example : cases)
+    {
+        LogRecorder log;
+        TestMachine machine(StandAndWalk(example.condition));
+
+        EXPECT_EQ(machine.Init(), 1);
+
+        EXPECT_EQ(log.Take({3, 4}), example.lines) << example.condition.Text();
+    }
+}
+
+TEST(ConditionBinding, LeavesAConditionWithoutItsParameterFalse)
+{
+    for (const Json& condition :
+         {Json(BoolCondition("none", false)), Json(IntCondition("none", 1, 0)),
+          Json(FloatCondition("none", 1, 0.0)), Json(MessageCondition("none", "x"))})
+    {
+        LogRecorder log;
+        TestMachine machine(StandAndWalk(condition));
+        ASSERT_EQ(machine.Init(), 1);
+        machine.Start();
+
+        machine.Update(0.1f);
+
+        EXPECT_EQ(machine.MainStack(), "Stand");
+    }
+}
+
+TEST(ConditionBinding, GoesOnBehindAMissingParameter)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Parameter(BoolParameter("on", true)).Start(10).Node(Generic("Stand", 10));
+    document.Node(
+        Transition("A", 100, 10, 10, {BoolCondition("none", true), BoolCondition("on", true)}));
+    TestMachine machine(document);
+
+    ASSERT_EQ(machine.Init(), 1);
+
+    EXPECT_EQ(FindTransition(machine, 100)->HandleConditions(&machine), 1);
+}
+
+TEST(ConditionBinding, SkipsAConditionWhoseParameterIdIsZero)
+{
+    LogRecorder log;
+    TestMachine machine(StandAndWalk(BoolCondition("none", true)));
+    ASSERT_EQ(machine.Init(), 1);
+    FindTransition(machine, 100)->conditions[0]->parameterID = 0;
+    log.Clear();
+
+    machine.BindParamCond();
+
+    EXPECT_EQ(log.Take(), Lines());
+}
+
+TEST(ConditionBinding, DoesNotSeeARuntimeParameterUntilItBindsAgain)
+{
+    LogRecorder log;
+    TestMachine machine(StandAndWalk(BoolCondition("late", true)));
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    IParameterBoolDef* late = nullptr;
+    ASSERT_EQ(machine.GetParameterTable()->CreateBoolParameter("late", true, &late), 1);
+
+    machine.Update(0.1f);
+    EXPECT_EQ(machine.MainStack(), "Stand");
+    log.Clear();
+    machine.BindParamCond();
+    EXPECT_EQ(log.Take(), Lines());
+    machine.Update(0.1f);
+
+    EXPECT_EQ(machine.MainStack(), "Walk");
+}
+
+TEST(ConditionBinding, NeedsNeitherTables)
+{
+    LogRecorder log;
+    TestMachine empty;
+    TestMachine noParameters(StandAndWalk(BoolCondition("on", true)).LeaveOut(JSON_Parameters));
+
+    empty.BindParamCond();
+    noParameters.BindParamCond();
+
+    EXPECT_EQ(log.Take({3, 4}), Lines());
+}
+
+TEST_F(Messages, BroadcastSetsTheDefaultText)
+{
+    auto* jump = Find<ParameterMessageDef>(machine, "jump");
+    ASSERT_EQ(jump->GetValue(), "");
+
+    machine.BroadcastMessage("jump");
+
+    EXPECT_EQ(jump->GetValue(), "now");
+    EXPECT_EQ(log.Take(), Lines());
+}
+
+TEST_F(Messages, BroadcastTwiceWritesTheTreeTwice)
+{
+    auto* jump = Find<ParameterMessageDef>(machine, "jump");
+    WriteCounter writes(jump->GetKVTable(), "value");
+
+    machine.BroadcastMessage("jump");
+    machine.BroadcastMessage("jump");
+
+    EXPECT_EQ(writes.Take(), 2);
+    EXPECT_STREQ(jump->GetKVTable()->GetString("value"), "now");
+}
+
+TEST_F(Messages, BroadcastReachesTheTextTypeToo)
+{
+    machine.BroadcastMessage("note");
+
+    EXPECT_EQ(Find<ParameterMessageDef>(machine, "note")->GetValue(), "later");
+}
+
+TEST_F(Messages, BroadcastOfAnotherNameDoesNothing)
+{
+    auto* speed = Find<ParameterFloatDef>(machine, "speed");
+    speed->SetValue(5.0f);
+
+    machine.BroadcastMessage("speed");
+    machine.BroadcastMessage("unknown");
+    machine.BroadcastMessage(nullptr);
+
+    EXPECT_EQ(speed->GetValue(), 5.0f);
+    EXPECT_EQ(log.Take(), Lines());
+}
+
+TEST_F(Messages, GivesTheParametersOwnText)
+{
+    const char* text = nullptr;
+    machine.BroadcastMessage("jump");
+
+    EXPECT_EQ(machine.GetParameterMessage(ParameterId("jump"), &text), 1);
+
+    EXPECT_STREQ(text, "now");
+    auto* jump = Find<ParameterMessageDef>(machine, "jump");
+    EXPECT_EQ(text, static_cast<const std::string*>(jump->GetValuePtr())->c_str());
+}
+
+TEST_F(Messages, GivesNoTextOfOtherTypesAndIds)
+{
+    const char* text = "untouched";
+
+    EXPECT_EQ(machine.GetParameterMessage(ParameterId("speed"), &text), 0);
+    EXPECT_EQ(machine.GetParameterMessage(ParameterId("note"), &text), 0) << "of the text type";
+    EXPECT_EQ(machine.GetParameterMessage(12345, &text), 0);
+    EXPECT_EQ(machine.GetParameterMessage(0, &text), 0);
+    EXPECT_EQ(machine.GetParameterMessage(ParameterId("jump"), nullptr), 0);
+
+    EXPECT_STREQ(text, "untouched");
+    EXPECT_EQ(log.Take(), Lines());
+}
+
+TEST_F(Messages, SetsAnyTextAndWritesTheTree)
+{
+    auto* jump = Find<ParameterMessageDef>(machine, "jump");
+    WriteCounter writes(jump->GetKVTable(), "value");
+
+    EXPECT_EQ(machine.SetParameterMessage(ParameterId("jump"), "high"), 1);
+    EXPECT_EQ(jump->GetValue(), "high");
+    EXPECT_STREQ(jump->GetKVTable()->GetString("value"), "high");
+    EXPECT_EQ(machine.SetParameterMessage(ParameterId("jump"), ""), 1);
+    EXPECT_EQ(jump->GetValue(), "");
+    EXPECT_EQ(machine.SetParameterMessage(ParameterId("jump"), nullptr), 1);
+    EXPECT_EQ(jump->GetValue(), "");
+
+    EXPECT_EQ(writes.Take(), 3);
+    EXPECT_EQ(jump->GetDefaultValue(), "now");
+}
+
+TEST_F(Messages, SetsNoTextOfOtherTypesAndIds)
+{
+    EXPECT_EQ(machine.SetParameterMessage(ParameterId("speed"), "2"), 0);
+    EXPECT_EQ(machine.SetParameterMessage(ParameterId("note"), "2"), 0);
+    EXPECT_EQ(machine.SetParameterMessage(12345, "2"), 0);
+
+    EXPECT_EQ(Find<ParameterFloatDef>(machine, "speed")->GetValue(), 1.0f);
+    EXPECT_EQ(Find<ParameterMessageDef>(machine, "note")->GetValue(), "");
+    EXPECT_EQ(log.Take(), Lines());
+}
+
+TEST_F(Messages, FindsAParameterByItsNameWithoutALogLine)
+{
+    EXPECT_EQ(machine.FindParameterByName("speed"), ParameterId("speed"));
+    EXPECT_EQ(machine.FindParameterByName("Speed"), 0u);
+    EXPECT_EQ(machine.FindParameterByName(nullptr), 0u);
+    EXPECT_EQ(log.Take(), Lines());
+}
+
+TEST(HSMMessages, DoNothingWithoutAParameterTable)
+{
+    LogRecorder log;
+    TestMachine machine;
+    const char* text = nullptr;
+
+    machine.BroadcastMessage("jump");
+
+    EXPECT_EQ(machine.FindParameterByName("jump"), 0u);
+    EXPECT_EQ(machine.GetParameterMessage(1, &text), 0);
+    EXPECT_EQ(machine.SetParameterMessage(1, "x"), 0);
+    EXPECT_EQ(machine.GetAttributeValue("x", &text), 0);
+    EXPECT_EQ(machine.SetAttribValue("x", "y"), 0);
+    EXPECT_EQ(machine.SetAttribValue("x", static_cast<void*>(&machine)), 0);
+    EXPECT_EQ(log.Take(), Lines());
+}
+
+TEST(HSMMessages, ABroadcastMessageFiresUntilItsTextIsSetAgain)
+{
+    LogRecorder log;
+    DocumentBuilder document = StandAndWalk(MessageCondition("jump", "now"));
+    document.Parameter(MessageParameter("jump", "now"));
+    TestMachine machine(document);
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    machine.Update(0.1f);
+    ASSERT_EQ(machine.MainStack(), "Stand");
+
+    machine.BroadcastMessage("jump");
+    machine.Update(0.1f);
+    EXPECT_EQ(machine.MainStack(), "Walk");
+    EXPECT_EQ(FindTransition(machine, 100)->HandleConditions(&machine), 1) << "not cleared";
+    machine.SetParameterMessage(ParameterId("jump"), "");
+
+    EXPECT_EQ(FindTransition(machine, 100)->HandleConditions(&machine), 0);
+}
+
+namespace
+{
+
+/// A machine whose state "Stand" has a text and an integer attribute; "Walk" has none.
+class CurrentAttributes : public testing::Test
+{
+protected:
+    CurrentAttributes()
+        : machine(
+              DocumentBuilder()
+                  .Start(10)
+                  .Node(Generic("Stand", 10)
+                            .Set(JSON_Attributes, Json::Array({Attribute("clip", "QString", "idle"),
+                                                               Attribute("loops", "int", 3)})))
+                  .Node(Generic("Walk", 11)))
+    {
+        machine.Init();
+        log.Clear();
+    }
+
+    LogRecorder log;
+    TestMachine machine;
+    const char* text = "untouched";
+};
+
+} // namespace
+
+TEST_F(CurrentAttributes, GiveNothingWhileTheStackIsEmpty)
+{
+    EXPECT_EQ(machine.GetAttributeValue("clip", &text), 0);
+    EXPECT_EQ(machine.SetAttribValue("clip", "x"), 0);
+    EXPECT_EQ(machine.SetAttribValue("clip", static_cast<void*>(nullptr)), 0);
+
+    EXPECT_STREQ(text, "untouched");
+    EXPECT_EQ(log.Take(), Lines());
+}
+
+TEST_F(CurrentAttributes, GiveTheTextOfATextAttribute)
+{
+    machine.Start();
+    log.Clear();
+
+    EXPECT_EQ(machine.GetAttributeValue("clip", &text), 1);
+    EXPECT_STREQ(text, "idle");
+    EXPECT_EQ(machine.SetAttribValue("clip", "run"), 1);
+    EXPECT_STREQ(text, "run") << "the text is the attribute's own";
+    EXPECT_EQ(log.Take(), Lines());
+}
+
+TEST_F(CurrentAttributes, GiveNothingForOtherTypesAndNames)
+{
+    machine.Start();
+    log.Clear();
+
+    EXPECT_EQ(machine.GetAttributeValue("loops", &text), 0);
+    EXPECT_EQ(machine.GetAttributeValue("unknown", &text), 0);
+    EXPECT_EQ(machine.SetAttribValue("unknown", "x"), 0);
+
+    EXPECT_STREQ(text, "untouched");
+    EXPECT_EQ(log.Take(), Lines());
+}
+
+TEST_F(CurrentAttributes, TakeATextForAnotherTypeWithoutEffectAndReturn1)
+{
+    machine.Start();
+
+    EXPECT_EQ(machine.SetAttribValue("loops", "7"), 1);
+
+    int loops = 0;
+    EXPECT_EQ(machine.GetCurrentState()->GetAttrib("loops", static_cast<void*>(&loops)), 1);
+    EXPECT_EQ(loops, 3);
+}
+
+TEST_F(CurrentAttributes, LogThePointerFormAndSetNothing)
+{
+    machine.Start();
+    log.Clear();
+    int number = 9;
+
+    EXPECT_EQ(machine.SetAttribValue("loops", static_cast<void*>(&number)), 0);
+    EXPECT_EQ(log.Take(), (Lines{"3 Attribute name: loops of type 2 not defined"}));
+    EXPECT_EQ(machine.SetAttribValue("clip", static_cast<void*>(&number)), 0);
+    EXPECT_EQ(log.Take(), (Lines{"3 Attribute name: clip of type 8 not defined"}));
+    EXPECT_EQ(machine.SetAttribValue("unknown", static_cast<void*>(&number)), 0);
+}
+
+TEST_F(CurrentAttributes, BelongToTheTopState)
+{
+    machine.Start();
+    machine.PushState(11);
+
+    EXPECT_EQ(machine.GetAttributeValue("clip", &text), 0);
+}
+
+namespace
+{
+
+JsonObject Resetting(JsonObject parameter)
+{
+    return parameter.Set(JSON_ParameterResetEachFrame, true);
+}
+
+/// Reads a float parameter whenever it is performed.
+class Reader : public Action
+{
+public:
+    Reader(ParameterFloatDef* readParameter, std::vector<float>& target)
+        : parameter(readParameter), values(target)
+    {
+    }
+    int Perform(__ActType__, float) override
+    {
+        values.push_back(parameter->GetValue());
+        return 1;
+    }
+
+private:
+    ParameterFloatDef* parameter;
+    std::vector<float>& values;
+};
+
+} // namespace
+
+TEST(FrameReset, ComesAfterAllStatesHaveUpdated)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10)).Node(Generic("Walk", 11));
+    document.Parameter(Resetting(FloatParameter("push", 0.25)));
+    TestMachine machine(document);
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    machine.PushState(11);
+    auto* push = Find<ParameterFloatDef>(machine, "push");
+    std::vector<float> seen;
+    machine.FindDef(10)->RegisterExecute(new Reader(push, seen));
+    machine.FindDef(11)->RegisterExecute(new Reader(push, seen));
+
+    push->SetValue(4.0f);
+    machine.Update(0.1f);
+
+    EXPECT_EQ(seen, (std::vector<float>{4.0f, 4.0f}));
+    EXPECT_EQ(push->GetValue(), 0.25f);
+}
+
+TEST(FrameReset, MakesATriggerThatIsTrueForOneTick)
+{
+    LogRecorder log;
+    DocumentBuilder document = StandAndWalk(BoolCondition("go", true));
+    document.Parameter(Resetting(BoolParameter("go", false)));
+    TestMachine machine(document);
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    auto* go = Find<ParameterBoolDef>(machine, "go");
+
+    go->SetValue(true);
+    machine.Update(0.1f);
+
+    EXPECT_EQ(machine.MainStack(), "Walk");
+    EXPECT_FALSE(go->GetValue());
+}
+
+TEST(FrameReset, TakesParametersInAscendingIdOrderAndNoOthers)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10));
+    document.Parameter(Resetting(IntParameter("c", 0)).Set(JSON_ID, 4000000000u))
+        .Parameter(Resetting(FloatParameter("a", 0.0)).Set(JSON_ID, 1))
+        .Parameter(FloatParameter("kept", 0.0).Set(JSON_ID, 2))
+        .Parameter(Resetting(MessageParameter("b", "text")).Set(JSON_ID, 50))
+        .Parameter(Resetting(BoolParameter("resting", true)).Set(JSON_ID, 60));
+    TestMachine machine(document);
+    ASSERT_EQ(machine.Init(), 1);
+    Lines writes;
+    for (const char* name : {"a", "b", "c", "kept", "resting"})
+    {
+        Tessel::KVTable table = machine.GetParameterTable()->FindParameter(name)->GetKVTable();
+        *table->GetValueListener("value") = {
+            &writes, [](void* object, Tessel::opResult, Tessel::KVTable written, const char*)
+            {
+                static_cast<Lines*>(object)->push_back(std::to_string(written->GetUInt("id")));
+                return 1;
+            }};
+    }
+    machine.Start();
+
+    machine.Update(0.1f);
+
+    EXPECT_EQ(writes, (Lines{"1", "50", "4000000000"})) << "a bool at its default writes nothing";
+    EXPECT_EQ(Find<ParameterMessageDef>(machine, "b")->GetValue(), "text");
+}
+
+TEST(FrameReset, TakesADefaultThatTheHostHasChanged)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10));
+    document.Parameter(Resetting(VectorParameter(4, "stick", "3,4")));
+    TestMachine machine(document);
+    ASSERT_EQ(machine.Init(), 1);
+    auto* stick = Find<ParameterAnalogDef>(machine, "stick");
+    stick->SetValue({1.0f, 1.0f});
+    stick->SetDefaultValue({6.0f, 8.0f});
+
+    machine.Update(0.1f);
+
+    EXPECT_EQ(stick->GetValue().x, 6.0f);
+    EXPECT_EQ(stick->GetMagnitude(), 10.0f);
+}
+
+TEST(FrameReset, HappensBeforeStartTooButNotWhileAContextIsApplied)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10));
+    document.Parameter(Resetting(FloatParameter("push", 0.0)));
+    TestMachine machine(document);
+    ASSERT_EQ(machine.Init(), 1);
+    auto* push = Find<ParameterFloatDef>(machine, "push");
+    push->SetValue(1.0f);
+
+    machine.applyingContext = true;
+    machine.Update(0.1f);
+    EXPECT_EQ(push->GetValue(), 1.0f);
+    machine.applyingContext = false;
+    machine.Update(0.1f);
+
+    EXPECT_EQ(push->GetValue(), 0.0f);
+}
+
+TEST(ToolWrite, OfAParametersValueMakesATransitionFire)
+{
+    LogRecorder log;
+    DocumentBuilder document = StandAndWalk(FloatCondition("speed", 3, 0.5));
+    document.Parameter(FloatParameter("speed", 0.0));
+    TestMachine machine(document);
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    const std::string key = std::to_string(ParameterId("speed"));
+
+    machine.GetKVTable()
+        ->GetTable("parameterTable")
+        ->GetTable(key.c_str())
+        ->SetFloat("value", 1.0f, 1);
+    machine.Update(0.1f);
+
+    EXPECT_EQ(machine.MainStack(), "Walk");
+}
+
+} // namespace vell::test
