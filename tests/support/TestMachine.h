@@ -72,6 +72,8 @@ public:
     using HSM::startStateID;
     using HSM::states;
     using HSM::stateStack;
+    using HSM::UninitNodeDefTable;
+    using HSM::UninitParameterTable;
     using HSM::UnRegisterBuilders;
     using HSM::UpdateState;
     using HSM::UpdateStateStack;

@@ -1,0 +1,455 @@
+// VELL: data-driven hierarchical state machines.
+// tests/machine/HSMInitTest.cpp: the log and the result of Init, whole, good and bad.
+#include "definitions/NodeDefTable.h"
+#include "parameters/ParameterTable.h"
+#include "tests/support/DocumentBuilder.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/TestMachine.h"
+
+#include <vell/Parameters.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace vell::test
+{
+namespace
+{
+
+const std::string kInit = "vell::HSM::Init";
+const std::string kParsing = "3 Parsing JSON file has caused an exception";
+
+Lines Joined(std::initializer_list<Lines> parts)
+{
+    Lines all;
+    for (const Lines& part : parts)
+    {
+        all.insert(all.end(), part.begin(), part.end());
+    }
+    return all;
+}
+
+/// What a failed step leaves: its own lines twice, and the end of Init.
+Lines Failed(const Lines& step)
+{
+    return Joined({step, step, {ErrorBreak(kInit), kParsing}});
+}
+
+/// The lines of a layer, with those of its nodes.
+Lines LayerLines(int index, const std::string& name, const Lines& nodes)
+{
+    return Joined({{"9 Importing Layer[" + std::to_string(index) + "]: " + name,
+                    "9 ---------------------------------------"},
+                   nodes,
+                   {"9 \n"}});
+}
+
+const Lines kLayersBanner = {"9 \n\nImporting HSM layers", "9 --------------------\n\n"};
+
+/// The lines of the head that DocumentBuilder makes.
+Lines HeadLines(unsigned int enterNode, unsigned int substateRoot)
+{
+    return {"9 \n\nHSM Entry Information",
+            "9 ---------------------\n\n",
+            "6 HSM_ID:\t\t\t77",
+            "6 HSM_EnterLayerID:\t0",
+            "6 SubstateRootID:    " + std::to_string(substateRoot),
+            "6 HSM_EnterNodeID:\t" + std::to_string(enterNode),
+            "6 HSM_Type:\t\t\tcharacter",
+            "6 HSM_GUID:\t\t\tguid-of-the-test",
+            "6 HSM_BuildID:\t\tbuild-of-the-test",
+            "9 \n\n"};
+}
+
+DocumentBuilder SmallDocument()
+{
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10));
+    return document;
+}
+
+const Lines kStandLayer =
+    Joined({kLayersBanner, LayerLines(0, "Base", {"6 Created new BaseDef: Stand"})});
+
+/// Makes a machine of `document`, calls Init and gives its result; its lines go to `lines`.
+int InitOf(const DocumentBuilder& document, LogRecorder& log, Lines& lines)
+{
+    TestMachine machine(document);
+    log.Clear();
+    const int result = machine.Init();
+    lines = log.Take();
+    return result;
+}
+
+} // namespace
+
+TEST(HSMInit, LogsAGoodLoadFromParametersToGlobalNodes)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10)
+        .Parameter(FloatParameter("speed", 0.5))
+        .Parameter(MessageParameter("hit", "text"))
+        .Layer("Ground")
+        .Node(Generic("Stand", 10, {100}))
+        .Node(Transition("Go", 100, 10, 11, {FloatCondition("speed", 3, 0.5)}))
+        .Layer("Nested")
+        .Node(Substate("Fight", 11, 20, 21))
+        .Node(Enter("In", 20, 22, 11))
+        .Node(Exit("Out", 21, 11))
+        .GlobalNode(Global("Anywhere", 5));
+    Lines lines;
+
+    EXPECT_EQ(InitOf(document, log, lines), 1);
+
+    EXPECT_EQ(lines,
+              Joined({{"6 Created new BaseDef: speed", "6 float", "6 Created new BaseDef: hit",
+                       "6 message"},
+                      kLayersBanner,
+                      LayerLines(0, "Ground",
+                                 {"6 Created new BaseDef: Stand", "6 Created new BaseDef: Go",
+                                  "6 Created new BaseDef: on speed"}),
+                      LayerLines(1, "Nested",
+                                 {"6 Created new BaseDef: Fight", "6 Created new BaseDef: In",
+                                  "6 EnterNode: In - ParentID: 11", "6 Created new BaseDef: Out"}),
+                      HeadLines(10, 10),
+                      {"6 Created new BaseDef: Anywhere"}}));
+}
+
+TEST(HSMInit, FillsTheTablesAndMakesNoStates)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.Parameter(BoolParameter("alert", true)).GlobalNode(Global("Anywhere", 5));
+    TestMachine machine(document);
+
+    ASSERT_EQ(machine.Init(), 1);
+
+    EXPECT_EQ(machine.GetParameterTable()->GetParameterCount(), 1);
+    EXPECT_EQ(machine.nodeDefTable->nodes.size(), 2u);
+    EXPECT_EQ(machine.nodeDefTable->globalNodeId, 5u);
+    EXPECT_EQ(machine.startStateID, 10u);
+    EXPECT_TRUE(machine.kvTable);
+    EXPECT_TRUE(machine.states.empty());
+    EXPECT_TRUE(machine.stateStack.empty());
+    EXPECT_EQ(machine.globalState, nullptr);
+    EXPECT_EQ(machine.currentStack, nullptr);
+}
+
+TEST(HSMInit, TakesTheStartStateFromTheSubstateRootAndNotFromTheEntryNode)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10)).Node(Generic("Walk", 11));
+    document.Head().Set(JSON_HeadSubstateRoot, 11);
+    TestMachine machine(document);
+
+    ASSERT_EQ(machine.Init(), 1);
+
+    EXPECT_EQ(machine.startStateID, 11u);
+    EXPECT_EQ(machine.nodeDefTable->enterNodeId, 10u);
+}
+
+TEST(HSMInit, LoadsAHeadOfVersion1WithoutIdentityAndStartState)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.Head().Set(JSON_HeadVersion, 1);
+    TestMachine machine(document);
+
+    EXPECT_EQ(machine.Init(), 1);
+
+    EXPECT_STREQ(machine.GetGUID(), "");
+    EXPECT_STREQ(machine.nodeDefTable->buildId, "");
+    EXPECT_EQ(machine.nodeDefTable->substateRootId, 0u);
+    EXPECT_EQ(machine.startStateID, 0u);
+}
+
+TEST(HSMInit, LoadsChildrenBeforeTheirParentsAlike)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10)
+        .Node(Transition("Go", 100, 10, 11, {BoolCondition("alert", true)}))
+        .Node(Generic("Walk", 11))
+        .Node(Generic("Stand", 10, {100}))
+        .Parameter(BoolParameter("alert", true));
+    TestMachine machine(document);
+
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    machine.Update(0.1f);
+
+    EXPECT_EQ(machine.MainStack(), "Walk");
+}
+
+TEST(HSMInit, IgnoresMembersThatItDoesNotKnow)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10).Set("colour", "red"));
+    document.Head().Set("author", Json::Null());
+    document.Root().Set("editor", Json::Array({1, 2}));
+    Lines lines;
+
+    EXPECT_EQ(InitOf(document, log, lines), 1);
+
+    EXPECT_EQ(lines, Joined({kStandLayer, HeadLines(10, 10)}));
+}
+
+// Pins down that an id written with a decimal point is taken bit by bit.
+TEST(HSMInit, TakesTheLowBitsOfAnIdThatIsARealNumber)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10)).Node(Generic("Walk", 11).Set(JSON_ID, 11.0));
+    TestMachine machine(document);
+
+    ASSERT_EQ(machine.Init(), 1);
+
+    ASSERT_NE(machine.FindDef("Walk"), nullptr);
+    EXPECT_EQ(machine.FindDef("Walk")->GetID(), 0u);
+}
+
+TEST(HSMInit, FailsWithoutADocument)
+{
+    LogRecorder log;
+    TestMachine machine;
+
+    EXPECT_EQ(machine.Init(), 0);
+
+    EXPECT_EQ(log.Take(), Failed({ErrorBreak("vell::HSM::ImportLayers")}));
+}
+
+TEST(HSMInit, FailsAfterAFailedCreate)
+{
+    LogRecorder log;
+    TestMachine machine("{");
+    log.Clear();
+
+    EXPECT_EQ(machine.Init(), 0);
+
+    EXPECT_EQ(log.Take(), Failed({ErrorBreak("vell::HSM::ImportLayers")}));
+}
+
+TEST(HSMInit, FailsAtItsFirstStepWithoutAnArena)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.LeaveOut(JSON_Head);
+    Lines lines;
+
+    EXPECT_EQ(InitOf(document, log, lines), 0);
+
+    EXPECT_EQ(lines, Failed({ErrorBreak("vell::HSM::InitParameterTable")}));
+}
+
+TEST(HSMInit, FailsWithoutANodeTable)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.Root().Set(JSON_Layers, Json::Array({}));
+    TestMachine machine(document);
+    NodeDefTable* table = machine.nodeDefTable;
+    machine.nodeDefTable = nullptr;
+
+    EXPECT_EQ(machine.Init(), 0);
+
+    EXPECT_EQ(log.Take(), Joined({kLayersBanner, {ErrorBreak(kInit), kParsing}}));
+    machine.nodeDefTable = table;
+}
+
+TEST(HSMInit, RunsAFailedParameterTableFourTimesOverItsOldTable)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.Root().Set(JSON_Parameters, 5);
+    Lines lines;
+
+    EXPECT_EQ(InitOf(document, log, lines), 0);
+
+    const std::string table = ErrorBreak("vell::ParameterTable::Init");
+    const std::string create = ErrorBreak("vell::ParameterTable::CreateKVTable");
+    const std::string step = ErrorBreak("vell::HSM::InitParameterTable");
+    EXPECT_EQ(lines, (Lines{table, create, create, table, step, //
+                            create, create, table, create, create, table, step, ErrorBreak(kInit),
+                            kParsing}));
+}
+
+TEST(HSMInit, NeedsRoomForTheParameterTable)
+{
+    LogRecorder log;
+    TestMachine fits(SmallDocument());
+    TestMachine tooSmall(SmallDocument());
+    fits.alloc.used = fits.alloc.capacity - static_cast<unsigned int>(sizeof(ParameterTable));
+    tooSmall.alloc.used = fits.alloc.used + 1;
+
+    EXPECT_EQ(fits.InitParameterTable(fits.document, &fits.alloc), 1);
+    EXPECT_EQ(log.Take(), Lines{});
+    EXPECT_EQ(fits.alloc.used, fits.alloc.capacity);
+    EXPECT_EQ(tooSmall.Init(), 0);
+
+    EXPECT_EQ(log.Take(), Failed({ErrorBreak("vell::HSM::InitParameterTable")}));
+    EXPECT_EQ(tooSmall.parameterTable, nullptr);
+}
+
+TEST(HSMInit, MakesNoParameterTableWithoutTheMember)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.LeaveOut(JSON_Parameters);
+    TestMachine machine(document);
+
+    EXPECT_EQ(machine.InitParameterTable(machine.document, &machine.alloc), 1);
+
+    EXPECT_EQ(machine.parameterTable, nullptr);
+    EXPECT_EQ(machine.GetParameterTable(), nullptr);
+    EXPECT_EQ(log.Take(), Lines{});
+}
+
+TEST(HSMInit, FailsInTheTreeWithoutParameters)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.LeaveOut(JSON_Parameters);
+    Lines lines;
+
+    EXPECT_EQ(InitOf(document, log, lines), 0);
+
+    EXPECT_EQ(lines, Joined({kStandLayer, HeadLines(10, 10),
+                             Failed({ErrorBreak("vell::HSM::CreateKVTable")})}));
+}
+
+TEST(HSMInit, FailsAndPrintsTheWholeHeadTwiceWithoutAnEntryNode)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.Head().Set(JSON_HeadEnterNode, 0);
+    Lines lines;
+
+    EXPECT_EQ(InitOf(document, log, lines), 0);
+
+    EXPECT_EQ(lines, Joined({kStandLayer,
+                             Failed(Joined({HeadLines(0, 10),
+                                            {ErrorBreak("vell::NodeDefTable::ImportHead")}}))}));
+}
+
+TEST(HSMInit, FailsWithASkeletonThatIsNoObject)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.Skeleton(5);
+    Lines lines;
+
+    EXPECT_EQ(InitOf(document, log, lines), 0);
+
+    EXPECT_EQ(lines, Joined({kStandLayer, HeadLines(10, 10),
+                             Failed({ErrorBreak("vell::NodeDefTable::ImportSkel")})}));
+}
+
+TEST(HSMInit, FailsWithGlobalNodesThatAreNoArray)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.Root().Set(JSON_Global, 5);
+    Lines lines;
+
+    EXPECT_EQ(InitOf(document, log, lines), 0);
+
+    EXPECT_EQ(lines, Joined({kStandLayer, HeadLines(10, 10),
+                             Failed({ErrorBreak("vell::NodeDefTable::ImportGlobal")})}));
+}
+
+TEST(HSMInit, LeavesWhatEarlierStepsBuiltWhenALaterOneFails)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.Parameter(BoolParameter("alert", true)).Root().Set(JSON_Global, 5);
+    TestMachine machine(document);
+
+    ASSERT_EQ(machine.Init(), 0);
+
+    EXPECT_EQ(machine.GetParameterTable()->GetParameterCount(), 1);
+    EXPECT_NE(machine.FindDef(10u), nullptr);
+    EXPECT_EQ(machine.startStateID, 0u);
+    EXPECT_FALSE(machine.kvTable);
+}
+
+TEST(HSMInit, FailsAtItsParametersWhenRunASecondTime)
+{
+    LogRecorder log;
+    TestMachine machine(SmallDocument());
+    ASSERT_EQ(machine.Init(), 1);
+    log.Clear();
+
+    EXPECT_EQ(machine.Init(), 0);
+
+    const std::string table = ErrorBreak("vell::ParameterTable::Init");
+    const std::string create = ErrorBreak("vell::ParameterTable::CreateKVTable");
+    const Lines walk = {create, create, table};
+    EXPECT_EQ(log.Take(),
+              Failed(Joined({walk, walk, {ErrorBreak("vell::HSM::InitParameterTable")}})));
+}
+
+TEST(HSMInit, TakesNodesInThroughItsTable)
+{
+    LogRecorder log;
+    TestMachine machine(SmallDocument());
+    GenericDocument nodes;
+    nodes.Parse(Json::Array({Generic("Walk", 11)}).Text().c_str());
+    log.Clear();
+
+    EXPECT_EQ(machine.InitNodeDefTable(nodes, &machine.alloc), 1);
+
+    EXPECT_EQ(log.Take(), (Lines{"6 Created new BaseDef: Walk"}));
+    EXPECT_EQ(machine.nodeDefTable->nodes.size(), 1u);
+}
+
+TEST(HSMInit, TakesNoNodesInWithoutItsTable)
+{
+    LogRecorder log;
+    TestMachine machine;
+    GenericDocument nodes;
+    nodes.Parse("[]");
+
+    EXPECT_EQ(machine.InitNodeDefTable(nodes, &machine.alloc), 0);
+
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::InitNodeDefTable")}));
+}
+
+TEST(HSMInit, RunsAFailedNodeTableTwiceAndEmptiesIt)
+{
+    LogRecorder log;
+    TestMachine machine(SmallDocument());
+    ASSERT_EQ(machine.Init(), 1);
+    GenericDocument nodes;
+    nodes.Parse("{}");
+    log.Clear();
+
+    EXPECT_EQ(machine.InitNodeDefTable(nodes, &machine.alloc), 0);
+
+    const std::string table = ErrorBreak("vell::NodeDefTable::Init");
+    EXPECT_EQ(log.Take(), (Lines{table, table, ErrorBreak("vell::HSM::InitNodeDefTable")}));
+    EXPECT_TRUE(machine.nodeDefTable->nodes.empty());
+}
+
+TEST(HSMInit, UninitialisesItsTablesForSubclasses)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.Parameter(BoolParameter("alert", true));
+    TestMachine machine(document);
+    TestMachine empty;
+    ASSERT_EQ(machine.Init(), 1);
+
+    EXPECT_EQ(machine.UninitParameterTable(&machine.alloc), 1);
+    EXPECT_EQ(machine.UninitNodeDefTable(&machine.alloc), 1);
+    EXPECT_EQ(empty.UninitParameterTable(&empty.alloc), 1);
+    EXPECT_EQ(empty.UninitNodeDefTable(&empty.alloc), 1);
+
+    EXPECT_EQ(machine.parameterTable->GetParameterCount(), 0);
+    EXPECT_TRUE(machine.nodeDefTable->nodes.empty());
+}
+
+} // namespace vell::test

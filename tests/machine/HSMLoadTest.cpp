@@ -1,0 +1,445 @@
+// VELL: data-driven hierarchical state machines.
+// tests/machine/HSMLoadTest.cpp: what Create makes of a document, and how it fails.
+#include "definitions/NodeDefTable.h"
+#include "machine/StateBuilders.h"
+#include "tests/support/DocumentBuilder.h"
+#include "tests/support/HeapWatch.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/TempFile.h"
+#include "tests/support/TestMachine.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace vell::test
+{
+namespace
+{
+
+const std::string kCreate = "vell::HSM::Create";
+constexpr unsigned int kTableSize = sizeof(NodeDefTable);
+
+/// The line that a document with a parse error leaves.
+std::string ParseErrorLine(int code)
+{
+    return "3 JSON file has errors, please run a validator on it and correct issues: " +
+           std::to_string(code);
+}
+
+DocumentBuilder SmallDocument()
+{
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10));
+    return document;
+}
+
+DocumentBuilder DocumentWithMemory(const Json& figure)
+{
+    DocumentBuilder document = SmallDocument();
+    document.Head().Set(JSON_HeadMemory, figure);
+    return document;
+}
+
+/// The figure of the head whose arena is the smallest that holds the node table.
+unsigned int SmallestFigure()
+{
+    return (kTableSize + 99) / 100;
+}
+
+/// A machine on the file at `path`.
+class FileMachine : public TestMachine
+{
+public:
+    explicit FileMachine(const char* path)
+    {
+        filePath = path;
+    }
+};
+
+bool HasStandardBuilders()
+{
+    for (const int builder : {8, 9, 10, 21, 23, 24})
+    {
+        if (FindStateBuilder(static_cast<__DURM_BUILDERS__>(builder)) == nullptr)
+        {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+TEST(HSMCreate, SizesTheArenaAndPlacesTheNodeTableFirst)
+{
+    LogRecorder log;
+    TestMachine machine;
+
+    EXPECT_EQ(machine.Load(DocumentWithMemory(50).Text()), 1);
+
+    EXPECT_EQ(log.Take(), Lines{});
+    EXPECT_EQ(machine.alloc.capacity, 5000u);
+    EXPECT_EQ(static_cast<void*>(machine.nodeDefTable), machine.alloc.block);
+    EXPECT_EQ(machine.alloc.used, kTableSize);
+    EXPECT_EQ(machine.alloc.tracked,
+              (std::map<void*, unsigned int>{{machine.nodeDefTable, kTableSize}}));
+    EXPECT_TRUE(machine.nodeDefTable->nodes.empty());
+    EXPECT_EQ(machine.parameterTable, nullptr);
+    EXPECT_FALSE(machine.kvTable);
+}
+
+TEST(HSMCreate, TakesTheModelsMemoryByOneMalloc)
+{
+    LogRecorder log;
+    TestMachine machine;
+    const std::string text = DocumentWithMemory(1234).Text();
+    HeapWatch heap;
+    heap.RefuseMalloc(123400, 1);
+
+    EXPECT_EQ(machine.Load(text), 0);
+
+    EXPECT_EQ(heap.Refused(), 1u);
+}
+
+TEST(HSMCreate, TakesADefaultOf100MebibytesWithoutAFigure)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.Head().Remove(JSON_HeadMemory);
+
+    TestMachine machine(document);
+
+    EXPECT_EQ(machine.alloc.capacity, 0x6400000u);
+    EXPECT_EQ(machine.GetMemoryRequirements(machine.document[DURMBaseLib::GetJsonName(JSON_Head)]),
+              0x100000);
+    EXPECT_EQ(machine.Init(), 1);
+}
+
+TEST(HSMCreate, GivesTheFigureOfTheHeadAsItIs)
+{
+    LogRecorder log;
+    TestMachine machine;
+    GenericDocument head;
+
+    head.Parse(JsonObject().Set(JSON_HeadMemory, 77).Text().c_str());
+    EXPECT_EQ(machine.GetMemoryRequirements(head), 77);
+    head.Parse(JsonObject().Set(JSON_HeadMemory, 0).Text().c_str());
+    EXPECT_EQ(machine.GetMemoryRequirements(head), 0);
+    head.Parse(JsonObject().Set(JSON_HeadMemory, "77").Text().c_str());
+    EXPECT_EQ(machine.GetMemoryRequirements(head), 0);
+    EXPECT_EQ(log.Take(), Lines{});
+}
+
+TEST(HSMCreate, MultipliesTheFigureIn32Bits)
+{
+    LogRecorder log;
+    TestMachine machine;
+
+    EXPECT_EQ(machine.Load(DocumentWithMemory(42949673 + static_cast<int>(kTableSize)).Text()), 1);
+
+    EXPECT_EQ(machine.alloc.capacity, 4u + 100u * kTableSize);
+}
+
+TEST(HSMCreate, FailsWithAFigureOfZeroAndSoDoesInit)
+{
+    LogRecorder log;
+    TestMachine machine;
+
+    EXPECT_EQ(machine.Load(DocumentWithMemory(0).Text()), 0);
+
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate)}));
+    EXPECT_EQ(machine.alloc.capacity, 0u);
+    EXPECT_EQ(machine.nodeDefTable, nullptr);
+    EXPECT_TRUE(HasStandardBuilders());
+    EXPECT_EQ(machine.Init(), 0);
+}
+
+TEST(HSMCreate, NeedsRoomForTheNodeTable)
+{
+    LogRecorder log;
+    TestMachine fits;
+    TestMachine tooSmall;
+
+    EXPECT_EQ(fits.Load(DocumentWithMemory(SmallestFigure()).Text()), 1);
+    EXPECT_EQ(log.Take(), Lines{});
+    EXPECT_EQ(tooSmall.Load(DocumentWithMemory(SmallestFigure() - 1).Text()), 0);
+
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate)}));
+    EXPECT_EQ(tooSmall.nodeDefTable, nullptr);
+    EXPECT_EQ(tooSmall.alloc.used, 0u);
+    EXPECT_NE(tooSmall.alloc.block, nullptr);
+    EXPECT_TRUE(HasStandardBuilders());
+}
+
+TEST(HSMCreate, AsksTwiceForABlockThatIsRefused)
+{
+    LogRecorder log;
+    TestMachine machine;
+    const std::string text = DocumentWithMemory(5000).Text();
+    HeapWatch heap;
+    heap.RefuseMalloc(500000, 2);
+
+    EXPECT_EQ(machine.Load(text), 0);
+
+    EXPECT_EQ(heap.Refused(), 2u);
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate, "0")}));
+    EXPECT_EQ(machine.alloc.block, nullptr);
+    EXPECT_EQ(machine.alloc.capacity, 0u);
+    EXPECT_EQ(machine.nodeDefTable, nullptr);
+}
+
+TEST(HSMCreate, FailsAlsoWhenTheSecondAttemptGetsTheBlock)
+{
+    LogRecorder log;
+    const std::string text = DocumentWithMemory(5000).Text();
+    TestMachine machine;
+    HeapWatch heap;
+    heap.RefuseMalloc(500000, 1);
+
+    EXPECT_EQ(machine.Load(text), 0);
+
+    EXPECT_EQ(heap.Refused(), 1u);
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate, "1")}));
+    EXPECT_NE(machine.alloc.block, nullptr);
+    EXPECT_EQ(machine.alloc.capacity, 500000u);
+    EXPECT_EQ(machine.nodeDefTable, nullptr);
+    EXPECT_EQ(machine.Init(), 0);
+}
+
+TEST(HSMCreate, GivesTheBlockOfASecondAttemptBackWithTheMachine)
+{
+    LogRecorder log;
+    const std::string text = DocumentWithMemory(5000).Text();
+    HeapWatch heap;
+    {
+        TestMachine warmUp;
+        heap.RefuseMalloc(500000, 1);
+        warmUp.Load(text);
+    }
+    log.Clear();
+    const std::ptrdiff_t before = heap.BlocksKept();
+    {
+        TestMachine machine;
+        heap.RefuseMalloc(500000, 1);
+        machine.Load(text);
+        EXPECT_NE(machine.alloc.block, nullptr);
+    }
+    log.Clear();
+
+    EXPECT_EQ(heap.BlocksKept(), before);
+}
+
+TEST(HSMCreate, ReportsAMissingFileWithTheCode1)
+{
+    LogRecorder log;
+    FileMachine machine("/no/such/file.json");
+
+    EXPECT_EQ(machine.Create(), 0);
+
+    EXPECT_EQ(log.Take(), (Lines{ParseErrorLine(1), ErrorBreak(kCreate)}));
+    EXPECT_TRUE(machine.document.IsNull());
+    EXPECT_EQ(machine.alloc.block, nullptr);
+    EXPECT_EQ(machine.nodeDefTable, nullptr);
+}
+
+TEST(HSMCreate, ReportsAnEmptyFileAsAMissingOne)
+{
+    const TempFile file("");
+    LogRecorder log;
+    FileMachine machine(file.Path());
+
+    EXPECT_EQ(machine.Create(), 0);
+
+    EXPECT_EQ(log.Take(), (Lines{ParseErrorLine(1), ErrorBreak(kCreate)}));
+}
+
+TEST(HSMCreate, ReportsASyntaxErrorInAFileWithTheParsersCode)
+{
+    const TempFile file("{\"a\":1,}");
+    LogRecorder log;
+    FileMachine machine(file.Path());
+
+    EXPECT_EQ(machine.Create(), 0);
+
+    EXPECT_EQ(log.Take(), (Lines{ParseErrorLine(4), ErrorBreak(kCreate)}));
+    EXPECT_TRUE(machine.document.IsNull());
+    EXPECT_EQ(machine.nodeDefTable, nullptr);
+}
+
+// Pins down that the parser's code is lost when the document comes as text.
+TEST(HSMCreate, ReportsASyntaxErrorInATextAlwaysWithZero)
+{
+    LogRecorder log;
+    for (const char* text : {"", "{", "{\"a\":1,}", "[1e999]", "{} {}"})
+    {
+        TestMachine machine;
+
+        EXPECT_EQ(machine.Load(text), 0);
+
+        EXPECT_EQ(log.Take(), (Lines{ParseErrorLine(0), ErrorBreak(kCreate)})) << text;
+        EXPECT_EQ(machine.nodeDefTable, nullptr);
+    }
+}
+
+TEST(HSMCreate, TakesTheTextWhenThereAreAFileAndAText)
+{
+    LogRecorder log;
+    FileMachine machine("/no/such/file.json");
+
+    EXPECT_EQ(machine.Load(SmallDocument().Text()), 1);
+
+    EXPECT_EQ(log.Take(), Lines{});
+    EXPECT_EQ(machine.Init(), 1);
+}
+
+TEST(HSMCreate, NeedsAHead)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.LeaveOut(JSON_Head);
+    TestMachine machine;
+
+    EXPECT_EQ(machine.Load(document.Text()), 0);
+
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate)}));
+    EXPECT_EQ(machine.alloc.block, nullptr);
+    EXPECT_EQ(machine.nodeDefTable, nullptr);
+}
+
+TEST(HSMCreate, NeedsADocumentThatIsAnObject)
+{
+    LogRecorder log;
+    for (const char* text : {"null", "7", "\"text\"", "[]", "[{}]"})
+    {
+        TestMachine machine;
+
+        EXPECT_EQ(machine.Load(text), 0);
+
+        EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate)})) << text;
+    }
+}
+
+TEST(HSMCreate, FailsWithoutADocument)
+{
+    LogRecorder log;
+    TestMachine machine;
+
+    EXPECT_EQ(machine.Create(), 0);
+
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate)}));
+}
+
+TEST(HSMCreate, ReportsAHeadThatIsNoObjectForItsFigureAndForItsType)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.Root().Set(JSON_Head, 5);
+    TestMachine machine;
+
+    EXPECT_EQ(machine.Load(document.Text()), 0);
+
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::GetMemoryRequirements"),
+                                 ErrorBreak("vell::HSM::GetHSMType"), ErrorBreak(kCreate, "")}));
+    EXPECT_EQ(machine.alloc.capacity, 0u);
+    EXPECT_EQ(machine.nodeDefTable, nullptr);
+}
+
+TEST(HSMCreate, NeedsTheNameOfAMachineType)
+{
+    LogRecorder log;
+    DocumentBuilder document = DocumentWithMemory(5000);
+    document.Head().Remove(JSON_HeadMachineType);
+    ClearStateBuilders();
+    TestMachine machine;
+
+    EXPECT_EQ(machine.Load(document.Text()), 0);
+
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate, "")}));
+    EXPECT_EQ(machine.alloc.capacity, 500000u);
+    EXPECT_EQ(machine.nodeDefTable, nullptr);
+    EXPECT_FALSE(HasStandardBuilders());
+    EXPECT_EQ(machine.machineType, 1);
+}
+
+TEST(HSMCreate, TakesAMachineTypeThatIsNoTextForNone)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.Head().Set(JSON_HeadMachineType, 2);
+    TestMachine machine;
+
+    EXPECT_EQ(machine.Load(document.Text()), 0);
+
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate, "")}));
+}
+
+TEST(HSMCreate, TakesTheMachineTypeThatTheHeadNames)
+{
+    LogRecorder log;
+    for (const int type : {1, 2, 3})
+    {
+        DocumentBuilder document = SmallDocument();
+        document.Head().Set(JSON_HeadMachineType, MachineTypeName(type));
+        TestMachine machine(document);
+
+        EXPECT_EQ(static_cast<const IHSM&>(machine).GetHSMType(), type);
+        EXPECT_EQ(DURMBaseLib::GetStateMachineTypeByName(MachineTypeName(type).c_str()), type);
+        EXPECT_EQ(machine.GetHSMType(machine.document[DURMBaseLib::GetJsonName(JSON_Head)]),
+                  MachineTypeName(type));
+    }
+}
+
+TEST(HSMCreate, TakesAnUnknownMachineTypeForZero)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.Head().Set(JSON_HeadMachineType, "no such type");
+    TestMachine machine;
+
+    EXPECT_EQ(machine.Load(document.Text()), 1);
+
+    EXPECT_EQ(machine.machineType, 0);
+}
+
+TEST(HSMCreate, ReadsTheHostsTextAndLeavesItAsItIs)
+{
+    LogRecorder log;
+    const std::string before = SmallDocument().Text();
+    std::string text = before;
+    HSM machine(text.c_str());
+
+    EXPECT_EQ(text, before);
+    text.assign(text.size(), '#');
+    EXPECT_EQ(machine.Init(), 1);
+    EXPECT_STREQ(machine.FindDef(10u)->GetName(), "Stand");
+    machine.Uninit();
+}
+
+TEST(HSMCreate, KeepsATextOfTheFilesNameForTheTree)
+{
+    const TempFile file(SmallDocument().Text());
+    LogRecorder log;
+    std::string path = file.Path();
+    HSM machine(path.c_str(), nullptr);
+
+    path.assign(path.size(), '#');
+
+    ASSERT_EQ(machine.Init(), 1);
+    EXPECT_STREQ(machine.GetKVTable()->GetString("filename"), file.Path());
+    machine.Uninit();
+}
+
+TEST(HSMCreate, RunsAnewAfterUninitAndTakesANewBlock)
+{
+    LogRecorder log;
+    TestMachine machine(DocumentWithMemory(100));
+    machine.HSM::Uninit();
+
+    EXPECT_EQ(machine.Load(DocumentWithMemory(200).Text()), 1);
+
+    EXPECT_EQ(machine.alloc.capacity, 20000u);
+    EXPECT_EQ(static_cast<void*>(machine.nodeDefTable), machine.alloc.block);
+}
+
+} // namespace vell::test
