@@ -51,11 +51,13 @@ void HSM::Start()
 
 int HSM::Uninit()
 {
-    if (parameterTable != nullptr)
+    // The tables lie in the arena and are gone with it, while the pointers stay.
+    const bool hasTables = alloc.block != nullptr;
+    if (hasTables && parameterTable != nullptr)
     {
         parameterTable->Uninit();
     }
-    if (nodeDefTable != nullptr)
+    if (hasTables && nodeDefTable != nullptr)
     {
         nodeDefTable->Uninit();
     }

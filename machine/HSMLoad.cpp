@@ -36,6 +36,7 @@ int HSM::Create()
         const GenericValue& head = GetMember(document, JSON_Head);
         const unsigned int size =
             static_cast<unsigned int>(GetMemoryRequirements(head)) * kMemoryFactor;
+        ForgetArena();
         // Required: a refused block is asked for twice; the load fails also when the second attempt
         // succeeds.
         ERROR_BREAK(alloc.Reserve(size));
@@ -48,6 +49,19 @@ int HSM::Create()
         result = 1;
     } while (false);
     return result;
+}
+
+/// What an earlier Create and its machine left in the arena goes with the arena's block.
+void HSM::ForgetArena()
+{
+    parameterTable = nullptr;
+    nodeDefTable = nullptr;
+    previousState = nullptr;
+    globalState = nullptr;
+    currentStack = nullptr;
+    stateStack.clear();
+    blipStack.clear();
+    states.clear();
 }
 
 unsigned int HSM::ParseDocument()

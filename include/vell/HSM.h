@@ -194,6 +194,7 @@ private:
     int Unsubscribe(ListenerList& list, IBroadcastListener* listener);
     int Notify();
     unsigned int ParseDocument();
+    void ForgetArena();
     void FinishTransition(const SMState& state, UpdateResult* result);
     void StartBlip(UpdateResult* result);
     void ReportStateChange(SMState* previous, unsigned int nextId);
