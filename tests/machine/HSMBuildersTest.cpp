@@ -1,0 +1,477 @@
+// VELL: data-driven hierarchical state machines.
+// tests/machine/HSMBuildersTest.cpp: the two registries of the process and how machines share them.
+#include "definitions/NodeDefTable.h"
+#include "machine/StateBuilders.h"
+#include "states/EnterState.h"
+#include "states/ExitState.h"
+#include "states/GlobalState.h"
+#include "states/SubstateState.h"
+#include "tests/support/DocumentBuilder.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/TestMachine.h"
+
+#include <vell/HSMAlloc.h>
+#include <vell/SMState.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vell::test
+{
+namespace
+{
+
+constexpr auto kHostBuilder = static_cast<__DURM_BUILDERS__>(100);
+
+__DURM_BUILDERS__ Builder(int number)
+{
+    return static_cast<__DURM_BUILDERS__>(number);
+}
+
+struct Registered
+{
+    int number;
+    StateFactory factory;
+
+    bool operator==(const Registered& other) const
+    {
+        return number == other.number && factory == other.factory;
+    }
+};
+
+/// The six standard factories, in the order in which they are registered.
+const std::vector<Registered> kStandard = {{10, SMState::Create},       {8, EnterState::Create},
+                                           {9, ExitState::Create},      {23, GlobalState::Create},
+                                           {24, SubstateState::Create}, {21, SMState::Create}};
+
+/// Gives what stands in the registry for the numbers 0 to 200, in the order of kStandard first.
+std::vector<Registered> Registry()
+{
+    std::vector<Registered> found;
+    for (const Registered& standard : kStandard)
+    {
+        if (FindStateBuilder(Builder(standard.number)) != nullptr)
+        {
+            found.push_back({standard.number, FindStateBuilder(Builder(standard.number))});
+        }
+    }
+    for (const int number : {0, 1, 2, 3, 4, 5, 6, 7, 11, 20, 22, 25, 100})
+    {
+        if (FindStateBuilder(Builder(number)) != nullptr)
+        {
+            found.push_back({number, FindStateBuilder(Builder(number))});
+        }
+    }
+    return found;
+}
+
+/// Notes what it is asked to register, and refuses one number for some calls.
+class RegisteringMachine : public TestMachine
+{
+public:
+    int RegisterState(__DURM_BUILDERS__ builder, StateFactory factory) override
+    {
+        asked.push_back({builder, factory});
+        if (builder == refused && refusals > 0)
+        {
+            --refusals;
+            return 0;
+        }
+        return HSM::RegisterState(builder, factory);
+    }
+
+    std::vector<Registered> asked;
+    int refused = 0;
+    int refusals = 0;
+};
+
+/// A host's own state class.
+class HostState : public SMState
+{
+public:
+    static SMState* Create(unsigned int id, HSMAlloc* alloc)
+    {
+        auto* state = alloc->New<HostState>();
+        createdId = id;
+        return state;
+    }
+
+    static unsigned int createdId;
+};
+
+unsigned int HostState::createdId = 0;
+
+/// A host's machine, which adds a state class of its own.
+class HostMachine : public TestMachine
+{
+public:
+    void RegisterBuilders() override
+    {
+        HSM::RegisterBuilders();
+        RegisterState(kHostBuilder, HostState::Create);
+    }
+    void UnRegisterBuilders() override
+    {
+        ++unregistered;
+        HSM::UnRegisterBuilders();
+    }
+
+    int unregistered = 0;
+};
+
+/// A machine whose constructor hands the text on.
+class EagerMachine : public HSM
+{
+public:
+    explicit EagerMachine(const char* text) : HSM(text)
+    {
+    }
+    void RegisterBuilders() override
+    {
+        ADD_FAILURE() << "the constructor of the base reached the subclass";
+    }
+};
+
+/// A host's own definition class.
+class HostDef : public BaseDef
+{
+public:
+    static BaseDef* Create(const GenericValue&, HSMAlloc* alloc)
+    {
+        ++created;
+        return alloc->New<HostDef>();
+    }
+    static BaseDef* CreateNothing(const GenericValue&, HSMAlloc*)
+    {
+        return nullptr;
+    }
+
+    static int created;
+};
+
+int HostDef::created = 0;
+
+DocumentBuilder TwoStates()
+{
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10)).Node(Generic("Walk", 11));
+    return document;
+}
+
+/// A document whose second node is of the host's own kind.
+DocumentBuilder WithHostNode()
+{
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10)).Node(Node(kHostBuilder, "Own", 11));
+    return document;
+}
+
+const std::string kNotActivated = "3 Failed to activate state: Unable to find state ID:  (11)";
+
+} // namespace
+
+TEST(StateBuilders, AreTheStandardSixAfterCreate)
+{
+    LogRecorder log;
+    ClearStateBuilders();
+
+    const TestMachine machine(TwoStates());
+
+    EXPECT_EQ(Registry(), kStandard);
+}
+
+TEST(StateBuilders, StayTheSameSixWhenASecondMachineIsMade)
+{
+    LogRecorder log;
+    const TestMachine first(TwoStates());
+
+    const TestMachine second(TwoStates());
+
+    EXPECT_EQ(Registry(), kStandard);
+}
+
+TEST(StateBuilders, AreRegisteredOneByOneThroughTheVirtualOperation)
+{
+    LogRecorder log;
+    RegisteringMachine machine;
+
+    EXPECT_EQ(machine.Load(TwoStates().Text()), 1);
+
+    EXPECT_EQ(machine.asked, kStandard);
+}
+
+TEST(StateBuilders, AreRegisteredBeforeTheNodeTableIsPlaced)
+{
+    LogRecorder log;
+    ClearStateBuilders();
+    DocumentBuilder document = TwoStates();
+    document.Head().Set(JSON_HeadMemory, 0);
+    RegisteringMachine machine;
+
+    EXPECT_EQ(machine.Load(document.Text()), 0);
+
+    EXPECT_EQ(machine.nodeDefTable, nullptr);
+    EXPECT_EQ(Registry(), kStandard);
+}
+
+TEST(StateBuilders, EndAtTheFirstThatIsRefusedTwice)
+{
+    LogRecorder log;
+    ClearStateBuilders();
+    RegisteringMachine machine;
+    machine.refused = 9;
+    machine.refusals = 2;
+
+    EXPECT_EQ(machine.Load(TwoStates().Text()), 1);
+
+    EXPECT_EQ(log.Take(),
+              (Lines{ErrorBreak("vell::HSM::RegisterBuilders"), "3 Error registering builders"}));
+    EXPECT_EQ(machine.asked,
+              (std::vector<Registered>{kStandard[0], kStandard[1], kStandard[2], kStandard[2]}));
+    EXPECT_EQ(Registry(), (std::vector<Registered>{kStandard[0], kStandard[1]}));
+}
+
+TEST(StateBuilders, EndAlsoWhenTheSecondCallRegistersTheOneThatWasRefused)
+{
+    LogRecorder log;
+    ClearStateBuilders();
+    RegisteringMachine machine;
+    machine.refused = 10;
+    machine.refusals = 1;
+
+    EXPECT_EQ(machine.Load(TwoStates().Text()), 1);
+
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::RegisterBuilders", "1"),
+                                 "3 Error registering builders"}));
+    EXPECT_EQ(Registry(), (std::vector<Registered>{kStandard[0]}));
+}
+
+TEST(StateBuilders, TakeANumberOfTheHosts)
+{
+    LogRecorder log;
+    HostMachine machine;
+    ASSERT_EQ(machine.Load(WithHostNode().Text()), 1);
+    ASSERT_EQ(machine.RegisterNodeDef(kHostBuilder, HostDef::Create), 1);
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+
+    SMState* state = machine.PushState(11u);
+
+    EXPECT_NE(dynamic_cast<HostState*>(state), nullptr);
+    EXPECT_EQ(HostState::createdId, 11u);
+    EXPECT_EQ(machine.MainStack(), "Stand/Own");
+}
+
+TEST(StateBuilders, AreReplacedForAllMachinesOfTheProcess)
+{
+    LogRecorder log;
+    TestMachine first(TwoStates());
+    TestMachine second(TwoStates());
+    ASSERT_EQ(second.Init(), 1);
+
+    EXPECT_EQ(first.RegisterState(Builder(10), HostState::Create), 1);
+
+    EXPECT_NE(dynamic_cast<HostState*>(second.ActivateState(10, 0.0f)), nullptr);
+    ClearStateBuilders();
+}
+
+// Pins down that the constructor of the base cannot reach a subclass's builders.
+TEST(StateBuilders, OfASubclassAreNotReachedByTheConstructorOfTheBase)
+{
+    LogRecorder log;
+    ClearStateBuilders();
+    const std::string text = TwoStates().Text();
+
+    const EagerMachine machine(text.c_str());
+
+    EXPECT_EQ(Registry(), kStandard);
+}
+
+TEST(StateBuilders, AreForgottenByDestroyThroughTheVirtualOperation)
+{
+    LogRecorder log;
+    HostMachine machine;
+    machine.Load(TwoStates().Text());
+
+    EXPECT_EQ(machine.Destroy(), 1);
+
+    EXPECT_EQ(machine.unregistered, 1);
+    EXPECT_TRUE(Registry().empty());
+}
+
+TEST(StateBuilders, AreForgottenWhenAnyMachineIsDeleted)
+{
+    LogRecorder log;
+    const TestMachine stays(TwoStates());
+    {
+        const TestMachine other;
+        EXPECT_EQ(Registry(), kStandard);
+    }
+
+    EXPECT_TRUE(Registry().empty());
+}
+
+TEST(StateBuilders, AreMissedByOtherMachinesForStatesNotYetActivated)
+{
+    LogRecorder log;
+    TestMachine first(TwoStates());
+    TestMachine second(TwoStates());
+    ASSERT_EQ(first.Init(), 1);
+    first.Start();
+    second.Destroy();
+    log.Clear();
+
+    EXPECT_NE(first.PushState(10u), nullptr);
+    EXPECT_EQ(log.Take({3}), Lines{});
+    EXPECT_EQ(first.PushState(11u), nullptr);
+
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::ActivateState"), kNotActivated,
+                                 ErrorBreak("vell::HSM::PushState")}));
+    first.Update(0.1f);
+    EXPECT_EQ(first.MainStack(), "Stand/Stand");
+}
+
+TEST(StateBuilders, ComeBackForAllMachinesWhenOneIsCreated)
+{
+    LogRecorder log;
+    TestMachine first(TwoStates());
+    ASSERT_EQ(first.Init(), 1);
+    first.Start();
+    {
+        const TestMachine second(TwoStates());
+    }
+
+    const TestMachine third(TwoStates());
+
+    EXPECT_NE(first.PushState(11u), nullptr);
+}
+
+TEST(StateBuilders, BearANullFactory)
+{
+    LogRecorder log;
+    TestMachine machine(TwoStates());
+    ASSERT_EQ(machine.Init(), 1);
+    machine.RegisterState(Builder(10), nullptr);
+    log.Clear();
+
+    EXPECT_EQ(machine.ActivateState(11, 0.0f), nullptr);
+
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::ActivateState"), kNotActivated}));
+}
+
+TEST(DefinitionBuilders, TakeANumberOfTheHostsBetweenCreateAndInit)
+{
+    LogRecorder log;
+    TestMachine machine(WithHostNode());
+
+    EXPECT_EQ(machine.RegisterNodeDef(kHostBuilder, HostDef::Create), 1);
+
+    ASSERT_EQ(machine.Init(), 1);
+    EXPECT_NE(dynamic_cast<HostDef*>(machine.FindDef(11u)), nullptr);
+    EXPECT_EQ(log.Take({3}), (Lines{}));
+}
+
+TEST(DefinitionBuilders, AreAskedForEveryNodeOfTheirNumber)
+{
+    LogRecorder log;
+    TestMachine machine(TwoStates());
+    machine.RegisterNodeDef(Builder(10), HostDef::Create);
+    HostDef::created = 0;
+
+    EXPECT_EQ(machine.Init(), 1);
+
+    EXPECT_EQ(HostDef::created, 2);
+}
+
+TEST(DefinitionBuilders, HaveNoEffectAfterInit)
+{
+    LogRecorder log;
+    TestMachine machine(TwoStates());
+    ASSERT_EQ(machine.Init(), 1);
+
+    EXPECT_EQ(machine.RegisterNodeDef(Builder(10), HostDef::Create), 1);
+
+    EXPECT_EQ(dynamic_cast<HostDef*>(machine.FindDef(10u)), nullptr);
+}
+
+TEST(DefinitionBuilders, ActOnEveryMachineThatIsNotYetInitialised)
+{
+    LogRecorder log;
+    TestMachine first(WithHostNode());
+    TestMachine second(WithHostNode());
+
+    EXPECT_EQ(first.RegisterNodeDef(kHostBuilder, HostDef::Create), 1);
+
+    EXPECT_EQ(second.Init(), 1);
+    EXPECT_NE(dynamic_cast<HostDef*>(second.FindDef(11u)), nullptr);
+}
+
+TEST(DefinitionBuilders, AreForgottenWhenAnyMachineIsDeletedAndNotBefore)
+{
+    LogRecorder log;
+    auto first = std::make_unique<TestMachine>(TwoStates());
+    TestMachine second(TwoStates());
+    TestMachine third(TwoStates());
+    first->Uninit();
+    first->Destroy();
+    ASSERT_EQ(second.Init(), 1);
+    EXPECT_NE(second.FindDef(10u), nullptr);
+
+    first.reset();
+
+    ASSERT_EQ(third.Init(), 1);
+    EXPECT_EQ(third.nodeDefTable->Find(10), nullptr);
+    const TestMachine fourth(TwoStates());
+    third.ImportLayers(third.document, &third.alloc);
+    EXPECT_NE(third.nodeDefTable->Find(10), nullptr);
+}
+
+TEST(DefinitionBuilders, AreForgottenByADestroyedNodeTable)
+{
+    LogRecorder log;
+    TestMachine machine(TwoStates());
+    {
+        const NodeDefTable table;
+    }
+
+    ASSERT_EQ(machine.Init(), 1);
+
+    EXPECT_EQ(machine.nodeDefTable->Find(10), nullptr);
+}
+
+TEST(DefinitionBuilders, NeedANodeTable)
+{
+    LogRecorder log;
+    TestMachine machine("{");
+    log.Clear();
+
+    EXPECT_EQ(machine.RegisterNodeDef(kHostBuilder, HostDef::Create), 0);
+
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::RegisterNodeDef")}));
+}
+
+TEST(DefinitionBuilders, FailALoadWhenTheyGiveNothing)
+{
+    LogRecorder log;
+    for (const NodeDefFactory factory : {&HostDef::CreateNothing, NodeDefFactory(nullptr)})
+    {
+        TestMachine machine(WithHostNode());
+        machine.RegisterNodeDef(kHostBuilder, factory);
+        log.Clear();
+
+        EXPECT_EQ(machine.ImportLayers(machine.document, &machine.alloc), 1);
+
+        const Lines lines = log.Take({3});
+        ASSERT_GE(lines.size(), 3u);
+        EXPECT_EQ(Lines(lines.begin(), lines.begin() + 3),
+                  (Lines{ErrorBreak("vell::NodeDefTable::CreateNodeDef"),
+                         "3 Failed to create builder type - (100)",
+                         ErrorGoto("vell::NodeDefTable::Init")}));
+        EXPECT_TRUE(machine.nodeDefTable->nodes.empty());
+    }
+}
+
+} // namespace vell::test
