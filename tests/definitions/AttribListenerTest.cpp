@@ -1,0 +1,654 @@
+// VELL: data-driven hierarchical state machines.
+// tests/definitions/AttribListenerTest.cpp: values of attributes, and tools that write them.
+#include "definitions/AttribDefs.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/TestMachine.h"
+
+#include <vell/SMState.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace vell::test
+{
+namespace
+{
+
+using Tessel::Float2;
+using Tessel::Float3;
+using Tessel::Float4;
+
+/// An attribute that listens to its table.
+template <class T>
+class Listening : public T
+{
+public:
+    Listening()
+    {
+        this->InitKVTableListener();
+    }
+
+    using T::syncState;
+
+    Tessel::KVTable Table() const
+    {
+        return this->GetKVTable();
+    }
+    int ValueType() const
+    {
+        return Table()->FindValue("value")->GetValueType();
+    }
+};
+
+/// Counts the writes of "value".
+struct WriteCounter
+{
+    explicit WriteCounter(Tessel::KVTable table)
+    {
+        Tessel::KVListener* listener = table->GetValueListener("value");
+        listener->object = this;
+        listener->function = [](void* counter, Tessel::opResult, Tessel::KVTable, const char*)
+        {
+            return ++static_cast<WriteCounter*>(counter)->count;
+        };
+    }
+    int count = 0;
+};
+
+/// An attribute base whose table a test may take away.
+class OpenAttrib : public AttribBase
+{
+public:
+    using AttribBase::AttribBase;
+    using AttribBase::defaultType;
+    using AttribBase::kvTable;
+    using AttribBase::name;
+    using AttribBase::syncState;
+};
+
+} // namespace
+
+TEST(AttribBase, IsBlankButForItsTable)
+{
+    OpenAttrib attrib;
+
+    EXPECT_EQ(attrib.GetName(), nullptr);
+    EXPECT_EQ(attrib.GetDefaultType(), 0);
+    EXPECT_EQ(attrib.syncState, 0);
+    EXPECT_STREQ(Tessel::GetTableName(attrib.GetKVTable()), "attribBase");
+    EXPECT_EQ(attrib.GetKVTable()->GetKeyCount(), 0u);
+}
+
+TEST(AttribBase, IgnoresAllValues)
+{
+    OpenAttrib attrib;
+    int number = 7;
+    float real = 7;
+    bool flag = true;
+    Float2 two{7, 7};
+    Float3 three{7, 7, 7};
+    Float4 four{7, 7, 7, 7};
+
+    attrib.SetValue("text");
+    attrib.SetValue(1);
+    attrib.SetValue(1.0f);
+    attrib.SetValue(true);
+    attrib.SetValue(two);
+    attrib.SetValue(three);
+    attrib.SetValue(four);
+
+    EXPECT_EQ(attrib.GetValue("text"), 0);
+    EXPECT_EQ(attrib.GetValue(&number), 0);
+    EXPECT_EQ(attrib.GetValue(&real), 0);
+    EXPECT_EQ(attrib.GetValue(&flag), 0);
+    EXPECT_EQ(attrib.GetValue(&two), 0);
+    EXPECT_EQ(attrib.GetValue(&three), 0);
+    EXPECT_EQ(attrib.GetValue(&four), 0);
+    EXPECT_EQ(number, 7);
+    EXPECT_EQ(real, 7);
+    EXPECT_TRUE(flag);
+    EXPECT_EQ(four.w, 7);
+    EXPECT_EQ(attrib.GetKVTable()->GetKeyCount(), 0u);
+}
+
+TEST(AttribBase, KeepsThePointerOfItsNameAndWritesIt)
+{
+    OpenAttrib attrib;
+    const char* const text = "speed";
+
+    attrib.SetName(text);
+
+    EXPECT_EQ(attrib.GetName(), text);
+    EXPECT_STREQ(attrib.GetKVTable()->GetString("name"), "speed");
+}
+
+TEST(AttribBase, NeedsNoTableForItsName)
+{
+    OpenAttrib attrib;
+    attrib.DestroyKVTable();
+    attrib.kvTable = {};
+
+    attrib.SetName("speed");
+
+    EXPECT_STREQ(attrib.GetName(), "speed");
+    EXPECT_EQ(attrib.DestroyKVTable(), 1);
+}
+
+TEST(AttribBase, KeepsItsHandleWhenItsTableIsClosed)
+{
+    OpenAttrib attrib;
+    const Tessel::KVTable table = attrib.GetKVTable();
+
+    EXPECT_EQ(attrib.DestroyKVTable(), 1);
+
+    EXPECT_EQ(attrib.GetKVTable(), table);
+    EXPECT_EQ(Tessel::GetTableName(table), nullptr);
+}
+
+TEST(AttribBase, MakesANewTableWhenAsked)
+{
+    OpenAttrib attrib;
+    const Tessel::KVTable old = attrib.GetKVTable();
+
+    EXPECT_EQ(attrib.CreateKVTable(), 1);
+
+    EXPECT_NE(attrib.GetKVTable(), old);
+    EXPECT_STREQ(Tessel::GetTableName(attrib.GetKVTable()), "attribBase");
+    Tessel::CloseTable(old);
+}
+
+TEST(AttribBase, ClosesItsTableWhenDestroyed)
+{
+    Tessel::KVTable table;
+    {
+        const OpenAttrib attrib;
+        table = attrib.GetKVTable();
+    }
+
+    EXPECT_EQ(Tessel::GetTableName(table), nullptr);
+}
+
+TEST(AttribBase, SharesItsTableWithACopy)
+{
+    AttribDefInteger attrib;
+    attrib.SetName("speed");
+    attrib.SetValue(5);
+
+    const AttribDefInteger copy(attrib);
+    AttribDefInteger assigned;
+    Tessel::CloseTable(assigned.GetKVTable());
+    assigned = attrib;
+
+    EXPECT_EQ(copy.GetKVTable(), attrib.GetKVTable());
+    EXPECT_EQ(copy.GetName(), attrib.GetName());
+    EXPECT_EQ(copy.GetDefaultType(), 2);
+    EXPECT_EQ(copy.value, 5);
+    EXPECT_EQ(assigned.GetKVTable(), attrib.GetKVTable());
+}
+
+TEST(AttribBase, CannotListenWithoutATable)
+{
+    LogRecorder log;
+    OpenAttrib attrib;
+    attrib.DestroyKVTable();
+    attrib.kvTable = {};
+
+    EXPECT_EQ(attrib.InitKVTableListener(), 0);
+    EXPECT_EQ(attrib.UnInitKVTableListener(), 0);
+
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::AttribBase::InitKVTableListener"),
+                                 ErrorBreak("vell::AttribBase::UnInitKVTableListener")}));
+}
+
+TEST(AttribBase, CannotListenToAClosedTable)
+{
+    LogRecorder log;
+    OpenAttrib attrib;
+    attrib.DestroyKVTable();
+
+    EXPECT_EQ(attrib.InitKVTableListener(), 0);
+
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::AttribBase::InitKVTableListener")}));
+}
+
+TEST(AttribBase, StopsListeningWheneverItHasAHandle)
+{
+    LogRecorder log;
+    OpenAttrib never;
+    OpenAttrib closed;
+    closed.DestroyKVTable();
+
+    EXPECT_EQ(never.UnInitKVTableListener(), 1);
+    EXPECT_EQ(closed.UnInitKVTableListener(), 1);
+
+    EXPECT_EQ(log.Take(), Lines{});
+}
+
+TEST(AttribValues, AreWrittenToTheTableInTheirType)
+{
+    Listening<AttribDefBool> flag;
+    Listening<AttribDefInteger> number;
+    Listening<AttribDefFloat> real;
+    Listening<AttribDefFloat2> two;
+    Listening<AttribDefFloat3> three;
+    Listening<AttribDefFloat4> four;
+    Listening<AttribDefString> text;
+
+    flag.SetValue(true);
+    number.SetValue(-3);
+    real.SetValue(0.5f);
+    two.SetValue(Float2{1, 2});
+    three.SetValue(Float3{1, 2, 3});
+    four.SetValue(Float4{1, 2, 3, 4});
+    text.SetValue("words");
+
+    Float2 two2{};
+    Float3 three3{};
+    Float4 four4{};
+    EXPECT_EQ(flag.Table()->GetInt("value"), 1);
+    EXPECT_EQ(flag.ValueType(), Tessel::ValueType_Int);
+    EXPECT_EQ(number.Table()->GetInt("value"), -3);
+    EXPECT_EQ(number.ValueType(), Tessel::ValueType_Int);
+    EXPECT_EQ(real.Table()->GetFloat("value"), 0.5f);
+    EXPECT_EQ(real.ValueType(), Tessel::ValueType_Float);
+    EXPECT_EQ(two.Table()->GetFloat2("value", &two2), 1);
+    EXPECT_EQ(two2.y, 2.0f);
+    EXPECT_EQ(three.Table()->GetFloat3("value", &three3), 1);
+    EXPECT_EQ(three3.z, 3.0f);
+    EXPECT_EQ(four.Table()->GetFloat4("value", &four4), 1);
+    EXPECT_EQ(four4.w, 4.0f);
+    EXPECT_STREQ(text.Table()->GetString("value"), "words");
+    EXPECT_EQ(text.ValueType(), Tessel::ValueType_Text);
+}
+
+TEST(AttribValues, AreReadBackInTheirType)
+{
+    AttribDefInteger number;
+    AttribDefFloat real;
+    AttribDefFloat2 two;
+    AttribDefFloat3 three;
+    AttribDefFloat4 four;
+    number.SetValue(-3);
+    real.SetValue(0.5f);
+    two.SetValue(Float2{1, 2});
+    three.SetValue(Float3{1, 2, 3});
+    four.SetValue(Float4{1, 2, 3, 4});
+
+    int numberOut = 0;
+    float realOut = 0;
+    Float2 twoOut{};
+    Float3 threeOut{};
+    Float4 fourOut{};
+    EXPECT_EQ(number.GetValue(&numberOut), 1);
+    EXPECT_EQ(real.GetValue(&realOut), 1);
+    EXPECT_EQ(two.GetValue(&twoOut), 1);
+    EXPECT_EQ(three.GetValue(&threeOut), 1);
+    EXPECT_EQ(four.GetValue(&fourOut), 1);
+
+    EXPECT_EQ(numberOut, -3);
+    EXPECT_EQ(realOut, 0.5f);
+    EXPECT_EQ(twoOut.y, 2.0f);
+    EXPECT_EQ(threeOut.z, 3.0f);
+    EXPECT_EQ(fourOut.w, 4.0f);
+}
+
+TEST(AttribValues, AreNotReadIntoNull)
+{
+    AttribDefInteger number;
+    AttribDefFloat real;
+    AttribDefFloat2 two;
+    AttribDefFloat3 three;
+    AttribDefFloat4 four;
+
+    EXPECT_EQ(number.GetValue(static_cast<int*>(nullptr)), 0);
+    EXPECT_EQ(real.GetValue(static_cast<float*>(nullptr)), 0);
+    EXPECT_EQ(two.GetValue(static_cast<Float2*>(nullptr)), 0);
+    EXPECT_EQ(three.GetValue(static_cast<Float3*>(nullptr)), 0);
+    EXPECT_EQ(four.GetValue(static_cast<Float4*>(nullptr)), 0);
+}
+
+TEST(AttribValues, OfAnotherTypeAreNeitherReadNorWritten)
+{
+    AttribDefFloat real;
+    real.SetValue(0.5f);
+    int number = 7;
+    bool flag = true;
+
+    real.SetValue(3);
+    real.SetValue(true);
+    real.SetValue("4");
+    real.SetValue(Float2{1, 2});
+
+    EXPECT_EQ(real.GetValue(&number), 0);
+    EXPECT_EQ(real.GetValue(&flag), 0);
+    EXPECT_EQ(number, 7);
+    EXPECT_TRUE(flag);
+    EXPECT_EQ(real.value, 0.5f);
+    EXPECT_EQ(real.GetKVTable()->GetFloat("value"), 0.5f);
+}
+
+TEST(AttribValues, OfABoolCannotBeReadThroughTheAttribute)
+{
+    AttribDefBool flag;
+    flag.SetValue(true);
+    bool out = false;
+
+    EXPECT_EQ(flag.GetValue(&out), 0);
+
+    EXPECT_FALSE(out);
+    EXPECT_TRUE(flag.value);
+}
+
+TEST(AttribValues, OfATextCannotBeReadThroughTheAttribute)
+{
+    AttribDefString text;
+    text.SetValue("words");
+    const char target[] = "target";
+
+    EXPECT_EQ(text.GetValue(target), 0);
+
+    EXPECT_STREQ(target, "target");
+}
+
+TEST(AttribValues, OfATextStartEmptyWithTheirCapacity)
+{
+    const AttribDefString text;
+
+    EXPECT_STREQ(text.buffer, "");
+    EXPECT_EQ(sizeof(text.buffer), 1024u);
+    EXPECT_EQ(text.capacity, 0x400u);
+    EXPECT_EQ(text.unused, nullptr);
+    EXPECT_EQ(text.GetKVTable()->FindValue("value"), nullptr);
+}
+
+TEST(AttribValues, OfATextOf1024CharactersLeaveTheOldOne)
+{
+    AttribDefString text;
+    text.SetValue(std::string(1023, 'a').c_str());
+
+    text.SetValue(std::string(1024, 'b').c_str());
+    text.SetValue(static_cast<const char*>(nullptr));
+
+    EXPECT_EQ(text.buffer, std::string(1023, 'a'));
+    EXPECT_EQ(text.GetKVTable()->GetString("value"), std::string(1023, 'a'));
+}
+
+TEST(AttribValues, OfATextClearTheWholeBuffer)
+{
+    AttribDefString text;
+    text.SetValue("a longer text");
+
+    text.SetValue("short");
+
+    EXPECT_EQ(std::string(text.buffer, sizeof(text.buffer)),
+              "short" + std::string(sizeof(text.buffer) - 5, '\0'));
+}
+
+TEST(AttribValues, OfATextMayLieInItsOwnBuffer)
+{
+    AttribDefString text;
+    text.SetValue("a longer text");
+
+    text.SetValue(text.buffer + 2);
+
+    EXPECT_STREQ(text.buffer, "longer text");
+}
+
+TEST(AttribValues, AreWrittenOnceAndDoNotComeBack)
+{
+    Listening<AttribDefInteger> number;
+    const WriteCounter writes(number.Table());
+
+    number.SetValue(5);
+
+    EXPECT_EQ(writes.count, 1);
+    EXPECT_EQ(number.syncState, 0);
+}
+
+TEST(AttribValues, AreStoredButNotWrittenWhileTheAttributeWrites)
+{
+    Listening<AttribDefInteger> number;
+    number.SetValue(5);
+
+    number.syncState = 2;
+    number.SetValue(6);
+
+    EXPECT_EQ(number.value, 6);
+    EXPECT_EQ(number.Table()->GetInt("value"), 5);
+}
+
+TEST(AttribListener, TakesAnIntOfATool)
+{
+    Listening<AttribDefInteger> number;
+
+    number.Table()->SetInt("value", -9, 1);
+
+    EXPECT_EQ(number.value, -9);
+    EXPECT_EQ(number.syncState, 0);
+}
+
+TEST(AttribListener, TakesAnUnsignedOfAToolAndWritesItBackAsAnInt)
+{
+    Listening<AttribDefInteger> number;
+
+    number.Table()->SetUInt("value", 0xffffffffu, 1);
+
+    EXPECT_EQ(number.value, -1);
+    EXPECT_EQ(number.ValueType(), Tessel::ValueType_Int);
+}
+
+TEST(AttribListener, WritesAToolsValueBackOnce)
+{
+    Listening<AttribDefInteger> number;
+    const WriteCounter writes(number.Table());
+
+    number.Table()->SetInt("value", 4, 1);
+
+    EXPECT_EQ(writes.count, 2);
+}
+
+TEST(AttribListener, TakesAnIntOfAToolAsABool)
+{
+    Listening<AttribDefBool> flag;
+
+    flag.Table()->SetInt("value", 5, 1);
+    EXPECT_TRUE(flag.value);
+    EXPECT_EQ(flag.Table()->GetInt("value"), 1);
+    flag.Table()->SetInt("value", 0, 1);
+    EXPECT_FALSE(flag.value);
+}
+
+TEST(AttribListener, TakesNoUnsignedOfAToolAsABool)
+{
+    Listening<AttribDefBool> flag;
+
+    flag.Table()->SetUInt("value", 1, 1);
+
+    EXPECT_FALSE(flag.value);
+    EXPECT_EQ(flag.Table()->GetUInt("value"), 1u);
+    EXPECT_EQ(flag.ValueType(), Tessel::ValueType_UInt);
+}
+
+TEST(AttribListener, TakesAFloatOfATool)
+{
+    Listening<AttribDefFloat> real;
+
+    real.Table()->SetFloat("value", 2.5f, 1);
+
+    EXPECT_EQ(real.value, 2.5f);
+}
+
+TEST(AttribListener, TakesVectorsOfTwoAndThreeFloatsOfATool)
+{
+    Listening<AttribDefFloat2> two;
+    Listening<AttribDefFloat3> three;
+    const Float2 twoFloats{1, 2};
+    const Float3 threeFloats{1, 2, 3};
+
+    two.Table()->SetFloat2("value", &twoFloats, 1);
+    three.Table()->SetFloat3("value", &threeFloats, 1);
+
+    EXPECT_EQ(two.value.x, 1.0f);
+    EXPECT_EQ(two.value.y, 2.0f);
+    EXPECT_EQ(three.value.x, 1.0f);
+    EXPECT_EQ(three.value.z, 3.0f);
+}
+
+TEST(AttribListener, LeavesFourFloatsOfAToolInTheTreeAlone)
+{
+    Listening<AttribDefFloat4> four;
+    four.SetValue(Float4{1, 2, 3, 4});
+    const Float4 fromTool{5, 6, 7, 8};
+
+    four.Table()->SetFloat4("value", &fromTool, 1);
+
+    Float4 inTree{};
+    EXPECT_EQ(four.value.x, 1.0f);
+    EXPECT_EQ(four.value.w, 4.0f);
+    EXPECT_EQ(four.Table()->GetFloat4("value", &inTree), 1);
+    EXPECT_EQ(inTree.w, 8.0f);
+}
+
+TEST(AttribListener, TakesATextOfAToolUpTo1023Characters)
+{
+    Listening<AttribDefString> text;
+
+    text.Table()->SetString("value", std::string(1023, 'a').c_str(), 1);
+    EXPECT_EQ(text.buffer, std::string(1023, 'a'));
+    text.Table()->SetString("value", std::string(1024, 'b').c_str(), 1);
+
+    EXPECT_EQ(text.buffer, std::string(1023, 'a'));
+    EXPECT_EQ(text.Table()->GetString("value"), std::string(1024, 'b'));
+}
+
+TEST(AttribListener, LeavesValuesOfAnotherTypeInTheTreeAlone)
+{
+    Listening<AttribDefInteger> number;
+    Listening<AttribDefFloat> real;
+    number.SetValue(5);
+    real.SetValue(5.0f);
+
+    number.Table()->SetFloat("value", 7.5f, 1);
+    real.Table()->SetInt("value", 7, 1);
+
+    EXPECT_EQ(number.value, 5);
+    EXPECT_EQ(number.Table()->GetFloat("value"), 7.5f);
+    EXPECT_EQ(real.value, 5.0f);
+    EXPECT_EQ(real.ValueType(), Tessel::ValueType_Int);
+}
+
+TEST(AttribListener, HearsOfNoOtherKey)
+{
+    Listening<AttribDefInteger> number;
+    number.SetValue(5);
+
+    number.Table()->SetInt("type", 7, 1);
+    number.Table()->SetInt("Value", 7, 1);
+
+    EXPECT_EQ(number.value, 5);
+}
+
+TEST(AttribListener, HearsNothingAfterItStoppedListening)
+{
+    Listening<AttribDefInteger> number;
+
+    EXPECT_EQ(number.UnInitKVTableListener(), 1);
+    number.Table()->SetInt("value", 7, 1);
+
+    EXPECT_EQ(number.value, 0);
+}
+
+TEST(AttribListener, LeavesTheListenersOfOthersWhenItStops)
+{
+    Listening<AttribDefInteger> number;
+    const WriteCounter writes(number.Table());
+
+    number.UnInitKVTableListener();
+    number.Table()->SetInt("value", 7, 1);
+
+    EXPECT_EQ(writes.count, 1);
+}
+
+TEST(AttribListener, ActsOnAChangedValueOnlyAndNotWhileItWrites)
+{
+    Listening<AttribDefInteger> number;
+    const Tessel::KVTable source = Tessel::CreateTable("source");
+    source->SetInt("value", 7, 1);
+
+    number.OnAttribValueModified(Tessel::opResult_None, source, "value");
+    number.OnAttribValueModified(static_cast<Tessel::opResult>(2), source, "value");
+    EXPECT_EQ(number.value, 0);
+    number.syncState = 2;
+    number.OnAttribValueModified(Tessel::opResult_ValueChanged, source, "value");
+    EXPECT_EQ(number.value, 0);
+    number.syncState = 0;
+    number.OnAttribValueModified(Tessel::opResult_ValueChanged, source, "value");
+
+    EXPECT_EQ(number.value, 7);
+    EXPECT_EQ(number.Table()->GetInt("value"), 7);
+    Tessel::CloseTable(source);
+}
+
+TEST(AttribListener, SurvivesATableThatIsNullAndAKeyThatIsNotThere)
+{
+    Listening<AttribDefInteger> number;
+
+    number.OnAttribValueModified(Tessel::opResult_ValueChanged, {}, "value");
+    number.OnAttribValueModified(Tessel::opResult_ValueChanged, number.Table(), "missing");
+    number.OnAttribValueModified(Tessel::opResult_ValueChanged, number.Table(), nullptr);
+
+    EXPECT_EQ(number.value, 0);
+}
+
+TEST(AttribListener, CarriesAWriteInTheTreeToTheCurrentState)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10).Node(
+        Generic("Stand", 10)
+            .Set(JSON_Attributes, Json::Array({Attribute("weight", "double", 1.0),
+                                               Attribute("label", "QString", "old")})));
+    TestMachine machine(document);
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    const Tessel::KVTable tables =
+        machine.kvTable->GetTable("nodeDefTable")->GetTable("10")->GetTable("attribs");
+
+    tables->GetTable("weight")->SetFloat("value", 3.5f, 1);
+    tables->GetTable("label")->SetString("value", "new", 1);
+
+    float weight = 0;
+    const char* label = nullptr;
+    EXPECT_EQ(machine.GetCurrentState()->GetAttrib("weight", &weight), 1);
+    EXPECT_EQ(weight, 3.5f);
+    EXPECT_EQ(machine.GetAttributeValue("label", &label), 1);
+    EXPECT_STREQ(label, "new");
+    EXPECT_EQ(machine.SetAttribValue("label", "host"), 1);
+    EXPECT_STREQ(tables->GetTable("label")->GetString("value"), "host");
+}
+
+TEST(AttribListener, AsksNothingOfAnAttributeThatDoesNotExist)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10).Node(
+        Generic("Stand", 10).Set(JSON_Attributes, Json::Array({Attribute("flag", "bool", true)})));
+    TestMachine machine(document);
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    log.Clear();
+    int value = 5;
+    bool flag = false;
+
+    EXPECT_EQ(machine.SetAttribValue("none", static_cast<void*>(&value)), 0);
+    EXPECT_EQ(machine.GetCurrentState()->SetAttrib("none", static_cast<void*>(&value)), 0);
+    EXPECT_EQ(machine.GetCurrentState()->GetAttrib("none", static_cast<void*>(&value)), 1);
+    EXPECT_EQ(machine.GetCurrentState()->GetAttrib("flag", static_cast<void*>(&flag)), 1);
+
+    EXPECT_EQ(value, 5);
+    EXPECT_TRUE(flag);
+    EXPECT_EQ(log.Take(), Lines{});
+}
+
+} // namespace vell::test
