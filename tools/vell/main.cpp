@@ -46,6 +46,10 @@ int main(int argc, char** argv)
     try
     {
         std::ios::sync_with_stdio(false);
+        if (isatty(STDOUT_FILENO) != 0)
+        {
+            std::cout << std::unitbuf; // a person reads along
+        }
         return vell::tool::RunCommandLine(argc, argv, std::cout, errors,
                                           isatty(STDERR_FILENO) != 0);
     }
