@@ -18,7 +18,7 @@ namespace vell::test
 /// Notes each call: "NAME 3 TRANSITION PREVIOUS NEXT" for a state change, "NAME 5 CLIP FLAG RATE"
 /// for an animation, "NAME EVENT" for others and for null records. Then runs `then`, if there is
 /// one.
-class HostListener : public IBroadcastListener
+class HostListener final : public IBroadcastListener
 {
 public:
     HostListener(Lines& notes, std::string listenerName)
