@@ -1,0 +1,243 @@
+// VELL: data-driven hierarchical state machines.
+// tests/host/FactoriesTest.cpp: what the exported functions give and write.
+#include <vell/vell.h>
+
+#include "tests/support/DocumentBuilder.h"
+#include "tests/support/TempFile.h"
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+#include <memory>
+#include <regex>
+#include <string>
+#include <vector>
+
+namespace vell::test
+{
+namespace
+{
+
+using Machine = std::unique_ptr<IHSM>;
+
+struct Line
+{
+    int level;
+    std::string text;
+
+    bool operator==(const Line& other) const
+    {
+        return level == other.level && text == other.text;
+    }
+};
+
+std::vector<Line> heard;
+
+void Hear(int level, const char* text)
+{
+    heard.push_back({level, text});
+}
+
+/// What was written to both streams while `call` ran.
+struct Written
+{
+    std::string output;
+    std::string error;
+};
+
+template <class Call>
+Written Capture(Call call)
+{
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    call();
+    return {testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
+}
+
+std::string WithoutLineNumbers(const std::string& text)
+{
+    return std::regex_replace(text, std::regex(" at [0-9]+ in "), " at # in ");
+}
+
+std::string SmallDocument()
+{
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10));
+    return document.Text();
+}
+
+const std::string kParseError =
+    "[ERROR]\t: JSON file has errors, please run a validator on it and correct issues: ";
+const std::string kCreateFailed = "[ERROR]\t: ERROR_BREAK(0) at # in vell::HSM::Create\n";
+
+/// Takes the callback away again.
+class Factories : public testing::Test
+{
+protected:
+    Factories()
+    {
+        heard.clear();
+    }
+    ~Factories() override
+    {
+        SetLogCallBackBase(nullptr);
+    }
+};
+
+} // namespace
+
+TEST_F(Factories, GiveAMachineAlsoForAMissingFile)
+{
+    Machine machine;
+
+    const Written written = Capture(
+        [&machine]
+        {
+            machine.reset(CreateHSM("/no/such/file.json", "unused"));
+        });
+
+    ASSERT_NE(machine, nullptr);
+    EXPECT_EQ(WithoutLineNumbers(written.error), kParseError + "1\n" + kCreateFailed);
+    EXPECT_EQ(written.output, "");
+    Capture(
+        [&machine]
+        {
+            EXPECT_EQ(machine->Init(), 0);
+        });
+}
+
+TEST_F(Factories, GiveAMachineAlsoForAMalformedText)
+{
+    Machine machine;
+
+    const Written written = Capture(
+        [&machine]
+        {
+            machine.reset(CreateHSMJson("{\"a\":1,}"));
+        });
+
+    ASSERT_NE(machine, nullptr);
+    EXPECT_EQ(WithoutLineNumbers(written.error), kParseError + "0\n" + kCreateFailed);
+}
+
+TEST_F(Factories, GiveAMachineAlsoForNull)
+{
+    Capture(
+        []
+        {
+            EXPECT_NE(Machine(CreateHSM(nullptr, nullptr)), nullptr);
+            EXPECT_NE(Machine(CreateHSMJson(nullptr)), nullptr);
+        });
+}
+
+TEST_F(Factories, ReadTheSameDocumentFromAFileAndFromText)
+{
+    const TempFile file(SmallDocument());
+    for (const bool fromFile : {true, false})
+    {
+        Machine machine;
+
+        const Written written = Capture(
+            [&]
+            {
+                machine.reset(fromFile ? CreateHSM(file.Path(), nullptr)
+                                       : CreateHSMJson(SmallDocument().c_str()));
+                EXPECT_EQ(machine->Init(), 1);
+                machine->Start();
+            });
+
+        EXPECT_EQ(written.error.find("ERROR_BREAK"), std::string::npos);
+        ASSERT_NE(machine->GetCurrentState(), nullptr);
+        EXPECT_EQ(machine->GetCurrentState()->GetID(), 10u);
+        EXPECT_STREQ(machine->GetKVTable()->GetString("filename"),
+                     fromFile ? file.Path() : nullptr);
+    }
+}
+
+TEST_F(Factories, WriteToStandardOutputWhenACallbackIsSet)
+{
+    const Written written = Capture(
+        []
+        {
+            SetLogCallBack(Hear);
+        });
+
+    EXPECT_EQ(written.output, "Callback being setup\n");
+    EXPECT_EQ(written.error, "");
+    EXPECT_TRUE(heard.empty());
+}
+
+TEST_F(Factories, WriteToStandardOutputAlsoWhenTheCallbackIsTakenAway)
+{
+    const Written written = Capture(
+        []
+        {
+            SetLogCallBack(Hear);
+            SetLogCallBack(nullptr);
+            Machine(CreateHSMJson("{"));
+        });
+
+    EXPECT_EQ(written.output, "Callback being setup\nCallback being setup\n");
+    EXPECT_EQ(WithoutLineNumbers(written.error), kParseError + "0\n" + kCreateFailed);
+    EXPECT_TRUE(heard.empty());
+}
+
+TEST_F(Factories, LetTheCallbackHearEveryLineOfStandardErrorAndItsLevel)
+{
+    const Written written = Capture(
+        []
+        {
+            SetLogCallBack(Hear);
+            const Machine machine(CreateHSMJson(SmallDocument().c_str()));
+            machine->Init();
+            machine->Start();
+        });
+
+    std::string all;
+    for (const Line& line : heard)
+    {
+        all += line.text;
+    }
+    EXPECT_EQ(all, written.error);
+    ASSERT_GE(heard.size(), 2u);
+    EXPECT_EQ(heard[0], (Line{9, "\n\nImporting HSM layers\n"}));
+    EXPECT_EQ(heard.back().level, 6);
+}
+
+TEST_F(Factories, WriteToStandardErrorBeforeACallbackIsSet)
+{
+    const Written written = Capture(
+        []
+        {
+            Machine(CreateHSMJson("{"));
+        });
+
+    EXPECT_EQ(WithoutLineNumbers(written.error), kParseError + "0\n" + kCreateFailed);
+}
+
+TEST_F(Factories, ForwardALineOfTheHostsToTheCallbackAlone)
+{
+    const Written written = Capture(
+        []
+        {
+            SetLogCallBack(Hear);
+            LogImpl(8, "from a script");
+        });
+
+    EXPECT_EQ(heard, (std::vector<Line>{{8, "from a script"}}));
+    EXPECT_EQ(written.error, "");
+}
+
+TEST_F(Factories, AreExportedUnderTheirPlainNames)
+{
+    for (const char* name :
+         {"CreateHSM", "CreateHSMJson", "SetLogCallBack", "LogImpl", "SetLogCallBackBase"})
+    {
+        EXPECT_NE(dlsym(RTLD_DEFAULT, name), nullptr) << name;
+    }
+    EXPECT_EQ(dlsym(RTLD_DEFAULT, "CreateHSMJson"), reinterpret_cast<void*>(&vell::CreateHSMJson));
+    EXPECT_EQ(&::CreateHSMJson, &vell::CreateHSMJson);
+    EXPECT_EQ(&::SetLogCallBack, &vell::SetLogCallBack);
+}
+
+} // namespace vell::test
