@@ -1,0 +1,99 @@
+// VELL: data-driven hierarchical state machines.
+// tests/states/GlobalStateTest.cpp: the state that stands on no stack.
+#include "tests/support/Scene.h"
+
+#include "definitions/GlobalDef.h"
+#include "states/EnterState.h"
+#include "states/GlobalState.h"
+
+#include <gtest/gtest.h>
+
+namespace vell::test
+{
+namespace
+{
+
+DocumentBuilder GlobalDocument()
+{
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10)).GlobalNode(Global("Global", 50));
+    return document;
+}
+
+} // namespace
+
+TEST(GlobalState, UninitForgetsTheTypedDefinition)
+{
+    LogRecorder log;
+    GlobalDef def;
+    GlobalState state;
+    state.Init(&def);
+
+    EXPECT_EQ(state.Uninit(), 1);
+
+    EXPECT_EQ(state.typedDef, nullptr);
+    EXPECT_EQ(state.GetDef(), &def);
+}
+
+TEST(GlobalState, IsActivatedByTheFirstStartAndNeitherEnteredNorPushed)
+{
+    Scene scene(GlobalDocument());
+
+    scene.machine.Start();
+
+    EXPECT_EQ(scene.log.Take(),
+              Activated("Global", 50, "-") + Activated("Stand", 10, "-") + Entered("Stand"));
+    EXPECT_EQ(scene.machine.globalState, scene.machine.FindState(50));
+    EXPECT_EQ(scene.machine.MainStack(), "Stand");
+
+    scene.machine.Start();
+
+    EXPECT_EQ(scene.log.Take(), Activated("Stand", 10, "-") + Entered("Stand"));
+}
+
+TEST(GlobalState, WithoutTransitionsNeverStartsABlipAndRunsNoAction)
+{
+    Scene scene(GlobalDocument());
+    scene.Run(0);
+
+    EXPECT_EQ(scene.Tick(), Lines{"Stand execution 0.5"});
+    EXPECT_EQ(scene.Tick(), Lines{"Stand execution 0.5"});
+
+    EXPECT_FALSE(scene.machine.IsBlipState());
+}
+
+TEST(GlobalState, MissesWhenItsClassRefusesTheDefinitionAndTheMachineRunsOn)
+{
+    Scene scene(GlobalDocument());
+    scene.machine.RegisterState(DURMBaseLib::BUILDER_Global, EnterState::Create);
+
+    scene.machine.Start();
+
+    EXPECT_EQ(scene.log.Take(),
+              (Lines{ErrorBreak("vell::EnterState::Init"), ErrorBreak("vell::EnterState::Init"),
+                     ErrorBreak("vell::HSM::ActivateState"), NotActivated(50)}) +
+                  Activated("Stand", 10, "-") + Entered("Stand"));
+    EXPECT_EQ(scene.machine.globalState, nullptr);
+    EXPECT_EQ(scene.Tick(), Lines{"Stand execution 0.5"});
+}
+
+TEST(GlobalState, IsTestedOnAnEmptyMainStack)
+{
+    DocumentBuilder document;
+    document.Start(10)
+        .Parameter(PulseParameter("hit"))
+        .Nodes({Generic("Stand", 10), Generic("Hurt", 11)})
+        .Node(Transition("ToHurt", 100, 50, 11, {Holds("hit")}))
+        .GlobalNode(Global("Global", 50, {100}));
+    Scene scene(document);
+    scene.Run(0);
+    scene.machine.PopState();
+    scene.log.Clear();
+
+    EXPECT_EQ(scene.TickWith("hit"), Fired("Global", 100) + Lines{"6 State Blip: Global"} +
+                                         Activated("Hurt", 11, "-") + Entered("Hurt") +
+                                         Lines{"Hurt execution 0.5"});
+    EXPECT_EQ(scene.machine.blipStackLevel, -1);
+}
+
+} // namespace vell::test
