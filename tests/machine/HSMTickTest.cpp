@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -50,6 +51,31 @@ public:
         return 0;
     }
 };
+
+/// A state that pops `kPops` states in its update.
+template <int kPops>
+class PoppingState : public SMState
+{
+public:
+    int Update(HSM* machine, float) override
+    {
+        for (int i = 0; i < kPops; ++i)
+        {
+            machine->PopState();
+        }
+        return 1;
+    }
+};
+
+/// The states Low (10) and Mid (11), and Top (12) of the test's own builder number.
+DocumentBuilder PoppingDocument()
+{
+    DocumentBuilder document;
+    document.Start(10)
+        .Parameter(PulseParameter("go"))
+        .Nodes({Generic("Low", 10), Generic("Mid", 11), Node(kOwnBuilder, "Top", 12)});
+    return document;
+}
 
 } // namespace
 
@@ -190,6 +216,33 @@ TEST(HSMTick, ResetsParametersInAscendingIdAfterTheWalk)
     EXPECT_EQ(scene.Tick(), expected);
     ParameterDef* kept = scene.machine.GetParameterTable()->FindParameter("kept");
     EXPECT_EQ(dynamic_cast<ParameterFloatDef*>(kept)->GetValue(), 3.0f);
+}
+
+TEST(HSMTick, GoesOnBelowAStateThatPoppedItself)
+{
+    Scene scene(PoppingDocument(), MakeState<PoppingState<1>>);
+    scene.Run(0);
+    scene.machine.PushState(11u);
+    scene.machine.PushState(12u);
+    scene.log.Clear();
+
+    EXPECT_EQ(scene.Tick(), Left("Top") + (Lines{"Mid execution 0.5", "Low execution 0.5"}));
+}
+
+TEST(HSMTick, LeavesByTheExceptionWhenTheStackShrinksBelowTheWalkAndResetsNothing)
+{
+    Scene scene(PoppingDocument(), MakeState<PoppingState<2>>);
+    scene.Run(0);
+    scene.machine.PushState(11u);
+    scene.machine.PushState(12u);
+    scene.machine.SetBool("go", true);
+    scene.log.Clear();
+
+    EXPECT_THROW(scene.machine.Update(0.5f), std::out_of_range);
+
+    EXPECT_EQ(scene.log.Take(), Left("Top") + Left("Mid"));
+    EXPECT_TRUE(BoolValue(scene.machine, "go"));
+    EXPECT_EQ(scene.Tick(), Lines{"Low execution 0.5"});
 }
 
 TEST(UpdateState, RefusesANullStateAndANullRecord)

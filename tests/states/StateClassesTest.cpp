@@ -26,22 +26,22 @@ struct NameOf;
 template <>
 struct NameOf<EnterState>
 {
-    static constexpr const char* text = "vell::EnterState::";
+    static constexpr const char* text = "EnterState";
 };
 template <>
 struct NameOf<ExitState>
 {
-    static constexpr const char* text = "vell::ExitState::";
+    static constexpr const char* text = "ExitState";
 };
 template <>
 struct NameOf<GlobalState>
 {
-    static constexpr const char* text = "vell::GlobalState::";
+    static constexpr const char* text = "GlobalState";
 };
 template <>
 struct NameOf<SubstateState>
 {
-    static constexpr const char* text = "vell::SubstateState::";
+    static constexpr const char* text = "SubstateState";
 };
 
 /// Reaches the id that a factory stored.
@@ -56,12 +56,22 @@ class StateClass : public testing::Test
 protected:
     static std::string In(const char* operation)
     {
-        return ErrorBreak(std::string(NameOf<State>::text) + operation);
+        return ErrorBreak(std::string("vell::") + NameOf<State>::text + "::" + operation);
+    }
+};
+
+/// Names the tests of a class by the class.
+struct ClassNames
+{
+    template <class State>
+    static std::string GetName(int)
+    {
+        return NameOf<State>::text;
     }
 };
 
 using AllClasses = testing::Types<EnterState, ExitState, GlobalState, SubstateState>;
-TYPED_TEST_SUITE(StateClass, AllClasses);
+TYPED_TEST_SUITE(StateClass, AllClasses, ClassNames);
 
 template <class Pair>
 class TypedState : public testing::Test
@@ -75,9 +85,18 @@ struct Pair
     using Def = D;
 };
 
+struct PairNames
+{
+    template <class Pair>
+    static std::string GetName(int)
+    {
+        return NameOf<typename Pair::State>::text;
+    }
+};
+
 using TypedPairs = testing::Types<Pair<EnterState, EnterDef>, Pair<ExitState, ExitDef>,
                                   Pair<GlobalState, GlobalDef>>;
-TYPED_TEST_SUITE(TypedState, TypedPairs);
+TYPED_TEST_SUITE(TypedState, TypedPairs, PairNames);
 
 } // namespace
 
