@@ -24,7 +24,10 @@ int HSM::CreateKVTable()
         ERROR_BREAK(InitKVTable_ContextTable());
         // Required: a machine without a parameter table is refused here; its document lacks the
         // member.
-        ERROR_BREAK(InitKVTable_ParameterTable());
+        if (parameterTable == nullptr || parameterTable->GetKVTable())
+        {
+            ERROR_BREAK(InitKVTable_ParameterTable());
+        }
         if (nodeDefTable != nullptr && nodeDefTable->kvTable)
         {
             ERROR_BREAK(InitKVTable_NodeDefTable());
@@ -95,7 +98,7 @@ Tessel::KVTable HSM::GetContextTable() const
 int HSM::GetCurrentStackTable(Tessel::KVTable* out)
 {
     const bool isMain = currentStack == &stateStack;
-    if (!isMain && currentStack != &blipStack)
+    if (out == nullptr || (!isMain && currentStack != &blipStack))
     {
         return 0;
     }
@@ -106,6 +109,10 @@ int HSM::GetCurrentStackTable(Tessel::KVTable* out)
 
 int HSM::UpdateKVTable_OnPushState(SMState* state)
 {
+    if (state == nullptr)
+    {
+        return 0;
+    }
     Tessel::KVTable stack;
     const unsigned int id = state->GetID();
     if (!GetCurrentStackTable(&stack) || !stack)
