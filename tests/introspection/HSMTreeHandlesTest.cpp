@@ -1,0 +1,456 @@
+// VELL: data-driven hierarchical state machines.
+// tests/introspection/HSMTreeHandlesTest.cpp: handles that outlive their tables, and what is left.
+#include "tests/introspection/RichDocument.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/TestMachine.h"
+#include "tests/support/TreeLines.h"
+
+#include <vell/AttribBase.h>
+#include <vell/Factories.h>
+#include <vell/IBaseDef.h>
+#include <vell/IParameterTable.h>
+#include <vell/Parameters.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace vell::test
+{
+namespace
+{
+
+using MachinePointer = std::unique_ptr<IHSM>;
+
+std::string ParameterPath(const std::string& name)
+{
+    return "parameterTable/" + std::to_string(ParameterId(name));
+}
+
+/// Paths of tables of every kind, as the rich document makes them, and a run-time parameter.
+std::vector<std::string> KeptPaths()
+{
+    return {"",
+            "contextInfo",
+            "contextInfo/stackStates",
+            "contextInfo/stackBlip",
+            "parameterTable",
+            ParameterPath("count"),
+            ParameterPath("count") + "/attribs",
+            ParameterPath("late"),
+            "nodeDefTable",
+            "nodeDefTable/10",
+            "nodeDefTable/10/attribs",
+            "nodeDefTable/10/attribs/steps",
+            "nodeDefTable/100",
+            "nodeDefTable/50"};
+}
+
+/// What a tool sees of a table, and what becomes of a try to write.
+Lines Answers(Tessel::KVTable table)
+{
+    const char* name = Tessel::GetTableName(table);
+    return {std::string("name ") + (name == nullptr ? "(null)" : name),
+            "keys " + std::to_string(table->GetKeyCount()),
+            "elements " + std::to_string(table->GetCount()),
+            "id " + std::to_string(table->GetUInt("id")),
+            table->FindValue("value") == nullptr ? "no value" : "value",
+            table->GetTable("attribs") ? "child" : "no child",
+            "write " + std::to_string(table->SetInt("value", 1, 1)),
+            "push " + std::to_string(table->PushUInt(1, 1)),
+            table->GetValueListener("value") == nullptr ? "no listener" : "listener",
+            table->AddTable("new", 1) ? "added" : "not added"};
+}
+
+const Lines kClosedAnswers{"name (null)", "keys 0",  "elements 0", "id 0",        "no value",
+                           "no child",    "write 0", "push 0",     "no listener", "not added"};
+
+class HSMTreeHandles : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        text = RichDocument().Text();
+        machine.reset(CreateHSMJson(text.c_str()));
+        ASSERT_EQ(machine->Init(), 1);
+        IParameterIntDef* late = nullptr;
+        ASSERT_EQ(machine->GetParameterTable()->CreateIntParameter("late", 1, &late), 1);
+        machine->Start();
+        for (const std::string& path : KeptPaths())
+        {
+            kept.push_back(TableAt(machine->GetKVTable(), path));
+            ASSERT_NE(Tessel::GetTableName(kept.back()), nullptr) << path;
+        }
+    }
+
+    void ExpectClosed()
+    {
+        for (std::size_t i = 0; i < kept.size(); ++i)
+        {
+            EXPECT_TRUE(static_cast<bool>(kept[i]));
+            EXPECT_EQ(Answers(kept[i]), kClosedAnswers) << KeptPaths()[i];
+        }
+    }
+
+    LogRecorder log;
+    std::string text;
+    MachinePointer machine;
+    std::vector<Tessel::KVTable> kept;
+};
+
+/// Gives how many tables are open after `life` that were not before, with the log kept quiet.
+int LeftOpen(const std::function<void()>& life)
+{
+    LogRecorder log;
+    const unsigned before = Tessel::GetOpenTableCount();
+    life();
+    return static_cast<int>(Tessel::GetOpenTableCount()) - static_cast<int>(before);
+}
+
+/// Makes a machine from `text`, takes it as far as it goes, and deletes it without Uninit.
+void LiveWithoutUninit(const std::string& text)
+{
+    const MachinePointer machine(CreateHSMJson(text.c_str()));
+    if (machine->Init() == 0)
+    {
+        return;
+    }
+    machine->Start();
+    machine->Update(0.1f);
+}
+
+DocumentBuilder OneNode()
+{
+    DocumentBuilder document;
+    document.Start(10)
+        .Parameter(FloatParameter("speed", 0.5))
+        .Node(Generic("Idle", 10)
+                  .Set(JSON_Attributes, Json::Array({Attribute("surface", "QString", "stone")})));
+    return document;
+}
+
+} // namespace
+
+TEST_F(HSMTreeHandles, AnswerNothingAfterTheMachineIsDeleted)
+{
+    machine->Uninit();
+    machine->Destroy();
+    machine.reset();
+
+    ExpectClosed();
+}
+
+TEST_F(HSMTreeHandles, AnswerNothingAfterTheMachineIsDeletedWithoutUninit)
+{
+    machine.reset();
+
+    ExpectClosed();
+}
+
+TEST_F(HSMTreeHandles, NeverReachATableThatWasMadeLater)
+{
+    machine.reset();
+    MachinePointer second(CreateHSMJson(text.c_str()));
+    ASSERT_EQ(second->Init(), 1);
+    const Lines tree = TreeLines(second->GetKVTable());
+
+    ExpectClosed();
+
+    EXPECT_EQ(TreeLines(second->GetKVTable()), tree);
+}
+
+TEST_F(HSMTreeHandles, MayBeClosedByATool)
+{
+    machine.reset();
+
+    for (const Tessel::KVTable handle : kept)
+    {
+        Tessel::CloseTable(handle);
+        Tessel::CloseTable(handle);
+    }
+
+    ExpectClosed();
+}
+
+TEST_F(HSMTreeHandles, AnswerNothingAfterUninitButForAttributesAndTheNodeTable)
+{
+    machine->Uninit();
+
+    const std::vector<std::string> paths = KeptPaths();
+    Lines open;
+    for (std::size_t i = 0; i < kept.size(); ++i)
+    {
+        if (Tessel::GetTableName(kept[i]) != nullptr)
+        {
+            open.push_back(paths[i]);
+            continue;
+        }
+        EXPECT_EQ(Answers(kept[i]), kClosedAnswers) << paths[i];
+    }
+    EXPECT_EQ(open, (Lines{"nodeDefTable", "nodeDefTable/10/attribs/steps"}));
+}
+
+TEST_F(HSMTreeHandles, OfTheNodeTableShowItsTextsAndNoNodeAfterUninit)
+{
+    Tessel::KVTable nodes = TableAt(machine->GetKVTable(), "nodeDefTable");
+
+    machine->Uninit();
+
+    EXPECT_STREQ(nodes->GetString("hsmID"), "guid-of-the-test");
+    EXPECT_FALSE(static_cast<bool>(nodes->GetTable("10")));
+}
+
+TEST_F(HSMTreeHandles, OfAnAttributeTakeAWriteThatReachesNobodyAfterUninit)
+{
+    Tessel::KVTable steps = TableAt(machine->GetKVTable(), "nodeDefTable/10/attribs/steps");
+
+    machine->Uninit();
+
+    EXPECT_EQ(steps->GetInt("value"), -4);
+    EXPECT_EQ(steps->SetInt("value", 5, 1), 1);
+    EXPECT_EQ(steps->SetString("value", "five", 1), 1);
+    EXPECT_STREQ(steps->GetString("value"), "five");
+}
+
+TEST_F(HSMTreeHandles, AreNotClearedInTheMachineByUninit)
+{
+    const Tessel::KVTable root = machine->GetKVTable();
+
+    machine->Uninit();
+
+    EXPECT_EQ(machine->GetKVTable(), root);
+    EXPECT_EQ(Answers(machine->GetKVTable()), kClosedAnswers);
+}
+
+TEST(HSMTreeTables, AreAllClosedAfterTheOrderlyEnd)
+{
+    const std::string text = RichDocument().Text();
+
+    EXPECT_EQ(LeftOpen(
+                  [&]
+                  {
+                      const MachinePointer machine(CreateHSMJson(text.c_str()));
+                      ASSERT_EQ(machine->Init(), 1);
+                      machine->Start();
+                      machine->Update(0.1f);
+                      machine->Uninit();
+                      machine->Destroy();
+                  }),
+              0);
+}
+
+TEST(HSMTreeTables, AreAllClosedWhenUninitWasNeverCalled)
+{
+    EXPECT_EQ(LeftOpen(
+                  [&]
+                  {
+                      LiveWithoutUninit(RichDocument().Text());
+                  }),
+              0);
+}
+
+TEST(HSMTreeTables, AreAllClosedWhenUninitWasCalledTwice)
+{
+    EXPECT_EQ(LeftOpen(
+                  []
+                  {
+                      TestMachine machine(RichDocument());
+                      ASSERT_EQ(machine.Init(), 1);
+                      machine.Uninit();
+                      machine.Uninit();
+                  }),
+              0);
+}
+
+TEST(HSMTreeTables, AreAllClosedWhenInitWasCalledTwice)
+{
+    EXPECT_EQ(LeftOpen(
+                  []
+                  {
+                      const std::string text = RichDocument().Text();
+                      const MachinePointer machine(CreateHSMJson(text.c_str()));
+                      ASSERT_EQ(machine->Init(), 1);
+                      EXPECT_EQ(machine->Init(), 0);
+                  }),
+              0);
+}
+
+TEST(HSMTreeTables, AreAllClosedWhenTheMachineWasNeverInitialised)
+{
+    EXPECT_EQ(LeftOpen(
+                  []
+                  {
+                      const std::string text = RichDocument().Text();
+                      const MachinePointer machine(CreateHSMJson(text.c_str()));
+                      const MachinePointer failed(CreateHSMJson("no document"));
+                      EXPECT_EQ(failed->Init(), 0);
+                  }),
+              0);
+}
+
+TEST(HSMTreeTables, AreAllClosedWhenInitFailed)
+{
+    std::vector<DocumentBuilder> documents(6, OneNode());
+    documents[0].LeaveOut(JSON_Parameters);
+    documents[1].LeaveOut(JSON_Layers);
+    documents[2]
+        .LeaveOut(JSON_Layers)
+        .Root()
+        .Set(JSON_Nodes, Json::Array({Generic("Root", 1), Generic("Other", 2)}));
+    documents[3].Parameter(Parameter(DURMBaseLib::PARAM_Float3, "bad", 1));
+    documents[4].Parameter(FloatParameter("odd", 1).Set(JSON_ParameterType, "no type"));
+    documents[5].Head().Set(JSON_HeadEnterNode, 0);
+    for (std::size_t i = 0; i < documents.size(); ++i)
+    {
+        EXPECT_EQ(LeftOpen(
+                      [&]
+                      {
+                          const std::string text = documents[i].Text();
+                          const MachinePointer machine(CreateHSMJson(text.c_str()));
+                          EXPECT_EQ(machine->Init(), 0);
+                      }),
+                  0)
+            << i;
+    }
+}
+
+TEST(HSMTreeTables, AreAllClosedWhenNodesFailedOrWereRefused)
+{
+    std::vector<DocumentBuilder> documents(5, OneNode());
+    documents[0].Node(
+        Generic("Twin", 10)
+            .Set(JSON_Attributes, Json::Array({Attribute("surface", "QString", "mud")})));
+    documents[1].Node(Generic("Bad", 11, {7, 0, 9})
+                          .Set(JSON_Attributes, Json::Array({Attribute("a", "int", 1)})));
+    documents[2].Node(Node(99, "Unknown", 12));
+    documents[3].Node(Generic("Odd", 13).Set(
+        JSON_Attributes, Json::Array({Attribute("a", "int", 1), Attribute("b", "QRect", 1)})));
+    documents[4].GlobalNode(Global("Anywhere", 10)).Layer("Second").Node(Generic("Twin", 10));
+    for (std::size_t i = 0; i < documents.size(); ++i)
+    {
+        EXPECT_EQ(LeftOpen(
+                      [&]
+                      {
+                          LiveWithoutUninit(documents[i].Text());
+                      }),
+                  0)
+            << i;
+    }
+}
+
+TEST(HSMTreeTables, AreAllClosedWhenConditionsHaveAttributes)
+{
+    DocumentBuilder document = OneNode();
+    JsonObject good = FloatCondition("speed", 3, 9.0);
+    good.Set(JSON_Attributes, Json::Array({Attribute("note", "QString", "x")}));
+    JsonObject bad = good;
+    bad.Remove(JSON_ConditionEvaluation);
+    document.Node(Transition("Go", 100, 10, 10, {good, bad, good}));
+
+    EXPECT_EQ(LeftOpen(
+                  [&]
+                  {
+                      LiveWithoutUninit(document.Text());
+                  }),
+              0);
+}
+
+TEST(HSMTreeTables, AreAllClosedWhenParametersWereRefused)
+{
+    DocumentBuilder document = OneNode();
+    document.Parameter(IntParameter("speed", 3))
+        .Parameter(IntParameter("other", 3).Set(JSON_ID, ParameterId("speed")));
+
+    EXPECT_EQ(LeftOpen(
+                  [&]
+                  {
+                      LiveWithoutUninit(document.Text());
+                  }),
+              0);
+}
+
+TEST(HSMTreeTables, OfRunTimeParametersAreClosedWithTheMachine)
+{
+    // Both have the CRC 0x4ddb0c25, so the second one is refused and deleted.
+    ASSERT_EQ(ParameterId("plumless"), ParameterId("buckeroo"));
+    for (const bool uninit : {false, true})
+    {
+        EXPECT_EQ(LeftOpen(
+                      [&]
+                      {
+                          const std::string text = OneNode().Text();
+                          const MachinePointer machine(CreateHSMJson(text.c_str()));
+                          ASSERT_EQ(machine->Init(), 1);
+                          IParameterTable* table = machine->GetParameterTable();
+                          IParameterFloatDef* made = nullptr;
+                          IParameterMessageDef* message = nullptr;
+                          ASSERT_EQ(table->CreateFloatParameter("plumless", 1.0f, &made), 1);
+                          ASSERT_EQ(table->CreateMessageParameter("m", "text", &message), 1);
+                          const unsigned open = Tessel::GetOpenTableCount();
+                          EXPECT_EQ(table->CreateFloatParameter("buckeroo", 2.0f, &made), 0);
+                          EXPECT_EQ(made, nullptr);
+                          EXPECT_EQ(Tessel::GetOpenTableCount(), open);
+                          if (uninit)
+                          {
+                              machine->Uninit();
+                          }
+                      }),
+                  0);
+    }
+}
+
+TEST(HSMTreeTables, AreAllClosedHoweverSmallTheArenaIs)
+{
+    DocumentBuilder document = RichDocument();
+    int loaded = 0;
+    for (int figure = 0; figure <= 400; figure += 3)
+    {
+        document.Head().Set(JSON_HeadMemory, figure);
+        EXPECT_EQ(LeftOpen(
+                      [&]
+                      {
+                          const std::string text = document.Text();
+                          const MachinePointer machine(CreateHSMJson(text.c_str()));
+                          loaded += machine->Init();
+                          machine->Start();
+                          machine->Update(0.1f);
+                      }),
+                  0)
+            << figure;
+    }
+    EXPECT_GT(loaded, 0);
+    EXPECT_LT(loaded, 130);
+}
+
+TEST(HSMTreeTables, OfAMachineAreAsManyAsItsTreeShows)
+{
+    LogRecorder log;
+    const unsigned before = Tessel::GetOpenTableCount();
+    const std::string text = OneNode().Text();
+    const MachinePointer machine(CreateHSMJson(text.c_str()));
+    ASSERT_EQ(machine->Init(), 1);
+
+    // The root, the context with two stacks, the two big tables, a parameter and a node with their
+    // attributes, and the one attribute.
+    EXPECT_EQ(Tessel::GetOpenTableCount() - before, 11u);
+}
+
+TEST(HSMTreeTables, OfOneMachineStayWhenAnotherOneEnds)
+{
+    LogRecorder log;
+    const std::string text = RichDocument().Text();
+    const MachinePointer first(CreateHSMJson(text.c_str()));
+    ASSERT_EQ(first->Init(), 1);
+    MachinePointer second(CreateHSMJson(text.c_str()));
+    ASSERT_EQ(second->Init(), 1);
+    const Lines tree = TreeLines(first->GetKVTable());
+
+    second->Uninit();
+    second.reset();
+
+    EXPECT_EQ(TreeLines(first->GetKVTable()), tree);
+}
+
+} // namespace vell::test
