@@ -8,6 +8,8 @@
 
 #include <vell/ParameterDef.h>
 
+#include <cstring>
+
 namespace vell
 {
 
@@ -48,7 +50,9 @@ bool ConditionDefInteger::Evaluate(HSM*)
     {
         return false;
     }
-    const int value = *boundValue;
+    // The parameter may be of another class; its first bytes are then compared as they are.
+    int value;
+    std::memcpy(&value, boundValue, sizeof(value));
     switch (evaluation)
     {
     case EvaluateEqual:

@@ -8,6 +8,7 @@
 #include <vell/ParameterDef.h>
 
 #include <cmath>
+#include <cstring>
 
 namespace vell
 {
@@ -49,7 +50,9 @@ bool ConditionFloatDef::Evaluate(HSM*)
     {
         return false;
     }
-    const float value = *boundValue;
+    // The parameter may be of another class; its first bytes are then compared as they are.
+    float value;
+    std::memcpy(&value, boundValue, sizeof(value));
     switch (evaluation)
     {
     // Required: the tolerance belongs to equality alone, so a value close to the target and not

@@ -64,7 +64,8 @@ int TransitionDef::InitConditions(const GenericValue& array, HSMAlloc* alloc)
         ERROR_BREAK(array.IsArray());
         conditionCount = array.Size();
         ERROR_BREAK(conditionCount);
-        conditionArray = AllocArray<ConditionDef*>(*alloc, conditionCount);
+        conditionArray =
+            alloc == nullptr ? nullptr : AllocArray<ConditionDef*>(*alloc, conditionCount);
         ERROR_BREAK(conditionArray);
         conditions.reserve(conditionCount);
         for (unsigned int i = 0; i < conditionCount; ++i)
