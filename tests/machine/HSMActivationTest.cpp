@@ -280,6 +280,20 @@ TEST(ActivateState, StateThatComesBeforeItsLevelHasNoParentForGood)
     EXPECT_EQ(inside->GetParent(), nullptr);
 }
 
+TEST(ActivateState, LevelThatNamesItselfAsItsParentIsItsOwnChild)
+{
+    DocumentBuilder document;
+    document.Start(20).Level("Level", 20, 23, {}, 20).Node(Generic("Inside", 23, {}, 20));
+    Scene scene(document);
+    scene.Run(0);
+
+    auto* level = dynamic_cast<SubstateState*>(scene.machine.FindState(20));
+    EXPECT_EQ(level->GetParent(), level);
+    EXPECT_EQ(level->currentChild, level);
+    EXPECT_EQ(scene.Tick(), Lines{"Level execution 0.5"});
+    EXPECT_EQ(scene.machine.MainStack(), "Level");
+}
+
 TEST(ActivateState, DoesNotEnter)
 {
     Scene scene(OwnDocument());

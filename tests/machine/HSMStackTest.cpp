@@ -255,13 +255,6 @@ TEST_F(HSMStack, FailedPushOfATargetIsReportedAllTheSame)
     EXPECT_EQ(machine.MainStack(), "Low");
 }
 
-TEST_F(HSMStack, SecondStartPushesTheStartStateAgain)
-{
-    machine.Start();
-
-    EXPECT_EQ(machine.MainStack(), "Low/Mid/Low");
-}
-
 TEST_F(HSMStack, ChangeIsReportedWithZerosWithoutATree)
 {
     const Tessel::KVTable tree = machine.kvTable;

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -111,20 +112,6 @@ TEST(HSMTick, DoesNothingWhileAContextIsApplied)
     EXPECT_TRUE(BoolValue(scene.machine, "go"));
     EXPECT_EQ(scene.machine.MainStack(), "Stand");
     scene.machine.applyingContext = false;
-}
-
-TEST(HSMTick, DoesNothingOnAMachineWhoseDocumentWasRefused)
-{
-    LogRecorder log;
-    TestMachine machine("{");
-    machine.Init();
-    machine.Start();
-    log.Clear();
-
-    machine.Update(0.1f);
-
-    EXPECT_EQ(log.Take(), Lines{});
-    EXPECT_EQ(machine.GetCurrentState(), nullptr);
 }
 
 TEST(HSMTick, RunsWithoutAParameterTable)
@@ -287,6 +274,23 @@ TEST(UpdateState, GivesThreeAndTheIndexToPopToWhenATransitionFires)
     EXPECT_EQ(result.targetID, 11u);
     EXPECT_EQ(scene.log.Take(), Fired("Stand", 100));
     EXPECT_EQ(scene.machine.MainStack(), "Stand");
+}
+
+TEST(UpdateResult, KeepsTheOrderOfItsFields)
+{
+    constexpr std::size_t kPointer = sizeof(void*);
+
+    EXPECT_EQ(offsetof(UpdateResult, transition), 0u);
+    EXPECT_EQ(offsetof(UpdateResult, tag), kPointer);
+    EXPECT_EQ(offsetof(UpdateResult, targetID), kPointer + 4);
+    EXPECT_EQ(offsetof(UpdateResult, sourceID), kPointer + 8);
+    EXPECT_EQ(offsetof(UpdateResult, popLevel), kPointer + 12);
+    EXPECT_EQ(offsetof(UpdateResult, stackIndex), kPointer + 16);
+    EXPECT_EQ(offsetof(UpdateResult, blipLevel), kPointer + 20);
+    EXPECT_EQ(offsetof(UpdateResult, isBlip), kPointer + 24);
+    EXPECT_EQ(offsetof(UpdateResult, spareFlag), kPointer + 25);
+    EXPECT_EQ(offsetof(UpdateResult, priority), kPointer + 28);
+    EXPECT_EQ(offsetof(UpdateResult, switchArgument), kPointer + 32);
 }
 
 TEST(UpdateResult, FreshOnePopsNothingAndBlankOnePopsEverything)
