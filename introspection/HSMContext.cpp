@@ -86,14 +86,10 @@ int HSM::SetContextInfo_StackBlip(const Tessel::KVTable& table)
 
 int HSM::SetContextInfo_StateSwitching(const Tessel::KVTable& context)
 {
-    Tessel::KVTable own = GetContextTable();
     for (const char* key : {kNextStateKey, kPreviousStateKey, kTransitionKey})
     {
         const unsigned int value = context ? context->GetUInt(key) : 0;
-        if (own)
-        {
-            own->SetUInt(key, value, 0);
-        }
+        WriteContext(key, value, 0);
     }
     Notify();
     return 1;

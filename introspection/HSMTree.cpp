@@ -61,10 +61,12 @@ int HSM::InitKVTable_ContextTable()
     {
         return 1;
     }
+    mirror = MirrorTables();
     if (Tessel::KVTable context = kvTable->AddTable(kContextKey, 1))
     {
-        context->AddTable(kMainStackKey, 1);
-        context->AddTable(kBlipStackKey, 1);
+        mirror.context = context;
+        mirror.mainStack = context->AddTable(kMainStackKey, 1);
+        mirror.blipStack = context->AddTable(kBlipStackKey, 1);
         context->SetUInt(kNextStateKey, 0, 1);
         context->SetUInt(kPreviousStateKey, 0, 1);
         context->SetUInt(kTransitionKey, 0, 1);
@@ -90,9 +92,22 @@ int HSM::InitKVTable_NodeDefTable()
     return kvTable->AttachTable(kNodesKey, nodeDefTable->kvTable, 1);
 }
 
-Tessel::KVTable HSM::GetContextTable() const
+Tessel::KVTable HSM::FindContextTable()
 {
-    return kvTable ? kvTable->GetTable(kContextKey) : Tessel::KVTable();
+    mirror.context = kvTable ? kvTable->GetTable(kContextKey) : Tessel::KVTable();
+    return mirror.context;
+}
+
+void HSM::WriteContext(const char* key, unsigned int value, int flag)
+{
+    if (mirror.context && mirror.context->SetUInt(key, value, flag))
+    {
+        return;
+    }
+    if (Tessel::KVTable context = FindContextTable())
+    {
+        context->SetUInt(key, value, flag);
+    }
 }
 
 int HSM::GetCurrentStackTable(Tessel::KVTable* out)
@@ -102,9 +117,18 @@ int HSM::GetCurrentStackTable(Tessel::KVTable* out)
     {
         return 0;
     }
-    Tessel::KVTable context = GetContextTable();
+    Tessel::KVTable context = FindContextTable();
     *out = context ? context->GetTable(isMain ? kMainStackKey : kBlipStackKey) : Tessel::KVTable();
     return 1;
+}
+
+/// Looks the table of the active stack up and keeps its handle.
+Tessel::KVTable HSM::FindStackTable()
+{
+    Tessel::KVTable& kept = currentStack == &blipStack ? mirror.blipStack : mirror.mainStack;
+    kept = Tessel::KVTable();
+    GetCurrentStackTable(&kept);
+    return kept;
 }
 
 int HSM::UpdateKVTable_OnPushState(SMState* state)
@@ -113,23 +137,28 @@ int HSM::UpdateKVTable_OnPushState(SMState* state)
     {
         return 0;
     }
-    Tessel::KVTable stack;
     const unsigned int id = state->GetID();
-    if (!GetCurrentStackTable(&stack) || !stack)
+    Tessel::KVTable stack = currentStack == &blipStack ? mirror.blipStack : mirror.mainStack;
+    if (stack)
     {
-        return 0;
+        if (const int result = stack->PushUInt(id, 1))
+        {
+            return result;
+        }
     }
-    return stack->PushUInt(id, 1);
+    stack = FindStackTable();
+    return stack ? stack->PushUInt(id, 1) : 0;
 }
 
 int HSM::UpdateKVTable_OnPopState()
 {
-    Tessel::KVTable stack;
-    if (!GetCurrentStackTable(&stack) || !stack)
+    Tessel::KVTable stack = currentStack == &blipStack ? mirror.blipStack : mirror.mainStack;
+    unsigned int count = stack ? stack->GetCount() : 0;
+    if (count == 0)
     {
-        return 0;
+        stack = FindStackTable();
+        count = stack ? stack->GetCount() : 0;
     }
-    const unsigned int count = stack->GetCount();
     return count == 0 ? 0 : stack->RemoveAt(count - 1, 1);
 }
 

@@ -4,6 +4,7 @@
 
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
+#include "introspection/TreeKeys.h"
 #include "transitions/TransitionDef.h"
 
 #include <vell/Action.h>
@@ -68,12 +69,11 @@ int HSM::Unsubscribe(ListenerList& list, IBroadcastListener* listener)
 int HSM::Notify()
 {
     StateChangeEvent change{0, 0, 0};
-    Tessel::KVTable context = GetContextTable();
-    if (context)
+    if (mirror.context)
     {
-        change.nextID = context->GetUInt("nextState");
-        change.previousID = context->GetUInt("previousState");
-        change.transitionID = context->GetUInt("transitionTriggered");
+        change.nextID = mirror.context->GetUInt(kNextStateKey);
+        change.previousID = mirror.context->GetUInt(kPreviousStateKey);
+        change.transitionID = mirror.context->GetUInt(kTransitionKey);
     }
     const bool hasListeners = !stateChangeListeners.empty();
     int called = 0;
@@ -87,11 +87,11 @@ int HSM::Notify()
             ++called;
         }
     }
-    if (hasListeners && context)
+    if (hasListeners)
     {
-        context->SetUInt("nextState", 0, 1);
-        context->SetUInt("previousState", 0, 1);
-        context->SetUInt("transitionTriggered", 0, 1);
+        WriteContext(kNextStateKey, 0, 1);
+        WriteContext(kPreviousStateKey, 0, 1);
+        WriteContext(kTransitionKey, 0, 1);
     }
     return called;
 }

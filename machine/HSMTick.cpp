@@ -3,6 +3,7 @@
 #include <vell/HSM.h>
 
 #include "foundation/Checks.h"
+#include "introspection/TreeKeys.h"
 #include "parameters/ParameterTable.h"
 
 #include <vell/BaseDef.h>
@@ -155,11 +156,8 @@ int HSM::UpdateStateStack(UpdateResult* result)
 
 void HSM::ReportStateChange(SMState* previous, unsigned int nextId)
 {
-    if (Tessel::KVTable context = GetContextTable())
-    {
-        context->SetUInt("previousState", previous == nullptr ? 0 : previous->GetID(), 1);
-        context->SetUInt("nextState", nextId, 1);
-    }
+    WriteContext(kPreviousStateKey, previous == nullptr ? 0 : previous->GetID(), 1);
+    WriteContext(kNextStateKey, nextId, 1);
 }
 
 SMState* HSM::PushState(SMState* state)

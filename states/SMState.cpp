@@ -4,6 +4,7 @@
 
 #include "definitions/AnimClipDef.h"
 #include "foundation/Checks.h"
+#include "introspection/TreeKeys.h"
 #include "states/StatePlacement.h"
 #include "states/SubstateState.h"
 #include "transitions/TransitionDef.h"
@@ -125,8 +126,12 @@ void SMState::TellParent()
 
 void SMState::RequestAnimation()
 {
+    if (hsm == nullptr || hsm->eventListeners.empty())
+    {
+        return;
+    }
     const AnimClipDef* clip = dynamic_cast<AnimClipDef*>(def);
-    if (clip == nullptr || hsm == nullptr)
+    if (clip == nullptr)
     {
         return;
     }
@@ -255,14 +260,9 @@ void SMState::KeepGuards(unsigned int changeCount)
 
 void SMState::ReportTransition(HSM* machine, TransitionDef& transition) const
 {
-    Tessel::KVTable root = machine == nullptr ? Tessel::KVTable() : machine->GetKVTable();
-    if (!root)
+    if (machine != nullptr)
     {
-        return;
-    }
-    if (Tessel::KVTable context = root->GetTable("contextInfo"))
-    {
-        context->SetUInt("transitionTriggered", transition.GetID(), 1);
+        machine->WriteContext(kTransitionKey, transition.GetID(), 1);
     }
 }
 

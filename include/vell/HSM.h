@@ -198,8 +198,20 @@ private:
     void FinishTransition(const SMState& state, UpdateResult* result);
     void StartBlip(UpdateResult* result);
     void ReportStateChange(SMState* previous, unsigned int nextId);
-    Tessel::KVTable GetContextTable() const;
+    Tessel::KVTable FindContextTable();
+    Tessel::KVTable FindStackTable();
+    void WriteContext(const char* key, unsigned int value, int flag);
 
+    /// Handles of the tree's tables that every state change writes. One that a tool has closed
+    /// answers 0 and is looked up again.
+    struct MirrorTables
+    {
+        Tessel::KVTable context;
+        Tessel::KVTable mainStack;
+        Tessel::KVTable blipStack;
+    };
+
+    MirrorTables mirror;
     unsigned int guardChanges = 1; ///< grows with every binding and trigger, which change guards
 };
 
