@@ -62,6 +62,7 @@ int HSM::InitKVTable_ContextTable()
         return 1;
     }
     mirror = MirrorTables();
+    mirror.root = kvTable;
     if (Tessel::KVTable context = kvTable->AddTable(kContextKey, 1))
     {
         mirror.context = context;
@@ -92,6 +93,19 @@ int HSM::InitKVTable_NodeDefTable()
     return kvTable->AttachTable(kNodesKey, nodeDefTable->kvTable, 1);
 }
 
+/// Forgets the kept handles when the machine has another tree, or none. Returns whether there is a
+/// tree.
+bool HSM::IsMirrorCurrent()
+{
+    if (mirror.root != kvTable)
+    {
+        mirror = MirrorTables();
+        mirror.root = kvTable;
+        FindContextTable();
+    }
+    return static_cast<bool>(kvTable);
+}
+
 Tessel::KVTable HSM::FindContextTable()
 {
     mirror.context = kvTable ? kvTable->GetTable(kContextKey) : Tessel::KVTable();
@@ -100,7 +114,7 @@ Tessel::KVTable HSM::FindContextTable()
 
 void HSM::WriteContext(const char* key, unsigned int value, int flag)
 {
-    if (mirror.context && mirror.context->SetUInt(key, value, flag))
+    if (!IsMirrorCurrent() || (mirror.context && mirror.context->SetUInt(key, value, flag)))
     {
         return;
     }
@@ -138,6 +152,10 @@ int HSM::UpdateKVTable_OnPushState(SMState* state)
         return 0;
     }
     const unsigned int id = state->GetID();
+    if (!IsMirrorCurrent())
+    {
+        return 0;
+    }
     Tessel::KVTable stack = currentStack == &blipStack ? mirror.blipStack : mirror.mainStack;
     if (stack)
     {
@@ -152,6 +170,10 @@ int HSM::UpdateKVTable_OnPushState(SMState* state)
 
 int HSM::UpdateKVTable_OnPopState()
 {
+    if (!IsMirrorCurrent())
+    {
+        return 0;
+    }
     Tessel::KVTable stack = currentStack == &blipStack ? mirror.blipStack : mirror.mainStack;
     unsigned int count = stack ? stack->GetCount() : 0;
     if (count == 0)

@@ -69,7 +69,7 @@ int HSM::Unsubscribe(ListenerList& list, IBroadcastListener* listener)
 int HSM::Notify()
 {
     StateChangeEvent change{0, 0, 0};
-    if (mirror.context)
+    if (IsMirrorCurrent() && mirror.context)
     {
         change.nextID = mirror.context->GetUInt(kNextStateKey);
         change.previousID = mirror.context->GetUInt(kPreviousStateKey);

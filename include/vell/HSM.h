@@ -198,6 +198,7 @@ private:
     void FinishTransition(const SMState& state, UpdateResult* result);
     void StartBlip(UpdateResult* result);
     void ReportStateChange(SMState* previous, unsigned int nextId);
+    bool IsMirrorCurrent();
     Tessel::KVTable FindContextTable();
     Tessel::KVTable FindStackTable();
     void WriteContext(const char* key, unsigned int value, int flag);
@@ -206,6 +207,7 @@ private:
     /// answers 0 and is looked up again.
     struct MirrorTables
     {
+        Tessel::KVTable root; ///< the tree that the others belong to
         Tessel::KVTable context;
         Tessel::KVTable mainStack;
         Tessel::KVTable blipStack;
