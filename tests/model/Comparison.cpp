@@ -198,6 +198,57 @@ private:
     int trials = 0;
 };
 
+Lines EventsOf(const Step& step)
+{
+    Lines lines = step.lines;
+    if (step.threw)
+    {
+        lines.push_back("threw std::out_of_range");
+    }
+    return lines;
+}
+
+// What both did alike, then what each did from there on.
+std::string ReportLines(const Lines& expected, const Lines& actual)
+{
+    std::string text;
+    std::size_t same = 0;
+    while (same < expected.size() && same < actual.size() && expected[same] == actual[same])
+    {
+        text += "    both:    " + expected[same] + "\n";
+        ++same;
+    }
+    for (std::size_t index = same; index < expected.size(); ++index)
+    {
+        text += "    model:   " + expected[index] + "\n";
+    }
+    for (std::size_t index = same; index < actual.size(); ++index)
+    {
+        text += "    library: " + actual[index] + "\n";
+    }
+    return text;
+}
+
+// The machine afterwards, line beside line.
+std::string ReportPictures(const Lines& expected, const Lines& actual)
+{
+    std::string text;
+    const std::size_t count = std::max(expected.size(), actual.size());
+    for (std::size_t index = 0; index < count; ++index)
+    {
+        const auto line = [index](const Lines& lines)
+        {
+            return index < lines.size() ? lines[index] : std::string("(nothing)");
+        };
+        if (line(expected) != line(actual))
+        {
+            text += "    model:   " + line(expected) + "\n";
+            text += "    library: " + line(actual) + "\n";
+        }
+    }
+    return text;
+}
+
 } // namespace
 
 Difference Compare(const Case& modelCase, Fault fault, Counts* counts)
@@ -208,8 +259,8 @@ Difference Compare(const Case& modelCase, Fault fault, Counts* counts)
     if (!library.IsLoaded())
     {
         difference.isFound = true;
-        difference.expected = {"the document loads"};
-        difference.actual = {"it does not"};
+        difference.expected.lines = {"the document loads"};
+        difference.actual.lines = {"it does not"};
         return difference;
     }
     bool isStarted = false;
@@ -231,8 +282,8 @@ Difference Compare(const Case& modelCase, Fault fault, Counts* counts)
         {
             difference.isFound = true;
             difference.input = index;
-            difference.expected = Describe(expected);
-            difference.actual = Describe(actual);
+            difference.expected = expected;
+            difference.actual = actual;
             break;
         }
         if (actual.threw)
@@ -265,22 +316,9 @@ std::string Report(const Case& modelCase, const Difference& difference)
         return text + "no difference\n";
     }
     text += "difference after call " + std::to_string(difference.input + 1) + ":\n";
-    const std::size_t count = std::max(difference.expected.size(), difference.actual.size());
-    for (std::size_t index = 0; index < count; ++index)
-    {
-        const auto line = [index](const Lines& lines)
-        {
-            return index < lines.size() ? lines[index] : std::string("(nothing)");
-        };
-        if (line(difference.expected) == line(difference.actual))
-        {
-            text += "    " + line(difference.expected) + "\n";
-            continue;
-        }
-        text += "    model:   " + line(difference.expected) + "\n";
-        text += "    library: " + line(difference.actual) + "\n";
-    }
-    return text;
+    return text + ReportLines(EventsOf(difference.expected), EventsOf(difference.actual)) +
+           ReportPictures(Describe(difference.expected.picture),
+                          Describe(difference.actual.picture));
 }
 
 } // namespace model

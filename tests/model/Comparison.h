@@ -17,8 +17,8 @@ struct Difference
 {
     bool isFound = false;
     std::size_t input = 0;
-    Lines expected; ///< of the naive machine
-    Lines actual;   ///< of the library
+    Step expected; ///< of the naive machine
+    Step actual;   ///< of the library
 };
 
 /// How often the library's runs came by each kind of event, to show that cases reach it.

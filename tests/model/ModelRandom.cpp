@@ -138,6 +138,10 @@ private:
         node.builder = builder;
         node.id = NewId();
         node.parentId = random.Chance(94) || stateIds.empty() ? parentId : random.Pick(stateIds);
+        if (random.Chance(1))
+        {
+            node.parentId = node.id;
+        }
         nodes.push_back(node);
         return nodes.back();
     }
@@ -295,7 +299,7 @@ private:
         static const int evaluations[] = {1, 1, 1, 2, 3, 3, 4, 5, 5, 6, 10, 10, 7};
         static const int crossTypes[] = {1, 2, 3};
         const Parameter parameter =
-            random.Chance(94) ? random.Pick(made.document.parameters)
+            random.Chance(90) ? random.Pick(made.document.parameters)
                               : RuntimeParameter(random.Between(0, kRuntimeParameterCount - 1));
         Condition condition;
         condition.type = parameter.type == 7 ? 8 : parameter.type;
@@ -536,7 +540,7 @@ private:
 
     void AddHostCall()
     {
-        switch (random.Between(0, 6))
+        switch (random.Between(0, 8))
         {
         case 0:
             AddTrigger();
@@ -549,6 +553,8 @@ private:
                 random.Between(0, kRuntimeParameterCount - 1);
             break;
         case 3:
+        case 7:
+        case 8:
             AddInput(InputKind::Rebind);
             break;
         case 4:

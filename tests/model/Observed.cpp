@@ -129,16 +129,4 @@ bool Step::operator==(const Step& other) const
     return std::tie(lines, threw, picture) == std::tie(other.lines, other.threw, other.picture);
 }
 
-Lines Describe(const Step& step)
-{
-    Lines lines = step.lines;
-    if (step.threw)
-    {
-        lines.push_back("threw std::out_of_range");
-    }
-    const Lines picture = Describe(step.picture);
-    lines.insert(lines.end(), picture.begin(), picture.end());
-    return lines;
-}
-
 } // namespace model

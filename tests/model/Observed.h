@@ -68,6 +68,4 @@ struct Step
     bool operator==(const Step& other) const;
 };
 
-Lines Describe(const Step& step);
-
 } // namespace model
