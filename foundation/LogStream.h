@@ -35,8 +35,11 @@ public:
         {
             Grow(count);
         }
-        std::memcpy(room.get() + size, characters, count);
-        size += count;
+        if (count != 0) // an empty text may have no address, which memcpy does not take
+        {
+            std::memcpy(room.get() + size, characters, count);
+            size += count;
+        }
     }
     /// Puts a terminator behind the characters, which does not count as one.
     void Terminate()
