@@ -3,6 +3,8 @@
 
 #include "tests/model/LibraryMachine.h"
 
+#include "tests/model/Sanitizer.h"
+
 #include <vell/vell.h>
 
 #include <fcntl.h>
@@ -683,6 +685,7 @@ QuietStandardError::QuietStandardError()
 {
     std::fflush(stderr);
     saved = dup(STDERR_FILENO);
+    SendSanitizerReports(saved);
     const int nowhere = open("/dev/null", O_WRONLY);
     dup2(nowhere, STDERR_FILENO);
     close(nowhere);
@@ -692,6 +695,7 @@ QuietStandardError::~QuietStandardError()
 {
     std::fflush(stderr);
     dup2(saved, STDERR_FILENO);
+    SendSanitizerReports(STDERR_FILENO);
     close(saved);
 }
 

@@ -27,7 +27,7 @@ private:
     std::unique_ptr<Impl> impl;
 };
 
-/// Sends the process's standard error nowhere as long as it lives.
+/// Sends the process's standard error nowhere as long as it lives, but for what a sanitizer says.
 class QuietStandardError
 {
 public:

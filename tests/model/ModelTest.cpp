@@ -3,20 +3,12 @@
 
 #include "tests/model/Comparison.h"
 #include "tests/model/LibraryMachine.h"
+#include "tests/model/Sanitizer.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <iostream>
-
-// clang tells of its sanitizers in its own way.
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define VELL_MODEL_IS_SANITIZED 1
-#endif
-#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define VELL_MODEL_IS_SANITIZED 1
-#endif
 
 namespace
 {
