@@ -100,6 +100,11 @@ void* operator new(std::size_t size)
     return block;
 }
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return Taken(__real_malloc(size == 0 ? 1 : size), counters.news);
+}
+
 void operator delete(void* block) noexcept
 {
     GivenBack(block);
@@ -107,6 +112,11 @@ void operator delete(void* block) noexcept
 }
 
 void operator delete(void* block, std::size_t) noexcept
+{
+    ::operator delete(block);
+}
+
+void operator delete(void* block, const std::nothrow_t&) noexcept
 {
     ::operator delete(block);
 }
