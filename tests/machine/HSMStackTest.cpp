@@ -47,16 +47,16 @@ protected:
     TestMachine& machine;
 };
 
-/// Notes which state is current while its own is being entered.
-class NoteCurrent : public Action
+/// Notes the stack at the moment it performs.
+class NoteStack : public Action
 {
 public:
-    explicit NoteCurrent(TestMachine& ownMachine) : machine(ownMachine)
+    explicit NoteStack(TestMachine& ownMachine) : machine(ownMachine)
     {
     }
     int Perform(__ActType__, float) override
     {
-        LogRecorder::Note("current: " + machine.MainStack());
+        LogRecorder::Note("stack: " + machine.MainStack());
         return 0;
     }
 
@@ -96,13 +96,13 @@ TEST_F(HSMStack, PushByPointerActivatesNothing)
 
 TEST_F(HSMStack, StateIsEnteredBeforeItStandsOnTheStack)
 {
-    machine.FindDef(12u)->RegisterEnter(new NoteCurrent(machine));
+    machine.FindDef(12u)->RegisterEnter(new NoteStack(machine));
 
     machine.PushState(12u);
 
     EXPECT_EQ(scene.log.Take(),
               Activated("High", 12, "-") +
-                  (Lines{"High entry 0", "current: Low/Mid", "6 [Enter] High - SMState.cpp : #"}));
+                  (Lines{"High entry 0", "stack: Low/Mid", "6 [Enter] High - SMState.cpp : #"}));
 }
 
 TEST_F(HSMStack, PushOfAStateThatWillNotBeEnteredAsksTwiceAndLeavesTheStack)
@@ -147,6 +147,16 @@ TEST_F(HSMStack, PopExitsTheTopAndKeepsTheStateForTheNextActivation)
     EXPECT_EQ(machine.StackInTree("stackStates"), (Ids{10}));
     EXPECT_EQ(machine.FindState(11), mid);
     EXPECT_EQ(machine.previousState, nullptr);
+}
+
+TEST_F(HSMStack, StateIsLeftWhileItStillStandsOnTheStack)
+{
+    machine.FindDef(11u)->RegisterExit(new NoteStack(machine));
+
+    machine.PopState();
+
+    EXPECT_EQ(scene.log.Take(), Left("Mid") + Lines{"stack: Low/Mid"});
+    EXPECT_EQ(machine.MainStack(), "Low");
 }
 
 TEST_F(HSMStack, PopOfANullEntryChangesNothing)
