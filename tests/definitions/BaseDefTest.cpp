@@ -413,6 +413,22 @@ TEST(BaseDef, ReleasesActionsChildrenAndTableInUninit)
     EXPECT_EQ(def->GetKVTable(), table);
 }
 
+TEST(BaseDef, MayBeUninitialisedTwice)
+{
+    LogRecorder log;
+    Arena alloc;
+    const ParsedJson node(
+        PlainNode("Walk", 12).Set(JSON_Attributes, Json::Array({Attribute("a", "int", 1)})));
+    auto* def = alloc.New<OpenDef>();
+    ASSERT_EQ(def->Init(*node, &alloc), 1);
+    log.Clear();
+
+    def->Uninit();
+    def->Uninit();
+
+    EXPECT_EQ(log.Take(), Lines{});
+}
+
 TEST(BaseDef, ClosesItsTableWhenDestroyed)
 {
     auto def = std::make_unique<BaseDef>("Walk", 1, 0);

@@ -449,9 +449,8 @@ TEST(EnterDef, ReadsItsTarget)
 TEST(EnterDef, NeedsATarget)
 {
     const Attempt<EnterDef> missing(Node(8, "Node", 5));
-    const Lines missingLines = missing.lines;
     EXPECT_EQ(missing.def.result, 0);
-    EXPECT_EQ(missingLines, (Lines{CreatedDef("Node"), ErrorBreak("vell::EnterDef::Init")}));
+    EXPECT_EQ(missing.lines, (Lines{CreatedDef("Node"), ErrorBreak("vell::EnterDef::Init")}));
     EXPECT_EQ(Tessel::GetTableName(missing.def->GetKVTable()), nullptr);
 }
 
