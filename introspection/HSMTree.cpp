@@ -152,7 +152,8 @@ int HSM::UpdateKVTable_OnPushState(SMState* state)
         return 0;
     }
     const unsigned int id = state->GetID();
-    if (!IsMirrorCurrent())
+    const bool isOwnStack = currentStack == &stateStack || currentStack == &blipStack;
+    if (!isOwnStack || !IsMirrorCurrent())
     {
         return 0;
     }
@@ -170,7 +171,8 @@ int HSM::UpdateKVTable_OnPushState(SMState* state)
 
 int HSM::UpdateKVTable_OnPopState()
 {
-    if (!IsMirrorCurrent())
+    const bool isOwnStack = currentStack == &stateStack || currentStack == &blipStack;
+    if (!isOwnStack || !IsMirrorCurrent())
     {
         return 0;
     }
