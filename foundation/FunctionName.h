@@ -11,12 +11,18 @@ namespace vell
 /// and template arguments: "int vell::HSM::PushState(unsigned int)" gives "vell::HSM::PushState".
 constexpr std::string_view QualifiedName(std::string_view pretty)
 {
-    const std::size_t end = pretty.find('(');
-    std::size_t begin = end == std::string_view::npos ? pretty.size() : end;
-    const std::string_view head = pretty.substr(0, begin);
+    // clang's words for an unnamed namespace are part of the name, blank and parentheses included.
+    constexpr std::string_view kUnnamed = "(anonymous namespace)";
+    std::size_t end = pretty.find('(');
+    while (end != std::string_view::npos && pretty.substr(end, kUnnamed.size()) == kUnnamed)
+    {
+        end = pretty.find('(', end + kUnnamed.size());
+    }
+    const std::string_view head = pretty.substr(0, end);
+    std::size_t begin = head.size();
     while (begin > 0 && head[begin - 1] != ' ' && head[begin - 1] != '*' && head[begin - 1] != '&')
     {
-        --begin;
+        begin -= head[begin - 1] == ')' ? kUnnamed.size() : 1;
     }
     return head.substr(begin);
 }

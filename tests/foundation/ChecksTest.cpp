@@ -319,6 +319,9 @@ TEST(FunctionName, IsTheQualifiedNameWithoutResultAndParameters)
     EXPECT_EQ(QualifiedName("vell::SMState *vell::SMState::Create(unsigned int)"),
               "vell::SMState::Create");
     EXPECT_EQ(QualifiedName("const char& vell::Text()"), "vell::Text");
+    EXPECT_EQ(QualifiedName("int (anonymous namespace)::Step::Run((anonymous namespace)::Kind)"),
+              "(anonymous namespace)::Step::Run");
+    EXPECT_EQ(QualifiedName("(anonymous namespace)::Kind vell::Read(int)"), "vell::Read");
     EXPECT_EQ(QualifiedName("vell::NodeDefTable::NodeDefTable()"),
               "vell::NodeDefTable::NodeDefTable");
 }
