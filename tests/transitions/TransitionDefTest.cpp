@@ -405,6 +405,31 @@ TEST(TransitionDef, ReportsAMissingArenaForItsConditions)
     EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kInitConditions)}));
 }
 
+TEST(TransitionDef, LosesTheRoomOfAConditionThatFailed)
+{
+    LogRecorder log;
+    Built<TransitionDef> built(Go({BoolCondition("a", true).Remove(JSON_ConditionValue)}));
+
+    EXPECT_TRUE(built->conditions.empty());
+    EXPECT_EQ(built.alloc.used, sizeof(TransitionDef) + sizeof(void*) + sizeof(ConditionDefBool));
+}
+
+TEST(TransitionDef, KeepsItsConditionsAndTriggersWhenUninitialised)
+{
+    LogRecorder log;
+    BoundTransition transition({1});
+    transition->RegisterCondition(Note<'a', false>);
+
+    transition->Uninit();
+
+    EXPECT_EQ(transition->HandleConditions(nullptr), 1);
+    EXPECT_EQ(TakeCalls(), "a");
+    EXPECT_EQ(transition->targetID, 11u);
+    EXPECT_NE(Tessel::GetTableName(transition->conditions[0]->GetKVTable()), nullptr)
+        << "conditions are not torn down";
+    transition.result = 0;
+}
+
 TEST(TransitionDef, HoldsWhenAnyOfItsConditionsHolds)
 {
     LogRecorder log;
@@ -621,6 +646,24 @@ TEST(TransitionInAMachine, IsNotAskedWhenDisabled)
 
     EXPECT_EQ(machine.MainStack(), "Stand");
     EXPECT_EQ(TakeCalls(), "");
+}
+
+TEST(TransitionInAMachine, DoesNotOwnAConditionThatStandsAmongTheNodes)
+{
+    LogRecorder log;
+    JsonObject node = BoolCondition("on", true);
+    node.Set(JSON_ID, 300).Set(JSON_BuilderType, BuilderName(BUILDER_Condition));
+    TestMachine machine(
+        TwoWays(Transition("None", 100, 10, 11), Transition("Nor", 101, 10, 12)).Node(node));
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+
+    machine.Update(0.1f);
+
+    auto* condition = dynamic_cast<ConditionDefBool*>(machine.nodeDefTable->Find(300));
+    ASSERT_NE(condition, nullptr);
+    EXPECT_EQ(condition->parameter, nullptr) << "not bound";
+    EXPECT_EQ(machine.MainStack(), "Stand");
 }
 
 TEST(TransitionInAMachine, WithBadConditionsFiresByATrigger)
