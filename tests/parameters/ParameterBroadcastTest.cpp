@@ -122,7 +122,7 @@ protected:
 };
 
 using VectorClasses = testing::Types<Analog, Float3, Float4>;
-TYPED_TEST_SUITE(VectorParameterInput, VectorClasses);
+TYPED_TEST_SUITE(VectorParameterInput, VectorClasses, );
 
 constexpr std::array<int, 6> kOtherEvents = {0, 2, 3, 5, 8, -1};
 

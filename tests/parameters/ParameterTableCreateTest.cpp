@@ -103,7 +103,7 @@ protected:
 
 using RuntimeClasses =
     testing::Types<ParameterFloatDef, ParameterBoolDef, ParameterIntegerDef, ParameterMessageDef>;
-TYPED_TEST_SUITE(RuntimeParameter, RuntimeClasses);
+TYPED_TEST_SUITE(RuntimeParameter, RuntimeClasses, );
 
 } // namespace
 

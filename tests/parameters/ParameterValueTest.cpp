@@ -248,7 +248,7 @@ protected:
 using ParameterClasses =
     testing::Types<ParameterBoolDef, ParameterIntegerDef, ParameterFloatDef, ParameterAnalogDef,
                    ParameterFloat3Def, ParameterFloat4Def, ParameterMessageDef>;
-TYPED_TEST_SUITE(ParameterValue, ParameterClasses);
+TYPED_TEST_SUITE(ParameterValue, ParameterClasses, );
 
 } // namespace
 
