@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# run-commands.sh VELL FOLDER: runs every line of the pages' sh blocks that begins with `vell `, in their order, as
+# a reader of the repository would; each has to end well. FOLDER stands for the repository's root, so that what the
+# commands write does not land there.
+set -euo pipefail
+
+vell=$(realpath "$1")
+folder=$2
+root=$(cd "$(dirname "$0")/../.." && pwd)
+minimum=8
+
+rm -rf "$folder"
+mkdir -p "$folder/bin"
+ln -s "$vell" "$folder/bin/vell"
+for part in "$root"/*; do
+    [[ -d "$part" && "$(basename "$part")" != build ]] && ln -s "$part" "$folder/"
+done
+
+cd "$folder"
+PATH=$folder/bin:$PATH
+count=0
+while IFS= read -r line; do
+    count=$((count + 1))
+    if [[ "$line" == *"format svg"* ]] && ! command -v dot >/dev/null; then
+        echo "not run without Graphviz: $line"
+        continue
+    fi
+    if ! bash -c "$line" >"$folder/output.txt" 2>&1 </dev/null; then
+        echo "failed: $line" >&2
+        cat "$folder/output.txt" >&2
+        exit 1
+    fi
+done < <(awk '/^```sh$/ {inside = 1; next} /^```$/ {inside = 0} inside && /^vell /' \
+             "$root"/README.md "$root"/CONTRIBUTING.md "$root"/docs/*.md)
+if ((count < minimum)); then
+    echo "found only $count commands" >&2
+    exit 1
+fi
+echo "$count commands ran"
