@@ -255,4 +255,16 @@ TEST_F(HSMTreeStacks, MayBeReplacedByATool)
     EXPECT_EQ(TableAt(machine.GetKVTable(), kContextKey)->GetInt(kMainStackKey), 3);
 }
 
+TEST_F(HSMTreeStacks, AreWrittenToAContextThatAToolMadeAnew)
+{
+    machine.PushState(11u);
+    Tessel::KVTable context = machine.GetKVTable()->AddTable(kContextKey, 1);
+    context->AddTable(kMainStackKey, 1);
+
+    machine.ChangeState(23);
+
+    EXPECT_EQ(Main(), (Ids{23}));
+    EXPECT_EQ(SwitchKeys(), (Lines{"0", "11", "23"}));
+}
+
 } // namespace vell::test
