@@ -96,25 +96,7 @@ void ParameterAnalogDef::PullValue()
 
 int ParameterAnalogDef::OnBroadcastEvent(int event, const void* record)
 {
-    if (event == kEventReset)
-    {
-        ResetValue();
-        return 0;
-    }
-    if (record == nullptr)
-    {
-        return 0;
-    }
-    if (event == kEventInput && ReadBinding(record) == assign)
-    {
-        SetValue(ReadRecord<Tessel::Float2>(record, kScalarOffset));
-        return 1;
-    }
-    if (event == kEventValue)
-    {
-        SetValue(ReadRecord<Tessel::Float2>(record, 0));
-    }
-    return 0;
+    return TakeVectorEvent<Tessel::Float2>(*this, event, record, kScalarOffset);
 }
 
 } // namespace vell

@@ -96,25 +96,7 @@ void ParameterFloat3Def::PullValue()
 
 int ParameterFloat3Def::OnBroadcastEvent(int event, const void* record)
 {
-    if (event == kEventReset)
-    {
-        ResetValue();
-        return 0;
-    }
-    if (record == nullptr)
-    {
-        return 0;
-    }
-    if (event == kEventInput && ReadBinding(record) == assign)
-    {
-        SetValue(ReadRecord<Tessel::Float3>(record, kVectorOffset));
-        return 1;
-    }
-    if (event == kEventValue)
-    {
-        SetValue(ReadRecord<Tessel::Float3>(record, 0));
-    }
-    return 0;
+    return TakeVectorEvent<Tessel::Float3>(*this, event, record, kVectorOffset);
 }
 
 } // namespace vell

@@ -78,25 +78,7 @@ void ParameterFloat4Def::PullValue()
 
 int ParameterFloat4Def::OnBroadcastEvent(int event, const void* record)
 {
-    if (event == kEventReset)
-    {
-        ResetValue();
-        return 0;
-    }
-    if (record == nullptr)
-    {
-        return 0;
-    }
-    if (event == kEventInput && ReadBinding(record) == assign)
-    {
-        SetValue(ReadRecord<Tessel::Float4>(record, kVectorOffset));
-        return 1;
-    }
-    if (event == kEventValue)
-    {
-        SetValue(ReadRecord<Tessel::Float4>(record, 0));
-    }
-    return 0;
+    return TakeVectorEvent<Tessel::Float4>(*this, event, record, kVectorOffset);
 }
 
 } // namespace vell

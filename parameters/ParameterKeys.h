@@ -36,4 +36,30 @@ inline int ReadBinding(const void* record)
     return ReadRecord<int>(record, offsetof(ParamBroadcast, binding));
 }
 
+/// What the three vector classes do with an event: input of their own binding sets the value, which
+/// lies at `offset` of the record; a bare value sets it too, and gives 0 all the same.
+template <class Vector, class VectorParameter>
+int TakeVectorEvent(VectorParameter& parameter, int event, const void* record, std::size_t offset)
+{
+    if (event == kEventReset)
+    {
+        parameter.ResetValue();
+        return 0;
+    }
+    if (record == nullptr)
+    {
+        return 0;
+    }
+    if (event == kEventInput && ReadBinding(record) == parameter.GetAssign())
+    {
+        parameter.SetValue(ReadRecord<Vector>(record, offset));
+        return 1;
+    }
+    if (event == kEventValue)
+    {
+        parameter.SetValue(ReadRecord<Vector>(record, 0));
+    }
+    return 0;
+}
+
 } // namespace vell
