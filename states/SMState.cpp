@@ -188,7 +188,7 @@ int SMState::PerformActions(__ActType__ type, float dt, Action* first)
 unsigned int SMState::ProcessTransitions(HSM* machine, UpdateResult* result)
 {
     // Most ticks end here: the guards are up to date, and none holds.
-    if (guardChanges != 0 && guardChanges == machine->guardChanges &&
+    if (guardChanges != 0 && machine != nullptr && guardChanges == machine->guardChanges &&
         FindGuard(guards.data())->kind == TransitionGuard::End)
     {
         return 0;
@@ -198,8 +198,9 @@ unsigned int SMState::ProcessTransitions(HSM* machine, UpdateResult* result)
 
 unsigned int SMState::FireTransition(HSM* machine, UpdateResult* result)
 {
-    TransitionDef* transition =
-        guardChanges == 0 ? AskTransitions(machine) : AskGuardedTransitions(machine);
+    TransitionDef* transition = guardChanges == 0 || machine == nullptr
+                                    ? AskTransitions(machine, 0, GetNumTransitions())
+                                    : AskGuardedTransitions(machine);
     if (transition == nullptr || result == nullptr)
     {
         return 0;
@@ -220,28 +221,29 @@ TransitionDef* SMState::AskGuardedTransitions(HSM* machine)
     {
         KeepGuards(machine->guardChanges);
     }
-    // By index: a trigger that is called in between may have the guards made anew.
-    for (std::size_t i = 0; i < guards.size(); ++i)
+    const unsigned int changesBefore = guardChanges;
+    const int count = GetNumTransitions();
+    for (const TransitionGuard* guard = FindGuard(guards.data());
+         guard->kind != TransitionGuard::End; guard = FindGuard(guard + 1))
     {
-        const TransitionGuard* guard = FindGuard(&guards[i]);
-        if (guard->kind == TransitionGuard::End)
-        {
-            break;
-        }
-        i = static_cast<std::size_t>(guard - guards.data());
-        TransitionDef* transition = GetTransitionAt(guard->transition);
-        if (!transition->disabled && transition->HandleConditions(machine))
+        const int index = guard->transition;
+        TransitionDef* transition = GetTransitionAt(index);
+        if (transition != nullptr && !transition->disabled && transition->HandleConditions(machine))
         {
             return transition;
+        }
+        // A trigger that was called may have bound conditions, or added triggers or transitions.
+        if (guardChanges != changesBefore || machine->guardChanges != changesBefore)
+        {
+            return AskTransitions(machine, index + 1, count);
         }
     }
     return nullptr;
 }
 
-TransitionDef* SMState::AskTransitions(HSM* machine)
+TransitionDef* SMState::AskTransitions(HSM* machine, int first, int count)
 {
-    const int count = GetNumTransitions();
-    for (int i = 0; i < count; ++i)
+    for (int i = first; i < count; ++i)
     {
         TransitionDef* transition = GetTransitionAt(i);
         if (transition != nullptr && !transition->disabled && transition->HandleConditions(machine))

@@ -135,7 +135,7 @@ private:
     static T* Place(unsigned int stateId, HSMAlloc* alloc);
 
     unsigned int FireTransition(HSM* machine, UpdateResult* result);
-    TransitionDef* AskTransitions(HSM* machine);
+    TransitionDef* AskTransitions(HSM* machine, int first, int count);
     TransitionDef* AskGuardedTransitions(HSM* machine);
     void KeepGuards(unsigned int changeCount);
     void TellParent();

@@ -274,6 +274,17 @@ TEST(SMStateTransitions, OneWithoutATargetFillsTheRecordAndCountsAsNone)
     EXPECT_EQ(scene.machine.MainStack(), "From");
 }
 
+TEST(SMStateTransitions, AreAskedWithoutAMachine)
+{
+    Scene scene(FanDocument({1}));
+    scene.Run(0);
+    UpdateResult result;
+
+    EXPECT_EQ(scene.machine.FindState(10)->ProcessTransitions(nullptr, &result), 20u);
+    scene.machine.SetBool("on", false);
+    EXPECT_EQ(scene.machine.FindState(10)->ProcessTransitions(nullptr, &result), 0u);
+}
+
 TEST(SMStateTransitions, FireWithoutATree)
 {
     Scene scene(FanDocument({1}));

@@ -632,6 +632,30 @@ TEST(TransitionInAMachine, WithTheTargetZeroBlocksThoseBehindItWhileItHolds)
     TakeCalls();
 }
 
+TEST(TransitionInAMachine, SeesWhatATriggerBeforeItBound)
+{
+    LogRecorder log;
+    TestMachine machine(TwoWays(Transition("Binds", 100, 10, 11),
+                                Transition("Late", 101, 10, 12, {BoolCondition("late", true)})));
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    machine.Update(0.1f);
+    ASSERT_EQ(machine.MainStack(), "Stand");
+    machine.AssignTrigger("Binds",
+                          [](IHSM* triggered, SMState*)
+                          {
+                              IParameterBoolDef* late = nullptr;
+                              triggered->GetParameterTable()->CreateBoolParameter("late", true,
+                                                                                  &late);
+                              dynamic_cast<HSM*>(triggered)->BindParamCond();
+                              return false;
+                          });
+
+    machine.Update(0.1f);
+
+    EXPECT_EQ(machine.MainStack(), "Run") << "in the same tick";
+}
+
 TEST(TransitionInAMachine, IsNotAskedWhenDisabled)
 {
     LogRecorder log;
