@@ -4,9 +4,12 @@
 
 #include <iostream>
 
-#if defined(__GLIBC__)
+// The way around the streams needs to know what stands behind them.
+#if defined(__GLIBC__) && defined(__GLIBCXX__)
+#define VELL_DIRECT_STANDARD_ERROR
 #include <cerrno>
 #include <cstdio>
+#include <ext/stdio_sync_filebuf.h>
 #include <stdio_ext.h>
 #include <unistd.h>
 #endif
@@ -22,9 +25,18 @@ void WriteThroughStream(const char* characters, std::size_t count)
     std::cerr.flush();
 }
 
-#if defined(__GLIBC__)
-/// What stands behind std::cerr before a host changes it: the unbuffered stderr.
-const std::streambuf* const kFirstBuffer = std::cerr.rdbuf();
+#if defined(VELL_DIRECT_STANDARD_ERROR)
+using StderrBuffer = __gnu_cxx::stdio_sync_filebuf<char>;
+
+/// Gives what stands behind std::cerr, or null when a host has changed it before this library was
+/// loaded: at first it is the unbuffered stderr itself.
+StderrBuffer* FindStderrBuffer()
+{
+    auto* buffer = dynamic_cast<StderrBuffer*>(std::cerr.rdbuf());
+    return buffer != nullptr && buffer->file() == stderr ? buffer : nullptr;
+}
+
+StderrBuffer* const kStderrBuffer = FindStderrBuffer();
 
 void WriteToDescriptor(int descriptor, const char* characters, std::size_t count)
 {
@@ -49,16 +61,17 @@ void WriteToDescriptor(int descriptor, const char* characters, std::size_t count
 
 void WriteToStandardError(const char* characters, std::size_t count)
 {
-#if defined(__GLIBC__)
+#if defined(VELL_DIRECT_STANDARD_ERROR)
     // The way through two stream libraries to an unbuffered descriptor costs more than the line
     // itself.
-    if (std::cerr.rdbuf() == kFirstBuffer)
+    if (kStderrBuffer != nullptr && std::cerr.rdbuf() == kStderrBuffer)
     {
-        if (__fpending(stderr) != 0)
+        std::FILE* const file = kStderrBuffer->file();
+        if (__fpending(file) != 0)
         {
-            std::fflush(stderr);
+            std::fflush(file);
         }
-        WriteToDescriptor(fileno(stderr), characters, count);
+        WriteToDescriptor(fileno(file), characters, count);
         return;
     }
 #endif
