@@ -28,6 +28,7 @@ public:
     /// Writes the value and returns 1, or returns 0 for another type.
     virtual int GetValue(int* value) = 0;
     virtual int GetValue(float* value) = 0;
+    /// Writes nothing and returns 0, also for a bool: it is read through SMState::GetAttrib.
     virtual int GetValue(bool* value) = 0;
 };
 
