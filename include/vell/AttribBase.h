@@ -10,7 +10,8 @@ namespace vell
 {
 
 /// An attribute with its key/value table, named "attribBase". Every write of the value goes to the
-/// table's key "value", and a tool's write of that key comes back as a `SetValue`.
+/// table's key "value", and a tool's write of that key comes back as a `SetValue`, but for four
+/// floats, which only the table takes.
 class VELL_API AttribBase : public IAttribDef
 {
 public:

@@ -112,8 +112,8 @@ public:
     int GetParameterMessage(unsigned int id, const char** out);
     /// Sets the current text of a text parameter and returns 1; otherwise 0. Null is an empty text.
     int SetParameterMessage(unsigned int id, const char* text);
-    /// Gives the text of a text attribute of the current state, valid as long as the machine, and
-    /// returns 1; otherwise 0.
+    /// Gives the text of a text attribute of the current state, valid until `Uninit` and showing
+    /// later changes, and returns 1; otherwise 0.
     int GetAttributeValue(const char* name, const char** out);
     /// Sets the text of an attribute of the current state and returns 1, also where its type is
     /// another and nothing changes; 0 when there is no such attribute.

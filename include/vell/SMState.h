@@ -100,8 +100,8 @@ public:
     int SetAttrib(const char* name, const Tessel::Float2& value);
     /// Sets nothing: logs the attribute's type and returns 0.
     int SetAttrib(const char* name, void* value);
-    /// Gives the text of a text attribute, valid as long as the machine, and returns 1; otherwise
-    /// 0.
+    /// Gives the text of a text attribute, valid until IHSM::Uninit and showing later changes, and
+    /// returns 1; otherwise 0.
     int GetAttrib(const char* name, const char** out) const;
     /// Writes the value of a bool (1 byte), integer or float attribute (4 bytes). Returns 1 also
     /// when there is no such attribute or it is a text, and nothing is written; 0 for the vector
