@@ -1,0 +1,154 @@
+// VELL: data-driven hierarchical state machines.
+// bench/Limits.cpp: hand-written machines that do the walk of an idle tick and nothing else.
+#include "bench/Limits.h"
+
+#include <cmath>
+#include <new>
+
+namespace vell::bench
+{
+namespace
+{
+
+constexpr int kGreater = 3;
+
+class GreaterCondition final : public LimitCondition
+{
+public:
+    explicit GreaterCondition(const float* newValue) : value(newValue)
+    {
+    }
+    bool Evaluate() const override
+    {
+        return *value > target;
+    }
+
+private:
+    const float* value;
+    float target = 1.0f;
+};
+
+} // namespace
+
+SwitchMachine::SwitchMachine() : states(kLimitStates)
+{
+    const float* value = values;
+    for (State& state : states)
+    {
+        for (Transition& transition : state.transitions)
+        {
+            transition = Transition{Condition{kGreater, value++, 1.0f}, 1};
+        }
+    }
+}
+
+bool SwitchMachine::Holds(const Condition& condition)
+{
+    const float value = *condition.value;
+    switch (condition.evaluation)
+    {
+    case 1:
+        return std::fabs(condition.target - value) < 0.01f;
+    case 2:
+        return value != condition.target;
+    case 3:
+        return value > condition.target;
+    case 4:
+        return value >= condition.target;
+    case 5:
+        return value < condition.target;
+    case 6:
+        return value <= condition.target;
+    default:
+        return false;
+    }
+}
+
+void SwitchMachine::Update(float timeStep)
+{
+    elapsed += timeStep;
+    for (std::size_t i = states.size(); i-- > 0;)
+    {
+        for (const Transition& transition : states[i].transitions)
+        {
+            if (Holds(transition.condition))
+            {
+                current = transition.target;
+                break;
+            }
+        }
+    }
+}
+
+template <class T, class... Arguments>
+T* VirtualMachine::Make(Arguments... arguments)
+{
+    if (!isBlock)
+    {
+        return new T{arguments...};
+    }
+    T* made = new (next) T{arguments...};
+    next += (sizeof(T) + 7) / 8 * 8;
+    return made;
+}
+
+VirtualMachine::VirtualMachine(unsigned char* block) : next(block), isBlock(block != nullptr)
+{
+    for (int i = 0; i < kLimitStates; ++i)
+    {
+        states[i] = Make<State>();
+        for (int j = 0; j < kLimitTransitions; ++j)
+        {
+            float*& value = values[i * kLimitTransitions + j];
+            value = Make<float>(0.0f);
+            LimitCondition* condition = Make<GreaterCondition>(static_cast<const float*>(value));
+            states[i]->transitions[j] = Make<Transition>(condition, 1u);
+        }
+    }
+}
+
+VirtualMachine::~VirtualMachine()
+{
+    if (isBlock)
+    {
+        return;
+    }
+    for (State* state : states)
+    {
+        for (Transition* transition : state->transitions)
+        {
+            delete transition->condition;
+            delete transition;
+        }
+        delete state;
+    }
+    for (float* value : values)
+    {
+        delete value;
+    }
+}
+
+std::size_t VirtualMachine::BlockSize()
+{
+    constexpr std::size_t kConditions = kLimitStates * kLimitTransitions;
+    return kLimitStates * sizeof(State) +
+           kConditions * (8 + sizeof(GreaterCondition) + sizeof(Transition));
+}
+
+void VirtualMachine::Update(float timeStep)
+{
+    elapsed += timeStep;
+    for (int i = kLimitStates; i-- > 0;)
+    {
+        for (const Transition* transition : states[i]->transitions)
+        {
+            if (transition->condition->Evaluate())
+            {
+                current = transition->target;
+                break;
+            }
+        }
+    }
+}
+
+} // namespace vell::bench

@@ -1,0 +1,68 @@
+// VELL: data-driven hierarchical state machines.
+// bench/Machines.h: machines that are ready to be ticked, and where their log goes.
+#pragma once
+
+#include <vell/vell.h>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vell::bench
+{
+
+/// Says why the program cannot go on, and ends it.
+[[noreturn]] void Fail(const char* reason);
+
+/// Sends standard error to where nobody reads it: writing a line then costs what the system takes
+/// for the call.
+void DiscardStandardError();
+
+/// Ends a machine in the order that a host keeps.
+struct EndMachine
+{
+    void operator()(IHSM* machine) const;
+};
+
+using Machine = std::unique_ptr<IHSM, EndMachine>;
+
+/// Makes a machine, starts it and ticks it until no state is new. Ends the process when the
+/// document is refused.
+Machine StartMachine(const std::string& document);
+
+/// As `StartMachine`, without the start.
+Machine LoadMachine(const std::string& document);
+
+/// Gives the id of the innermost state, 0 when there is none.
+unsigned int CurrentId(IHSM& machine);
+
+/// Sets a float parameter.
+void SetParameter(IHSM& machine, const char* name, float value);
+
+/// The lines that were logged while it lived, each with its newline.
+class LogRecord
+{
+public:
+    LogRecord();
+    ~LogRecord();
+    LogRecord(const LogRecord&) = delete;
+    LogRecord& operator=(const LogRecord&) = delete;
+
+    const std::vector<std::string>& Lines() const;
+};
+
+/// Writes each line by a bare call of the system, as the log does. Gives the bytes.
+std::size_t WriteBare(const std::vector<std::string>& lines);
+
+/// A listener and a state-switch callback that a host would have; they count.
+class Observer : public IBroadcastListener
+{
+public:
+    int OnBroadcastEvent(int event, const void* record) override;
+    static void OnSwitch(HSM* machine, SMState* previous, SMState* next, float argument);
+
+    unsigned int heard = 0;
+};
+
+} // namespace vell::bench
