@@ -18,7 +18,7 @@ int main(int argc, char** argv)
 #if defined(__GLIBC__)
     // Large blocks come from the heap and stay in it, so that no run pays for pages that another
     // one had already.
-    mallopt(M_MMAP_THRESHOLD, 1 << 30);
+    mallopt(M_MMAP_MAX, 0);
     mallopt(M_TRIM_THRESHOLD, -1);
 #endif
     vell::bench::DiscardStandardError();
