@@ -2,8 +2,11 @@
 // tests/support/HeapWatch.cpp: counting and refusing of heap blocks.
 #include "tests/support/HeapWatch.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <new>
+
+#include <malloc.h>
 
 // The linker leads this program's calls of malloc and its kin here (--wrap), which works beside the
 // sanitizers, whose own malloc is the real one then. operator new is replaced as the language
@@ -29,6 +32,10 @@ struct Counters
     std::size_t mallocs;
     std::size_t news;
     std::ptrdiff_t kept;
+    std::ptrdiff_t bytes;
+    std::ptrdiff_t mostBytes;
+    std::size_t asked;
+    std::size_t refuseAt; ///< a value of `asked`; 0 for none
     std::size_t refuseSize;
     std::size_t refuseCount;
     std::size_t refused;
@@ -37,49 +44,84 @@ struct Counters
 // Plain data without a constructor, so that any allocation may find it.
 thread_local Counters counters;
 
+/// Counts a block that is asked for, and tells whether it is to be refused.
+bool Refuses()
+{
+    if (!counters.watching)
+    {
+        return false;
+    }
+    ++counters.asked;
+    if (counters.asked != counters.refuseAt)
+    {
+        return false;
+    }
+    ++counters.refused;
+    return true;
+}
+
+bool RefusesSize(std::size_t size)
+{
+    if (counters.refuseCount == 0 || size != counters.refuseSize)
+    {
+        return false;
+    }
+    --counters.refuseCount;
+    ++counters.refused;
+    return true;
+}
+
 void* Taken(void* block, std::size_t& kind)
 {
     if (counters.watching && block != nullptr)
     {
         ++kind;
         ++counters.kept;
+        counters.bytes += static_cast<std::ptrdiff_t>(malloc_usable_size(block));
+        counters.mostBytes = std::max(counters.mostBytes, counters.bytes);
     }
     return block;
 }
 
-void GivenBack(const void* block)
+void GivenBack(void* block)
 {
     if (counters.watching && block != nullptr)
     {
         --counters.kept;
+        counters.bytes -= static_cast<std::ptrdiff_t>(malloc_usable_size(block));
     }
+}
+
+void* TakenByNew(std::size_t size)
+{
+    return Refuses() ? nullptr : Taken(__real_malloc(size == 0 ? 1 : size), counters.news);
 }
 
 } // namespace
 
 void* __wrap_malloc(std::size_t size)
 {
-    if (counters.refuseCount != 0 && size == counters.refuseSize)
-    {
-        --counters.refuseCount;
-        ++counters.refused;
-        return nullptr;
-    }
-    return Taken(__real_malloc(size), counters.mallocs);
+    return RefusesSize(size) || Refuses() ? nullptr : Taken(__real_malloc(size), counters.mallocs);
 }
 
 void* __wrap_calloc(std::size_t count, std::size_t size)
 {
-    return Taken(__real_calloc(count, size), counters.mallocs);
+    return Refuses() ? nullptr : Taken(__real_calloc(count, size), counters.mallocs);
 }
 
 void* __wrap_realloc(void* block, std::size_t size)
 {
-    const bool had = block != nullptr;
+    if (Refuses())
+    {
+        return nullptr;
+    }
+    const std::ptrdiff_t had =
+        block == nullptr ? 0 : static_cast<std::ptrdiff_t>(malloc_usable_size(block));
     void* moved = __real_realloc(block, size);
-    if (had && (moved != nullptr || size == 0) && counters.watching)
+    if (block != nullptr && (moved != nullptr || size == 0) && counters.watching)
     {
         --counters.kept;
+        counters.bytes -= had;
     }
     return Taken(moved, counters.mallocs);
 }
@@ -92,7 +134,7 @@ void __wrap_free(void* block)
 
 void* operator new(std::size_t size)
 {
-    void* block = Taken(__real_malloc(size == 0 ? 1 : size), counters.news);
+    void* block = TakenByNew(size);
     if (block == nullptr)
     {
         throw std::bad_alloc();
@@ -102,7 +144,7 @@ void* operator new(std::size_t size)
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
-    return Taken(__real_malloc(size == 0 ? 1 : size), counters.news);
+    return TakenByNew(size);
 }
 
 void operator delete(void* block) noexcept
@@ -148,6 +190,27 @@ std::size_t HeapWatch::News() const
 std::ptrdiff_t HeapWatch::BlocksKept() const
 {
     return counters.kept;
+}
+
+std::size_t HeapWatch::MostBytes() const
+{
+    return static_cast<std::size_t>(counters.mostBytes);
+}
+
+std::size_t HeapWatch::Asked() const
+{
+    return counters.asked;
+}
+
+void HeapWatch::RefuseAfter(std::size_t count)
+{
+    counters.refuseAt = counters.asked + count + 1;
+}
+
+void HeapWatch::RefuseNothing()
+{
+    counters.refuseAt = 0;
+    counters.refuseCount = 0;
 }
 
 void HeapWatch::RefuseMalloc(std::size_t size, std::size_t count)

@@ -26,6 +26,16 @@ public:
     /// its beginning; negative when fewer are.
     std::ptrdiff_t BlocksKept() const;
 
+    /// Gives the most bytes that stood taken at one time, of all that the watch saw taken.
+    std::size_t MostBytes() const;
+    /// Gives how many blocks were asked for, refused ones too.
+    std::size_t Asked() const;
+
+    /// Refuses one block, of whatever kind, after the next `count`: malloc and its kin give null,
+    /// operator new throws std::bad_alloc.
+    void RefuseAfter(std::size_t count);
+    /// Ends all refusing.
+    void RefuseNothing();
     /// Makes malloc give null to the next `count` calls for exactly `size` bytes.
     void RefuseMalloc(std::size_t size, std::size_t count);
     /// Gives how many calls were refused.
