@@ -12,6 +12,10 @@ if(VELL_SANITIZE)
     add_compile_options(-fsanitize=${VELL_SANITIZE} -fno-sanitize-recover=all
                         -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${VELL_SANITIZE})
+    if(CMAKE_CXX_COMPILER_ID MATCHES Clang AND VELL_SANITIZE MATCHES undefined)
+        add_compile_options(
+            -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/cmake/sanitizer-ignore.txt)
+    endif()
 endif()
 
 # Strict warnings, where the presets ask for them.

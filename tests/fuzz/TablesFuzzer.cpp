@@ -1,0 +1,631 @@
+// VELL: data-driven hierarchical state machines.
+// tests/fuzz/TablesFuzzer.cpp: the key/value tables beside a plain model of them.
+#include "tests/fuzz/Bytes.h"
+#include "tests/fuzz/MachineRun.h"
+
+#include <tessel/Tessel.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace vell::fuzz
+{
+namespace
+{
+
+using namespace Tessel;
+
+const std::array<const char*, 8> kKeys = {
+    "a", "b", "value", "", "7", "1234567", "a key that is too long for any small buffer", "x y"};
+constexpr unsigned int kMostTables = 60;
+constexpr int kDeepest = 3;
+constexpr int kNoTable = -1;
+
+/// What a key holds, as plain as can be.
+struct ModelValue
+{
+    int type = ValueType_None;
+    std::string text;
+    unsigned int word = 0; ///< an int or an unsigned by its bits
+    std::array<float, 4> floats = {};
+    int table = kNoTable;
+};
+
+struct ModelKey
+{
+    std::string key;
+    ModelValue value;
+};
+
+/// A listener that was taken for a key, or, with a null key, a table's own.
+struct ModelListener
+{
+    std::string key;
+    int id;
+};
+
+struct ModelTable
+{
+    KVTable handle;
+    std::string name;
+    bool open = true;
+    int holds = 0; ///< by its maker and by each key that it stands under
+    std::vector<ModelKey> keys;
+    std::vector<unsigned int> array;
+    std::vector<ModelListener> listeners;
+    int own = 0; ///< the table's own listener, 0 for none
+};
+
+/// One write under way: the listeners that are still to be called.
+struct Write
+{
+    int table;
+    std::string key;
+    std::vector<int> waiting;
+    bool ownCalled;
+};
+
+int Hear(void* object, opResult result, KVTable table, const char* key);
+
+/// The tables and the model, changed side by side.
+class Pair
+{
+public:
+    explicit Pair(Bytes& decisions) : bytes(decisions)
+    {
+    }
+
+    void Play();
+    void Heard(int id, KVTable table, const char* key);
+
+private:
+    int PickTable()
+    {
+        return static_cast<int>(bytes.Byte() % tables.size());
+    }
+    ModelValue* Find(int table, const std::string& key);
+    void Close(int table);
+    void Release(int table);
+    bool Reaches(int from, int to) const;
+    void Put(int table, const std::string& key, const ModelValue& value);
+    void BeginWrite(int table, const std::string& key);
+    void EndWrite();
+    void Step();
+    void MakeTable();
+    void SetNumber(int table, const std::string& key);
+    void SetFloats(int table, const std::string& key);
+    void SetText(int table, const std::string& key);
+    void AddTable(int table, const std::string& key);
+    void Attach(int table, const std::string& key);
+    void ChangeArray(int table);
+    void Listen(int table, const std::string& key);
+    void Unlisten(int table, const std::string& key);
+    void CompareAll();
+    void CompareTable(const ModelTable& model) const;
+    void CompareValue(const ModelTable& model, const ModelKey& key) const;
+
+    Bytes& bytes;
+    std::vector<ModelTable> tables;
+    std::vector<Write> writes;
+    int nextListener = 1;
+};
+
+Pair* playing = nullptr;
+
+int Hear(void* object, opResult result, KVTable table, const char* key)
+{
+    Require(result == opResult_ValueChanged, "a listener hears of a write");
+    playing->Heard(static_cast<int>(reinterpret_cast<std::uintptr_t>(object)), table, key);
+    return 0;
+}
+
+KVListener Record(int id)
+{
+    return KVListener{reinterpret_cast<void*>(static_cast<std::uintptr_t>(id)), &Hear};
+}
+
+ModelValue* Pair::Find(int table, const std::string& key)
+{
+    for (ModelKey& entry : tables[static_cast<std::size_t>(table)].keys)
+    {
+        if (entry.key == key)
+        {
+            return &entry.value;
+        }
+    }
+    return nullptr;
+}
+
+void Pair::Close(int table)
+{
+    ModelTable& model = tables[static_cast<std::size_t>(table)];
+    if (!model.open)
+    {
+        return;
+    }
+    model.open = false;
+    model.listeners.clear();
+    model.own = 0;
+    std::vector<ModelKey> keys;
+    keys.swap(model.keys);
+    for (const ModelKey& entry : keys)
+    {
+        Release(entry.value.table);
+    }
+}
+
+void Pair::Release(int table)
+{
+    if (table == kNoTable || !tables[static_cast<std::size_t>(table)].open)
+    {
+        return;
+    }
+    if (--tables[static_cast<std::size_t>(table)].holds == 0)
+    {
+        Close(table);
+    }
+}
+
+bool Pair::Reaches(int from, int to) const
+{
+    const ModelTable& model = tables[static_cast<std::size_t>(from)];
+    return from == to || (model.open && std::any_of(model.keys.begin(), model.keys.end(),
+                                                    [&](const ModelKey& entry)
+                                                    {
+                                                        return entry.value.table != kNoTable &&
+                                                               Reaches(entry.value.table, to);
+                                                    }));
+}
+
+void Pair::Put(int table, const std::string& key, const ModelValue& value)
+{
+    ModelValue* there = Find(table, key);
+    if (there == nullptr)
+    {
+        tables[static_cast<std::size_t>(table)].keys.push_back(ModelKey{key, value});
+        return;
+    }
+    const int before = there->table;
+    *there = value;
+    Release(before);
+}
+
+void Pair::BeginWrite(int table, const std::string& key)
+{
+    Write write{table, key, {}, false};
+    for (const ModelListener& listener : tables[static_cast<std::size_t>(table)].listeners)
+    {
+        if (listener.key == key)
+        {
+            write.waiting.push_back(listener.id);
+        }
+    }
+    writes.push_back(write);
+}
+
+void Pair::Heard(int id, KVTable table, const char* key)
+{
+    const std::size_t depth = writes.size();
+    Require(depth != 0, "nobody is called without a write");
+    Write& write = writes.back();
+    const ModelTable& model = tables[static_cast<std::size_t>(write.table)];
+    Require(model.open && model.handle == table && write.key == key, "the write that was made");
+    int expected = 0;
+    while (expected == 0 && !write.waiting.empty())
+    {
+        const int waiting = write.waiting.front();
+        write.waiting.erase(write.waiting.begin());
+        const bool there = std::any_of(model.listeners.begin(), model.listeners.end(),
+                                       [&](const ModelListener& listener)
+                                       {
+                                           return listener.id == waiting;
+                                       });
+        expected = there ? waiting : 0;
+    }
+    if (expected == 0)
+    {
+        Require(!write.ownCalled, "the table's own listener is called once");
+        write.ownCalled = true;
+        expected = model.own;
+    }
+    Require(expected == id, "listeners are called in their order");
+    if (depth <= kDeepest && !bytes.Empty())
+    {
+        Step();
+    }
+}
+
+void Pair::EndWrite()
+{
+    const Write write = writes.back();
+    writes.pop_back();
+    const ModelTable& model = tables[static_cast<std::size_t>(write.table)];
+    if (!model.open)
+    {
+        return;
+    }
+    for (const int waiting : write.waiting)
+    {
+        for (const ModelListener& listener : model.listeners)
+        {
+            Require(listener.id != waiting, "every listener is called");
+        }
+    }
+    Require(model.own == 0 || write.ownCalled, "the table's own listener is called");
+}
+
+void Pair::MakeTable()
+{
+    if (tables.size() >= kMostTables)
+    {
+        return;
+    }
+    const std::string name = kKeys[bytes.Below(8)];
+    ModelTable model;
+    model.handle = CreateTable(name.c_str());
+    Require(static_cast<bool>(model.handle), "a table is made");
+    model.name = name;
+    model.holds = 1;
+    tables.push_back(model);
+}
+
+void Pair::SetNumber(int table, const std::string& key)
+{
+    const KVTable handle = tables[static_cast<std::size_t>(table)].handle;
+    const bool open = tables[static_cast<std::size_t>(table)].open;
+    ModelValue value;
+    value.word = bytes.Word();
+    value.type = bytes.Below(2) == 0 ? ValueType_Int : ValueType_UInt;
+    if (open)
+    {
+        Put(table, key, value);
+        BeginWrite(table, key);
+    }
+    const int done = value.type == ValueType_Int
+                         ? handle->SetInt(key.c_str(), static_cast<int>(value.word), 1)
+                         : handle->SetUInt(key.c_str(), value.word, 0);
+    Require((done != 0) == open, "a number is written to an open table");
+    if (open)
+    {
+        EndWrite();
+    }
+}
+
+void Pair::SetFloats(int table, const std::string& key)
+{
+    const KVTable handle = tables[static_cast<std::size_t>(table)].handle;
+    const bool open = tables[static_cast<std::size_t>(table)].open;
+    ModelValue value;
+    const unsigned int count = bytes.Below(4) + 1;
+    const std::array<int, 4> types = {ValueType_Float, ValueType_Float2, ValueType_Float3,
+                                      ValueType_Float4};
+    value.type = types[count - 1];
+    for (unsigned int i = 0; i < count; ++i)
+    {
+        value.floats[i] = bytes.Float();
+    }
+    if (open)
+    {
+        Put(table, key, value);
+        BeginWrite(table, key);
+    }
+    const Float2 two{value.floats[0], value.floats[1]};
+    const Float3 three{value.floats[0], value.floats[1], value.floats[2]};
+    const Float4 four{value.floats[0], value.floats[1], value.floats[2], value.floats[3]};
+    const int done = count == 1   ? handle->SetFloat(key.c_str(), value.floats[0], 1)
+                     : count == 2 ? handle->SetFloat2(key.c_str(), &two, 1)
+                     : count == 3 ? handle->SetFloat3(key.c_str(), &three, 1)
+                                  : handle->SetFloat4(key.c_str(), &four, 1);
+    Require((done != 0) == open, "floats are written to an open table");
+    if (open)
+    {
+        EndWrite();
+    }
+}
+
+void Pair::SetText(int table, const std::string& key)
+{
+    const KVTable handle = tables[static_cast<std::size_t>(table)].handle;
+    const bool open = tables[static_cast<std::size_t>(table)].open;
+    const std::string key2 = kKeys[bytes.Below(8)];
+    const char* own = handle->GetString(key2.c_str());
+    const bool useOwn = own != nullptr && bytes.Below(2) == 0;
+    ModelValue value;
+    value.type = ValueType_Text;
+    value.text = useOwn ? own : std::string(bytes.Text(40).c_str());
+    if (open)
+    {
+        Put(table, key, value);
+        BeginWrite(table, key);
+    }
+    // A text of the table's own may stand where the new one goes.
+    const int done = handle->SetString(key.c_str(), useOwn ? own : value.text.c_str(), 1);
+    Require((done != 0) == open, "a text is written to an open table");
+    if (open)
+    {
+        EndWrite();
+    }
+}
+
+void Pair::AddTable(int table, const std::string& key)
+{
+    if (tables.size() >= kMostTables)
+    {
+        return;
+    }
+    const KVTable handle = tables[static_cast<std::size_t>(table)].handle;
+    const bool open = tables[static_cast<std::size_t>(table)].open;
+    const KVTable added = handle->AddTable(key.c_str(), 1);
+    Require(static_cast<bool>(added) == open, "a table is added to an open one");
+    if (!open)
+    {
+        return;
+    }
+    ModelTable model;
+    model.handle = added;
+    model.name = key;
+    model.holds = 1;
+    tables.push_back(model);
+    ModelValue value;
+    value.type = ValueType_Table;
+    value.table = static_cast<int>(tables.size()) - 1;
+    Put(table, key, value);
+}
+
+void Pair::Attach(int table, const std::string& key)
+{
+    const int child = PickTable();
+    const KVTable handle = tables[static_cast<std::size_t>(table)].handle;
+    const bool good = tables[static_cast<std::size_t>(table)].open &&
+                      tables[static_cast<std::size_t>(child)].open && !Reaches(child, table);
+    const int done =
+        handle->AttachTable(key.c_str(), tables[static_cast<std::size_t>(child)].handle, 0);
+    Require((done != 0) == good, "an open table is attached where it makes no circle");
+    if (good)
+    {
+        ++tables[static_cast<std::size_t>(child)].holds;
+        ModelValue value;
+        value.type = ValueType_Table;
+        value.table = child;
+        Put(table, key, value);
+    }
+}
+
+void Pair::ChangeArray(int table)
+{
+    ModelTable& model = tables[static_cast<std::size_t>(table)];
+    if (bytes.Below(3) != 0)
+    {
+        const unsigned int value = bytes.Word();
+        Require((model.handle->PushUInt(value, 1) != 0) == model.open, "an element is appended");
+        if (model.open)
+        {
+            model.array.push_back(value);
+        }
+        return;
+    }
+    const unsigned int index = bytes.Below(6);
+    const bool good = model.open && index < model.array.size();
+    Require((model.handle->RemoveAt(index, 1) != 0) == good, "an element is removed");
+    if (good)
+    {
+        model.array.erase(model.array.begin() + static_cast<std::ptrdiff_t>(index));
+    }
+}
+
+void Pair::Listen(int table, const std::string& key)
+{
+    ModelTable& model = tables[static_cast<std::size_t>(table)];
+    const bool own = bytes.Below(4) == 0;
+    if (!model.open)
+    {
+        return;
+    }
+    const int id = nextListener++;
+    KVListener* record =
+        own ? model.handle->GetTableListener() : model.handle->GetValueListener(key.c_str());
+    Require(record != nullptr, "an open table gives a record");
+    *record = Record(id);
+    if (own)
+    {
+        model.own = id;
+    }
+    else
+    {
+        model.listeners.push_back(ModelListener{key, id});
+    }
+}
+
+void Pair::Unlisten(int table, const std::string& key)
+{
+    ModelTable& model = tables[static_cast<std::size_t>(table)];
+    if (model.own != 0 && bytes.Below(4) == 0)
+    {
+        *model.handle->GetTableListener() = KVListener{nullptr, nullptr};
+        model.own = 0;
+        return;
+    }
+    const int id = nextListener <= 1 ? 1 : 1 + static_cast<int>(bytes.Byte()) % nextListener;
+    const KVListener record = Record(id);
+    model.handle->RemoveValueListener(key.c_str(), &record);
+    const auto found = std::find_if(model.listeners.begin(), model.listeners.end(),
+                                    [&](const ModelListener& listener)
+                                    {
+                                        return listener.id == id && listener.key == key;
+                                    });
+    if (found != model.listeners.end())
+    {
+        model.listeners.erase(found);
+    }
+}
+
+void Pair::Step()
+{
+    if (tables.empty())
+    {
+        MakeTable();
+        return;
+    }
+    const unsigned int choice = bytes.Below(12);
+    const int table = PickTable();
+    const std::string key = kKeys[bytes.Below(8)];
+    switch (choice)
+    {
+    case 0:
+        MakeTable();
+        break;
+    case 1:
+    case 2:
+        SetNumber(table, key);
+        break;
+    case 3:
+        SetFloats(table, key);
+        break;
+    case 4:
+        SetText(table, key);
+        break;
+    case 5:
+        AddTable(table, key);
+        break;
+    case 6:
+        Attach(table, key);
+        break;
+    case 7:
+        ChangeArray(table);
+        break;
+    case 8:
+    case 9:
+        Listen(table, key);
+        break;
+    case 10:
+        Unlisten(table, key);
+        break;
+    default:
+        CloseTable(tables[static_cast<std::size_t>(table)].handle);
+        Close(table);
+        break;
+    }
+}
+
+void Pair::CompareValue(const ModelTable& model, const ModelKey& key) const
+{
+    const KVTable handle = model.handle;
+    const ModelValue& value = key.value;
+    const char* text = handle->GetString(key.key.c_str());
+    Require((text != nullptr) == (value.type == ValueType_Text), "only a text is a text");
+    Require(text == nullptr || value.text == text, "the text that was written");
+    if (value.type == ValueType_Int || value.type == ValueType_UInt)
+    {
+        Require(handle->GetUInt(key.key.c_str()) == value.word, "the number that was written");
+        Require(handle->GetInt(key.key.c_str()) == static_cast<int>(value.word), "as an int too");
+    }
+    std::array<float, 4> floats = {};
+    std::size_t count = 0;
+    if (value.type == ValueType_Float)
+    {
+        floats[0] = handle->GetFloat(key.key.c_str());
+        count = 1;
+    }
+    Float2 two{};
+    Float3 three{};
+    Float4 four{};
+    Require((handle->GetFloat2(key.key.c_str(), &two) != 0) == (value.type == ValueType_Float2),
+            "only two floats are two");
+    Require((handle->GetFloat3(key.key.c_str(), &three) != 0) == (value.type == ValueType_Float3),
+            "only three floats are three");
+    Require((handle->GetFloat4(key.key.c_str(), &four) != 0) == (value.type == ValueType_Float4),
+            "only four floats are four");
+    if (value.type == ValueType_Float2)
+    {
+        floats = {two.x, two.y, 0, 0};
+        count = 2;
+    }
+    else if (value.type == ValueType_Float3)
+    {
+        floats = {three.x, three.y, three.z, 0};
+        count = 3;
+    }
+    else if (value.type == ValueType_Float4)
+    {
+        floats = {four.x, four.y, four.z, four.w};
+        count = 4;
+    }
+    Require(std::memcmp(floats.data(), value.floats.data(), count * sizeof(float)) == 0,
+            "the floats that were written");
+    const KVTable below = handle->GetTable(key.key.c_str());
+    const bool open = value.table != kNoTable && tables[static_cast<std::size_t>(value.table)].open;
+    Require(static_cast<bool>(below) == open, "an open table below is found");
+    Require(!open || below == tables[static_cast<std::size_t>(value.table)].handle,
+            "the table that was put there");
+}
+
+void Pair::CompareTable(const ModelTable& model) const
+{
+    const char* name = GetTableName(model.handle);
+    Require((name != nullptr) == model.open, "an open table has a name");
+    Require(name == nullptr || model.name == name, "the name that was given");
+    const std::size_t count = model.open ? model.keys.size() : 0;
+    Require(model.handle->GetKeyCount() == count, "as many keys as were written");
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        const auto index = static_cast<unsigned int>(i);
+        const char* key = model.handle->GetKeyAt(index);
+        Require(key != nullptr && model.keys[i].key == key, "keys stand in their order");
+        Require(model.handle->GetTypeAt(index) == model.keys[i].value.type, "of their type");
+        CompareValue(model, model.keys[i]);
+    }
+    const std::size_t elements = model.open ? model.array.size() : 0;
+    Require(model.handle->GetCount() == elements, "as many elements as were pushed");
+    for (std::size_t i = 0; i < elements; ++i)
+    {
+        KVValue* element = model.handle->GetValueAt(static_cast<unsigned int>(i));
+        Require(element != nullptr && element->GetUIntValue() == model.array[i], "in order");
+    }
+}
+
+void Pair::CompareAll()
+{
+    unsigned int open = 0;
+    for (const ModelTable& model : tables)
+    {
+        CompareTable(model);
+        open += model.open ? 1 : 0;
+    }
+    Require(GetOpenTableCount() == open, "as many tables are open");
+}
+
+void Pair::Play()
+{
+    playing = this;
+    while (!bytes.Empty())
+    {
+        Step();
+    }
+    CompareAll();
+    for (std::size_t i = 0; i < tables.size(); ++i)
+    {
+        CloseTable(tables[i].handle);
+        Close(static_cast<int>(i));
+        if (i % 8 == 0)
+        {
+            CompareAll();
+        }
+    }
+    playing = nullptr;
+}
+
+} // namespace
+} // namespace vell::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    vell::fuzz::Bytes bytes(data, size);
+    vell::fuzz::Pair(bytes).Play();
+    vell::fuzz::Require(Tessel::GetOpenTableCount() == 0, "closed tables are gone");
+    return 0;
+}
