@@ -117,7 +117,8 @@ protected:
 
     BaseDef* def = nullptr;                  ///< not owned
     unsigned int id = 0;                     ///< as given to the factory; nobody reads it
-    std::vector<TransitionDef*> transitions; ///< in the order of evaluation; not owned
+    /// In the order of evaluation; not owned. To be changed by PushTransition and SortTransitions.
+    std::vector<TransitionDef*> transitions;
     Action* entryAction = nullptr;           ///< nobody sets it
     Action* exitAction = nullptr;            ///< nobody sets it
     SubstateState* parent = nullptr;         ///< set on activation
