@@ -115,14 +115,14 @@ protected:
     /// Runs the chain from `first` and returns 1.
     int PerformActions(__ActType__ type, float dt, Action* first);
 
-    BaseDef* def = nullptr;                  ///< not owned
-    unsigned int id = 0;                     ///< as given to the factory; nobody reads it
+    BaseDef* def = nullptr; ///< not owned
+    unsigned int id = 0;    ///< as given to the factory; nobody reads it
     /// In the order of evaluation; not owned. To be changed by PushTransition and SortTransitions.
     std::vector<TransitionDef*> transitions;
-    Action* entryAction = nullptr;           ///< nobody sets it
-    Action* exitAction = nullptr;            ///< nobody sets it
-    SubstateState* parent = nullptr;         ///< set on activation
-    HSM* hsm = nullptr;                      ///< set on activation
+    Action* entryAction = nullptr;   ///< nobody sets it
+    Action* exitAction = nullptr;    ///< nobody sets it
+    SubstateState* parent = nullptr; ///< set on activation
+    HSM* hsm = nullptr;              ///< set on activation
 
 private:
     friend class HSM;
