@@ -50,7 +50,7 @@ unsigned long long CountFromEnvironment(const char* name, unsigned long long oth
 QuietLog::QuietLog()
 {
     Clear();
-    SetLogCallBackBase(Count);
+    Resume();
 }
 
 QuietLog::~QuietLog()
@@ -78,6 +78,11 @@ void QuietLog::Clear()
     lines = 0;
     errors = 0;
     failedInits = 0;
+}
+
+void QuietLog::Resume()
+{
+    SetLogCallBackBase(Count);
 }
 
 DocumentBuilder WholeDocument()

@@ -50,6 +50,8 @@ public:
     std::size_t Errors() const;
     std::size_t FailedInits() const;
     void Clear();
+    /// Sets the callback again, as a host may at any time.
+    void Resume();
 
 private:
     LogRecorder recorder;
