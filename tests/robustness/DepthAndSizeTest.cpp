@@ -324,7 +324,7 @@ TEST(DeepMachine, Of10000LevelsGrowsItsStackAndNotTheCallStack)
     const QuietLog log;
     const unsigned int levels = Scaled(10000, 3000);
     const std::string text = SubstateChain(levels);
-    LifeOf(SubstateChain(4));
+    LifeOf(text);
     lowestFrame = 0;
     highestFrame = 0;
     const HeapWatch heap;
