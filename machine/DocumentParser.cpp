@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace vell
 {
@@ -42,21 +43,54 @@ std::string ReadWholeFile(const char* path)
     return text;
 }
 
+/// Marks characters, for walking over all others.
+struct CharacterSet
+{
+    explicit constexpr CharacterSet(std::string_view characters)
+    {
+        for (const char c : characters)
+        {
+            marks[static_cast<unsigned char>(c)] = true;
+        }
+    }
+
+    /// Gives the first marked character from `c` on.
+    const char* Find(const char* c) const
+    {
+        while (!marks[static_cast<unsigned char>(*c)])
+        {
+            ++c;
+        }
+        return c;
+    }
+
+    bool marks[256] = {};
+};
+
+// The end of the text belongs to both.
+constexpr CharacterSet kOutsideStrings(std::string_view("\0\"[]{}", 6));
+constexpr CharacterSet kInsideStrings(std::string_view("\0\"\\", 3));
+
+/// Gives the quote that ends the string whose first character is `c`, or the end of the text.
+const char* FindStringEnd(const char* c)
+{
+    c = kInsideStrings.Find(c);
+    while (*c == '\\' && c[1] != '\0')
+    {
+        c = kInsideStrings.Find(c + 2);
+    }
+    return *c == '\\' ? c + 1 : c;
+}
+
 bool IsNestedDeeperThan(unsigned int limit, const char* text)
 {
     unsigned int depth = 0;
-    for (const char* c = text; *c != '\0'; ++c)
+    for (const char* c = kOutsideStrings.Find(text); *c != '\0'; c = kOutsideStrings.Find(c + 1))
     {
         switch (*c)
         {
         case '"':
-            for (++c; *c != '"' && *c != '\0'; ++c)
-            {
-                if (*c == '\\' && c[1] != '\0')
-                {
-                    ++c;
-                }
-            }
+            c = FindStringEnd(c + 1);
             if (*c == '\0')
             {
                 return false;
@@ -69,11 +103,8 @@ bool IsNestedDeeperThan(unsigned int limit, const char* text)
                 return true;
             }
             break;
-        case ']':
-        case '}':
-            depth -= depth == 0 ? 0 : 1;
-            break;
         default:
+            depth -= depth == 0 ? 0 : 1;
             break;
         }
     }
