@@ -13,6 +13,8 @@
 
 #include <vell/SMState.h>
 
+#include <set>
+
 namespace vell
 {
 
@@ -116,8 +118,10 @@ Action* HSM::ChangeState(unsigned int id)
 
 void HSM::StartState(unsigned int id, std::vector<unsigned int>& ids)
 {
+    // A document may make levels each other's parents: the climb ends where it was before.
+    std::set<const SubstateState*> climbed;
     auto* substate = dynamic_cast<SubstateState*>(ActivateState(id, 0.0f));
-    while (substate != nullptr)
+    while (substate != nullptr && climbed.insert(substate).second)
     {
         ids.push_back(id);
         if (substate->GetParentID() == 0)

@@ -308,6 +308,21 @@ TEST(HSMStartState, ClimbsFromALevelToTheOutermostOneWithoutPushing)
     EXPECT_EQ(scene.machine.MainStack(), "-");
 }
 
+TEST(HSMStartState, EndsWhereLevelsAreEachOthersParents)
+{
+    DocumentBuilder document;
+    document.Start(30).Level("One", 10, 30, {}, 20).Level("Other", 20, 30, {}, 10);
+    document.Node(Generic("Leaf", 30, {}, 20));
+    Scene scene(document);
+    std::vector<unsigned int> ids;
+
+    scene.machine.StartState(20, ids);
+
+    EXPECT_EQ(ids, (Ids{20, 10}));
+    EXPECT_EQ(scene.log.Take(), Activated("Other", 20, "-") + Activated("One", 10, "-") +
+                                    Activated("Other", 20, "-"));
+}
+
 TEST(HSMStartState, GivesNothingForAStateThatIsNoLevel)
 {
     Scene scene(StackDocument());
