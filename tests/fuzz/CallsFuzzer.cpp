@@ -66,6 +66,9 @@ std::string GoodDocument()
     return document.Text();
 }
 
+/// Documents whose machine does not load, at several steps.
+const std::array<const char*, 4> kBadDocuments = {"", "{", "{}", "[1,2]"};
+
 class FuzzListener : public IBroadcastListener
 {
 public:
@@ -433,6 +436,18 @@ void Meddle()
     --host->depth;
 }
 
+BaseDef* MakeNoDefinition(const GenericValue&, HSMAlloc*)
+{
+    return nullptr;
+}
+
+void RegisterBuilder(Bytes& bytes)
+{
+    const std::array<NodeDefFactory, 3> factories = {nullptr, &MakeNoDefinition, &BaseDef::Create};
+    host->machine->RegisterNodeDef(static_cast<__DURM_BUILDERS__>(bytes.Below(30)),
+                                   factories[bytes.Below(3)]);
+}
+
 void RestoreContext(Bytes& bytes)
 {
     HSM& machine = *host->machine;
@@ -455,7 +470,7 @@ void RestoreContext(Bytes& bytes)
 void CallBetweenTicks(Bytes& bytes)
 {
     HSM& machine = *host->machine;
-    switch (bytes.Below(13))
+    switch (bytes.Below(14))
     {
     case 0:
         machine.PushState(kStates[bytes.Below(7)]);
@@ -493,6 +508,9 @@ void CallBetweenTicks(Bytes& bytes)
         break;
     case 11:
         WriteIntoTree(machine.GetKVTable(), bytes);
+        break;
+    case 12:
+        RegisterBuilder(bytes);
         break;
     default:
         Tick(machine, bytes.Below(4) == 0 ? bytes.Float() : 0.1f);
@@ -539,13 +557,15 @@ void Play(Bytes& bytes)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     using namespace vell::fuzz;
-    static const std::string document = GoodDocument();
+    static const std::string goodDocument = GoodDocument();
     Bytes bytes(data, size);
+    const unsigned int choice = bytes.Byte();
+    const char* document = choice >= 250 ? kBadDocuments[choice % 4] : goodDocument.c_str();
     Host player = {};
     player.bytes = &bytes;
     host = &player;
     {
-        const std::unique_ptr<vell::HSM> machine(new vell::HSM(document.c_str()));
+        const std::unique_ptr<vell::HSM> machine(new vell::HSM(document));
         player.machine = machine.get();
         Play(bytes);
         player.down = true;
