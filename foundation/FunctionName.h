@@ -2,6 +2,7 @@
 // foundation/FunctionName.h: names of functions and files as log lines show them.
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 namespace vell
@@ -34,6 +35,45 @@ constexpr std::string_view BaseName(std::string_view path)
     return slash == std::string_view::npos ? path : path.substr(slash + 1);
 }
 
+/// Counts the decimal digits of a number above 0.
+constexpr std::size_t CountDigits(int number)
+{
+    std::size_t count = 0;
+    for (; number > 0; number /= 10)
+    {
+        ++count;
+    }
+    return count;
+}
+
+/// The text "FILE : LINE", put together by the compiler.
+template <std::size_t Size>
+struct SourcePlace
+{
+    constexpr SourcePlace(std::string_view file, int line) : text()
+    {
+        std::size_t end = Size;
+        for (; line > 0; line /= 10)
+        {
+            text[--end] = static_cast<char>('0' + line % 10);
+        }
+        text[--end] = ' ';
+        text[--end] = ':';
+        text[--end] = ' ';
+        while (end > 0)
+        {
+            --end;
+            text[end] = file[end];
+        }
+    }
+    constexpr std::string_view View() const
+    {
+        return std::string_view(text, Size);
+    }
+
+    char text[Size];
+};
+
 } // namespace vell
 
 /// What the compiler calls the function in which it stands, for `QualifiedName`.
@@ -50,4 +90,15 @@ constexpr std::string_view BaseName(std::string_view path)
         {                                                                                          \
             constexpr std::string_view kName = ::vell::BaseName(__FILE__);                         \
             return kName;                                                                          \
+        }())
+
+/// The name of the source file in which it stands, " : " and the line.
+#define VELL_PLACE                                                                                 \
+    (                                                                                              \
+        []                                                                                         \
+        {                                                                                          \
+            static constexpr ::vell::SourcePlace<::vell::BaseName(__FILE__).size() + 3 +           \
+                                                 ::vell::CountDigits(__LINE__)>                    \
+                kPlace(::vell::BaseName(__FILE__), __LINE__);                                      \
+            return kPlace.View();                                                                  \
         }())

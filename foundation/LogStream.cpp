@@ -27,9 +27,8 @@ public:
         return buffers[inUse++].get();
     }
 
-    void GiveBack(LineBuffer* buffer)
+    void GiveBack()
     {
-        buffer->Clear();
         --inUse;
     }
 
@@ -40,9 +39,6 @@ private:
 
 namespace
 {
-
-/// Holds any tag, so that starting a line in a buffer that was made cannot fail.
-constexpr std::size_t kFirstCapacity = 256;
 
 thread_local LineBuffers* threadBuffers = nullptr;
 thread_local bool buffersGone = false; ///< a host may still log from static objects' destructors
@@ -77,36 +73,32 @@ LineBuffers* MakeThreadBuffers()
     return threadBuffers;
 }
 
-std::string_view Tag(int level)
+/// The tags by level, and none for the levels between.
+constexpr LineTag kTags[] = {
+    {"", 0}, {"", 0},           {"", 0}, {"[ERROR]\t: ", 10}, {"[WARNING]\t: ", 12},
+    {"", 0}, {"[INFO]\t: ", 9}, {"", 0}, {"[LUA]\t: ", 8}};
+
+const LineTag& TagOf(int level)
 {
-    switch (level)
-    {
-    case LogError:
-        return "[ERROR]\t: ";
-    case LogWarning:
-        return "[WARNING]\t: ";
-    case LogInfo:
-        return "[INFO]\t: ";
-    case LogLua:
-        return "[LUA]\t: ";
-    default:
-        return {};
-    }
+    constexpr int kCount = static_cast<int>(sizeof(kTags) / sizeof(kTags[0]));
+    return kTags[level >= 0 && level < kCount ? level : 0];
 }
+
+/// The most digits of any number here, and a prefix.
+constexpr std::size_t kMaxDigits = 24;
 
 template <class Number>
 void AppendNumber(LineBuffer& text, Number value, int base)
 {
-    char digits[24];
-    const std::to_chars_result end = std::to_chars(digits, digits + sizeof(digits), value, base);
-    text.Append(digits, static_cast<std::size_t>(end.ptr - digits));
+    char* digits = text.Reserve(kMaxDigits);
+    text.AppendUpTo(std::to_chars(digits, digits + kMaxDigits, value, base).ptr);
 }
 
 } // namespace
 
 void LineBuffer::Grow(std::size_t count)
 {
-    std::size_t larger = capacity < kFirstCapacity ? kFirstCapacity : capacity * 2;
+    std::size_t larger = capacity == 0 ? kFirstCapacity : capacity * 2;
     while (larger - size < count)
     {
         larger *= 2;
@@ -125,8 +117,7 @@ LogStream::LogStream(int lineLevel)
       text(buffers != nullptr ? buffers->Take() : new LineBuffer),
       level(lineLevel)
 {
-    const std::string_view tag = Tag(level);
-    text->Append(tag.data(), tag.size());
+    text->Start(TagOf(level));
 }
 
 LogStream::~LogStream()
@@ -136,7 +127,7 @@ LogStream::~LogStream()
         delete text;
         return;
     }
-    buffers->GiveBack(text);
+    buffers->GiveBack();
 }
 
 LogStream& LogStream::operator<<(bool value)
@@ -171,8 +162,10 @@ LogStream& LogStream::operator<<(const void* value)
 
 void LogStream::Flush()
 {
-    text->Append("\n", 1);
-    text->Terminate();
+    char* end = text->Reserve(2);
+    end[0] = '\n';
+    end[1] = '\0';
+    text->AppendUpTo(end + 1);
     WriteToStandardError(text->Characters(), text->Size());
     LogImpl(level, text->Characters());
 }

@@ -21,13 +21,28 @@ enum LogLevel : int
     LogPlain = 9 ///< has no tag: banners and section lines
 };
 
-/// Where a line is built. Starts with room for any tag, grows as needed and keeps its room.
+/// What a line of a level starts with. The text is as wide for every level, so that it is copied
+/// without a call; `size` says how much of it counts.
+struct LineTag
+{
+    char text[16];
+    std::size_t size;
+};
+
+/// Where a line is built. Grows as needed and keeps its room.
 class LineBuffer
 {
 public:
     LineBuffer()
     {
-        Grow(1);
+        Grow(kFirstCapacity);
+    }
+    /// Begins anew with a tag. Cannot fail.
+    void Start(const LineTag& tag)
+    {
+        static_assert(kFirstCapacity >= sizeof(tag.text), "there is room for any tag");
+        std::memcpy(room.get(), tag.text, sizeof(tag.text));
+        size = tag.size;
     }
     void Append(const char* characters, std::size_t count)
     {
@@ -41,11 +56,19 @@ public:
             size += count;
         }
     }
-    /// Puts a terminator behind the characters, which does not count as one.
-    void Terminate()
+    /// Gives room for `count` more characters, for writing them in place.
+    char* Reserve(std::size_t count)
     {
-        Append("", 1);
-        --size;
+        if (count > capacity - size)
+        {
+            Grow(count);
+        }
+        return room.get() + size;
+    }
+    /// Takes over what was written in place, up to `end`.
+    void AppendUpTo(const char* end)
+    {
+        size = static_cast<std::size_t>(end - room.get());
     }
     const char* Characters() const
     {
@@ -55,14 +78,12 @@ public:
     {
         return size;
     }
-    void Clear()
-    {
-        size = 0;
-    }
-    /// Makes room for `count` more characters.
-    void Grow(std::size_t count);
 
 private:
+    static constexpr std::size_t kFirstCapacity = 256;
+
+    void Grow(std::size_t count);
+
     std::unique_ptr<char[]> room;
     std::size_t size = 0;
     std::size_t capacity = 0;

@@ -39,13 +39,13 @@ int ExitState::Init(BaseDef* newDef)
 
 int ExitState::Enter()
 {
-    LogStream(LogInfo) << DefName() << VELL_FILE << " : " << __LINE__ << EndLine;
+    LogStream(LogInfo) << DefName() << VELL_PLACE << EndLine;
     return SMState::Enter();
 }
 
 int ExitState::Update(HSM* machine, float dt)
 {
-    LogStream(LogInfo) << DefName() << VELL_FILE << " : " << __LINE__ << EndLine;
+    LogStream(LogInfo) << DefName() << VELL_PLACE << EndLine;
     return SMState::Update(machine, dt);
 }
 
@@ -73,7 +73,7 @@ int ExitState::Exit()
     {
         ERROR_BREAK(def);
         // Required: no exit action runs on an exit node, and there is no "[Exit] " line.
-        LogStream(LogInfo) << DefName() << VELL_FILE << " : " << __LINE__ << EndLine;
+        LogStream(LogInfo) << DefName() << VELL_PLACE << EndLine;
         result = 1;
     } while (false);
     return result;

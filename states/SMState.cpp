@@ -104,8 +104,7 @@ int SMState::Enter()
         ERROR_BREAK(def);
         PerformActions(ActTypeEntry, 0.0f, def->GetEnterActions());
         TellParent();
-        LogStream(LogInfo) << "[Enter] " << def->GetName() << " - " << VELL_FILE << " : "
-                           << __LINE__ << EndLine;
+        LogStream(LogInfo) << "[Enter] " << def->GetName() << " - " << VELL_PLACE << EndLine;
         RequestAnimation();
         result = 1;
     } while (false);
@@ -157,8 +156,7 @@ int SMState::Exit()
     do
     {
         ERROR_BREAK(def);
-        LogStream(LogInfo) << "[Exit] " << def->GetName() << " - " << VELL_FILE << " : " << __LINE__
-                           << EndLine;
+        LogStream(LogInfo) << "[Exit] " << def->GetName() << " - " << VELL_PLACE << EndLine;
         PerformActions(ActTypeExit, 0.0f, def->GetExitActions());
         result = 1;
     } while (false);
