@@ -15,42 +15,26 @@ void KeyIndex::Reserve(std::uint32_t count)
         return;
     }
     const std::uint32_t newCount = std::max<std::uint32_t>(16, placeCount * 2);
-    std::unique_ptr<Entry*[]> old(new Entry* [newCount] {});
+    std::unique_ptr<Place[]> old(new Place[newCount]{});
     std::swap(places, old);
     const std::uint32_t oldCount = std::exchange(placeCount, newCount);
     for (std::uint32_t i = 0; i < oldCount; ++i)
     {
-        if (old[i] != nullptr)
+        if (old[i].numberAndOne != 0)
         {
-            Insert(old[i]);
+            Insert(old[i].hash, old[i].numberAndOne - 1);
         }
     }
 }
 
-void KeyIndex::Insert(Entry* entry)
+void KeyIndex::Insert(std::uint32_t hash, std::uint32_t number)
 {
-    std::uint32_t at = entry->GetKey()->GetHash() & (placeCount - 1);
-    while (places[at] != nullptr)
-    {
-        at = (at + 1) & (placeCount - 1);
-    }
-    places[at] = entry;
-}
-
-Entry* KeyIndex::Find(const KeyText& name) const
-{
-    const std::uint32_t hash = name.ComputeHash();
     std::uint32_t at = hash & (placeCount - 1);
-    while (places[at] != nullptr)
+    while (places[at].numberAndOne != 0)
     {
-        const Key& key = *places[at]->GetKey();
-        if (key.GetHash() == hash && key.Is(name))
-        {
-            break;
-        }
         at = (at + 1) & (placeCount - 1);
     }
-    return places[at];
+    places[at] = Place{hash, number + 1};
 }
 
 } // namespace Tessel

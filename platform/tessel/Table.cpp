@@ -15,6 +15,26 @@ namespace Tessel
 static_assert(sizeof(void*) != 8 || sizeof(Entry) == 32, "entries decide what a table weighs");
 static_assert(sizeof(void*) != 8 || sizeof(Table) == 120, "two keys need no memory but this");
 
+namespace
+{
+
+/// The number of zero bits below the lowest one that is set; `bits` is not 0.
+std::uint32_t CountTrailingZeros(std::uint64_t bits)
+{
+#if defined(__GNUC__)
+    return static_cast<std::uint32_t>(__builtin_ctzll(bits));
+#else
+    std::uint32_t count = 0;
+    for (; (bits & 1) == 0; bits >>= 1)
+    {
+        ++count;
+    }
+    return count;
+#endif
+}
+
+} // namespace
+
 KVValue* Table::GetValueAt(unsigned index)
 {
     return extras == nullptr ? nullptr : extras->elements.GetAt(index);
@@ -257,22 +277,33 @@ Entry* Table::Find(const KeyText& key)
 {
     if (keyCount > kTaggedEntries)
     {
-        return extras->index.Find(key);
+        return FindIndexed(key);
     }
-    std::uint64_t rest = tags;
-    const std::uint32_t tag = key.GetTag();
-    for (std::uint32_t i = 0; i < keyCount; ++i, rest >>= 8)
+    // A byte of `others` is zero where the tag is that of the key. The bytes of `hits` that this
+    // finds too many stand behind a true hit, and the comparison of the texts sorts them out.
+    constexpr std::uint64_t kLowBits = 0x0101010101010101u;
+    const std::uint64_t others = tags ^ kLowBits * key.GetTag();
+    const std::uint64_t inUse =
+        keyCount == kTaggedEntries ? ~std::uint64_t{0} : (std::uint64_t{1} << 8 * keyCount) - 1;
+    std::uint64_t hits = (others - kLowBits) & ~others & (kLowBits << 7) & inUse;
+    for (; hits != 0; hits &= hits - 1)
     {
-        if ((rest & 0xff) == tag)
+        Entry* entry = GetEntry(CountTrailingZeros(hits) / 8);
+        if (entry->GetKey()->Is(key))
         {
-            Entry* entry = GetEntry(i);
-            if (entry->GetKey()->Is(key))
-            {
-                return entry;
-            }
+            return entry;
         }
     }
     return nullptr;
+}
+
+Entry* Table::FindIndexed(const KeyText& key)
+{
+    const auto getEntry = [this](std::uint32_t number)
+    {
+        return GetEntry(number);
+    };
+    return extras->index.Find(key, getEntry);
 }
 
 /// Adds a key that is not there yet, without a value. When there is no memory for it, the table
@@ -291,12 +322,12 @@ Entry* Table::Add(const KeyText& key)
     {
         for (std::uint32_t i = 0; i < index; ++i)
         {
-            extras->index.Insert(GetEntry(i));
+            extras->index.Insert(GetEntry(i)->GetKey()->GetHash(), i);
         }
     }
     if (isIndexed)
     {
-        extras->index.Insert(entry);
+        extras->index.Insert(entry->GetKey()->GetHash(), index);
     }
     else
     {

@@ -111,9 +111,15 @@ private:
 
     Entry* Find(const char* key);
     Entry* Find(const KeyText& key);
+#if defined(__GNUC__)
+    __attribute__((noinline)) // or else each look-up in a short table pays for it
+#endif
+    Entry*
+    FindIndexed(const KeyText& key);
     Entry* Add(const KeyText& key);
     Entry* MakeRoom(std::uint32_t index);
     Entry* GetEntry(std::uint32_t index);
+    Entry* GetBlockEntry(std::uint32_t index);
     Extras& NeedExtras();
 
     template <class Value>
@@ -151,6 +157,11 @@ inline Entry* Table::GetEntry(std::uint32_t index)
     {
         return reinterpret_cast<Entry*>(inlineEntries) + index;
     }
+    return GetBlockEntry(index);
+}
+
+inline Entry* Table::GetBlockEntry(std::uint32_t index)
+{
     Block* block = blocks;
     std::uint32_t first = kInlineEntries;
     std::uint32_t size = 1;
