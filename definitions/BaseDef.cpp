@@ -56,7 +56,14 @@ int BaseDef::Init(const GenericValue& node, HSMAlloc* alloc)
     {
         alloc->CloseLater(kvTable);
     }
-    CreateKVTable();
+    // Conditions stand in no tree, and there are as many as transitions: their tables are made only
+    // for those that ask.
+    kvTable = Tessel::KVTable();
+    isTableDue = type == DefTypeCondition;
+    if (!isTableDue)
+    {
+        CreateKVTable();
+    }
 
     int result = 0;
     do

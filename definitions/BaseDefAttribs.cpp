@@ -202,7 +202,8 @@ int BaseDef::TabAddAttrib(AttribBase* attrib)
     {
         attribTable->SetUInt("nodeID", id, 1);
     }
-    if (Tessel::KVTable children = kvTable ? kvTable->GetTable("attribs") : Tessel::KVTable())
+    const Tessel::KVTable table = GetKVTable();
+    if (Tessel::KVTable children = table ? table->GetTable("attribs") : Tessel::KVTable())
     {
         children->AttachTable(attrib->GetName(), attribTable, 1);
     }

@@ -5,8 +5,9 @@
 namespace vell
 {
 
-int BaseDef::CreateKVTable()
+int BaseDef::CreateKVTable() const
 {
+    isTableDue = false;
     kvTable = Tessel::CreateTable("baseDef");
     if (kvTable)
     {
@@ -17,6 +18,7 @@ int BaseDef::CreateKVTable()
 
 int BaseDef::DestroyKVTable()
 {
+    isTableDue = false;
     if (kvTable)
     {
         Tessel::CloseTable(kvTable);
@@ -48,14 +50,15 @@ int BaseDef::UninitKVTable()
 
 int BaseDef::TabSetName()
 {
-    return kvTable ? kvTable->SetString("name", name, 1) : 0;
+    Tessel::KVTable table = GetKVTable();
+    return table ? table->SetString("name", name, 1) : 0;
 }
 
 int BaseDef::TabSetDynamic(int dynamic)
 {
-    if (kvTable)
+    if (Tessel::KVTable table = GetKVTable())
     {
-        kvTable->SetInt("dynamic", dynamic, 1);
+        table->SetInt("dynamic", dynamic, 1);
         if (dynamic != 0)
         {
             TabSetName();
@@ -66,6 +69,10 @@ int BaseDef::TabSetDynamic(int dynamic)
 
 Tessel::KVTable BaseDef::GetKVTable() const
 {
+    if (isTableDue)
+    {
+        CreateKVTable();
+    }
     return kvTable;
 }
 

@@ -40,10 +40,18 @@ const GenericValue* Find(const GenericValue& object, std::string_view name)
     {
         return nullptr;
     }
-    for (auto member = object.MemberBegin(); member != object.MemberEnd(); ++member)
+    // Most members of a node have another length than the one that is looked for, or begin with
+    // another letter.
+    const auto end = object.MemberEnd();
+    for (auto member = object.MemberBegin(); member != end; ++member)
     {
-        if (member->name.GetStringLength() == name.size() &&
-            std::memcmp(member->name.GetString(), name.data(), name.size()) == 0)
+        if (member->name.GetStringLength() != name.size())
+        {
+            continue;
+        }
+        const char* text = member->name.GetString();
+        if (name.empty() ||
+            (text[0] == name[0] && std::memcmp(text, name.data(), name.size()) == 0))
         {
             return &member->value;
         }

@@ -17,7 +17,7 @@
 
 #include <vell/HSMAlloc.h>
 
-#include <cstdio>
+#include <charconv>
 
 namespace vell
 {
@@ -134,7 +134,10 @@ int NodeDefTable::InsertNode(BaseDef* def)
         def->SetIndex(static_cast<int>(nextIndex));
         ++nextIndex;
         const unsigned int id = def->GetID();
-        const auto [position, inserted] = nodes.emplace(id, def);
+        // Documents mostly number their nodes upwards.
+        const std::size_t before = nodes.size();
+        const auto position = nodes.emplace_hint(nodes.end(), id, def);
+        const bool inserted = nodes.size() != before;
         if (!inserted)
         {
             BaseDef* old = position->second;
@@ -145,8 +148,8 @@ int NodeDefTable::InsertNode(BaseDef* def)
         nodeIds.push_back(id);
         ERROR_BREAK(inserted);
 
-        char key[64];
-        std::snprintf(key, sizeof(key), "%u", id);
+        char key[16] = {};
+        std::to_chars(key, key + sizeof(key) - 1, id);
         ASSERT_BREAK(kvTable && kvTable->AttachTable(key, def->GetKVTable(), 1));
         result = 1;
     } while (false);

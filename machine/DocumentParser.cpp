@@ -2,10 +2,10 @@
 // machine/DocumentParser.cpp: reading of files, and the guard against deep nesting.
 #include "machine/DocumentParser.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
-#include <string_view>
 
 namespace vell
 {
@@ -43,54 +43,111 @@ std::string ReadWholeFile(const char* path)
     return text;
 }
 
-/// Marks characters, for walking over all others.
-struct CharacterSet
+/// Hands a parse on to a document and ends it at the first value that is nested too deep.
+class ShallowHandler
 {
-    explicit constexpr CharacterSet(std::string_view characters)
+public:
+    using Ch = GenericDocument::Ch;
+    using Size = rapidjson::SizeType;
+
+    explicit ShallowHandler(GenericDocument& filledDocument) : document(filledDocument)
     {
-        for (const char c : characters)
-        {
-            marks[static_cast<unsigned char>(c)] = true;
-        }
+    }
+    bool Null()
+    {
+        return document.Null();
+    }
+    bool Bool(bool value)
+    {
+        return document.Bool(value);
+    }
+    bool Int(int value)
+    {
+        return document.Int(value);
+    }
+    bool Uint(unsigned int value)
+    {
+        return document.Uint(value);
+    }
+    bool Int64(std::int64_t value)
+    {
+        return document.Int64(value);
+    }
+    bool Uint64(std::uint64_t value)
+    {
+        return document.Uint64(value);
+    }
+    bool Double(double value)
+    {
+        return document.Double(value);
+    }
+    bool RawNumber(const Ch* text, Size length, bool copy)
+    {
+        return document.RawNumber(text, length, copy);
+    }
+    bool String(const Ch* text, Size length, bool copy)
+    {
+        return document.String(text, length, copy);
+    }
+    bool Key(const Ch* text, Size length, bool copy)
+    {
+        return document.Key(text, length, copy);
+    }
+    bool StartObject()
+    {
+        return ++depth <= kMaxRecursion && document.StartObject();
+    }
+    bool EndObject(Size count)
+    {
+        --depth;
+        return document.EndObject(count);
+    }
+    bool StartArray()
+    {
+        return ++depth <= kMaxRecursion && document.StartArray();
+    }
+    bool EndArray(Size count)
+    {
+        --depth;
+        return document.EndArray(count);
     }
 
-    /// Gives the first marked character from `c` on.
-    const char* Find(const char* c) const
-    {
-        while (!marks[static_cast<unsigned char>(*c)])
-        {
-            ++c;
-        }
-        return c;
-    }
-
-    bool marks[256] = {};
+private:
+    GenericDocument& document;
+    unsigned int depth = 0;
 };
 
-// The end of the text belongs to both.
-constexpr CharacterSet kOutsideStrings(std::string_view("\0\"[]{}", 6));
-constexpr CharacterSet kInsideStrings(std::string_view("\0\"\\", 3));
-
-/// Gives the quote that ends the string whose first character is `c`, or the end of the text.
-const char* FindStringEnd(const char* c)
+/// Fills the document when the text is well formed and not nested deep, which takes one pass.
+bool ParseShallow(const char* text, GenericDocument& document)
 {
-    c = kInsideStrings.Find(c);
-    while (*c == '\\' && c[1] != '\0')
+    bool filled = false;
+    const auto generate = [text, &filled](GenericDocument& target)
     {
-        c = kInsideStrings.Find(c + 2);
-    }
-    return *c == '\\' ? c + 1 : c;
+        rapidjson::Reader reader;
+        rapidjson::StringStream stream(text);
+        ShallowHandler handler(target);
+        filled = !reader.Parse(stream, handler).IsError();
+        return filled;
+    };
+    document.Populate(generate);
+    return filled;
 }
 
 bool IsNestedDeeperThan(unsigned int limit, const char* text)
 {
     unsigned int depth = 0;
-    for (const char* c = kOutsideStrings.Find(text); *c != '\0'; c = kOutsideStrings.Find(c + 1))
+    for (const char* c = text; *c != '\0'; ++c)
     {
         switch (*c)
         {
         case '"':
-            c = FindStringEnd(c + 1);
+            for (++c; *c != '"' && *c != '\0'; ++c)
+            {
+                if (*c == '\\' && c[1] != '\0')
+                {
+                    ++c;
+                }
+            }
             if (*c == '\0')
             {
                 return false;
@@ -103,8 +160,11 @@ bool IsNestedDeeperThan(unsigned int limit, const char* text)
                 return true;
             }
             break;
-        default:
+        case ']':
+        case '}':
             depth -= depth == 0 ? 0 : 1;
+            break;
+        default:
             break;
         }
     }
@@ -121,8 +181,13 @@ void ParseFile(const char* path, GenericDocument& document)
 
 void ParseText(const char* text, GenericDocument& document)
 {
-    // Without recursion the parser names some errors by other codes, so only deep texts take that
-    // way.
+    // A document keeps the error of an earlier parse until it parses by itself.
+    if (!document.HasParseError() && ParseShallow(text, document))
+    {
+        return;
+    }
+    // What is wrong with the text is for the document's own parse to say. Without recursion
+    // the parser names some errors by other codes, so only deep texts take that way.
     if (IsNestedDeeperThan(kMaxRecursion, text))
     {
         document.Parse<rapidjson::kParseDefaultFlags | rapidjson::kParseIterativeFlag>(text);

@@ -37,9 +37,14 @@ void HSM::BindParamCond()
     }
     ++guardChanges;
     const std::size_t count = nodeDefTable->nodeIds.size();
+    const NodeDefTable::NodeMap& nodes = nodeDefTable->nodes;
+    NodeDefTable::NodeMap::const_iterator next = nodes.begin();
     for (std::size_t i = 0; i < count; ++i)
     {
-        BaseDef* def = nodeDefTable->Find(nodeDefTable->nodeIds[i]);
+        // Most ids stand in the same order in both, so the next node is mostly the one.
+        const unsigned int id = nodeDefTable->nodeIds[i];
+        const bool isNext = next != nodes.end() && next->first == id;
+        BaseDef* def = isNext ? (next++)->second : nodeDefTable->Find(id);
         if (def == nullptr || def->GetType() != DefTypeTransition)
         {
             continue;

@@ -76,7 +76,7 @@ public:
     unsigned int GetNumChildren() const;
     /// Gives the id of child `i`, which has to be below `GetNumChildren()`.
     unsigned int GetChildID(unsigned int i) const;
-    /// Gives the node's table, or null.
+    /// Gives the node's table, or null. That of a condition is made when it is asked for.
     Tessel::KVTable GetKVTable() const;
     /// Writes the key "dynamic", and for a non-zero `dynamic` the key "name". Returns 1.
     int TabSetDynamic(int dynamic);
@@ -85,7 +85,7 @@ public:
     Tessel::KVTable ReleaseStorage();
 
 protected:
-    int CreateKVTable();
+    int CreateKVTable() const;
     int DestroyKVTable();
     int TabSetName();
 
@@ -101,7 +101,7 @@ protected:
 
     using AttribMap = std::map<const char*, AttribBase*>;
 
-    Tessel::KVTable kvTable;            ///< named "baseDef"; null until Init or InitKVTable
+    mutable Tessel::KVTable kvTable;    ///< named "baseDef"; null until Init or InitKVTable
     const char* name = nullptr;         ///< belongs to the document
     eHSMDefTypes type = DefTypeBase;    ///< set by the factory
     __DURM_BUILDERS__ builderType = {}; ///< 0 when the document names none
@@ -110,6 +110,7 @@ protected:
     int index = -1;                     ///< position in the order of insertion
     unsigned int exitConnector = 0;     ///< id of a connector, or 0
     unsigned int flags = 0;             ///< class mask
+    mutable bool isTableDue = false;    ///< `kvTable` is made when it is asked for
     char* scriptName = nullptr;         ///< in the arena; null when absent or empty
     unsigned int numChildren = 0;       ///< length of `childIds`
     unsigned int* childIds = nullptr;   ///< in the arena, of no particular alignment

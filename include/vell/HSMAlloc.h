@@ -124,7 +124,7 @@ T* HSMAlloc::New()
         kept.push_back(Kept{object, &duty});
     }
     used += static_cast<unsigned int>(sizeof(T));
-    tracked.emplace(object, static_cast<unsigned int>(sizeof(T)));
+    tracked.emplace_hint(tracked.end(), object, static_cast<unsigned int>(sizeof(T)));
     return object;
 }
 
