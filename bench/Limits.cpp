@@ -2,7 +2,6 @@
 // bench/Limits.cpp: hand-written machines that do the walk of an idle tick and nothing else.
 #include "bench/Limits.h"
 
-#include <cmath>
 #include <new>
 
 namespace vell::bench
@@ -38,44 +37,6 @@ SwitchMachine::SwitchMachine() : states(kLimitStates)
         for (Transition& transition : state.transitions)
         {
             transition = Transition{Condition{kGreater, value++, 1.0f}, 1};
-        }
-    }
-}
-
-bool SwitchMachine::Holds(const Condition& condition)
-{
-    const float value = *condition.value;
-    switch (condition.evaluation)
-    {
-    case 1:
-        return std::fabs(condition.target - value) < 0.01f;
-    case 2:
-        return value != condition.target;
-    case 3:
-        return value > condition.target;
-    case 4:
-        return value >= condition.target;
-    case 5:
-        return value < condition.target;
-    case 6:
-        return value <= condition.target;
-    default:
-        return false;
-    }
-}
-
-void SwitchMachine::Update(float timeStep)
-{
-    elapsed += timeStep;
-    for (std::size_t i = states.size(); i-- > 0;)
-    {
-        for (const Transition& transition : states[i].transitions)
-        {
-            if (Holds(transition.condition))
-            {
-                current = transition.target;
-                break;
-            }
         }
     }
 }
@@ -133,22 +94,6 @@ std::size_t VirtualMachine::BlockSize()
     constexpr std::size_t kConditions = kLimitStates * kLimitTransitions;
     return kLimitStates * sizeof(State) +
            kConditions * (8 + sizeof(GreaterCondition) + sizeof(Transition));
-}
-
-void VirtualMachine::Update(float timeStep)
-{
-    elapsed += timeStep;
-    for (int i = kLimitStates; i-- > 0;)
-    {
-        for (const Transition* transition : states[i]->transitions)
-        {
-            if (transition->condition->Evaluate())
-            {
-                current = transition->target;
-                break;
-            }
-        }
-    }
 }
 
 } // namespace vell::bench
