@@ -72,7 +72,8 @@ void HSMAlloc::MakeRoomToKeep()
 {
     if (kept.size() == kept.capacity())
     {
-        kept.reserve(kept.empty() ? 64 : kept.size() * 2);
+        // In small steps: what is kept is little, and there is an entry for each definition.
+        kept.reserve(kept.size() + kept.size() / 4 + 64);
     }
 }
 
