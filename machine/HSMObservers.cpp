@@ -68,6 +68,10 @@ int HSM::Unsubscribe(ListenerList& list, IBroadcastListener* listener)
 
 int HSM::Notify()
 {
+    if (stateChangeListeners.empty())
+    {
+        return 0;
+    }
     StateChangeEvent change{0, 0, 0};
     if (IsMirrorCurrent() && mirror.context)
     {
@@ -75,7 +79,6 @@ int HSM::Notify()
         change.previousID = mirror.context->GetUInt(kPreviousStateKey);
         change.transitionID = mirror.context->GetUInt(kTransitionKey);
     }
-    const bool hasListeners = !stateChangeListeners.empty();
     int called = 0;
     for (std::size_t i = 0; i < stateChangeListeners.size(); ++i)
     {
@@ -87,12 +90,9 @@ int HSM::Notify()
             ++called;
         }
     }
-    if (hasListeners)
-    {
-        WriteContext(kNextStateKey, 0, 1);
-        WriteContext(kPreviousStateKey, 0, 1);
-        WriteContext(kTransitionKey, 0, 1);
-    }
+    WriteContext(kNextStateKey, 0, 1);
+    WriteContext(kPreviousStateKey, 0, 1);
+    WriteContext(kTransitionKey, 0, 1);
     return called;
 }
 
