@@ -1,6 +1,6 @@
 # Prints the goals with the figures of build/bench.csv beside them. What was not measured has no figure.
 BEGIN { FS = "," }
-NR > 1 { figure[$1] = $4 }
+NR > 1 { figure[$1] = $4; least[$1] = $3 }
 
 function has(name) { return name in figure }
 
@@ -67,6 +67,7 @@ END {
     plain("  read", "TableRead", "9", "")
     plain("  write", "TableWrite", "16", "")
     plain("  bytes", "memory_table", "170", "")
-    ratio("process start to first state / program that only parses", "ProcessToFirstState", \
-        "LimitProcessToParse", "1.45", "1.2")
+    # By the clock on the wall, which all that goes on beside adds to: the least of each.
+    line("process start to first state / program that only parses", has("ProcessToFirstState") ? \
+        sprintf("%.2f", least["ProcessToFirstState"] / least["LimitProcessToParse"]) : "", "1.45", "1.2")
 }

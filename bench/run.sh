@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Measures the release build: several runs of the benchmark program, the counted instructions and the
-# bytes a node. Prints the goals with the figures beside them and writes build/bench.csv (and, with
-# --picture, docs/performance.svg). RUNS=5 sets the number of runs.
+# bytes a node. Prints the goals with the figures beside them and writes build/bench.csv and
+# build/performance.svg, which --picture puts into docs/. RUNS=5 sets the number of runs.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 programs=build/release/bin
@@ -51,7 +51,7 @@ awk -v commit="${commit}" -v machine="${machine}, $(nproc) processors" -v compil
     >build/bench.csv
 printf '\n%s\n%s\ncommit %s\n\n' "${machine}, $(nproc) processors" "${compiler}" "${commit}"
 awk -f bench/report.awk build/bench.csv
+awk -f bench/picture.awk build/bench.csv >build/performance.svg
 if [[ "${1:-}" == --picture ]]; then
-    awk -f bench/picture.awk build/bench.csv >docs/performance.svg
-    echo "docs/performance.svg written"
+    cp build/performance.svg docs/performance.svg
 fi
