@@ -1,6 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/parameters/ParameterTableCreateTest.cpp: parameters made while the machine runs.
 #include "tests/support/DocumentBuilder.h"
+#include "tests/support/HeapWatch.h"
 #include "tests/support/LoadedParameters.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
@@ -284,6 +285,26 @@ TEST(RuntimeMessage, HasAnEmptyTextForANullOne)
     ASSERT_NE(out, nullptr);
     EXPECT_EQ(out->GetDefaultValue(), "");
     EXPECT_EQ(out->GetValue(), "");
+}
+
+TEST(RuntimeMessage, IsNotMadeWithoutMemoryForIt)
+{
+    LogRecorder log;
+    LoadedParameters loaded{std::vector<Json>()};
+    IParameterMessageDef* out = nullptr;
+    log.Clear();
+    int result = 1;
+    {
+        HeapWatch heap;
+        heap.RefuseAfter(0);
+        result = loaded.table.CreateMessageParameter("fresh", "text", &out);
+        EXPECT_EQ(heap.Refused(), 1u);
+    }
+
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(log.Take(), Lines{ErrorBreak("vell::ParameterTable::CreateMessageParameter")});
+    EXPECT_EQ(loaded.table.CreateMessageParameter("fresh", "text", &out), 1);
 }
 
 TEST(RuntimeMessage, CopiesItsText)
