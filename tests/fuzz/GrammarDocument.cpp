@@ -132,16 +132,32 @@ private:
         }
     }
 
+    /// Now and then spoils one of the members of a good object.
+    void Spoil(JsonObject& object, const std::vector<__JSONTYPES__>& members)
+    {
+        const unsigned int choice = bytes.Byte();
+        if (choice >= 240)
+        {
+            object.Set(members[choice % members.size()], Anything());
+        }
+        else if (choice >= 235)
+        {
+            object.Remove(members[choice % members.size()]);
+        }
+    }
+
     Json Name()
     {
         const unsigned int choice = bytes.Byte();
         return choice < 240 ? Json(kNames[choice % 6]) : Text();
     }
 
+    Json ValueOf(int type);
     Json ConditionOf(int type);
     Json Conditions();
     Json Attributes();
     Json Parameter();
+    Json ConditionNode(const JsonObject& node);
     Json NodeOf(int builder);
     Json Node();
     Json Nodes(unsigned int atMost);
@@ -151,19 +167,32 @@ private:
     Bytes& bytes;
 };
 
+Json Author::ValueOf(int type)
+{
+    if (bytes.Below(12) == 0)
+    {
+        return Anything();
+    }
+    switch (type)
+    {
+    case PARAM_Bool:
+        return Json(bytes.Below(2) == 1);
+    case PARAM_Integer:
+    case PARAM_Float:
+        return bytes.Below(4) == 0 ? Number() : Json(static_cast<int>(bytes.Below(5)) - 2);
+    default:
+        return Text();
+    }
+}
+
 Json Author::ConditionOf(int type)
 {
-    JsonObject condition;
-    const Json name = Name();
-    Set(condition, JSON_ConditionType, test::ParameterTypeName(type));
-    Set(condition, JSON_ConditionParameter,
-        bytes.Below(8) == 0 ? Id() : Json(test::ParameterId(kNames[bytes.Below(4)])));
-    const unsigned int evaluation = bytes.Below(8);
-    Set(condition, JSON_ConditionEvaluation,
-        test::OperatorName(evaluation == 7 ? 10 : static_cast<int>(evaluation)));
-    Set(condition, JSON_ConditionValue,
-        evaluation == 7 ? Json("-1,1") : (type == PARAM_Bool ? Json(true) : Anything()));
-    Set(condition, JSON_Name, name);
+    const bool isRange = bytes.Below(6) == 0;
+    const int evaluation = isRange ? 10 : static_cast<int>(bytes.Below(8));
+    const Json value = isRange && bytes.Below(4) != 0 ? Json("-1,1") : ValueOf(type);
+    JsonObject condition = test::Condition(type, kNames[bytes.Below(4)], evaluation, value);
+    Spoil(condition, {JSON_Name, JSON_ConditionType, JSON_ConditionParameter,
+                      JSON_ConditionEvaluation, JSON_ConditionValue});
     return condition;
 }
 
@@ -181,13 +210,20 @@ Json Author::Attributes()
 {
     static const char* const kTypes[] = {"QString",   "int",       "double", "QVector2D",
                                          "QVector3D", "QVector4D", "bool",   "other"};
+    static const int kTypeNumbers[] = {PARAM_Text,   PARAM_Integer, PARAM_Float, PARAM_Float2,
+                                       PARAM_Float3, PARAM_Float4,  PARAM_Bool,  PARAM_Text};
     std::vector<Json> attributes;
     for (unsigned int count = bytes.Below(4); count != 0; --count)
     {
-        JsonObject attribute;
-        Set(attribute, JSON_Name, Name());
-        Set(attribute, JSON_AttributeType, Json(kTypes[bytes.Below(8)]));
-        Set(attribute, JSON_Value, Anything());
+        const unsigned int type = bytes.Below(8);
+        const bool isVector = type >= 3 && type <= 5;
+        const Json value = isVector ? Json("1,2,3,4") : ValueOf(kTypeNumbers[type]);
+        JsonObject attribute = test::Attribute(kNames[bytes.Below(6)], kTypes[type], value);
+        if (bytes.Below(16) == 0)
+        {
+            attribute.Set("ATTRIB_Data", Json::Array({Anything()}));
+        }
+        Spoil(attribute, {JSON_Name, JSON_Value});
         attributes.push_back(attribute);
     }
     return Json::Array(attributes);
@@ -195,15 +231,27 @@ Json Author::Attributes()
 
 Json Author::Parameter()
 {
-    JsonObject parameter;
+    const int type = static_cast<int>(bytes.Below(10));
     const std::string name = kNames[bytes.Below(5)];
-    Set(parameter, JSON_Name, name);
-    Set(parameter, JSON_ID, Json(test::ParameterId(name)));
-    Set(parameter, JSON_ParameterType, test::ParameterTypeName(static_cast<int>(bytes.Below(10))));
-    Set(parameter, JSON_ParameterDefault, Anything());
-    Set(parameter, JSON_ParameterAssign, test::AssignName(static_cast<int>(bytes.Below(64))));
-    Set(parameter, JSON_ParameterResetEachFrame, Json(bytes.Below(2) == 1));
+    const bool isVector = type >= PARAM_Float2 && type <= PARAM_Float4;
+    JsonObject parameter = isVector ? test::VectorParameter(type, name, "1,2,3,4")
+                                    : test::Parameter(type, name, ValueOf(type));
+    if (bytes.Below(3) == 0)
+    {
+        Set(parameter, JSON_ParameterAssign, test::AssignName(static_cast<int>(bytes.Below(64))));
+        Set(parameter, JSON_ParameterResetEachFrame, Json(bytes.Below(2) == 1));
+    }
+    Spoil(parameter, {JSON_Name, JSON_ID, JSON_ParameterType, JSON_ParameterDefault});
     return parameter;
+}
+
+/// Adds what a condition has to what every node has.
+Json Author::ConditionNode(const JsonObject& node)
+{
+    const std::string condition = ConditionOf(static_cast<int>(bytes.Below(9))).Text();
+    std::string text = node.Text();
+    text.pop_back();
+    return Json::Raw(text + (text.size() > 1 ? "," : "") + condition.substr(1));
 }
 
 Json Author::NodeOf(int builder)
@@ -243,11 +291,7 @@ Json Author::NodeOf(int builder)
         }
         break;
     case BUILDER_Condition:
-        Set(node, JSON_ConditionType, test::ParameterTypeName(static_cast<int>(bytes.Below(9))));
-        Set(node, JSON_ConditionParameter, Id());
-        Set(node, JSON_ConditionEvaluation, test::OperatorName(1));
-        Set(node, JSON_ConditionValue, Anything());
-        break;
+        return ConditionNode(node);
     case BUILDER_Enter:
         Set(node, JSON_EntryTarget, Id());
         break;
