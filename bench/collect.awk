@@ -26,7 +26,7 @@ FILENAME ~ /\.csv$/ {
     next
 }
 
-FILENAME ~ /table-memory$/ { add("memory_table", "bytes", $1 / 10000); next }
+FILENAME ~ /table-memory$/ { add("memory_table", "bytes", $1 / 100000); next }
 
 # Four nodes a state: itself and its transitions, with their conditions.
 FILENAME ~ /memory$/ {

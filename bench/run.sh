@@ -37,7 +37,7 @@ if command -v valgrind >/dev/null; then
 fi
 states=10000
 "${programs}/vell_count" memory "${states}" >"${out}/memory"
-"${programs}/vell_count" table-memory 10000 >"${out}/table-memory"
+"${programs}/vell_count" table-memory 100000 >"${out}/table-memory"
 
 commit=$(git rev-parse --short HEAD 2>/dev/null || echo unknown)
 git diff --quiet HEAD 2>/dev/null || commit+="-changed"
