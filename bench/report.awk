@@ -13,6 +13,7 @@ function plain(work, name, goal, stretch)
 
 function ratio(work, above, below, goal, stretch)
 {
+    if (below ~ /^Peer/ && !has(below)) return
     line(work, has(above) && has(below) ? sprintf("%.2f", figure[above] / figure[below]) : "", goal,
         stretch)
 }
@@ -37,6 +38,8 @@ END {
     plain("  nanoseconds", "IdleTickByConditions/12", "", "")
     ratio("  / limit.virtual in one block", "IdleTickByConditions/12", "LimitVirtualBlock", "1.25", "1.0")
     ratio("  / limit.switch", "IdleTickByConditions/12", "LimitSwitch", "", "")
+    ratio("  / Boost.Statechart", "IdleTickByConditions/12", "PeerStatechart", "", "")
+    ratio("  / Boost.MSM", "IdleTickByConditions/12", "PeerMetaStateMachine", "", "")
     plain("each further condition: instructions", "instructions_further_condition", "30", "18")
     line("  nanoseconds", sprintf("%.2f", (figure["IdleTickByConditions/96"] - \
         figure["IdleTickByConditions/12"]) / 84), "2", "")
