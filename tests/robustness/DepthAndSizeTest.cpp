@@ -292,6 +292,30 @@ TEST(LargeDocument, WhoseScriptNameIsLongerThanTheArenaFailsToLoadTheNode)
     EXPECT_NE(log.Errors(), 0u);
 }
 
+TEST(LargeDocument, ThatAsksForGigabytesIsLoadedOrRefusedAndLeavesNothing)
+{
+    if (kIsSanitized)
+    {
+        GTEST_SKIP() << "a sanitizer marks every byte of an arena";
+    }
+    QuietLog log;
+    LifeOf(WholeDocument().Text());
+
+    for (const Json& figure : {Json(-1), Json(42949672), Json(2147483647), Json(4294967295u),
+                               Json::Raw("42949673"), Json::Raw("1e300")})
+    {
+        DocumentBuilder document = WholeDocument();
+        document.Head().Set(JSON_HeadMemory, figure);
+        log.Clear();
+
+        const Cost cost = LifeOf(document.Text());
+
+        // Times 100 in 32 bits: the one before the last asks for 4 bytes.
+        EXPECT_EQ(cost.initialised != 0, log.Errors() == 0) << figure.Text();
+        EXPECT_EQ(cost.blocksLeft, 0) << figure.Text();
+    }
+}
+
 TEST(LargeDocument, Of100000NodesInOneLayerTakesMemoryByTheirNumber)
 {
     const QuietLog log;
