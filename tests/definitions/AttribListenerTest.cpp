@@ -651,4 +651,22 @@ TEST(AttribListener, AsksNothingOfAnAttributeThatDoesNotExist)
     EXPECT_EQ(log.Take(), Lines{});
 }
 
+TEST(AttribBase, NamesDifferentLinesForNoTableAndAClosedOne)
+{
+    LogRecorder log;
+    OpenAttrib none;
+    none.DestroyKVTable();
+    none.kvTable = {};
+    OpenAttrib closed;
+    closed.DestroyKVTable();
+    log.Clear();
+
+    none.InitKVTableListener();
+    closed.InitKVTableListener();
+
+    const std::vector<LogLine> lines = log.TakeRaw();
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_NE(lines[0].text, lines[1].text);
+}
+
 } // namespace vell::test

@@ -12,6 +12,7 @@
 #include <climits>
 #include <sstream>
 #include <string>
+#include <thread>
 
 namespace vell::test
 {
@@ -168,6 +169,49 @@ TEST(LogStream, AllocatesNothingOnceItHasWrittenALineOfTheLength)
     LogStream(LogInfo) << "some text " << 5 << " " << true << EndLine;
 
     EXPECT_EQ(heap.Mallocs() + heap.News(), 0u);
+}
+
+TEST(LogStream, WritesANumberBehindATextOfAnyLength)
+{
+    LogRecorder log;
+    const auto writeInFreshThread = [](std::size_t length)
+    {
+        std::thread(
+            [length]
+            {
+                LogStream(LogInfo) << std::string(length, 'x') << 12345 << EndLine;
+            })
+            .join();
+    };
+
+    for (std::size_t length = 0; length < 300; ++length)
+    {
+        writeInFreshThread(length);
+        ASSERT_EQ(log.Take(), (Lines{"6 " + std::string(length, 'x') + "12345"}));
+    }
+}
+
+TEST(LogStream, StillWritesWhileItsThreadEnds)
+{
+    struct LateLine
+    {
+        ~LateLine()
+        {
+            LogStream(LogInfo) << "late" << EndLine;
+        }
+    };
+    LogRecorder log;
+
+    std::thread(
+        []
+        {
+            thread_local LateLine late;
+            static_cast<void>(&late);
+            LogStream(LogInfo) << "early" << EndLine;
+        })
+        .join();
+
+    EXPECT_EQ(log.Take(), (Lines{"6 early", "6 late"}));
 }
 
 } // namespace vell::test

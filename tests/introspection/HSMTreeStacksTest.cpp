@@ -267,4 +267,14 @@ TEST_F(HSMTreeStacks, AreWrittenToAContextThatAToolMadeAnew)
     EXPECT_EQ(SwitchKeys(), (Lines{"0", "11", "23"}));
 }
 
+TEST_F(HSMTreeStacks, TakeTheTransitionInAContextThatAToolMadeAnew)
+{
+    machine.GetKVTable()->AddTable(kContextKey, 1);
+
+    Tick("go");
+
+    EXPECT_EQ(machine.MainStack(), "Walk");
+    EXPECT_EQ(SwitchKeys(), (Lines{"100", "10", "11"}));
+}
+
 } // namespace vell::test

@@ -195,4 +195,17 @@ TEST(DocumentParser, LoadsADocumentWithADeepMemberThatNobodyReads)
     EXPECT_EQ(machine.MainStack(), "Stand");
 }
 
+TEST(DocumentParser, ReadsWholeNumbersOf64Bits)
+{
+    GenericDocument document;
+
+    ParseText("[9000000000, -9000000000, 18446744073709551615]", document);
+
+    ASSERT_TRUE(document.IsArray());
+    ASSERT_EQ(document.Size(), 3u);
+    EXPECT_EQ(document[0].GetInt64(), 9000000000);
+    EXPECT_EQ(document[1].GetInt64(), -9000000000);
+    EXPECT_EQ(document[2].GetUint64(), 18446744073709551615u);
+}
+
 } // namespace vell::test

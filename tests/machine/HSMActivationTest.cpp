@@ -439,4 +439,49 @@ TEST(ChangeState, AsksTheVirtualOperationForTheCurrentState)
                      "6 [Enter] Start - SMState.cpp : #"}));
 }
 
+namespace
+{
+
+/// A state that activates itself while it is initialised.
+class EagerState : public SMState
+{
+public:
+    int Init(BaseDef* newDef) override
+    {
+        if (!nested)
+        {
+            nested = true;
+            inner = machine->ActivateState(newDef->GetID(), 0.0f);
+        }
+        return SMState::Init(newDef);
+    }
+
+    static TestMachine* machine;
+    static SMState* inner;
+    static bool nested;
+};
+
+TestMachine* EagerState::machine = nullptr;
+SMState* EagerState::inner = nullptr;
+bool EagerState::nested = false;
+
+} // namespace
+
+TEST(ActivateState, RefusesTheOuterOfTwoActivationsOfOneState)
+{
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10)).Node(Node(kOwnBuilder, "Own", 11));
+    Scene scene(document, MakeState<EagerState>);
+    scene.Run(0);
+    EagerState::machine = &scene.machine;
+    EagerState::nested = false;
+
+    EXPECT_EQ(scene.machine.ActivateState(11, 0.0f), nullptr);
+
+    EXPECT_EQ(scene.machine.FindState(11), EagerState::inner);
+    EXPECT_EQ(scene.log.Take(),
+              Activated("Own", 11, "-") +
+                  (Lines{ErrorBreak("vell::HSM::ActivateState"), NotActivated(11)}));
+}
+
 } // namespace vell::test

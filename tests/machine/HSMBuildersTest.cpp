@@ -144,6 +144,12 @@ public:
         ++created;
         return alloc->New<HostDef>();
     }
+    static BaseDef* CreateTransition(const GenericValue&, HSMAlloc* alloc)
+    {
+        auto* def = alloc->New<HostDef>();
+        def->SetType(DefTypeTransition);
+        return def;
+    }
     static BaseDef* CreateNothing(const GenericValue&, HSMAlloc*)
     {
         return nullptr;
@@ -472,6 +478,20 @@ TEST(DefinitionBuilders, FailALoadWhenTheyGiveNothing)
                          ErrorGoto("vell::NodeDefTable::Init")}));
         EXPECT_TRUE(machine.nodeDefTable->nodes.empty());
     }
+}
+
+TEST(DefinitionBuilders, MayCallADefinitionATransitionThatIsNone)
+{
+    LogRecorder log;
+    TestMachine machine(WithHostNode());
+    machine.RegisterNodeDef(kHostBuilder, HostDef::CreateTransition);
+
+    EXPECT_EQ(machine.Init(), 1);
+    machine.Start();
+    machine.Update(0.1f);
+
+    EXPECT_EQ(machine.FindDef(11u)->GetType(), DefTypeTransition);
+    EXPECT_EQ(machine.MainStack(), "Stand");
 }
 
 } // namespace vell::test

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <stdexcept>
 #include <vector>
 
@@ -335,6 +336,31 @@ TEST(HSMStartState, GivesNothingForAStateThatIsNoLevel)
     EXPECT_EQ(scene.log.Take(),
               Activated("Low", 10, "-") +
                   (Lines{ErrorBreak("vell::HSM::ActivateState"), NotActivated(999)}));
+}
+
+TEST_F(HSMStack, TickReportsANullEntryAndUpdatesTheOthers)
+{
+    machine.stateStack.push_back(nullptr);
+
+    machine.Update(0.1f);
+
+    const Lines lines = scene.log.Take();
+    ASSERT_FALSE(lines.empty());
+    EXPECT_EQ(lines.front(), ErrorBreak("vell::HSM::UpdateState"));
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "Low execution 0.1"), 1);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "Mid execution 0.1"), 1);
+}
+
+TEST_F(HSMStack, RewriteLeavesANullEntryWithoutALine)
+{
+    machine.stateStack.insert(machine.stateStack.begin() + 1, nullptr);
+    UpdateResult result = Record(1, 0);
+
+    machine.UpdateStateStack(&result);
+
+    EXPECT_EQ(scene.log.Take(), Left("Mid"));
+    ASSERT_EQ(machine.stateStack.size(), 2u);
+    EXPECT_EQ(machine.stateStack[1], nullptr);
 }
 
 } // namespace vell::test

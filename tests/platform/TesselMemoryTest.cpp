@@ -4,10 +4,12 @@
 
 #include "platform/tessel/Key.h"
 #include "platform/tessel/Table.h"
+#include "tests/support/HeapWatch.h"
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -232,6 +234,38 @@ TEST(TableKeys, ThatAreWorthItAreTheSameForAllTables)
     Key::Release(sameNumber);
     Key::Release(nullptr);
     EXPECT_EQ(Key::Acquire(KeyText("id")), name);
+}
+
+TEST(TableMemory, ThatIsRefusedLeavesTheParentAsItWas)
+{
+    const std::string name = "a key too long to be shared " + std::string(200, 'x');
+    const KVTable table = CreateTable("parent");
+    const unsigned openBefore = GetOpenTableCount();
+    std::size_t refused = 0;
+    KVTable child;
+
+    for (std::size_t after = 0; !child; ++after)
+    {
+        vell::test::HeapWatch heap;
+        heap.RefuseAfter(after);
+        try
+        {
+            child = table->AddTable(name.c_str(), 1);
+            break;
+        }
+        catch (const std::bad_alloc&)
+        {
+            ++refused;
+        }
+        heap.RefuseNothing();
+        ASSERT_EQ(GetOpenTableCount(), openBefore);
+        ASSERT_EQ(table->GetKeyCount(), 0u);
+        ASSERT_LT(after, 20u);
+    }
+
+    EXPECT_GE(refused, 2u) << "the key of the child, and its place in the parent";
+    EXPECT_STREQ(GetTableName(child), name.c_str());
+    CloseTable(table);
 }
 
 } // namespace

@@ -179,4 +179,11 @@ TEST_F(SMStateAttrib, GenericGetterSaysZeroAndWritesNothingForVectors)
     EXPECT_EQ(out[0], 9.0f);
 }
 
+TEST_F(SMStateAttrib, IsNotWrittenToANullAddress)
+{
+    EXPECT_EQ(state.GetAttrib("count", static_cast<void*>(nullptr)), 0);
+    EXPECT_EQ(state.GetAttrib("none", static_cast<void*>(nullptr)), 1);
+    EXPECT_EQ(scene.log.Take(), Lines{});
+}
+
 } // namespace vell::test

@@ -379,4 +379,16 @@ TEST(SubstateState, NestedLevelResumesItsOwnChild)
     EXPECT_EQ(scene.machine.MainStack(), "Outer/Inner/Leaf");
 }
 
+TEST(SubstateState, FindsNoGatesForANullDefinition)
+{
+    Scene scene(GateDocument(21, 22));
+    auto* state = dynamic_cast<SubstateState*>(scene.machine.ActivateState(20, 0.0f));
+    ASSERT_NE(state, nullptr);
+    scene.log.Clear();
+
+    EXPECT_EQ(state->InitEnterExit(nullptr), 0);
+
+    EXPECT_EQ(scene.log.Take(), (Lines{In("InitEnterExit")}));
+}
+
 } // namespace vell::test
