@@ -321,24 +321,4 @@ TEST(RuntimeMessage, CopiesItsText)
     EXPECT_EQ(out->GetDefaultValue(), "first");
 }
 
-TEST(RuntimeMessage, FailsWithALineWhenThereIsNoMemoryForIt)
-{
-    LogRecorder log;
-    LoadedParameters loaded{std::vector<Json>()};
-    IParameterMessageDef* out = nullptr;
-    log.Clear();
-    int result = 1;
-
-    {
-        HeapWatch heap;
-        heap.RefuseAfter(0);
-        result = loaded.table.CreateMessageParameter("fresh", "text", &out);
-    }
-
-    EXPECT_EQ(result, 0);
-    EXPECT_EQ(out, nullptr);
-    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::ParameterTable::CreateMessageParameter")}));
-    EXPECT_EQ(loaded.table.GetParameterID("fresh"), 0u);
-}
-
 } // namespace vell::test
