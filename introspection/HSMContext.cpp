@@ -86,10 +86,12 @@ int HSM::SetContextInfo_StackBlip(const Tessel::KVTable& table)
 
 int HSM::SetContextInfo_StateSwitching(const Tessel::KVTable& context)
 {
-    for (const char* key : {kNextStateKey, kPreviousStateKey, kTransitionKey})
+    if (Tessel::KVTable own = GetContextTable())
     {
-        const unsigned int value = context ? context->GetUInt(key) : 0;
-        WriteContext(key, value, 0);
+        for (const char* key : {kNextStateKey, kPreviousStateKey, kTransitionKey})
+        {
+            own->SetUInt(key, context ? context->GetUInt(key) : 0, 0);
+        }
     }
     Notify();
     return 1;

@@ -61,13 +61,10 @@ int HSM::InitKVTable_ContextTable()
     {
         return 1;
     }
-    mirror = MirrorTables();
-    mirror.root = kvTable;
     if (Tessel::KVTable context = kvTable->AddTable(kContextKey, 1))
     {
-        mirror.context = context;
-        mirror.mainStack = context->AddTable(kMainStackKey, 1);
-        mirror.blipStack = context->AddTable(kBlipStackKey, 1);
+        context->AddTable(kMainStackKey, 1);
+        context->AddTable(kBlipStackKey, 1);
         context->SetUInt(kNextStateKey, 0, 1);
         context->SetUInt(kPreviousStateKey, 0, 1);
         context->SetUInt(kTransitionKey, 0, 1);
@@ -93,35 +90,11 @@ int HSM::InitKVTable_NodeDefTable()
     return kvTable->AttachTable(kNodesKey, nodeDefTable->kvTable, 1);
 }
 
-/// Forgets the kept handles when the machine has another tree, or none. Returns whether there is a
-/// tree.
-bool HSM::IsMirrorCurrent()
+/// Gives the table "contextInfo" that the tree has now, or null. A tool may have put another one in
+/// its place, so it is looked up each time.
+Tessel::KVTable HSM::GetContextTable() const
 {
-    if (mirror.root != kvTable)
-    {
-        mirror = MirrorTables();
-        mirror.root = kvTable;
-        FindContextTable();
-    }
-    return static_cast<bool>(kvTable);
-}
-
-Tessel::KVTable HSM::FindContextTable()
-{
-    mirror.context = kvTable ? kvTable->GetTable(kContextKey) : Tessel::KVTable();
-    return mirror.context;
-}
-
-void HSM::WriteContext(const char* key, unsigned int value, int flag)
-{
-    if (!IsMirrorCurrent() || (mirror.context && mirror.context->SetUInt(key, value, flag)))
-    {
-        return;
-    }
-    if (Tessel::KVTable context = FindContextTable())
-    {
-        context->SetUInt(key, value, flag);
-    }
+    return kvTable ? kvTable->GetTable(kContextKey) : Tessel::KVTable();
 }
 
 int HSM::GetCurrentStackTable(Tessel::KVTable* out)
@@ -131,18 +104,9 @@ int HSM::GetCurrentStackTable(Tessel::KVTable* out)
     {
         return 0;
     }
-    Tessel::KVTable context = FindContextTable();
+    Tessel::KVTable context = GetContextTable();
     *out = context ? context->GetTable(isMain ? kMainStackKey : kBlipStackKey) : Tessel::KVTable();
     return 1;
-}
-
-/// Looks the table of the active stack up and keeps its handle.
-Tessel::KVTable HSM::FindStackTable()
-{
-    Tessel::KVTable& kept = currentStack == &blipStack ? mirror.blipStack : mirror.mainStack;
-    kept = Tessel::KVTable();
-    GetCurrentStackTable(&kept);
-    return kept;
 }
 
 int HSM::UpdateKVTable_OnPushState(SMState* state)
@@ -152,38 +116,36 @@ int HSM::UpdateKVTable_OnPushState(SMState* state)
         return 0;
     }
     const unsigned int id = state->GetID();
-    const bool isOwnStack = currentStack == &stateStack || currentStack == &blipStack;
-    if (!isOwnStack || !IsMirrorCurrent())
-    {
-        return 0;
-    }
-    Tessel::KVTable stack = currentStack == &blipStack ? mirror.blipStack : mirror.mainStack;
-    if (stack)
-    {
-        if (const int result = stack->PushUInt(id, 1))
-        {
-            return result;
-        }
-    }
-    stack = FindStackTable();
+    Tessel::KVTable stack;
+    GetCurrentStackTable(&stack);
     return stack ? stack->PushUInt(id, 1) : 0;
 }
 
 int HSM::UpdateKVTable_OnPopState()
 {
-    const bool isOwnStack = currentStack == &stateStack || currentStack == &blipStack;
-    if (!isOwnStack || !IsMirrorCurrent())
-    {
-        return 0;
-    }
-    Tessel::KVTable stack = currentStack == &blipStack ? mirror.blipStack : mirror.mainStack;
-    unsigned int count = stack ? stack->GetCount() : 0;
-    if (count == 0)
-    {
-        stack = FindStackTable();
-        count = stack ? stack->GetCount() : 0;
-    }
+    Tessel::KVTable stack;
+    GetCurrentStackTable(&stack);
+    const unsigned int count = stack ? stack->GetCount() : 0;
     return count == 0 ? 0 : stack->RemoveAt(count - 1, 1);
+}
+
+/// Writes what left and what came into the tree.
+void HSM::ReportStateChange(SMState* previous, unsigned int nextId)
+{
+    if (Tessel::KVTable context = GetContextTable())
+    {
+        context->SetUInt(kPreviousStateKey, previous == nullptr ? 0 : previous->GetID(), 1);
+        context->SetUInt(kNextStateKey, nextId, 1);
+    }
+}
+
+/// Writes the transition that fired into the tree.
+void HSM::ReportTransition(unsigned int transitionId)
+{
+    if (Tessel::KVTable context = GetContextTable())
+    {
+        context->SetUInt(kTransitionKey, transitionId, 1);
+    }
 }
 
 } // namespace vell

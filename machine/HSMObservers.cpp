@@ -73,11 +73,12 @@ int HSM::Notify()
         return 0;
     }
     StateChangeEvent change{0, 0, 0};
-    if (IsMirrorCurrent() && mirror.context)
+    Tessel::KVTable context = GetContextTable();
+    if (context)
     {
-        change.nextID = mirror.context->GetUInt(kNextStateKey);
-        change.previousID = mirror.context->GetUInt(kPreviousStateKey);
-        change.transitionID = mirror.context->GetUInt(kTransitionKey);
+        change.nextID = context->GetUInt(kNextStateKey);
+        change.previousID = context->GetUInt(kPreviousStateKey);
+        change.transitionID = context->GetUInt(kTransitionKey);
     }
     int called = 0;
     for (std::size_t i = 0; i < stateChangeListeners.size(); ++i)
@@ -90,9 +91,12 @@ int HSM::Notify()
             ++called;
         }
     }
-    WriteContext(kNextStateKey, 0, 1);
-    WriteContext(kPreviousStateKey, 0, 1);
-    WriteContext(kTransitionKey, 0, 1);
+    if (context)
+    {
+        context->SetUInt(kNextStateKey, 0, 1);
+        context->SetUInt(kPreviousStateKey, 0, 1);
+        context->SetUInt(kTransitionKey, 0, 1);
+    }
     return called;
 }
 

@@ -3,7 +3,6 @@
 #include <vell/HSM.h>
 
 #include "foundation/Checks.h"
-#include "introspection/TreeKeys.h"
 #include "parameters/ParameterTable.h"
 
 #include <vell/BaseDef.h>
@@ -152,12 +151,6 @@ int HSM::UpdateStateStack(UpdateResult* result)
         outcome = 1;
     } while (false);
     return outcome;
-}
-
-void HSM::ReportStateChange(SMState* previous, unsigned int nextId)
-{
-    WriteContext(kPreviousStateKey, previous == nullptr ? 0 : previous->GetID(), 1);
-    WriteContext(kNextStateKey, nextId, 1);
 }
 
 SMState* HSM::PushState(SMState* state)

@@ -4,7 +4,6 @@
 
 #include "definitions/AnimClipDef.h"
 #include "foundation/Checks.h"
-#include "introspection/TreeKeys.h"
 #include "states/StatePlacement.h"
 #include "states/SubstateState.h"
 #include "transitions/TransitionDef.h"
@@ -209,7 +208,10 @@ unsigned int SMState::FireTransition(HSM* machine, UpdateResult* result)
     result->sourceID = transition->GetParentID();
     result->priority = transition->priority;
     result->switchArgument = transition->switchArgument;
-    ReportTransition(machine, *transition);
+    if (machine != nullptr)
+    {
+        machine->ReportTransition(transition->GetID());
+    }
     return transition->targetID;
 }
 
@@ -256,14 +258,6 @@ void SMState::KeepGuards(unsigned int changeCount)
 {
     BuildGuards(transitions, &guards);
     guardChanges = changeCount;
-}
-
-void SMState::ReportTransition(HSM* machine, TransitionDef& transition) const
-{
-    if (machine != nullptr)
-    {
-        machine->WriteContext(kTransitionKey, transition.GetID(), 1);
-    }
 }
 
 void SMState::PushTransition(TransitionDef* transition)

@@ -198,22 +198,9 @@ private:
     void FinishTransition(const SMState& state, UpdateResult* result);
     void StartBlip(UpdateResult* result);
     void ReportStateChange(SMState* previous, unsigned int nextId);
-    bool IsMirrorCurrent();
-    Tessel::KVTable FindContextTable();
-    Tessel::KVTable FindStackTable();
-    void WriteContext(const char* key, unsigned int value, int flag);
+    void ReportTransition(unsigned int transitionId);
+    Tessel::KVTable GetContextTable() const;
 
-    /// Handles of the tree's tables that every state change writes. One that a tool has closed
-    /// answers 0 and is looked up again.
-    struct MirrorTables
-    {
-        Tessel::KVTable root; ///< the tree that the others belong to
-        Tessel::KVTable context;
-        Tessel::KVTable mainStack;
-        Tessel::KVTable blipStack;
-    };
-
-    MirrorTables mirror;
     unsigned int guardChanges = 1; ///< grows with every binding and trigger, which change guards
 };
 

@@ -141,7 +141,6 @@ private:
     void KeepGuards(unsigned int changeCount);
     void TellParent();
     void RequestAnimation();
-    void ReportTransition(HSM* machine, TransitionDef& transition) const;
 
     std::vector<TransitionGuard> guards; ///< the transitions' conditions; empty unless kept
     unsigned int guardChanges = 0;       ///< the machine's count when they were made; 0 keeps none

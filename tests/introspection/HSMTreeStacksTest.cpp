@@ -3,6 +3,7 @@
 #include "introspection/TreeKeys.h"
 #include "tests/introspection/RichDocument.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Recorders.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/TreeLines.h"
 
@@ -275,6 +276,57 @@ TEST_F(HSMTreeStacks, TakeTheTransitionInAContextThatAToolMadeAnew)
 
     EXPECT_EQ(machine.MainStack(), "Walk");
     EXPECT_EQ(SwitchKeys(), (Lines{"100", "10", "11"}));
+}
+
+TEST_F(HSMTreeStacks, AreFoundByTheirKeysWhileAReplacedContextLivesOnElsewhere)
+{
+    const Tessel::KVTable elsewhere = Tessel::CreateTable("elsewhere");
+    const Tessel::KVTable before = TableAt(machine.GetKVTable(), kContextKey);
+    ASSERT_EQ(elsewhere->AttachTable(kContextKey, before, 1), 1);
+    machine.GetKVTable()->AddTable(kContextKey, 1)->AddTable(kMainStackKey, 1)->PushUInt(10, 1);
+
+    Tick("go");
+
+    EXPECT_EQ(Main(), (Ids{11}));
+    EXPECT_EQ(SwitchKeys(), (Lines{"100", "10", "11"}));
+    EXPECT_EQ(IdsOf(TableAt(elsewhere, "contextInfo/stackStates")), (Ids{10}));
+    EXPECT_EQ(before->GetUInt(kNextStateKey), 0u);
+    EXPECT_EQ(before->GetUInt(kTransitionKey), 0u);
+    Tessel::CloseTable(elsewhere);
+}
+
+TEST_F(HSMTreeStacks, AreFoundByTheirKeysWhileAReplacedArrayLivesOnElsewhere)
+{
+    const Tessel::KVTable elsewhere = Tessel::CreateTable("elsewhere");
+    const Tessel::KVTable context = TableAt(machine.GetKVTable(), kContextKey);
+    ASSERT_EQ(elsewhere->AttachTable(kMainStackKey, context->GetTable(kMainStackKey), 1), 1);
+    context->AddTable(kMainStackKey, 1);
+
+    machine.PushState(11u);
+    EXPECT_EQ(Main(), (Ids{11}));
+    machine.PopState();
+
+    EXPECT_EQ(Main(), Ids());
+    EXPECT_EQ(IdsOf(TableAt(elsewhere, kMainStackKey)), (Ids{10}));
+    Tessel::CloseTable(elsewhere);
+}
+
+TEST_F(HSMTreeStacks, TellAListenerWhatTheReplacedKeysSay)
+{
+    const Tessel::KVTable elsewhere = Tessel::CreateTable("elsewhere");
+    const Tessel::KVTable before = TableAt(machine.GetKVTable(), kContextKey);
+    ASSERT_EQ(elsewhere->AttachTable(kContextKey, before, 1), 1);
+    before->SetUInt(kTransitionKey, 77, 1);
+    machine.GetKVTable()->AddTable(kContextKey, 1);
+    RecordingListener listener("tool");
+    machine.SubscribeStateChange(&listener);
+
+    Tick("go");
+
+    EXPECT_EQ(log.Take().back(), "tool: change 100: 10 -> 11");
+    EXPECT_EQ(SwitchKeys(), (Lines{"0", "0", "0"}));
+    EXPECT_EQ(before->GetUInt(kTransitionKey), 77u);
+    Tessel::CloseTable(elsewhere);
 }
 
 } // namespace vell::test

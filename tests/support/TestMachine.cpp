@@ -2,6 +2,8 @@
 // tests/support/TestMachine.cpp: making and showing of test machines.
 #include "tests/support/TestMachine.h"
 
+#include "tests/support/TreeLines.h"
+
 #include <vell/BaseDef.h>
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
@@ -71,15 +73,7 @@ std::string TestMachine::BlipStack() const
 
 std::vector<unsigned int> TestMachine::StackInTree(const char* key) const
 {
-    std::vector<unsigned int> ids;
-    Tessel::KVTable context = kvTable ? kvTable->GetTable("contextInfo") : Tessel::KVTable();
-    Tessel::KVTable array = context ? context->GetTable(key) : Tessel::KVTable();
-    const unsigned int count = array ? array->GetCount() : 0;
-    for (unsigned int i = 0; i < count; ++i)
-    {
-        ids.push_back(array->GetValueAt(i)->GetUIntValue());
-    }
-    return ids;
+    return IdsOf(TableAt(kvTable, std::string("contextInfo/") + key));
 }
 
 unsigned int TestMachine::ContextValue(const char* key) const

@@ -101,6 +101,17 @@ Tessel::KVTable TableAt(Tessel::KVTable root, const std::string& path)
     return table;
 }
 
+std::vector<unsigned int> IdsOf(Tessel::KVTable table)
+{
+    std::vector<unsigned int> ids;
+    const unsigned int count = table ? table->GetCount() : 0;
+    for (unsigned int i = 0; i < count; ++i)
+    {
+        ids.push_back(table->GetValueAt(i)->GetUIntValue());
+    }
+    return ids;
+}
+
 std::string FloatText(const float* values, int count)
 {
     std::string text;

@@ -7,6 +7,7 @@
 #include <tessel/Tessel.h>
 
 #include <string>
+#include <vector>
 
 namespace vell::test
 {
@@ -18,6 +19,9 @@ Lines TreeLines(Tessel::KVTable root);
 
 /// Gives the table at a path such as "nodeDefTable/10/attribs", or a null handle.
 Tessel::KVTable TableAt(Tessel::KVTable root, const std::string& path);
+
+/// Gives the elements of the array of `table`; none for a null handle.
+std::vector<unsigned int> IdsOf(Tessel::KVTable table);
 
 /// Floats as a line shows them: "0.5", or "0.5,1,2".
 std::string FloatText(const float* values, int count);
