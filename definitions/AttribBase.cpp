@@ -4,6 +4,7 @@
 
 #include "foundation/Checks.h"
 #include "foundation/TableSync.h"
+#include "foundation/TreeKeys.h"
 
 #include <durm/DURMBaseLib.h>
 
@@ -11,8 +12,6 @@ namespace vell
 {
 namespace
 {
-
-constexpr const char* kValueKey = "value";
 
 // Value types of the table library, as a tool's write shows them.
 constexpr int kText = 1;
@@ -43,7 +42,7 @@ AttribBase::AttribBase(int type) : AttribBase()
     if (kvTable)
     {
         const auto number = static_cast<DURMBaseLib::__ePARAMTYPE__>(type);
-        kvTable->SetString("type", DURMBaseLib::GetParameterName(number), 1);
+        kvTable->SetString(kTypeKey, DURMBaseLib::GetParameterName(number), 1);
     }
 }
 
@@ -130,7 +129,7 @@ void AttribBase::SetName(const char* newName)
     name = newName;
     if (kvTable)
     {
-        kvTable->SetString("name", name, 1);
+        kvTable->SetString(kNameKey, name, 1);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "definitions/AttribDefs.h"
 
 #include "foundation/TableSync.h"
+#include "foundation/TreeKeys.h"
 
 #include <durm/DURMBaseLib.h>
 
@@ -10,12 +11,6 @@
 
 namespace vell
 {
-namespace
-{
-
-constexpr const char* kValueKey = "value";
-
-} // namespace
 
 AttribDefBool::AttribDefBool() : AttribBase(DURMBaseLib::PARAM_Bool)
 {

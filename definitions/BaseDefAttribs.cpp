@@ -7,6 +7,7 @@
 #include "foundation/Checks.h"
 #include "foundation/NumberText.h"
 #include "foundation/TextCompare.h"
+#include "foundation/TreeKeys.h"
 
 #include <vell/HSMAlloc.h>
 
@@ -200,10 +201,10 @@ int BaseDef::TabAddAttrib(AttribBase* attrib)
     Tessel::KVTable attribTable = attrib->GetKVTable();
     if (attribTable)
     {
-        attribTable->SetUInt("nodeID", id, 1);
+        attribTable->SetUInt(kNodeIdKey, id, 1);
     }
     const Tessel::KVTable table = GetKVTable();
-    if (Tessel::KVTable children = table ? table->GetTable("attribs") : Tessel::KVTable())
+    if (Tessel::KVTable children = table ? table->GetTable(kAttribsKey) : Tessel::KVTable())
     {
         children->AttachTable(attrib->GetName(), attribTable, 1);
     }

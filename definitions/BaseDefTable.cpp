@@ -2,6 +2,8 @@
 // definitions/BaseDefTable.cpp: a definition's key/value table.
 #include <vell/BaseDef.h>
 
+#include "foundation/TreeKeys.h"
+
 namespace vell
 {
 
@@ -11,7 +13,7 @@ int BaseDef::CreateKVTable() const
     kvTable = Tessel::CreateTable("baseDef");
     if (kvTable)
     {
-        kvTable->AddTable("attribs", 1);
+        kvTable->AddTable(kAttribsKey, 1);
     }
     return 1;
 }
@@ -34,10 +36,10 @@ int BaseDef::InitKVTable()
     }
     if (kvTable)
     {
-        kvTable->SetUInt("id", id, 1);
-        if (Tessel::KVTable attribTable = kvTable->GetTable("attribs"))
+        kvTable->SetUInt(kIdKey, id, 1);
+        if (Tessel::KVTable attribTable = kvTable->GetTable(kAttribsKey))
         {
-            attribTable->SetUInt("id", id, 1);
+            attribTable->SetUInt(kIdKey, id, 1);
         }
     }
     return 1;
@@ -51,14 +53,14 @@ int BaseDef::UninitKVTable()
 int BaseDef::TabSetName()
 {
     Tessel::KVTable table = GetKVTable();
-    return table ? table->SetString("name", name, 1) : 0;
+    return table ? table->SetString(kNameKey, name, 1) : 0;
 }
 
 int BaseDef::TabSetDynamic(int dynamic)
 {
     if (Tessel::KVTable table = GetKVTable())
     {
-        table->SetInt("dynamic", dynamic, 1);
+        table->SetInt(kDynamicKey, dynamic, 1);
         if (dynamic != 0)
         {
             TabSetName();

@@ -5,6 +5,7 @@
 #include "definitions/JsonReader.h"
 #include "foundation/ArenaMemory.h"
 #include "foundation/Checks.h"
+#include "foundation/TreeKeys.h"
 
 #include <cstring>
 
@@ -68,14 +69,14 @@ void NodeDefTable::ImportIdentity(const GenericValue& head)
     const char* guidText = ReadText(head, JSON_GUID);
     if (guidText != nullptr && *guidText != '\0')
     {
-        StoreIdentity(guid, guidText, kvTable, "hsmID");
+        StoreIdentity(guid, guidText, kvTable, kGuidKey);
     }
     // Required: without a build id of its own a machine shows its GUID as the build id.
     const GenericValue* build = FindMember(head, JSON_HeadBuildID);
     const char* buildText = build == nullptr ? guidText : ReadText(*build);
     if (buildText != nullptr)
     {
-        StoreIdentity(buildId, buildText, kvTable, "buildID");
+        StoreIdentity(buildId, buildText, kvTable, kBuildKey);
     }
 }
 
@@ -157,7 +158,7 @@ int NodeDefTable::ImportSkel_ModelFileName(const GenericValue& skeleton, HSMAllo
         ERROR_BREAK(modelFileName);
         ERROR_BREAK(text);
         std::memcpy(modelFileName, text, length);
-        WriteText(kvTable, "modelfilename", modelFileName);
+        WriteText(kvTable, kModelKey, modelFileName);
         result = 1;
     } while (false);
     return result;
@@ -176,7 +177,7 @@ int NodeDefTable::ImportSkel_SkeletonFileName(const GenericValue& skeleton, HSMA
         ERROR_BREAK(skeletonFileName);
         ERROR_BREAK(text);
         std::memcpy(skeletonFileName, text, length);
-        WriteText(kvTable, "skelfilename", skeletonFileName);
+        WriteText(kvTable, kSkeletonKey, skeletonFileName);
         result = 1;
     } while (false);
     return result;

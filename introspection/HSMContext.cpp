@@ -3,7 +3,7 @@
 #include <vell/HSM.h>
 
 #include "foundation/Checks.h"
-#include "introspection/TreeKeys.h"
+#include "foundation/TreeKeys.h"
 
 namespace vell
 {

@@ -4,7 +4,7 @@
 
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
-#include "introspection/TreeKeys.h"
+#include "foundation/TreeKeys.h"
 #include "parameters/ParameterTable.h"
 
 #include <vell/SMState.h>
@@ -50,7 +50,7 @@ int HSM::InitKVTable_Self()
 {
     if (kvTable && !fileName.empty())
     {
-        kvTable->SetString("filename", fileName.c_str(), 1);
+        kvTable->SetString(kFileNameKey, fileName.c_str(), 1);
     }
     return 1;
 }

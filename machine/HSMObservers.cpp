@@ -4,7 +4,7 @@
 
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
-#include "introspection/TreeKeys.h"
+#include "foundation/TreeKeys.h"
 #include "transitions/TransitionDef.h"
 
 #include <vell/Action.h>

@@ -3,6 +3,7 @@
 #include <vell/ParameterDef.h>
 
 #include "foundation/TableSync.h"
+#include "foundation/TreeKeys.h"
 #include "parameters/ParameterKeys.h"
 
 #include <durm/DURMBaseLib.h>
@@ -82,7 +83,7 @@ void ParameterDef::InitTypeKey()
     if (kvTable)
     {
         const auto number = static_cast<DURMBaseLib::__ePARAMTYPE__>(GetParamType());
-        kvTable->SetString("type", DURMBaseLib::GetParameterName(number), 1);
+        kvTable->SetString(kTypeKey, DURMBaseLib::GetParameterName(number), 1);
     }
 }
 

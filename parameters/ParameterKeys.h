@@ -1,6 +1,8 @@
 // VELL: data-driven hierarchical state machines.
-// parameters/ParameterKeys.h: keys of a parameter's table and events of its input.
+// parameters/ParameterKeys.h: events of a parameter's input.
 #pragma once
+
+#include "foundation/TreeKeys.h"
 
 #include <vell/ParamBroadcast.h>
 
@@ -9,8 +11,6 @@
 
 namespace vell
 {
-
-constexpr const char* kValueKey = "value";
 
 // The events that parameters react to. Their meaning is the host's.
 constexpr int kEventInput = 1;  ///< a ParamBroadcast

@@ -4,6 +4,7 @@
 
 #include "foundation/Checks.h"
 #include "foundation/TableSync.h"
+#include "foundation/TreeKeys.h"
 
 #include <vell/HSMAlloc.h>
 #include <vell/ParameterDef.h>
@@ -21,7 +22,7 @@ int OnParameterTableModified(void*, Tessel::opResult result, Tessel::KVTable tab
 {
     if (result == Tessel::opResult_ValueChanged && table)
     {
-        table->GetUInt("id");
+        table->GetUInt(kIdKey);
         table->GetString(key);
     }
     return 1;

@@ -3,6 +3,7 @@
 #include "parameters/ParameterTable.h"
 
 #include "foundation/Checks.h"
+#include "foundation/TreeKeys.h"
 
 #include <vell/HSMAlloc.h>
 #include <vell/Parameters.h>
@@ -130,8 +131,8 @@ int ParameterTable::PublishRuntimeParameter(ParameterDef* def)
 {
     if (Tessel::KVTable defTable = def->GetKVTable())
     {
-        defTable->SetInt("dynamic", 1, 1);
-        defTable->SetString("name", def->GetName(), 1);
+        defTable->SetInt(kDynamicKey, 1, 1);
+        defTable->SetString(kNameKey, def->GetName(), 1);
     }
     if (AddParameter(def))
     {

@@ -49,6 +49,8 @@ void Free(void* memory)
 
 } // namespace
 
+alignas(Key::kSharedSize) unsigned char Key::sharedRow[kMaxShared * kSharedSize];
+
 Key::Key(const KeyText& name, std::uint32_t nameHash, bool isShared)
     : hash(nameHash), length(name.length & KeyText::kMaxLength), shared(isShared ? 1u : 0u)
 {
@@ -59,20 +61,20 @@ Key::Key(const KeyText& name, std::uint32_t nameHash, bool isShared)
 
 const Key* Key::Acquire(const KeyText& name)
 {
-    const std::uint32_t hash = name.ComputeHash();
-    if (!IsWorthSharing(name))
-    {
-        return Create(name, hash, false);
-    }
-    if (const Key* key = FindShared(name, hash))
+    if (const Key* key = FindByAddress(name.text))
     {
         return key;
     }
-    if (sharedCount.load(std::memory_order_relaxed) >= kMaxShared)
-    {
-        return Create(name, hash, false);
-    }
-    return AddShared(name, hash);
+    const std::uint32_t hash = name.ComputeHash();
+    const Key* key = AcquireShared(name, hash);
+    return key != nullptr ? key : CreateOwned(name, hash);
+}
+
+const char* Key::Intern(const char* text)
+{
+    const KeyText name(text);
+    const Key* key = AcquireShared(name, name.ComputeHash());
+    return key != nullptr ? key->GetText() : text;
 }
 
 void Key::Release(const Key* key)
@@ -88,13 +90,27 @@ std::uint32_t Key::GetSharedCount()
     return sharedCount.load(std::memory_order_relaxed);
 }
 
-const Key* Key::Create(const KeyText& name, std::uint32_t hash, bool isShared)
+const Key* Key::CreateOwned(const KeyText& name, std::uint32_t hash)
 {
     if (name.length > KeyText::kMaxLength)
     {
         throw std::bad_alloc();
     }
-    return new (Allocate(sizeof(Key) + name.length + 1)) Key(name, hash, isShared);
+    return new (Allocate(sizeof(Key) + name.length + 1)) Key(name, hash, false);
+}
+
+/// Gives the shared key of `name`, made when it is the first one; null when there is none.
+const Key* Key::AcquireShared(const KeyText& name, std::uint32_t hash)
+{
+    if (!IsWorthSharing(name))
+    {
+        return nullptr;
+    }
+    if (const Key* key = FindShared(name, hash))
+    {
+        return key;
+    }
+    return GetSharedCount() < kMaxShared ? AddShared(name, hash) : nullptr;
 }
 
 const Key* Key::FindShared(const KeyText& name, std::uint32_t hash)
@@ -117,18 +133,18 @@ const Key* Key::AddShared(const KeyText& name, std::uint32_t hash)
         return key;
     }
     const std::uint32_t count = sharedCount.load(std::memory_order_relaxed);
-    const bool isRoom = count < kMaxShared;
-    const Key* key = Create(name, hash, isRoom);
-    if (isRoom)
+    if (count >= kMaxShared)
     {
-        std::uint32_t at = hash % kPlaces;
-        while (sharedKeys[at].load(std::memory_order_relaxed) != nullptr)
-        {
-            at = (at + 1) % kPlaces;
-        }
-        sharedKeys[at].store(key, std::memory_order_release);
-        sharedCount.store(count + 1, std::memory_order_relaxed);
+        return nullptr;
     }
+    const Key* key = new (sharedRow + count * kSharedSize) Key(name, hash, true);
+    std::uint32_t at = hash % kPlaces;
+    while (sharedKeys[at].load(std::memory_order_relaxed) != nullptr)
+    {
+        at = (at + 1) % kPlaces;
+    }
+    sharedKeys[at].store(key, std::memory_order_release);
+    sharedCount.store(count + 1, std::memory_order_relaxed);
     return key;
 }
 

@@ -13,7 +13,7 @@ namespace Tessel
 /// The stored text of a key. Names are shared by all tables and kept for good, so a table that has
 /// the same keys as a thousand others pays a pointer for each and takes no lock for them. What is
 /// not worth keeping (decimal ids, long texts, names beyond the first 4096) belongs to its one
-/// user.
+/// user. No text is both: once there is no room for further shared ones, there never is.
 class Key
 {
 public:
@@ -23,15 +23,33 @@ public:
     /// The most keys that are shared and kept for good.
     static constexpr std::uint32_t kMaxShared = 4096;
 
+    /// What a shared key takes, its text and the final zero with it. They stand in a row.
+    static constexpr std::size_t kSharedSize = 64;
+
     /// The longest text that is shared.
-    static constexpr std::size_t kMaxSharedLength = 63;
+    static constexpr std::size_t kMaxSharedLength = kSharedSize - 9;
 
     /// Gives a key with the text of `name`, to be given back by `Release`. Takes a lock only for a
     /// name that is seen for the first time. May throw `std::bad_alloc`.
     static const Key* Acquire(const KeyText& name);
 
+    /// Gives the text of the shared key that has the text `text`, which is not null; or `text`
+    /// itself when there is none.
+    static const char* Intern(const char* text);
+
     /// Ends the use of a key; null is allowed. No other user of a shared key is touched.
     static void Release(const Key* key);
+
+    /// Gives the shared key whose own text stands at `text`, or null; also for null. Nothing is
+    /// read there.
+    static const Key* FindByAddress(const char* text)
+    {
+        const std::uintptr_t first = reinterpret_cast<std::uintptr_t>(sharedRow) + sizeof(Key);
+        const std::uintptr_t offset = reinterpret_cast<std::uintptr_t>(text) - first;
+        return offset < sizeof(sharedRow) && offset % kSharedSize == 0
+                   ? reinterpret_cast<const Key*>(text) - 1
+                   : nullptr;
+    }
 
     /// Gives the number of keys that are kept for good.
     static std::uint32_t GetSharedCount();
@@ -51,6 +69,11 @@ public:
         return hash;
     }
 
+    KeyText GetKeyText() const
+    {
+        return KeyText(GetText(), length);
+    }
+
     /// Tells whether this is the text of `name`.
     bool Is(const KeyText& name) const
     {
@@ -63,13 +86,18 @@ public:
 private:
     Key(const KeyText& name, std::uint32_t nameHash, bool isShared);
 
-    static const Key* Create(const KeyText& name, std::uint32_t hash, bool isShared);
+    static const Key* CreateOwned(const KeyText& name, std::uint32_t hash);
+    static const Key* AcquireShared(const KeyText& name, std::uint32_t hash);
     static const Key* FindShared(const KeyText& name, std::uint32_t hash);
     static const Key* AddShared(const KeyText& name, std::uint32_t hash);
+
+    alignas(kSharedSize) static unsigned char sharedRow[kMaxShared * kSharedSize];
 
     std::uint32_t hash;
     std::uint32_t length : 31;
     std::uint32_t shared : 1; ///< 1 when kept for good; the text follows the record
 };
+
+static_assert(sizeof(Key) == 8, "the longest shared text is what it leaves of its place");
 
 } // namespace Tessel

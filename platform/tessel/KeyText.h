@@ -105,12 +105,18 @@ struct KeyText
     {
     }
 
-    /// Gives one byte that tells most keys of a short table apart, for far less than a hash.
+    /// Takes a text whose length is known.
+    KeyText(const char* key, std::size_t keyLength) : text(key), length(keyLength)
+    {
+    }
+
+    /// Gives one byte that tells most keys of a short table apart, for far less than a hash. It is
+    /// never below 128: 0 is the byte of a place without a key.
     std::uint32_t GetTag() const
     {
         const unsigned first = static_cast<unsigned char>(text[0]);
         const unsigned last = static_cast<unsigned char>(text[length - (length != 0 ? 1 : 0)]);
-        return (static_cast<unsigned>(length) + first * 9 + last * 5) & 0xff;
+        return 0x80 | ((static_cast<unsigned>(length) + first * 9 + last * 5) & 0x7f);
     }
 
     /// Computes the hash, which only large tables and the making of keys need.

@@ -96,7 +96,7 @@ void ListenerSet::Remove(const KeyText& name, const KVListener& listener)
     }
 }
 
-void ListenerSet::CallAll(Table& table, const KeyText& name)
+void ListenerSet::Call(Table& table, const KeyText& name)
 {
     const CallScope scope(*this, table);
     const KVTable handle = table.GetHandle();

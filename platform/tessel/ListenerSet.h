@@ -37,15 +37,15 @@ public:
         return &tableListener;
     }
 
+    /// Tells whether there is anyone to call, of whatever key.
+    bool IsAnyone() const
+    {
+        return recordCount != 0 || tableListener.function != nullptr;
+    }
+
     /// Calls the listeners of `name` that were there when the call began, then the table's own.
     /// Ends when `table` was closed by one of them: this set is gone then.
-    void Call(Table& table, const KeyText& name)
-    {
-        if (recordCount != 0 || tableListener.function != nullptr)
-        {
-            CallAll(table, name);
-        }
-    }
+    void Call(Table& table, const KeyText& name);
 
 private:
     struct Record
@@ -63,8 +63,6 @@ private:
     {
         return bucketCount == 1 ? buckets : &buckets[name.ComputeHash() & (bucketCount - 1)];
     }
-
-    void CallAll(Table& table, const KeyText& name);
 
     void GrowBuckets();
     void Sweep();

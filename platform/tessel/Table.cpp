@@ -48,7 +48,7 @@ KVTable Table::GetTable(const char* key)
         return KVTable();
     }
     const KVTable stored = entry->GetStoredTable();
-    return TableStore::Find(stored) == nullptr ? KVTable() : stored;
+    return TableStore::IsOpen(stored) ? stored : KVTable();
 }
 
 int Table::GetInt(const char* key)
@@ -119,13 +119,12 @@ int Table::SetString(const char* key, const char* text, int)
     {
         return 0;
     }
-    const KeyText wanted(key);
     const std::size_t length = std::strlen(text);
     if (length >= KeyText::kMaxLength)
     {
         return 0;
     }
-    Entry* entry = Find(wanted);
+    Entry* entry = Find(key);
     std::unique_ptr<char[]> buffer;
     if (length > Entry::kMaxShortText && !(entry != nullptr && entry->HasRoomForLongText(length)))
     {
@@ -133,14 +132,14 @@ int Table::SetString(const char* key, const char* text, int)
     }
     if (entry == nullptr)
     {
-        entry = Add(wanted);
+        entry = Add(key);
     }
     if (entry->GetKind() == Entry::KindTable)
     {
         ReleaseValue(*entry);
     }
     entry->StoreText(text, length, buffer);
-    return NotifyWritten(wanted);
+    return NotifyWritten(key);
 }
 
 int Table::SetFloat(const char* key, float value, int)
@@ -160,7 +159,7 @@ KVTable Table::AddTable(const char* key, int)
         return KVTable();
     }
     const KeyText wanted(key);
-    Entry* entry = Find(wanted);
+    Entry* entry = Find(key);
     // The child first: a key without a value must not stay behind when there is no memory for it.
     Table* child = TableStore::Open(wanted, 0);
     if (child == nullptr)
@@ -171,7 +170,7 @@ KVTable Table::AddTable(const char* key, int)
     {
         try
         {
-            entry = Add(wanted);
+            entry = Add(key);
         }
         catch (...)
         {
@@ -190,11 +189,10 @@ int Table::AttachTable(const char* key, KVTable child, int)
     {
         return 0;
     }
-    const KeyText wanted(key);
-    Entry* entry = Find(wanted);
+    Entry* entry = Find(key);
     if (entry == nullptr)
     {
-        entry = Add(wanted);
+        entry = Add(key);
     }
     StoreChild(*entry, *found);
     return 1;
@@ -267,28 +265,58 @@ int Table::GetTypeAt(unsigned index)
     return index < keyCount ? GetEntry(index)->GetValueType() : static_cast<int>(ValueType_None);
 }
 
+/// Gives the entry of `key`, or null; also for a null key.
 inline Entry* Table::Find(const char* key)
 {
-    return key == nullptr ? nullptr : Find(KeyText(key));
+    if (const Key* shared = Key::FindByAddress(key))
+    {
+        return FindShared(*shared);
+    }
+    return FindText(key);
 }
 
-// Calls nothing but its last step: most of what a read or write costs is here.
-Entry* Table::Find(const KeyText& key)
+// These two call nothing but their last step: most of what a read or write costs is here.
+
+/// A text that is shared stands in no other key. The first keys are those that are asked for most.
+Entry* Table::FindShared(const Key& key)
 {
+    for (std::uint32_t i = 0; i < kInlineEntries && i < keyCount; ++i)
+    {
+        if (GetEntry(i)->GetKey() == &key)
+        {
+            return GetEntry(i);
+        }
+    }
+    const KeyText text = key.GetKeyText();
+    if (keyCount > kTaggedEntries)
+    {
+        return FindIndexed(text);
+    }
+    for (std::uint64_t hits = FindTag(text.GetTag()); hits != 0; hits &= hits - 1)
+    {
+        Entry* entry = GetHit(hits);
+        if (entry->GetKey() == &key)
+        {
+            return entry;
+        }
+    }
+    return nullptr;
+}
+
+Entry* Table::FindText(const char* text)
+{
+    if (text == nullptr)
+    {
+        return nullptr;
+    }
+    const KeyText key(text);
     if (keyCount > kTaggedEntries)
     {
         return FindIndexed(key);
     }
-    // A byte of `others` is zero where the tag is that of the key. The bytes of `hits` that this
-    // finds too many stand behind a true hit, and the comparison of the texts sorts them out.
-    constexpr std::uint64_t kLowBits = 0x0101010101010101u;
-    const std::uint64_t others = tags ^ kLowBits * key.GetTag();
-    const std::uint64_t inUse =
-        keyCount == kTaggedEntries ? ~std::uint64_t{0} : (std::uint64_t{1} << 8 * keyCount) - 1;
-    std::uint64_t hits = (others - kLowBits) & ~others & (kLowBits << 7) & inUse;
-    for (; hits != 0; hits &= hits - 1)
+    for (std::uint64_t hits = FindTag(key.GetTag()); hits != 0; hits &= hits - 1)
     {
-        Entry* entry = GetEntry(CountTrailingZeros(hits) / 8);
+        Entry* entry = GetHit(hits);
         if (entry->GetKey()->Is(key))
         {
             return entry;
@@ -297,7 +325,23 @@ Entry* Table::Find(const KeyText& key)
     return nullptr;
 }
 
-Entry* Table::FindIndexed(const KeyText& key)
+/// Gives a word with the highest bit of a byte set where the entry of that byte may have a key with
+/// `tag`: a byte of `others` is zero where the tag is the key's. The hits that this finds too many
+/// stand behind a true one, and the comparison of the keys sorts them out.
+inline std::uint64_t Table::FindTag(std::uint32_t tag) const
+{
+    constexpr std::uint64_t kLowBits = 0x0101010101010101u;
+    const std::uint64_t others = tags ^ kLowBits * tag;
+    return (others - kLowBits) & ~others & (kLowBits << 7);
+}
+
+/// Gives the entry of the lowest of the hits.
+inline Entry* Table::GetHit(std::uint64_t hits)
+{
+    return GetEntry(CountTrailingZeros(hits) / 8);
+}
+
+Entry* Table::FindIndexed(KeyText key)
 {
     const auto getEntry = [this](std::uint32_t number)
     {
@@ -308,8 +352,9 @@ Entry* Table::FindIndexed(const KeyText& key)
 
 /// Adds a key that is not there yet, without a value. When there is no memory for it, the table
 /// keeps at most some room that is not used yet.
-Entry* Table::Add(const KeyText& key)
+Entry* Table::Add(const char* text)
 {
+    const KeyText key(text);
     const std::uint32_t index = keyCount;
     Entry* entry = MakeRoom(index);
     const bool isIndexed = index >= kTaggedEntries;
@@ -374,28 +419,32 @@ Table::Extras& Table::NeedExtras()
 template <class Value>
 inline int Table::Write(const char* key, Entry::Kind kind, const Value& value)
 {
-    if (key == nullptr)
-    {
-        return 0;
-    }
-    const KeyText wanted(key);
-    Entry* entry = Find(wanted);
+    Entry* entry = Find(key);
     if (entry == nullptr)
     {
-        entry = Add(wanted);
+        if (key == nullptr)
+        {
+            return 0;
+        }
+        entry = Add(key);
     }
     ReleaseValue(*entry);
     entry->Store(kind, value);
-    return NotifyWritten(wanted);
+    return NotifyWritten(key);
 }
 
-inline int Table::NotifyWritten(const KeyText& key)
+inline int Table::NotifyWritten(const char* key)
 {
-    if (extras != nullptr)
+    if (extras != nullptr && extras->listeners.IsAnyone())
     {
-        extras->listeners.Call(*this, key);
+        CallListeners(key);
     }
     return 1;
+}
+
+void Table::CallListeners(const char* key)
+{
+    extras->listeners.Call(*this, KeyText(key));
 }
 
 /// Puts `child` into `entry`. The new hold comes first: the old value may hold `child` too.

@@ -110,13 +110,16 @@ private:
     };
 
     Entry* Find(const char* key);
-    Entry* Find(const KeyText& key);
+    Entry* FindShared(const Key& key);
+    Entry* FindText(const char* text);
+    std::uint64_t FindTag(std::uint32_t tag) const;
+    Entry* GetHit(std::uint64_t hits);
 #if defined(__GNUC__)
     __attribute__((noinline)) // or else each look-up in a short table pays for it
 #endif
     Entry*
-    FindIndexed(const KeyText& key);
-    Entry* Add(const KeyText& key);
+    FindIndexed(KeyText key);
+    Entry* Add(const char* text);
     Entry* MakeRoom(std::uint32_t index);
     Entry* GetEntry(std::uint32_t index);
     Entry* GetBlockEntry(std::uint32_t index);
@@ -124,7 +127,8 @@ private:
 
     template <class Value>
     int Write(const char* key, Entry::Kind kind, const Value& value);
-    int NotifyWritten(const KeyText& key);
+    int NotifyWritten(const char* key);
+    void CallListeners(const char* key);
     void StoreChild(Entry& entry, Table& child);
     void ReleaseValue(Entry& entry);
     bool IsBelow(Table& top);

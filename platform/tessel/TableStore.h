@@ -45,6 +45,13 @@ public:
         return table->GetGeneration() == TableHandle::GetGeneration(handle) ? table : nullptr;
     }
 
+    /// Tells whether `handle` is that of an open table.
+    static bool IsOpen(KVTable handle)
+    {
+        const std::uint32_t slot = TableHandle::GetSlot(handle);
+        return slot != 0 && GetSlot(slot)->GetGeneration() == TableHandle::GetGeneration(handle);
+    }
+
     /// Gives the number of open tables. Looks at each slot.
     static std::uint32_t GetOpenCount();
 

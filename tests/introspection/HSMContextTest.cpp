@@ -1,6 +1,6 @@
 // VELL: data-driven hierarchical state machines.
 // tests/introspection/HSMContextTest.cpp: putting a machine into a recorded context.
-#include "introspection/TreeKeys.h"
+#include "foundation/TreeKeys.h"
 #include "tests/introspection/RichDocument.h"
 #include "tests/support/HostObjects.h"
 #include "tests/support/LogRecorder.h"

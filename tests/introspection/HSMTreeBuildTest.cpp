@@ -1,6 +1,6 @@
 // VELL: data-driven hierarchical state machines.
 // tests/introspection/HSMTreeBuildTest.cpp: building the tree, and what can fail in it.
-#include "introspection/TreeKeys.h"
+#include "foundation/TreeKeys.h"
 #include "parameters/ParameterTable.h"
 #include "tests/introspection/RichDocument.h"
 #include "tests/support/LogRecorder.h"

@@ -1,6 +1,6 @@
 // VELL: data-driven hierarchical state machines.
 // tests/introspection/HSMTreeStacksTest.cpp: the stacks and the last switch as the tree shows them.
-#include "introspection/TreeKeys.h"
+#include "foundation/TreeKeys.h"
 #include "tests/introspection/RichDocument.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Recorders.h"

@@ -2,7 +2,7 @@
 // tests/tools/TreeJsonTest.cpp: trees of tables as text.
 #include "tools/vell/TreeJson.h"
 
-#include "introspection/TreeKeys.h"
+#include "foundation/TreeKeys.h"
 #include "tests/tools/CommandRun.h"
 #include "tools/vell/CommandLine.h"
 

@@ -2,7 +2,7 @@
 // tools/vell/Context.cpp: saving, checking and restoring of contexts.
 #include "tools/vell/Context.h"
 
-#include "introspection/TreeKeys.h"
+#include "foundation/TreeKeys.h"
 #include "tools/vell/ObservedMachine.h"
 #include "tools/vell/TreeJson.h"
 

@@ -2,7 +2,7 @@
 // tools/vell/TreeJson.cpp: the walk over a tree by its keys.
 #include "tools/vell/TreeJson.h"
 
-#include "introspection/TreeKeys.h"
+#include "foundation/TreeKeys.h"
 #include "tools/vell/ParameterText.h"
 
 #include <rapidjson/prettywriter.h>
