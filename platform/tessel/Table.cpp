@@ -277,27 +277,27 @@ inline Entry* Table::Find(const char* key)
 
 // These two call nothing but their last step: most of what a read or write costs is here.
 
-/// A text that is shared stands in no other key. The first keys are those that are asked for most.
+/// A text that is shared stands in no other key, so the address tells.
 Entry* Table::FindShared(const Key& key)
 {
-    for (std::uint32_t i = 0; i < kInlineEntries && i < keyCount; ++i)
-    {
-        if (GetEntry(i)->GetKey() == &key)
-        {
-            return GetEntry(i);
-        }
-    }
-    const KeyText text = key.GetKeyText();
     if (keyCount > kTaggedEntries)
     {
-        return FindIndexed(text);
+        return FindIndexed(key.GetKeyText());
     }
-    for (std::uint64_t hits = FindTag(text.GetTag()); hits != 0; hits &= hits - 1)
+    Entry* run = GetEntry(0);
+    Block* next = blocks;
+    std::uint32_t runEnd = kInlineEntries;
+    for (std::uint32_t i = 0; i < keyCount; ++i, ++run)
     {
-        Entry* entry = GetHit(hits);
-        if (entry->GetKey() == &key)
+        if (i == runEnd)
         {
-            return entry;
+            run = next->GetEntries();
+            next = next->next;
+            runEnd = GetNextRunEnd(runEnd);
+        }
+        if (run->GetKey() == &key)
+        {
+            return run;
         }
     }
     return nullptr;
@@ -314,31 +314,20 @@ Entry* Table::FindText(const char* text)
     {
         return FindIndexed(key);
     }
-    for (std::uint64_t hits = FindTag(key.GetTag()); hits != 0; hits &= hits - 1)
+    // A byte of `others` is zero where the tag is that of the key. The bytes of `hits` that this
+    // finds too many stand behind a true hit, and the comparison of the texts sorts them out.
+    constexpr std::uint64_t kLowBits = 0x0101010101010101u;
+    const std::uint64_t others = tags ^ kLowBits * key.GetTag();
+    std::uint64_t hits = (others - kLowBits) & ~others & (kLowBits << 7);
+    for (; hits != 0; hits &= hits - 1)
     {
-        Entry* entry = GetHit(hits);
+        Entry* entry = GetEntry(CountTrailingZeros(hits) / 8);
         if (entry->GetKey()->Is(key))
         {
             return entry;
         }
     }
     return nullptr;
-}
-
-/// Gives a word with the highest bit of a byte set where the entry of that byte may have a key with
-/// `tag`: a byte of `others` is zero where the tag is the key's. The hits that this finds too many
-/// stand behind a true one, and the comparison of the keys sorts them out.
-inline std::uint64_t Table::FindTag(std::uint32_t tag) const
-{
-    constexpr std::uint64_t kLowBits = 0x0101010101010101u;
-    const std::uint64_t others = tags ^ kLowBits * tag;
-    return (others - kLowBits) & ~others & (kLowBits << 7);
-}
-
-/// Gives the entry of the lowest of the hits.
-inline Entry* Table::GetHit(std::uint64_t hits)
-{
-    return GetEntry(CountTrailingZeros(hits) / 8);
 }
 
 Entry* Table::FindIndexed(KeyText key)
@@ -382,8 +371,7 @@ Entry* Table::Add(const char* text)
     return entry;
 }
 
-/// Gives the place of the entry `index`, the next one to be made. Beside the two entries in the
-/// table there are blocks of 1, 3, 6, 12, 24 ... entries, so that after them 3, 6, 12, 24 ... fit.
+/// Gives the place of the entry `index`, the next one to be made.
 Entry* Table::MakeRoom(std::uint32_t index)
 {
     if (index < kInlineEntries)
@@ -392,16 +380,16 @@ Entry* Table::MakeRoom(std::uint32_t index)
     }
     Block** block = &blocks;
     std::uint32_t first = kInlineEntries;
-    std::uint32_t size = 1;
-    while (index >= first + size)
+    std::uint32_t end = GetNextRunEnd(first);
+    while (index >= end)
     {
         block = &(*block)->next;
-        first += size;
-        size = first;
+        first = end;
+        end = GetNextRunEnd(end);
     }
     if (*block == nullptr)
     {
-        void* memory = ::operator new(sizeof(Block) + size * sizeof(Entry));
+        void* memory = ::operator new(sizeof(Block) + (end - first) * sizeof(Entry));
         *block = new (memory) Block{nullptr};
     }
     return (*block)->GetEntries() + (index - first);

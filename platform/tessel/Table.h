@@ -90,6 +90,14 @@ private:
     static constexpr std::uint32_t kOneParent = 4; ///< the count of parents stands above the bits
     static constexpr std::uint32_t kHolders = ~kMayHaveChildren;
 
+    /// Two entries stand in the table itself, and the rest in blocks of 1, 3, 6, 12, 24 ...
+    /// entries, so that after them 3, 6, 12, 24 ... fit: gives where the run of entries ends that
+    /// begins at `first`.
+    static constexpr std::uint32_t GetNextRunEnd(std::uint32_t first)
+    {
+        return first == kInlineEntries ? first + 1 : first * 2;
+    }
+
     /// A run of entries outside of the table; they follow it in memory.
     struct Block
     {
@@ -112,8 +120,6 @@ private:
     Entry* Find(const char* key);
     Entry* FindShared(const Key& key);
     Entry* FindText(const char* text);
-    std::uint64_t FindTag(std::uint32_t tag) const;
-    Entry* GetHit(std::uint64_t hits);
 #if defined(__GNUC__)
     __attribute__((noinline)) // or else each look-up in a short table pays for it
 #endif
@@ -168,12 +174,12 @@ inline Entry* Table::GetBlockEntry(std::uint32_t index)
 {
     Block* block = blocks;
     std::uint32_t first = kInlineEntries;
-    std::uint32_t size = 1;
-    while (index >= first + size)
+    std::uint32_t end = GetNextRunEnd(first);
+    while (index >= end)
     {
         block = block->next;
-        first += size;
-        size = first;
+        first = end;
+        end = GetNextRunEnd(end);
     }
     return block->GetEntries() + (index - first);
 }
