@@ -3,7 +3,7 @@
 #include <vell/vell.h>
 
 #include "tests/support/DocumentBuilder.h"
-#include "tests/support/HostObjects.h"
+#include "tests/support/ScriptedListener.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TreeLines.h"
 
@@ -81,7 +81,7 @@ TEST_F(HostTree, IsSteeredByAToolsWriteOfAParameter)
 TEST_F(HostTree, TellsTheHostsListenersOfTheSwitchOnce)
 {
     Lines notes;
-    HostListener listener(notes, "host");
+    ScriptedListener listener(notes, "host");
     EXPECT_EQ(machine->SubscribeStateChange(&listener), 1);
 
     At(kSpeed)->SetFloat("value", 1.0f, 1);

@@ -2,7 +2,7 @@
 // tests/introspection/HSMContextTest.cpp: putting a machine into a recorded context.
 #include "foundation/TreeKeys.h"
 #include "tests/introspection/RichDocument.h"
-#include "tests/support/HostObjects.h"
+#include "tests/support/ScriptedListener.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Recorders.h"
 #include "tests/support/TestMachine.h"
@@ -294,7 +294,7 @@ TEST_F(HSMContext, WithABlipStackDoesNotStartABlip)
 TEST_F(HSMContext, TellsItsSwitchToTheListenersAndThenClearsIt)
 {
     Lines notes;
-    HostListener listener(notes, "a");
+    ScriptedListener listener(notes, "a");
     machine.SubscribeStateChange(&listener);
     recorded.Stack(kMainStackKey, {11}).Switch(100, 10, 11);
 
@@ -364,7 +364,7 @@ TEST_F(HSMContext, OfItsOwnMakesTheStacksWhatTheArraysSay)
 TEST_F(HSMContext, IsSetOnAMachineWithoutATreeToo)
 {
     Lines notes;
-    HostListener listener(notes, "a");
+    ScriptedListener listener(notes, "a");
     machine.SubscribeStateChange(&listener);
     const Tessel::KVTable root = machine.kvTable;
     machine.kvTable = Tessel::KVTable();

@@ -2,9 +2,11 @@
 // tests/machine/HSMHooksTest.cpp: the triggers and actions that a host plugs in.
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
-#include "tests/support/HostObjects.h"
+#include "tests/support/ScriptedAction.h"
+#include "tests/support/ScriptedListener.h"
 #include "tests/support/TestMachine.h"
 
+#include <vell/BaseDef.h>
 #include <vell/IBaseDef.h>
 
 #include <gtest/gtest.h>
@@ -60,7 +62,12 @@ Action* MakeDefault(const char* scriptName)
 {
     const std::string script = scriptName == nullptr ? "(null)" : scriptName;
     notes.push_back("make " + script);
-    return new HostAction(notes, "default");
+    auto* action = new ScriptedAction("default", notes);
+    action->onOwner = [action]
+    {
+        notes.push_back(action->owner->GetName());
+    };
+    return action;
 }
 
 Action* MakeNothing(const char*)
@@ -144,10 +151,10 @@ TEST_F(HSMHooks, PutADefaultActionOnEachPlainStateInAscendingOrderOfIds)
 {
     EXPECT_EQ(machine.AssignDefaultAction(MakeDefault), 6);
 
-    EXPECT_EQ(notes,
-              (Lines{"make (null)", "default owner Stand", "make (null)", "default owner Walk",
-                     "make run.script", "default owner Run", "make (null)", "default owner In",
-                     "make (null)", "default owner Out", "make (null)", "default owner Anywhere"}));
+    EXPECT_EQ(notes, (Lines{"make (null)", "owner default", "Stand", "make (null)", "owner default",
+                            "Walk", "make run.script", "owner default", "Run", "make (null)",
+                            "owner default", "In", "make (null)", "owner default", "Out",
+                            "make (null)", "owner default", "Anywhere"}));
     EXPECT_EQ(
         log.Take(),
         (Lines{"6 Assigned a Default Action to 6 states of eHSMDefTypes::DefTypesState type"}));
@@ -164,12 +171,12 @@ TEST_F(HSMHooks, RunTheDefaultActionOnEachUpdateOnly)
     machine.Update(0.25f);
     machine.PopState();
 
-    EXPECT_EQ(notes, (Lines{"default 2 0.250000"}));
+    EXPECT_EQ(notes, (Lines{"perform default 2 0.250000"}));
 }
 
 TEST_F(HSMHooks, PutTheDefaultActionBehindThoseThatAreThere)
 {
-    auto* first = new HostAction(notes, "first");
+    auto* first = new ScriptedAction("first", notes);
     machine.FindDef(12u)->RegisterExecute(first);
 
     machine.AssignDefaultAction(MakeDefault);
@@ -234,12 +241,12 @@ TEST_F(HSMHooks, GiveDefaultActionsBackWithTheDefinitions)
 
     machine.Uninit();
 
-    EXPECT_EQ(notes, Lines(6, "default deleted"));
+    EXPECT_EQ(notes, Lines(6, "delete default"));
 }
 
 TEST_F(HSMHooks, GiveZeroForARegisteredActionToo)
 {
-    HostAction action(notes, "a");
+    ScriptedAction action("a", notes);
     action.id = 7;
 
     EXPECT_EQ(machine.RegisterAction(&action), 0);
@@ -250,8 +257,8 @@ TEST_F(HSMHooks, GiveZeroForARegisteredActionToo)
 
 TEST_F(HSMHooks, KeepTheFirstOfTwoActionsWithOneId)
 {
-    HostAction first(notes, "first");
-    HostAction second(notes, "second");
+    ScriptedAction first("first", notes);
+    ScriptedAction second("second", notes);
     first.id = 7;
     second.id = 7;
     machine.RegisterAction(&first);
@@ -264,7 +271,7 @@ TEST_F(HSMHooks, KeepTheFirstOfTwoActionsWithOneId)
 
 TEST_F(HSMHooks, RefuseTheSameActionTwice)
 {
-    HostAction action(notes, "a");
+    ScriptedAction action("a", notes);
     machine.RegisterAction(&action);
 
     EXPECT_EQ(machine.RegisterAction(&action), 0);
@@ -289,7 +296,7 @@ TEST_F(HSMHooks, FindNoUnknownActionAndSayNothing)
 
 TEST_F(HSMHooks, NeitherRunNorDeleteNorOwnARegisteredAction)
 {
-    HostAction action(notes, "a");
+    ScriptedAction action("a", notes);
     {
         TestMachine other(Document());
         ASSERT_EQ(other.Init(), 1);
@@ -306,7 +313,7 @@ TEST_F(HSMHooks, NeitherRunNorDeleteNorOwnARegisteredAction)
 TEST_F(HSMHooks, TakeActionsOnAMachineWhoseDocumentFailed)
 {
     FailedMachine failed;
-    HostAction action(notes, "a");
+    ScriptedAction action("a", notes);
     action.id = 3;
 
     EXPECT_EQ(failed.RegisterAction(&action), 0);

@@ -2,7 +2,7 @@
 // tests/machine/HSMObserversTest.cpp: listeners of state changes and events.
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
-#include "tests/support/HostObjects.h"
+#include "tests/support/ScriptedListener.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/TreeLines.h"
 
@@ -83,9 +83,9 @@ protected:
     LogRecorder log;
     TestMachine machine{TwoStates()};
     Lines notes;
-    HostListener a{notes, "a"};
-    HostListener b{notes, "b"};
-    HostListener c{notes, "c"};
+    ScriptedListener a{notes, "a"};
+    ScriptedListener b{notes, "b"};
+    ScriptedListener c{notes, "c"};
 };
 
 const Lines kNoSwitch{"transitionTriggered 0", "previousState 0", "nextState 0"};
@@ -440,7 +440,7 @@ TEST(HSMObserversLife, BeginsWithTheMachineAndOutlastsUninit)
 {
     LogRecorder log;
     Lines notes;
-    HostListener a(notes, "a");
+    ScriptedListener a(notes, "a");
     TestMachine machine;
     EXPECT_EQ(machine.SubscribeStateChange(&a), 1);
     EXPECT_EQ(machine.SubscribeEvents(&a), 1);
@@ -463,7 +463,7 @@ TEST(HSMObserversLife, DoesNotEndWithTheMachine)
 {
     LogRecorder log;
     Lines notes;
-    auto listener = std::make_unique<HostListener>(notes, "a");
+    auto listener = std::make_unique<ScriptedListener>(notes, "a");
     {
         TestMachine machine(TwoStates());
         machine.SubscribeStateChange(listener.get());

@@ -1,12 +1,12 @@
 // VELL: data-driven hierarchical state machines.
-// tests/support/HostObjects.h: a listener that acts when called, an action that tells its life.
+// tests/support/ScriptedListener.h: a listener that does what a test says.
 #pragma once
 
 #include "tests/support/LogRecorder.h"
 
-#include <vell/Action.h>
 #include <vell/Events.h>
 #include <vell/IBroadcastListener.h>
+#include <vell/Types.h>
 
 #include <functional>
 #include <string>
@@ -18,10 +18,10 @@ namespace vell::test
 /// Notes each call: "NAME 3 TRANSITION PREVIOUS NEXT" for a state change, "NAME 5 CLIP FLAG RATE"
 /// for an animation, "NAME EVENT" for others and for null records. Then runs `then`, if there is
 /// one.
-class HostListener final : public IBroadcastListener
+class ScriptedListener final : public IBroadcastListener
 {
 public:
-    HostListener(Lines& notes, std::string listenerName)
+    ScriptedListener(Lines& notes, std::string listenerName)
         : lines(notes), name(std::move(listenerName))
     {
     }
@@ -56,33 +56,6 @@ private:
         return "";
     }
 
-    Lines& lines;
-    std::string name;
-};
-
-/// Notes each call and its own end: "NAME owner DEFINITION", "NAME KIND TIME", "NAME deleted".
-class HostAction : public Action
-{
-public:
-    HostAction(Lines& notes, std::string actionName) : lines(notes), name(std::move(actionName))
-    {
-    }
-    HostAction(const HostAction&) = delete;
-    HostAction& operator=(const HostAction&) = delete;
-    ~HostAction() override
-    {
-        lines.push_back(name + " deleted");
-    }
-
-    int Perform(__ActType__ type, float timeStep) override
-    {
-        lines.push_back(name + " " + std::to_string(type) + " " + std::to_string(timeStep));
-        return 1;
-    }
-
-    void SetOwner(BaseDef* owner) override;
-
-private:
     Lines& lines;
     std::string name;
 };
