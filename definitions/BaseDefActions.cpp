@@ -40,6 +40,7 @@ int BaseDef::RegisterExecute(Action* action)
     {
         ERROR_BREAK(action);
         Append(&executeActions, &numExecute, action);
+        CountChange();
         result = 1;
     } while (false);
     return result;
@@ -50,12 +51,20 @@ void BaseDef::Append(Action** head, unsigned int* count, Action* action)
     action->SetOwner(this);
     AddTail(head, action);
     ++*count;
-    for (ActionWalk* walk = walks.innermost; walk != nullptr; walk = walk->outer)
+    for (ActionWalk* walk = links.innermost; walk != nullptr; walk = walk->outer)
     {
         if (walk->next == nullptr && walk->head == head)
         {
             walk->next = action;
         }
+    }
+}
+
+void BaseDef::CountChange()
+{
+    if (links.changes != nullptr)
+    {
+        ++*links.changes;
     }
 }
 
@@ -110,6 +119,7 @@ int BaseDef::RemoveAction(Action* action)
         StepOver(action);
         delete action;
         --numExecute;
+        CountChange();
         result = 1;
     } while (false);
     return result;
@@ -117,7 +127,7 @@ int BaseDef::RemoveAction(Action* action)
 
 void BaseDef::StepOver(const Action* removed)
 {
-    for (ActionWalk* walk = walks.innermost; walk != nullptr; walk = walk->outer)
+    for (ActionWalk* walk = links.innermost; walk != nullptr; walk = walk->outer)
     {
         if (walk->next == removed)
         {
@@ -127,7 +137,7 @@ void BaseDef::StepOver(const Action* removed)
 }
 
 BaseDef::ActionWalk::ActionWalk(BaseDef& walkedDef, Action* first)
-    : def(walkedDef), head(nullptr), next(first), outer(walkedDef.walks.innermost)
+    : def(walkedDef), head(nullptr), next(first), outer(walkedDef.links.innermost)
 {
     for (Action** list : {&def.executeActions, &def.enterActions, &def.exitActions})
     {
@@ -136,12 +146,12 @@ BaseDef::ActionWalk::ActionWalk(BaseDef& walkedDef, Action* first)
             head = list;
         }
     }
-    def.walks.innermost = this;
+    def.links.innermost = this;
 }
 
 BaseDef::ActionWalk::~ActionWalk()
 {
-    def.walks.innermost = outer;
+    def.links.innermost = outer;
 }
 
 Action* BaseDef::ActionWalk::TakeNext()

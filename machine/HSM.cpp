@@ -4,6 +4,7 @@
 
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
+#include "machine/TickWalk.h"
 #include "parameters/ParameterTable.h"
 
 #include <vell/SMState.h>
@@ -17,16 +18,18 @@ constexpr auto kDefaultMachineType = static_cast<__STATE_MACHINE_TYPES__>(1);
 
 } // namespace
 
-HSM::HSM() : machineType(kDefaultMachineType)
+HSM::HSM() : walk(std::make_unique<TickWalk>()), machineType(kDefaultMachineType)
 {
 }
 
-HSM::HSM(const char* path, const char* auxiliary) : filePath(path), auxiliaryName(auxiliary)
+HSM::HSM(const char* path, const char* auxiliary)
+    : walk(std::make_unique<TickWalk>()), filePath(path), auxiliaryName(auxiliary)
 {
     HSM::Create();
 }
 
-HSM::HSM(const char* text) : jsonText(text), machineType(kDefaultMachineType)
+HSM::HSM(const char* text)
+    : walk(std::make_unique<TickWalk>()), jsonText(text), machineType(kDefaultMachineType)
 {
     HSM::Create();
 }
@@ -52,6 +55,7 @@ void HSM::Start()
 int HSM::Uninit()
 {
     // The tables lie in the arena and are gone with it, while the pointers stay.
+    ++changes;
     const bool hasTables = alloc.block != nullptr;
     if (hasTables && parameterTable != nullptr)
     {

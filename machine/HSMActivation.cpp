@@ -2,6 +2,11 @@
 // machine/HSMActivation.cpp: making run-time states on first use.
 #include <vell/HSM.h>
 
+#include "definitions/AnimClipDef.h"
+#include "definitions/EnterDef.h"
+#include "definitions/ExitDef.h"
+#include "definitions/GenericDef.h"
+#include "definitions/GlobalDef.h"
 #include "definitions/NodeDefTable.h"
 #include "definitions/SubstateDef.h"
 #include "foundation/Checks.h"
@@ -14,9 +19,23 @@
 #include <vell/SMState.h>
 
 #include <set>
+#include <typeinfo>
 
 namespace vell
 {
+namespace
+{
+
+/// Tells whether the definition is of a class that only this library makes, in the arena.
+bool IsOwnDefinition(const BaseDef& def)
+{
+    const std::type_info& type = typeid(def);
+    return type == typeid(GenericDef) || type == typeid(AnimClipDef) ||
+           type == typeid(SubstateDef) || type == typeid(EnterDef) || type == typeid(ExitDef) ||
+           type == typeid(GlobalDef);
+}
+
+} // namespace
 
 SMState* HSM::ActivateState(unsigned int id, float switchArgument)
 {
@@ -45,6 +64,14 @@ SMState* HSM::ActivateState(unsigned int id, float switchArgument)
             // Required: looked up once. A state that is activated before its substate has no parent
             // for good.
             state->parent = dynamic_cast<SubstateState*>(FindState(state->GetParentID()));
+            if (alloc.Holds(state))
+            {
+                state->TakeRole();
+            }
+            if (IsOwnDefinition(*def))
+            {
+                def->links.changes = &changes;
+            }
         }
         BaseDef* def = state->GetDef();
         LogStream(LogInfo) << "Activated State: " << (def == nullptr ? nullptr : def->GetName())
@@ -82,11 +109,10 @@ int HSM::ActivateTransitions(SMState* state)
                 condition->SetParameter(parameter);
             }
         }
-        transition->changes = &guardChanges;
+        transition->links.changes = &changes;
         state->PushTransition(transition);
     }
     state->SortTransitions();
-    state->KeepGuards(guardChanges);
     return 1;
 }
 

@@ -6,6 +6,7 @@
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
 #include "machine/DocumentParser.h"
+#include "machine/TickWalk.h"
 #include "parameters/ParameterTable.h"
 
 namespace vell
@@ -54,6 +55,8 @@ int HSM::Create()
 /// What an earlier Create and its machine left in the arena goes with the arena's block.
 void HSM::ForgetArena()
 {
+    ++changes;
+    walk->values.Clear();
     parameterTable = nullptr;
     nodeDefTable = nullptr;
     previousState = nullptr;
@@ -146,7 +149,9 @@ int HSM::InitParameterTable(const GenericValue& root, HSMAlloc* arena)
         {
             parameterTable = arena->New<ParameterTable>();
             ERROR_BREAK(parameterTable);
+            parameterTable->SetValueRoom(&walk->values);
         }
+        ++changes;
         ERROR_BREAK(parameterTable->Init(*parameters, arena));
         return 1;
     } while (false);

@@ -3,6 +3,7 @@
 #include <vell/HSM.h>
 
 #include "foundation/Checks.h"
+#include "machine/TickWalk.h"
 #include "parameters/ParameterTable.h"
 
 #include <vell/BaseDef.h>
@@ -40,37 +41,71 @@ void HSM::Update(float timeStep)
         return;
     }
     UpdateResult result;
+    bool isStale = false;
     if (globalState != nullptr && currentStack != nullptr)
     {
-        result.stackIndex = 0;
-        if (UpdateState(globalState, &result, timeStep) == kTransitionFired &&
-            result.priority >= blipPriority)
+        const TickLevel* known = FindInWalk(0, globalState);
+        isStale = known == nullptr;
+        if (known == nullptr || known->asks || walk->Holds(*known))
         {
-            StartBlip(&result);
+            TickGlobalState(&result, timeStep);
         }
     }
+    // How much of the stack nothing fired in, from the bottom.
+    std::size_t quiet = currentStack == nullptr ? 0 : currentStack->size();
+    bool isQuietStale = isStale;
     for (int i = currentStack == nullptr ? -1 : TopIndex(*currentStack); i >= 0; --i)
     {
         // Required: a blip that ends inside this walk goes on below the same index of the main
         // stack, and a main stack that is too short for it shows as std::out_of_range.
         SMState* state = currentStack->at(static_cast<std::size_t>(i));
-        result.stackIndex = i;
-        if (state == nullptr)
+        const TickLevel* known = FindInWalk(static_cast<std::size_t>(i) + 1, state);
+        if (known == nullptr || known->acts)
         {
-            UpdateState(state, &result, timeStep);
+            const bool asks = known == nullptr || known->asks;
+            isQuietStale = isQuietStale || known == nullptr;
+            if (state != nullptr)
+            {
+                state->Update(this, timeStep);
+            }
+            // What the update did may have changed what there is to know.
+            known = asks ? nullptr : FindInWalk(static_cast<std::size_t>(i) + 1, state);
+        }
+        if (known != nullptr && !walk->Holds(*known))
+        {
             continue;
         }
-        state->Update(this, timeStep);
-        if (state->ProcessTransitions(this, &result) != 0)
+        result.stackIndex = i;
+        if (UpdateState(state, &result, timeStep) == kTransitionFired)
         {
-            FinishTransition(*state, &result);
             UpdateStateStack(&result);
+            quiet = static_cast<std::size_t>(i);
+            isQuietStale = isStale;
         }
     }
-    if (parameterTable != nullptr)
+    if (parameterTable != nullptr && !walk->NeedsNoReset(parameterTable, changes))
     {
         parameterTable->ResetFrameParameters();
     }
+    if (isQuietStale && currentStack != nullptr)
+    {
+        walk->Follow(*this, quiet);
+    }
+}
+
+void HSM::TickGlobalState(UpdateResult* result, float timeStep)
+{
+    result->stackIndex = 0;
+    if (UpdateState(globalState, result, timeStep) == kTransitionFired &&
+        result->priority >= blipPriority)
+    {
+        StartBlip(result);
+    }
+}
+
+const TickLevel* HSM::FindInWalk(std::size_t index, const SMState* state) const
+{
+    return walk->Find(index, state, changes);
 }
 
 void HSM::StartBlip(UpdateResult* result)

@@ -35,7 +35,7 @@ void HSM::BindParamCond()
     {
         return;
     }
-    ++guardChanges;
+    ++changes;
     const std::size_t count = nodeDefTable->nodeIds.size();
     const NodeDefTable::NodeMap& nodes = nodeDefTable->nodes;
     NodeDefTable::NodeMap::const_iterator next = nodes.begin();

@@ -11,8 +11,7 @@
 namespace vell
 {
 
-ParameterBoolDef::ParameterBoolDef()
-    : ParameterDef(DURMBaseLib::PARAM_Bool), defaultBytes(0), valueBytes(0)
+ParameterBoolDef::ParameterBoolDef() : ParameterDef(DURMBaseLib::PARAM_Bool), defaultBytes(0)
 {
 }
 
@@ -23,7 +22,7 @@ int ParameterBoolDef::InitKVTable()
     InitTypeKey();
     if (kvTable)
     {
-        kvTable->SetInt(kValueKey, value ? 1 : 0, 1);
+        kvTable->SetInt(kValueKey, *value ? 1 : 0, 1);
     }
     InitKVTableListener();
     return 1;
@@ -41,16 +40,16 @@ void ParameterBoolDef::SetDefaultValue(bool newDefault)
 
 bool ParameterBoolDef::GetValue()
 {
-    return value;
+    return *value;
 }
 
 void ParameterBoolDef::SetValue(bool newValue)
 {
-    if (newValue == value)
+    if (newValue == *value)
     {
         return;
     }
-    value = newValue;
+    *value = newValue;
     WriteValue();
 }
 
@@ -59,13 +58,13 @@ void ParameterBoolDef::WriteValue()
     WriteOwnTable(syncState, kvTable,
                   [this](Tessel::KVTable table)
                   {
-                      table->SetInt(kValueKey, value ? 1 : 0, 1);
+                      table->SetInt(kValueKey, *value ? 1 : 0, 1);
                   });
 }
 
 void* ParameterBoolDef::GetValuePtr()
 {
-    return &value;
+    return value.Place();
 }
 
 void ParameterBoolDef::ResetValue()

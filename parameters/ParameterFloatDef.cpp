@@ -22,7 +22,7 @@ int ParameterFloatDef::InitKVTable()
     InitTypeKey();
     if (kvTable)
     {
-        kvTable->SetFloat(kValueKey, value, 1);
+        kvTable->SetFloat(kValueKey, *value, 1);
     }
     InitKVTableListener();
     return 1;
@@ -40,12 +40,12 @@ void ParameterFloatDef::SetDefaultValue(float newDefault)
 
 float ParameterFloatDef::GetValue()
 {
-    return value;
+    return *value;
 }
 
 void ParameterFloatDef::SetValue(float newValue)
 {
-    value = newValue;
+    *value = newValue;
     WriteValue();
 }
 
@@ -54,13 +54,13 @@ void ParameterFloatDef::WriteValue()
     WriteOwnTable(syncState, kvTable,
                   [this](Tessel::KVTable table)
                   {
-                      table->SetFloat(kValueKey, value, 1);
+                      table->SetFloat(kValueKey, *value, 1);
                   });
 }
 
 void* ParameterFloatDef::GetValuePtr()
 {
-    return &value;
+    return value.Place();
 }
 
 void ParameterFloatDef::ResetValue()

@@ -21,7 +21,7 @@ int ParameterIntegerDef::InitKVTable()
     InitTypeKey();
     if (kvTable)
     {
-        kvTable->SetInt(kValueKey, value, 1);
+        kvTable->SetInt(kValueKey, *value, 1);
     }
     InitKVTableListener();
     return 1;
@@ -39,12 +39,12 @@ void ParameterIntegerDef::SetDefaultValue(int newDefault)
 
 int ParameterIntegerDef::GetValue()
 {
-    return value;
+    return *value;
 }
 
 void ParameterIntegerDef::SetValue(int newValue)
 {
-    value = newValue;
+    *value = newValue;
     WriteValue();
 }
 
@@ -53,13 +53,13 @@ void ParameterIntegerDef::WriteValue()
     WriteOwnTable(syncState, kvTable,
                   [this](Tessel::KVTable table)
                   {
-                      table->SetInt(kValueKey, value, 1);
+                      table->SetInt(kValueKey, *value, 1);
                   });
 }
 
 void* ParameterIntegerDef::GetValuePtr()
 {
-    return &value;
+    return value.Place();
 }
 
 void ParameterIntegerDef::ResetValue()

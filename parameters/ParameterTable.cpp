@@ -5,9 +5,12 @@
 #include "foundation/Checks.h"
 #include "foundation/TableSync.h"
 #include "foundation/TreeKeys.h"
+#include "parameters/ValueRoom.h"
 
 #include <vell/HSMAlloc.h>
-#include <vell/ParameterDef.h>
+#include <vell/Parameters.h>
+
+#include <durm/DURMBaseLib.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -174,6 +177,31 @@ void ParameterTable::ResetAll()
     for (std::size_t i = 0; i < resetting.size(); ++i)
     {
         resetting[i]->ResetValue();
+    }
+}
+
+void ParameterTable::SetValueRoom(ValueRoom* room)
+{
+    valueRoom = room;
+}
+
+void ParameterTable::PlaceValue(ParameterDef& def, int type)
+{
+    const bool isScalar = type == DURMBaseLib::PARAM_Bool || type == DURMBaseLib::PARAM_Integer ||
+                          type == DURMBaseLib::PARAM_Float;
+    void* room = isScalar && valueRoom != nullptr ? valueRoom->Take() : nullptr;
+    if (room == nullptr)
+    {
+        return;
+    }
+    switch (type)
+    {
+    case DURMBaseLib::PARAM_Bool:
+        return static_cast<ParameterBoolDef&>(def).value.MoveTo(room);
+    case DURMBaseLib::PARAM_Integer:
+        return static_cast<ParameterIntegerDef&>(def).value.MoveTo(room);
+    default:
+        return static_cast<ParameterFloatDef&>(def).value.MoveTo(room);
     }
 }
 

@@ -16,6 +16,7 @@ namespace vell
 {
 
 class HSMAlloc;
+class ValueRoom;
 
 /// Builds the document's parameters in the arena, makes further ones on the heap while the machine
 /// runs, and finds them by id and by name.
@@ -55,6 +56,14 @@ public:
     int CreateMessageParameter(const char* name, const char* text,
                                IParameterMessageDef** out) override;
 
+    /// Lets the scalar parameters that `Init` builds keep their values in `room`, which has to live
+    /// as long as they.
+    void SetValueRoom(ValueRoom* room);
+    /// Tells whether a parameter is to be reset at the end of a tick.
+    bool ResetsAny() const
+    {
+        return !resetting.empty();
+    }
     /// Builds the parameters of the document's array. Returns 1, or 0 with log lines and no
     /// parameters.
     int Init(const GenericValue& array, HSMAlloc* alloc);
@@ -71,7 +80,7 @@ public:
     /// Resets the parameters that ask for it, in ascending id order: the end of a tick.
     void ResetFrameParameters()
     {
-        if (!resetting.empty())
+        if (ResetsAny())
         {
             ResetAll();
         }
@@ -85,6 +94,7 @@ public:
 
 private:
     void ResetAll();
+    void PlaceValue(ParameterDef& def, int type);
     bool IsNewName(const char* name);
     void KeepRuntimeParameter(ParameterDef* def, const char* name);
     int PublishRuntimeParameter(ParameterDef* def);
@@ -92,6 +102,7 @@ private:
     Tessel::KVTable table;                ///< null until CreateKVTable
     NameMap nameToId;                     ///< keys are the parameters' own name pointers
     ParameterMap idToParam;               ///< every parameter
+    ValueRoom* valueRoom = nullptr;       ///< not owned; null leaves values where they are
     HSMAlloc* arena = nullptr;            ///< keeps run-time parameters to its end; null until Init
     std::vector<ParameterDef*> resetting; ///< those that reset each frame, in ascending id order
     std::vector<std::unique_ptr<ParameterDef>> ownParameters; ///< run-time ones without an arena

@@ -148,6 +148,7 @@ ParameterDef* ParameterTable::CreateParameterDef(const GenericValue& node, HSMAl
                     ReadText(GetMember(GetFirstElement(defaultMember), kVectorMember));
                 ERROR_BREAK(ReadNumbers(text, vector, width));
             }
+            PlaceValue(*placed, type);
             SetFirstValue(*placed, type, defaultMember, vector);
             LogStream(LogInfo) << typeName << EndLine;
             def = placed;

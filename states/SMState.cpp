@@ -4,16 +4,19 @@
 
 #include "definitions/AnimClipDef.h"
 #include "foundation/Checks.h"
+#include "states/EnterState.h"
+#include "states/ExitState.h"
+#include "states/GlobalState.h"
 #include "states/StatePlacement.h"
 #include "states/SubstateState.h"
 #include "transitions/TransitionDef.h"
-#include "transitions/TransitionGuard.h"
 
 #include <vell/Action.h>
 #include <vell/HSM.h>
 #include <vell/UpdateResult.h>
 
 #include <algorithm>
+#include <typeinfo>
 
 namespace vell
 {
@@ -34,7 +37,18 @@ SMState::SMState() = default;
 
 SMState::SMState(const SMState& other) = default;
 
-SMState& SMState::operator=(const SMState& other) = default;
+SMState& SMState::operator=(const SMState& other)
+{
+    CountChange();
+    def = other.def;
+    id = other.id;
+    transitions = other.transitions;
+    entryAction = other.entryAction;
+    exitAction = other.exitAction;
+    parent = other.parent;
+    SetHSM(other.hsm);
+    return *this;
+}
 
 SMState::~SMState() = default;
 
@@ -182,22 +196,26 @@ int SMState::PerformActions(__ActType__ type, float dt, Action* first)
     return 1;
 }
 
-unsigned int SMState::ProcessTransitions(HSM* machine, UpdateResult* result)
+void SMState::TakeRole()
 {
-    // Most ticks end here: the guards are up to date, and none holds.
-    if (guardChanges != 0 && machine != nullptr && guardChanges == machine->guardChanges &&
-        FindGuard(guards.data())->kind == TransitionGuard::End)
+    const std::type_info& type = typeid(*this);
+    if (type == typeid(SMState) || type == typeid(EnterState) || type == typeid(GlobalState))
     {
-        return 0;
+        role.value = Role::Plain;
     }
-    return FireTransition(machine, result);
+    else if (type == typeid(SubstateState))
+    {
+        role.value = Role::Substate;
+    }
+    else if (type == typeid(ExitState))
+    {
+        role.value = Role::Exit;
+    }
 }
 
-unsigned int SMState::FireTransition(HSM* machine, UpdateResult* result)
+unsigned int SMState::ProcessTransitions(HSM* machine, UpdateResult* result)
 {
-    TransitionDef* transition = guardChanges == 0 || machine == nullptr
-                                    ? AskTransitions(machine, 0, GetNumTransitions())
-                                    : AskGuardedTransitions(machine);
+    TransitionDef* transition = FindTransition(machine);
     if (transition == nullptr || result == nullptr)
     {
         return 0;
@@ -215,35 +233,11 @@ unsigned int SMState::FireTransition(HSM* machine, UpdateResult* result)
     return transition->targetID;
 }
 
-TransitionDef* SMState::AskGuardedTransitions(HSM* machine)
+TransitionDef* SMState::FindTransition(HSM* machine)
 {
-    if (guardChanges != machine->guardChanges)
-    {
-        KeepGuards(machine->guardChanges);
-    }
-    const unsigned int changesBefore = guardChanges;
+    // A trigger may push transitions: those are not looked at before the next tick.
     const int count = GetNumTransitions();
-    for (const TransitionGuard* guard = FindGuard(guards.data());
-         guard->kind != TransitionGuard::End; guard = FindGuard(guard + 1))
-    {
-        const int index = guard->transition;
-        TransitionDef* transition = GetTransitionAt(index);
-        if (transition != nullptr && !transition->disabled && transition->HandleConditions(machine))
-        {
-            return transition;
-        }
-        // A trigger that was called may have bound conditions, or added triggers or transitions.
-        if (guardChanges != changesBefore || machine->guardChanges != changesBefore)
-        {
-            return AskTransitions(machine, index + 1, count);
-        }
-    }
-    return nullptr;
-}
-
-TransitionDef* SMState::AskTransitions(HSM* machine, int first, int count)
-{
-    for (int i = first; i < count; ++i)
+    for (int i = 0; i < count; ++i)
     {
         TransitionDef* transition = GetTransitionAt(i);
         if (transition != nullptr && !transition->disabled && transition->HandleConditions(machine))
@@ -254,21 +248,15 @@ TransitionDef* SMState::AskTransitions(HSM* machine, int first, int count)
     return nullptr;
 }
 
-void SMState::KeepGuards(unsigned int changeCount)
-{
-    BuildGuards(transitions, &guards);
-    guardChanges = changeCount;
-}
-
 void SMState::PushTransition(TransitionDef* transition)
 {
     transitions.push_back(transition);
-    guardChanges = 0;
+    CountChange();
 }
 
 void SMState::SortTransitions()
 {
-    guardChanges = 0;
+    CountChange();
     if (transitions.size() > kInsertionLimit)
     {
         std::stable_sort(transitions.begin(), transitions.end(), ComesBefore);
@@ -309,7 +297,6 @@ TransitionDef* SMState::GetTransitionAt(int index) const
 Tessel::KVTable SMState::ReleaseStorage()
 {
     std::vector<TransitionDef*>().swap(transitions);
-    std::vector<TransitionGuard>().swap(guards);
     return Tessel::KVTable();
 }
 

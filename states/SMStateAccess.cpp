@@ -6,6 +6,7 @@
 #include "foundation/Checks.h"
 
 #include <vell/BaseDef.h>
+#include <vell/HSM.h>
 
 #include <durm/DURMBaseLib.h>
 
@@ -38,6 +39,7 @@ BaseDef* SMState::GetDef() const
 void SMState::SetDef(BaseDef* newDef)
 {
     def = newDef;
+    CountChange();
 }
 
 SubstateState* SMState::GetParent() const
@@ -57,7 +59,21 @@ HSM* SMState::GetHSM() const
 
 void SMState::SetHSM(HSM* machine)
 {
+    // A machine counts the changes of its own states only: it may be gone before others are.
+    if (hsm != machine)
+    {
+        CountChange();
+        role.value = Role::Unknown;
+    }
     hsm = machine;
+}
+
+void SMState::CountChange()
+{
+    if (role.value != Role::Unknown)
+    {
+        ++hsm->changes;
+    }
 }
 
 Action* SMState::GetEntryAction() const

@@ -134,6 +134,7 @@ int SubstateState::Exit()
     currentChild = nullptr;
     previousChildID = currentChildID;
     currentChildID = 0;
+    CountChange();
 
     int result = 0;
     do

@@ -94,10 +94,7 @@ int TransitionDef::RegisterCondition(Trigger trigger)
     {
         ERROR_BREAK(trigger != nullptr);
         triggers.push_back(trigger);
-        if (changes != nullptr)
-        {
-            ++*changes;
-        }
+        CountChange();
         result = 1;
     } while (false);
     return result;

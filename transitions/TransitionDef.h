@@ -49,7 +49,6 @@ public:
     ConditionDef** conditionArray = nullptr; ///< in the arena, of no particular alignment
     std::vector<ConditionDef*> conditions;   ///< in document order; the conditions lie in the arena
     std::vector<Trigger> triggers;           ///< in the order of registration
-    unsigned int* changes = nullptr;         ///< counts what makes a machine's guards out of date
 };
 
 } // namespace vell

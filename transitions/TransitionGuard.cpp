@@ -1,13 +1,17 @@
 // VELL: data-driven hierarchical state machines.
-// transitions/TransitionGuard.cpp: making and walking of guards.
+// transitions/TransitionGuard.cpp: making of guards.
 #include "transitions/TransitionGuard.h"
 
 #include "transitions/ConditionDefBool.h"
 #include "transitions/ConditionDefInteger.h"
 #include "transitions/ConditionDefMessage.h"
 #include "transitions/ConditionFloatDef.h"
-#include "transitions/TransitionDef.h"
 
+#include <vell/Parameters.h>
+
+#include <climits>
+#include <cmath>
+#include <limits>
 #include <typeinfo>
 
 namespace vell
@@ -15,104 +19,142 @@ namespace vell
 namespace
 {
 
-/// Gives the kind of an operator, counted from the kind of equality; `End` for one that never
-/// holds.
-TransitionGuard::Kind KindOf(int evaluation, TransitionGuard::Kind equal)
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+
+TransitionGuard::Kind MakeRealRange(float low, float high, TransitionGuard* guard)
 {
-    const bool compares = evaluation >= EvaluateEqual && evaluation <= EvaluateLessOrEqual;
-    const int offset = evaluation == EvaluateInRange ? EvaluateLessOrEqual : evaluation - 1;
-    return compares || evaluation == EvaluateInRange
-               ? static_cast<TransitionGuard::Kind>(equal + offset)
-               : TransitionGuard::End;
+    guard->operand.real.low = low;
+    guard->operand.real.high = high;
+    return TransitionGuard::Real;
 }
 
-/// Fills in a guard. Returns false for a class that has no guard.
-bool FillGuard(const ConditionDef& condition, TransitionGuard* guard)
+TransitionGuard::Kind MakeNumberRange(long long low, long long high, TransitionGuard* guard)
+{
+    if (high < low)
+    {
+        return TransitionGuard::Never;
+    }
+    guard->operand.number.low = static_cast<unsigned int>(low);
+    guard->operand.number.span = static_cast<unsigned int>(high - low);
+    return TransitionGuard::Number;
+}
+
+/// All patterns of bits but one.
+TransitionGuard::Kind MakeAllBut(unsigned int bits, TransitionGuard* guard)
+{
+    guard->operand.number.low = bits + 1;
+    guard->operand.number.span = UINT_MAX - 1;
+    return TransitionGuard::Number;
+}
+
+/// The bounds stand outside where the condition's arithmetic rounds, and belong to the range.
+TransitionGuard::Kind MakeFloatGuard(const ConditionFloatDef& condition, TransitionGuard* guard)
+{
+    const float target = condition.target;
+    unsigned int bits = 0;
+    switch (condition.evaluation)
+    {
+    case EvaluateEqual:
+        return MakeRealRange(std::nextafter(target - ConditionFloatDef::kTolerance, -kInfinity),
+                             std::nextafter(target + ConditionFloatDef::kTolerance, kInfinity),
+                             guard);
+    case EvaluateNotEqual:
+        std::memcpy(&bits, &target, sizeof(bits));
+        if (std::isnan(target))
+        {
+            // Every value differs from it, one of the same bits too.
+            guard->operand.number.low = 0;
+            guard->operand.number.span = UINT_MAX;
+            return TransitionGuard::Number;
+        }
+        return MakeAllBut(bits, guard);
+    case EvaluateGreater:
+        return MakeRealRange(std::nextafter(target, kInfinity), kInfinity, guard);
+    case EvaluateGreaterOrEqual:
+        return MakeRealRange(target, kInfinity, guard);
+    case EvaluateLess:
+        return MakeRealRange(-kInfinity, std::nextafter(target, -kInfinity), guard);
+    case EvaluateLessOrEqual:
+        return MakeRealRange(-kInfinity, target, guard);
+    case EvaluateInRange:
+        return MakeRealRange(target, condition.rangeHigh, guard);
+    default:
+        return TransitionGuard::Never;
+    }
+}
+
+TransitionGuard::Kind MakeIntegerGuard(const ConditionDefInteger& condition, TransitionGuard* guard)
+{
+    const long long target = condition.target;
+    switch (condition.evaluation)
+    {
+    case EvaluateEqual:
+        return MakeNumberRange(target, target, guard);
+    case EvaluateNotEqual:
+        return MakeAllBut(static_cast<unsigned int>(condition.target), guard);
+    case EvaluateGreater:
+        return MakeNumberRange(target + 1, INT_MAX, guard);
+    case EvaluateGreaterOrEqual:
+        return MakeNumberRange(target, INT_MAX, guard);
+    case EvaluateLess:
+        return MakeNumberRange(INT_MIN, target - 1, guard);
+    case EvaluateLessOrEqual:
+        return MakeNumberRange(INT_MIN, target, guard);
+    case EvaluateInRange:
+        return MakeNumberRange(target, condition.rangeHigh, guard);
+    default:
+        return TransitionGuard::Never;
+    }
+}
+
+/// A bool parameter's byte stands in four that are zero besides; those of other parameters do not.
+TransitionGuard::Kind MakeBoolGuard(const ConditionDefBool& condition, TransitionGuard* guard)
+{
+    auto* parameter = dynamic_cast<ParameterBoolDef*>(condition.parameter);
+    if (parameter == nullptr || parameter->GetValuePtr() != condition.boundValue)
+    {
+        return TransitionGuard::Unknown;
+    }
+    const int target = condition.target ? 1 : 0;
+    return MakeNumberRange(target, target, guard);
+}
+
+/// Gives the kind unless the condition is unbound, which never holds.
+template <class T>
+TransitionGuard::Kind WithValue(const T& condition, TransitionGuard::Kind kind,
+                                TransitionGuard* guard)
+{
+    guard->value = condition.boundValue;
+    return condition.boundValue == nullptr ? TransitionGuard::Never : kind;
+}
+
+} // namespace
+
+TransitionGuard::Kind MakeGuard(const ConditionDef& condition, TransitionGuard* guard)
 {
     const std::type_info& type = typeid(condition);
     if (type == typeid(ConditionFloatDef))
     {
         const auto& typed = static_cast<const ConditionFloatDef&>(condition);
-        guard->kind = KindOf(typed.evaluation, TransitionGuard::FloatEqual);
-        guard->value = typed.boundValue;
-        guard->target.real = typed.target;
-        guard->high.real = typed.rangeHigh;
-        return true;
+        return WithValue(typed, MakeFloatGuard(typed, guard), guard);
     }
     if (type == typeid(ConditionDefInteger))
     {
         const auto& typed = static_cast<const ConditionDefInteger&>(condition);
-        guard->kind = KindOf(typed.evaluation, TransitionGuard::IntEqual);
-        guard->value = typed.boundValue;
-        guard->target.integer = typed.target;
-        guard->high.integer = typed.rangeHigh;
-        return true;
+        return WithValue(typed, MakeIntegerGuard(typed, guard), guard);
     }
     if (type == typeid(ConditionDefBool))
     {
         const auto& typed = static_cast<const ConditionDefBool&>(condition);
-        guard->kind = TransitionGuard::Bool;
-        guard->value = typed.boundValue;
-        guard->target.integer = typed.target ? 1 : 0;
-        return true;
+        return WithValue(typed, MakeBoolGuard(typed, guard), guard);
     }
     if (type == typeid(ConditionDefMessage))
     {
         const auto& typed = static_cast<const ConditionDefMessage&>(condition);
-        guard->kind = TransitionGuard::Message;
-        guard->value = typed.boundValue;
-        guard->text = typed.target;
-        return true;
+        guard->operand.text = typed.target;
+        return WithValue(typed, TransitionGuard::Text, guard);
     }
-    return false;
-}
-
-/// Adds the guards of one transition. Returns false when it has to be asked.
-bool AddGuards(const TransitionDef& transition, int index, std::vector<TransitionGuard>* guards)
-{
-    if (!transition.triggers.empty())
-    {
-        return false;
-    }
-    for (const ConditionDef* condition : transition.conditions)
-    {
-        TransitionGuard guard{};
-        guard.transition = index;
-        if (condition == nullptr || !FillGuard(*condition, &guard))
-        {
-            return false;
-        }
-        if (guard.kind != TransitionGuard::End && guard.value != nullptr)
-        {
-            guards->push_back(guard);
-        }
-    }
-    return true;
-}
-
-} // namespace
-
-void BuildGuards(const std::vector<TransitionDef*>& transitions,
-                 std::vector<TransitionGuard>* guards)
-{
-    guards->clear();
-    for (std::size_t i = 0; i < transitions.size(); ++i)
-    {
-        const int index = static_cast<int>(i);
-        const std::size_t before = guards->size();
-        if (transitions[i] != nullptr && !AddGuards(*transitions[i], index, guards))
-        {
-            guards->resize(before);
-            TransitionGuard ask{};
-            ask.kind = TransitionGuard::Ask;
-            ask.transition = index;
-            guards->push_back(ask);
-        }
-    }
-    TransitionGuard end{};
-    end.kind = TransitionGuard::End;
-    guards->push_back(end);
-    guards->shrink_to_fit();
+    return TransitionGuard::Unknown;
 }
 
 } // namespace vell

@@ -99,6 +99,9 @@ protected:
     int Uninit_Attrib(AttribBase* attrib);
     int TabAddAttrib(AttribBase* attrib);
 
+    /// Tells the machine that a tick of it may have more to do than before.
+    void CountChange();
+
     using AttribMap = std::map<const char*, AttribBase*>;
 
     mutable Tessel::KVTable kvTable;    ///< named "baseDef"; null until Init or InitKVTable
@@ -125,7 +128,9 @@ protected:
     void* reserved = nullptr;           ///< nobody reads it
 
 private:
+    friend class HSM;
     friend class SMState;
+    friend class TickWalk;
 
     /// A list that is being performed: what comes next, so that a removal can step over it and an
     /// action that is put at the end meanwhile is reached. Stands with its definition while it
@@ -150,25 +155,26 @@ private:
         ActionWalk* outer;
     };
 
-    /// The walks under way. A copy of a definition is not being walked.
-    struct ActionWalks
+    /// Who has to hear of what happens to the definition. Nobody hears of a copy.
+    struct Links
     {
-        ActionWalks() = default;
-        ActionWalks(const ActionWalks&)
+        Links() = default;
+        Links(const Links&)
         {
         }
-        ActionWalks& operator=(const ActionWalks&)
+        Links& operator=(const Links&)
         {
             return *this;
         }
 
-        ActionWalk* innermost = nullptr;
+        ActionWalk* innermost = nullptr; ///< the walks under way
+        unsigned int* changes = nullptr; ///< counts what a tick of the machine has to know
     };
 
     void Append(Action** head, unsigned int* count, Action* action);
     void StepOver(const Action* removed);
 
-    ActionWalks walks;
+    Links links;
 };
 
 } // namespace vell

@@ -6,6 +6,7 @@
 
 #include <tessel/Tessel.h>
 
+#include <functional>
 #include <map>
 #include <new>
 #include <type_traits>
@@ -50,6 +51,13 @@ public:
     /// Hands out `size` bytes, all zero. Returns null when `size` is 0, when there is no block, or
     /// when there is not enough room. Not recorded in `tracked`, and of no particular alignment.
     void* AllocRaw(unsigned int size);
+
+    /// Tells whether `object` lies in what was handed out of the block.
+    bool Holds(const void* object) const
+    {
+        const auto* byte = static_cast<const unsigned char*>(object);
+        return block != nullptr && !std::less<>()(byte, block) && std::less<>()(byte, block + used);
+    }
 
     /// Closes `table` when the arena is destroyed.
     void CloseLater(Tessel::KVTable table);

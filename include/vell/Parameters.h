@@ -5,10 +5,52 @@
 #include <vell/ParameterDef.h>
 #include <vell/ParameterValues.h>
 
+#include <cstring>
+#include <new>
 #include <string>
 
 namespace vell
 {
+
+/// The current value of a scalar parameter. It lies in the parameter, or where a machine keeps the
+/// values of its parameters side by side. A copy holds the same value in itself.
+template <class T>
+class ParameterValue
+{
+public:
+    ParameterValue() : place(new (own) T())
+    {
+    }
+    ParameterValue(const ParameterValue& other) : place(new (own) T(*other.place))
+    {
+    }
+    ParameterValue& operator=(const ParameterValue& other)
+    {
+        *place = *other.place;
+        return *this;
+    }
+
+    /// Moves the value into four bytes that are the parameter's for as long as it lives. Whoever
+    /// has the address of the value has it no longer.
+    void MoveTo(void* room)
+    {
+        std::memset(room, 0, sizeof(own));
+        place = new (room) T(*place);
+    }
+
+    T& operator*() const
+    {
+        return *place;
+    }
+    T* Place() const
+    {
+        return place;
+    }
+
+private:
+    alignas(4) unsigned char own[4] = {}; ///< a bool's too: a four-byte read stays inside
+    T* place;
+};
 
 /// A bool parameter.
 class VELL_API ParameterBoolDef : public ParameterDef, public IParameterBoolDef
@@ -28,6 +70,8 @@ public:
     int OnBroadcastEvent(int event, const void* record) override;
 
 private:
+    friend class ParameterTable;
+
     void WriteValue();
 
     union
@@ -35,11 +79,7 @@ private:
         bool defaultValue;
         int defaultBytes; ///< zero; a four-byte read of the default stays inside it
     };
-    union
-    {
-        bool value;
-        int valueBytes; ///< zero but for the value; a four-byte read stays inside the object
-    };
+    ParameterValue<bool> value;
 };
 
 /// A signed 32-bit parameter.
@@ -60,10 +100,12 @@ public:
     int OnBroadcastEvent(int event, const void* record) override;
 
 private:
+    friend class ParameterTable;
+
     void WriteValue();
 
     int defaultValue = 0;
-    int value = 0;
+    ParameterValue<int> value;
 };
 
 /// A float parameter.
@@ -84,10 +126,12 @@ public:
     int OnBroadcastEvent(int event, const void* record) override;
 
 private:
+    friend class ParameterTable;
+
     void WriteValue();
 
     float defaultValue = 0.0f;
-    float value = 0.0f;
+    ParameterValue<float> value;
 };
 
 /// A two-float parameter with its length.

@@ -19,7 +19,6 @@ class HSM;
 class HSMAlloc;
 class SubstateState;
 class TransitionDef;
-struct TransitionGuard;
 struct UpdateResult;
 
 /// What sits on a machine's stack: runs its definition's actions and decides every tick whether one
@@ -130,20 +129,44 @@ private:
     friend class ExitState;
     friend class GlobalState;
     friend class SubstateState;
+    friend class TickWalk;
 
     /// Places a T in the arena and gives it its id; null when there is no room.
     template <class T>
     static T* Place(unsigned int stateId, HSMAlloc* alloc);
 
-    unsigned int FireTransition(HSM* machine, UpdateResult* result);
-    TransitionDef* AskTransitions(HSM* machine, int first, int count);
-    TransitionDef* AskGuardedTransitions(HSM* machine);
-    void KeepGuards(unsigned int changeCount);
+    /// What a tick may take for granted about a state: that it is of one of the library's own
+    /// classes, made by its machine, which outlives it. A copy is none of that.
+    struct Role
+    {
+        enum Value : unsigned char
+        {
+            Unknown,
+            Plain,
+            Exit,
+            Substate
+        };
+
+        Role() = default;
+        Role(const Role&)
+        {
+        }
+        Role& operator=(const Role&)
+        {
+            return *this;
+        }
+
+        Value value = Unknown;
+    };
+
+    void TakeRole();
+    TransitionDef* FindTransition(HSM* machine);
+    /// Tells the machine that a tick of it may have more to do than before.
+    void CountChange();
     void TellParent();
     void RequestAnimation();
 
-    std::vector<TransitionGuard> guards; ///< the transitions' conditions; empty unless kept
-    unsigned int guardChanges = 0;       ///< the machine's count when they were made; 0 keeps none
+    Role role;
 };
 
 } // namespace vell

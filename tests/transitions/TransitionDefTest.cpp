@@ -10,7 +10,6 @@
 #include "tests/support/VirtualOrder.h"
 #include "transitions/ConditionDef.h"
 #include "transitions/ConditionDefBool.h"
-#include "transitions/TransitionGuard.h"
 
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
@@ -706,29 +705,6 @@ TEST(TransitionInAMachine, WithBadConditionsFiresByATrigger)
 
     EXPECT_EQ(machine.MainStack(), "Walk");
     EXPECT_EQ(TakeCalls(), "t");
-}
-
-TEST(TransitionConditions, OfAClassThatTheLibraryDoesNotKnowAreAskedAtEachUpdate)
-{
-    LogRecorder log;
-    std::string asked;
-    WatchedCondition shut(false, asked, 'a');
-    WatchedCondition open(true, asked, 'b');
-    TransitionDef first;
-    TransitionDef second;
-    first.conditions = {&shut, nullptr};
-    second.conditions = {nullptr, &open};
-    std::vector<TransitionGuard> guards;
-
-    BuildGuards({&first, nullptr, &second}, &guards);
-
-    ASSERT_EQ(guards.size(), 3u);
-    EXPECT_EQ(guards[0].kind, TransitionGuard::Ask);
-    EXPECT_EQ(guards[0].transition, 0);
-    EXPECT_EQ(guards[1].kind, TransitionGuard::Ask);
-    EXPECT_EQ(guards[1].transition, 2);
-    EXPECT_EQ(guards[2].kind, TransitionGuard::End);
-    EXPECT_EQ(asked, "");
 }
 
 } // namespace vell::test

@@ -1,0 +1,578 @@
+// VELL: data-driven hierarchical state machines.
+// tests/machine/TickWalkTest.cpp: what a tick has to notice after ticks in which nothing happened.
+#include "introspection/TreeKeys.h"
+#include "tests/support/HeapWatch.h"
+#include "tests/support/Scene.h"
+#include "tests/support/ScriptedAction.h"
+#include "transitions/TransitionDef.h"
+
+#include <vell/BaseDef.h>
+#include <vell/IParameterTable.h>
+#include <vell/Parameters.h>
+#include <vell/SMState.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace vell::test
+{
+namespace
+{
+
+constexpr unsigned int kCombat = 20;
+constexpr unsigned int kGuard = 30;
+constexpr unsigned int kStrike = 31;
+constexpr unsigned int kAway = 40;
+
+/// The level Combat with the child Guard, which "go" leads to Strike; "leave" leads from Combat to
+/// Away, and "hit" makes a blip of Hurt. No list holds the transition Hop.
+DocumentBuilder Fight()
+{
+    DocumentBuilder document;
+    document.Start(kCombat)
+        .Parameter(BoolParameter("go", false))
+        .Parameter(BoolParameter("leave", false))
+        .Parameter(BoolParameter("hit", false))
+        .Parameter(BoolParameter("hop", false))
+        .Node(Transition("Go", 130, kGuard, kStrike, {Holds("go")}))
+        .Node(Transition("Leave", 120, kCombat, kAway, {Holds("leave")}))
+        .Node(Transition("Hop", 140, kGuard, kAway, {Holds("hop")}))
+        .Node(Transition("ToBlip", 400, 50, 60, {Holds("hit")}))
+        .GlobalNode(Global("Global", 50, {400}))
+        .Level("Combat", kCombat, kGuard, {120})
+        .Node(Generic("Guard", kGuard, {130}, kCombat))
+        .Node(Generic("Strike", kStrike, {}, kCombat))
+        .Node(Generic("Away", kAway))
+        .Node(Generic("Hurt", 60));
+    return document;
+}
+
+/// Counts what a machine asks of it.
+class CountingState : public SMState
+{
+public:
+    int Update(HSM*, float) override
+    {
+        ++updates;
+        return 1;
+    }
+    unsigned int ProcessTransitions(HSM*, UpdateResult*) override
+    {
+        ++questions;
+        return 0;
+    }
+
+    int updates = 0;
+    int questions = 0;
+};
+
+/// A definition that hands out an action of its own.
+class HostDef : public BaseDef
+{
+public:
+    static BaseDef* Create(const GenericValue&, HSMAlloc* alloc)
+    {
+        return alloc->New<HostDef>();
+    }
+    Action* GetActions() override
+    {
+        return given;
+    }
+
+    static Action* given;
+};
+
+Action* HostDef::given = nullptr;
+
+int triggerCalls = 0;
+
+bool CountCall(IHSM*, SMState*)
+{
+    ++triggerCalls;
+    return false;
+}
+
+/// A machine that has been in Combat and Guard for some ticks without anything to do.
+class SettledMachine : public testing::Test
+{
+protected:
+    SettledMachine() : machine(Fight())
+    {
+        EXPECT_EQ(machine.Init(), 1);
+        machine.Start();
+        Tick(5);
+        EXPECT_EQ(machine.MainStack(), "Combat/Guard");
+        log.Clear();
+        triggerCalls = 0;
+    }
+
+    void Tick(int times = 1)
+    {
+        for (int i = 0; i < times; ++i)
+        {
+            machine.Update(0.5f);
+        }
+    }
+
+    TransitionDef* FindTransition(unsigned int id)
+    {
+        return dynamic_cast<TransitionDef*>(machine.FindDef(id));
+    }
+
+    LogRecorder log;
+    Lines lines; ///< what actions note
+    TestMachine machine;
+};
+
+} // namespace
+
+TEST_F(SettledMachine, LogsNothingAndTakesNothingFromTheHeap)
+{
+    HeapWatch heap;
+    Tick(100);
+
+    EXPECT_EQ(heap.News() + heap.Mallocs(), 0u);
+    EXPECT_EQ(log.Take(), Lines());
+}
+
+TEST_F(SettledMachine, FiresInEachLevel)
+{
+    machine.SetBool("go", true);
+    Tick();
+    EXPECT_EQ(machine.MainStack(), "Combat/Strike");
+    Tick(5);
+    machine.SetBool("leave", true);
+    Tick();
+    EXPECT_EQ(machine.MainStack(), "Away");
+}
+
+TEST_F(SettledMachine, UpdatesAStateThatASubclassPutsOnTheStack)
+{
+    CountingState state;
+    machine.stateStack.push_back(&state);
+    Tick(6);
+    EXPECT_EQ(state.updates, 6);
+    EXPECT_EQ(state.questions, 6);
+
+    machine.stateStack.pop_back();
+    Tick(3);
+    machine.stateStack.insert(machine.stateStack.begin(), &state);
+    Tick(4);
+
+    EXPECT_EQ(state.updates, 10);
+    EXPECT_EQ(state.questions, 10);
+}
+
+TEST_F(SettledMachine, TakesTheStatesOfTheStackAsTheyAre)
+{
+    machine.stateStack.back() = machine.ActivateState(kStrike, 0.0f);
+    machine.SetBool("go", true);
+    Tick(5);
+    EXPECT_EQ(machine.MainStack(), "Combat/Strike");
+
+    machine.stateStack.back() = machine.FindState(kGuard);
+    machine.SetBool("go", false);
+    Tick(5);
+    machine.stateStack = {machine.FindState(kGuard)};
+    machine.SetBool("go", true);
+    Tick();
+    EXPECT_EQ(machine.MainStack(), "Strike");
+}
+
+TEST_F(SettledMachine, AsksTheGlobalStateThatIsSet)
+{
+    CountingState state;
+    SMState* const global = machine.globalState;
+    machine.globalState = &state;
+    machine.SetBool("hit", true);
+    Tick(4);
+    EXPECT_EQ(state.questions, 4);
+    EXPECT_EQ(state.updates, 0);
+    EXPECT_FALSE(machine.blipActive);
+
+    machine.globalState = nullptr;
+    Tick(4);
+    EXPECT_FALSE(machine.blipActive);
+    machine.globalState = global;
+    Tick();
+    EXPECT_TRUE(machine.blipActive);
+    EXPECT_EQ(state.questions, 4);
+}
+
+TEST_F(SettledMachine, ReportsAnEmptyEntryAtEachTick)
+{
+    machine.stateStack.push_back(nullptr);
+    for (int i = 0; i < 5; ++i)
+    {
+        Tick();
+        EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::UpdateState")}));
+    }
+    machine.SetBool("go", true);
+    machine.stateStack.pop_back();
+    Tick();
+    EXPECT_EQ(machine.MainStack(), "Combat/Strike");
+}
+
+TEST_F(SettledMachine, PerformsAnActionFromItsRegistrationToItsRemoval)
+{
+    auto* action = new ScriptedAction("A", lines);
+    machine.FindDef(kCombat)->RegisterExecute(action);
+    Tick(3);
+    const std::string performed = "perform A 2 0.500000";
+    EXPECT_EQ(lines, (Lines{"owner A", performed, performed, performed}));
+
+    lines.clear();
+    machine.FindDef(kCombat)->RemoveAction(action);
+    Tick(3);
+    EXPECT_EQ(lines, (Lines{"delete A"}));
+}
+
+TEST_F(SettledMachine, FollowsWhatAnActionDoesInTheSameTick)
+{
+    auto* action = new ScriptedAction("A", lines);
+    machine.FindDef(kGuard)->RegisterExecute(action);
+    Tick(5);
+    EXPECT_EQ(machine.MainStack(), "Combat/Guard");
+    action->onPerform = [this]
+    {
+        machine.AssignTrigger("Leave", CountCall);
+        machine.FindState(kGuard)->PushTransition(FindTransition(140));
+        machine.SetBool("hop", true);
+    };
+
+    Tick();
+
+    EXPECT_EQ(triggerCalls, 1);
+    EXPECT_EQ(machine.MainStack(), "Combat/Away");
+}
+
+TEST_F(SettledMachine, CallsATriggerThatIsAdded)
+{
+    machine.AssignTrigger("ToBlip", CountCall);
+    machine.AssignTrigger("Leave", CountCall);
+    Tick(4);
+
+    EXPECT_EQ(triggerCalls, 8);
+}
+
+TEST_F(SettledMachine, TestsATransitionThatIsPushed)
+{
+    machine.FindState(kCombat)->PushTransition(FindTransition(140));
+    Tick(5);
+    machine.SetBool("hop", true);
+    Tick();
+
+    EXPECT_EQ(machine.MainStack(), "Away");
+}
+
+TEST_F(SettledMachine, CallsATriggerOfATransitionThatWasPushed)
+{
+    machine.FindState(kGuard)->PushTransition(FindTransition(140));
+    Tick(5);
+    machine.AssignTrigger("Hop", CountCall);
+    Tick(3);
+
+    EXPECT_EQ(triggerCalls, 3);
+}
+
+TEST_F(SettledMachine, TakesTheDefinitionThatAStateIsGiven)
+{
+    machine.FindDef(kAway)->RegisterExecute(new ScriptedAction("A", lines));
+    machine.FindState(kGuard)->SetDef(dynamic_cast<BaseDef*>(machine.FindDef(kAway)));
+    Tick(2);
+    EXPECT_EQ(lines.size(), 3u);
+
+    machine.FindState(kGuard)->SetDef(dynamic_cast<BaseDef*>(machine.FindDef(kStrike)));
+    Tick(4);
+    machine.FindDef(kStrike)->RegisterExecute(new ScriptedAction("B", lines));
+    lines.clear();
+    Tick(2);
+    EXPECT_EQ(lines.size(), 2u);
+}
+
+TEST_F(SettledMachine, TakesTheContentsThatAStateIsGiven)
+{
+    SMState* const guard = machine.FindState(kGuard);
+    const SMState before(*guard);
+    *guard = *machine.FindState(kCombat);
+    machine.SetBool("go", true);
+    Tick(4);
+    EXPECT_EQ(machine.MainStack(), "Combat/Combat");
+
+    *guard = before;
+    Tick();
+    EXPECT_EQ(machine.MainStack(), "Combat/Strike");
+}
+
+TEST_F(SettledMachine, TicksAStateThatIsGivenAway)
+{
+    SMState* const guard = machine.FindState(kGuard);
+    guard->SetHSM(nullptr);
+    Tick(4);
+    guard->PushTransition(FindTransition(140));
+    machine.SetBool("hop", true);
+    Tick();
+
+    EXPECT_EQ(machine.MainStack(), "Combat/Away");
+}
+
+TEST_F(SettledMachine, TicksACopyOfAStateThatAHostOwns)
+{
+    SMState copy(*machine.FindState(kGuard));
+    machine.stateStack.back() = &copy;
+    Tick(4);
+    copy.PushTransition(FindTransition(140));
+    machine.SetBool("hop", true);
+    Tick();
+
+    EXPECT_EQ(machine.MainStack(), "Combat/Away");
+}
+
+TEST_F(SettledMachine, StartsALevelAgainWhoseExitAHostCalled)
+{
+    machine.FindState(kCombat)->Exit();
+    machine.stateStack.pop_back();
+    Tick();
+
+    EXPECT_EQ(machine.MainStack(), "Combat/Guard");
+}
+
+TEST_F(SettledMachine, GoesOnAfterABlipAsItWas)
+{
+    machine.SetBool("hit", true);
+    Tick();
+    machine.SetBool("hit", false);
+    Tick(5);
+    ASSERT_EQ(machine.BlipStack(), "Hurt");
+    machine.SetBool("go", true);
+    Tick(3);
+    EXPECT_EQ(machine.MainStack(), "Combat/Guard");
+
+    machine.RevertToPreviousState();
+    Tick();
+    EXPECT_EQ(machine.MainStack(), "Combat/Strike");
+}
+
+TEST_F(SettledMachine, TicksTheStacksOfARestoredContext)
+{
+    const Tessel::KVTable context = Tessel::CreateTable("context");
+    context->AddTable(kMainStackKey, 1)->PushUInt(kGuard, 1);
+    machine.SetContextInfo(context);
+    ASSERT_EQ(machine.MainStack(), "Guard");
+    Tick(4);
+    machine.SetBool("go", true);
+    Tick();
+
+    EXPECT_EQ(machine.MainStack(), "Strike");
+    Tessel::CloseTable(context);
+}
+
+TEST_F(SettledMachine, SeesAValueThatIsWrittenThroughItsAddress)
+{
+    ParameterDef* go = machine.GetParameterTable()->FindParameter("go");
+    *static_cast<bool*>(go->GetValuePtr()) = true;
+    Tick();
+
+    EXPECT_EQ(machine.MainStack(), "Combat/Strike");
+}
+
+TEST_F(SettledMachine, SeesAValueThatAToolWrites)
+{
+    machine.GetParameterTable()->FindParameter("go")->GetKVTable()->SetInt("value", 1, 1);
+    Tick();
+
+    EXPECT_EQ(machine.MainStack(), "Combat/Strike");
+}
+
+TEST(TickWalk, TestsAConditionThatIsBoundLater)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10)
+        .Parameter(BoolParameter("other", false))
+        .Node(Generic("Stand", 10, {100}))
+        .Node(Generic("Walk", 11))
+        .Node(Transition("Go", 100, 10, 11, {Holds("late")}));
+    TestMachine machine(document);
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    for (int i = 0; i < 4; ++i)
+    {
+        machine.Update(0.1f);
+    }
+    IParameterBoolDef* late = nullptr;
+    ASSERT_EQ(machine.GetParameterTable()->CreateBoolParameter("late", true, &late), 1);
+    machine.Update(0.1f);
+    EXPECT_EQ(machine.MainStack(), "Stand") << "not bound yet";
+    machine.BindParamCond();
+    machine.Update(0.1f);
+
+    EXPECT_EQ(machine.MainStack(), "Walk");
+}
+
+TEST(TickWalk, AsksADefinitionOfAHostsClassForItsActions)
+{
+    Lines lines;
+    LogRecorder log;
+    TestMachine machine(DocumentBuilder().Start(10).Node(Generic("Own", 10)));
+    machine.RegisterNodeDef(DURMBaseLib::BUILDER_Generic, HostDef::Create);
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    for (int i = 0; i < 4; ++i)
+    {
+        machine.Update(0.5f);
+    }
+    ScriptedAction action("A", lines);
+    HostDef::given = &action;
+    machine.Update(0.5f);
+    machine.Update(0.5f);
+    HostDef::given = nullptr;
+    machine.Update(0.5f);
+
+    EXPECT_EQ(lines.size(), 2u);
+}
+
+namespace
+{
+
+/// Eight levels, each with five transitions of one condition; the last of each fires on "goN".
+DocumentBuilder Tower()
+{
+    DocumentBuilder document;
+    document.Start(100).Parameter(FloatParameter("never", 1.0)).Node(Generic("Away", 50));
+    for (unsigned int level = 0; level < 8; ++level)
+    {
+        const unsigned int id = 100 + 100 * level;
+        const std::string go = "go" + std::to_string(level);
+        Ids transitions;
+        for (unsigned int i = 0; i < 5; ++i)
+        {
+            transitions.push_back(id + 10 + i);
+            document.Node(
+                Transition("T", id + 10 + i, id, 50,
+                           {i == 4 ? Holds(go.c_str()) : FloatCondition("never", 3, 1.0 + i)}));
+        }
+        const std::string name = "L" + std::to_string(level);
+        document.Parameter(BoolParameter(go, false));
+        if (level == 7)
+        {
+            document.Node(Generic(name, id, transitions, id - 100));
+        }
+        else
+        {
+            document.Level(name, id, id + 100, transitions, level == 0 ? 0 : id - 100);
+        }
+    }
+    document.Head().Set(JSON_HeadMemory, 400000);
+    return document;
+}
+
+} // namespace
+
+TEST(TickWalk, FiresInEveryLevelOfADeepStack)
+{
+    for (int level = 0; level < 8; ++level)
+    {
+        LogRecorder log;
+        TestMachine machine(Tower());
+        ASSERT_EQ(machine.Init(), 1);
+        machine.Start();
+        for (int i = 0; i < 16; ++i)
+        {
+            machine.Update(0.1f);
+        }
+        ASSERT_EQ(machine.stateStack.size(), 8u);
+        machine.SetBool(("go" + std::to_string(level)).c_str(), true);
+        machine.Update(0.1f);
+
+        EXPECT_EQ(machine.stateStack.size(), static_cast<std::size_t>(level) + 1);
+        EXPECT_STREQ(machine.GetCurrentState()->GetDef()->GetName(), "Away");
+    }
+}
+
+TEST(TickWalk, IsDoneWithoutWhereThereIsNoMemory)
+{
+    for (std::size_t refused = 0; refused < 12; ++refused)
+    {
+        LogRecorder log;
+        TestMachine machine(Tower());
+        ASSERT_EQ(machine.Init(), 1);
+        machine.Start();
+        for (int i = 0; i < 8; ++i)
+        {
+            machine.Update(0.1f);
+        }
+        machine.AssignTrigger("T", CountCall);
+        log.Clear();
+        {
+            HeapWatch heap;
+            heap.RefuseAfter(refused);
+            for (int i = 0; i < 4; ++i)
+            {
+                EXPECT_NO_THROW(machine.Update(0.1f));
+            }
+        }
+        EXPECT_EQ(log.Take(), Lines());
+        machine.SetBool("go7", true);
+        machine.Update(0.1f);
+        EXPECT_EQ(machine.stateStack.size(), 8u);
+        machine.SetBool("go0", true);
+        machine.Update(0.1f);
+        EXPECT_EQ(machine.MainStack(), "Away");
+    }
+}
+
+TEST(TickWalk, ReadsTheValuesOfMoreParametersThanLieTogether)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Away", 50));
+    Ids transitions;
+    for (unsigned int i = 0; i < 40; ++i)
+    {
+        const std::string name = "p" + std::to_string(i);
+        const unsigned int kind = i % 3;
+        document.Parameter(kind == 0   ? BoolParameter(name, false)
+                           : kind == 1 ? IntParameter(name, 0)
+                                       : FloatParameter(name, 0.0));
+        document.Node(Transition("T" + name, 100 + i, 10, 50,
+                                 {kind == 0   ? BoolCondition(name, true)
+                                  : kind == 1 ? IntCondition(name, 3, 0)
+                                              : FloatCondition(name, 3, 0.0)}));
+        transitions.push_back(100 + i);
+    }
+    document.Node(Generic("Stand", 10, transitions));
+    document.Head().Set(JSON_HeadMemory, 400000);
+    for (unsigned int i = 0; i < 40; ++i)
+    {
+        TestMachine machine(document);
+        ASSERT_EQ(machine.Init(), 1);
+        machine.Start();
+        for (int tick = 0; tick < 4; ++tick)
+        {
+            machine.Update(0.1f);
+        }
+        const std::string name = "p" + std::to_string(i);
+        ASSERT_EQ(machine.MainStack(), "Stand") << name;
+        ParameterDef* parameter = machine.GetParameterTable()->FindParameter(name.c_str());
+        void* const address = parameter->GetValuePtr();
+        if (auto* flag = dynamic_cast<ParameterBoolDef*>(parameter))
+        {
+            flag->SetValue(true);
+        }
+        else if (auto* number = dynamic_cast<ParameterIntegerDef*>(parameter))
+        {
+            number->SetValue(1);
+        }
+        else
+        {
+            dynamic_cast<ParameterFloatDef&>(*parameter).SetValue(0.5f);
+        }
+        machine.Update(0.1f);
+        EXPECT_EQ(machine.MainStack(), "Away") << name;
+        EXPECT_EQ(parameter->GetValuePtr(), address) << name;
+    }
+}
+
+} // namespace vell::test
