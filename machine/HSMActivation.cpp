@@ -26,8 +26,8 @@ namespace vell
 namespace
 {
 
-/// Tells whether the definition is of a class that only this library makes, in the arena.
-bool IsOwnDefinition(const BaseDef& def)
+/// Tells whether the definition is of a class whose actions are those of its lists.
+bool HasOwnActions(const BaseDef& def)
 {
     const std::type_info& type = typeid(def);
     return type == typeid(GenericDef) || type == typeid(AnimClipDef) ||
@@ -68,9 +68,9 @@ SMState* HSM::ActivateState(unsigned int id, float switchArgument)
             {
                 state->TakeRole();
             }
-            if (IsOwnDefinition(*def))
+            if (HasOwnActions(*def))
             {
-                def->links.changes = &changes;
+                CountChangesOf(*def);
             }
         }
         BaseDef* def = state->GetDef();
@@ -109,11 +109,20 @@ int HSM::ActivateTransitions(SMState* state)
                 condition->SetParameter(parameter);
             }
         }
-        transition->links.changes = &changes;
+        CountChangesOf(*transition);
         state->PushTransition(transition);
     }
     state->SortTransitions();
     return 1;
+}
+
+/// A definition that another owns may outlive the machine.
+void HSM::CountChangesOf(BaseDef& def)
+{
+    if (alloc.Holds(&def))
+    {
+        def.links.changes = &changes;
+    }
 }
 
 SMState* HSM::FindState(unsigned int id)

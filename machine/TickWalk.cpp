@@ -11,6 +11,7 @@
 #include <vell/SMState.h>
 
 #include <algorithm>
+#include <climits>
 #include <new>
 
 namespace vell
@@ -57,7 +58,7 @@ void TickWalk::Follow(const HSM& machine, std::size_t count)
     for (std::size_t i = 0; i <= end; ++i)
     {
         const SMState* state = i == 0 ? machine.globalState : stack[i - 1];
-        if (i < levelCount && levels.begin[i].state == state)
+        if (i < levelCount && levels.begin[i + 1].state == state)
         {
             continue;
         }
@@ -69,15 +70,15 @@ void TickWalk::Follow(const HSM& machine, std::size_t count)
     }
 }
 
-/// Returns false when there is no memory.
+/// Returns false when there is no room for more.
 bool TickWalk::Add(const HSM& machine, const SMState* state)
 {
-    if (!levels.Grow(levelCount + 1))
+    if (!levels.Grow(levelCount + 2))
     {
         return false;
     }
-    const unsigned int first = levelCount == 0 ? 0 : levels.begin[levelCount - 1].texts;
-    TickLevel level{state, first, first, first, first, true, true};
+    const unsigned short first = levels.begin[levelCount].texts;
+    TickLevel level{state, first, first, first, true, true};
     if (state != nullptr && IsKnown(machine, *state))
     {
         level.asks = false;
@@ -98,7 +99,7 @@ bool TickWalk::Add(const HSM& machine, const SMState* state)
         }
         level.acts = level.acts || level.asks;
     }
-    levels.begin[levelCount++] = level;
+    levels.begin[++levelCount] = level;
     return true;
 }
 
@@ -115,7 +116,7 @@ bool TickWalk::IsChildDue(const SMState& state)
            static_cast<const SubstateState&>(state).currentChild == nullptr;
 }
 
-/// Returns false when there is no memory.
+/// Returns false when there is no room for more.
 bool TickWalk::AddTransition(const HSM& machine, const TransitionDef& transition, TickLevel* level)
 {
     level->asks =
@@ -133,7 +134,7 @@ bool TickWalk::AddTransition(const HSM& machine, const TransitionDef& transition
     return true;
 }
 
-/// Puts a guard behind those of its kind. Returns false when there is no memory.
+/// Puts a guard behind those of its kind. Returns false when there is no room for more.
 bool TickWalk::AddGuard(TransitionGuard::Kind kind, const TransitionGuard& guard, TickLevel* level)
 {
     if (kind == TransitionGuard::Never || kind == TransitionGuard::Unknown)
@@ -141,7 +142,7 @@ bool TickWalk::AddGuard(TransitionGuard::Kind kind, const TransitionGuard& guard
         level->asks = level->asks || kind == TransitionGuard::Unknown;
         return true;
     }
-    if (!guards.Grow(level->texts + 1))
+    if (level->texts == USHRT_MAX || !guards.Grow(level->texts + std::size_t{1}))
     {
         return false;
     }

@@ -19,12 +19,11 @@ class TransitionDef;
 struct TickLevel
 {
     const SMState* state; ///< null when no state is stood for
-    unsigned int first;   ///< its guards: floats up to `reals`, integers up to `numbers`
-    unsigned int reals;   ///< and texts up to `texts`
-    unsigned int numbers;
-    unsigned int texts;
-    bool acts; ///< the state is to be updated
-    bool asks; ///< the state is to be updated and asked, whatever its guards say
+    unsigned short reals; ///< end of its guards of floats, which begin where the level before ends
+    unsigned short numbers; ///< end of those of integers
+    unsigned short texts;   ///< end of those of texts
+    bool acts;              ///< the state is to be updated
+    bool asks;              ///< the state is to be updated and asked, whatever its guards say
 };
 
 /// The guards of the states that a machine ticks: those of the global state, then those of each
@@ -46,14 +45,14 @@ public:
     const TickLevel* Find(std::size_t index, const SMState* state, unsigned int changes) const
     {
         const bool isKnown = index < levelCount && madeAt == changes;
-        const TickLevel* level = levels.begin + index;
+        const TickLevel* level = levels.begin + 1 + index;
         return isKnown && level->state == state ? level : nullptr;
     }
 
     /// Tells whether a guard of the level holds.
     bool Holds(const TickLevel& level) const
     {
-        const TransitionGuard* guard = guards.begin + level.first;
+        const TransitionGuard* guard = guards.begin + (&level)[-1].texts;
         for (const auto* end = guards.begin + level.reals; guard != end; ++guard)
         {
             if (guard->IsInRealRange())
@@ -113,7 +112,7 @@ private:
     const SMState* settled = nullptr; ///< the highest state when the walk was last out of date
     unsigned int madeAt = 0;          ///< the machine's count of changes that the levels are of
     unsigned int levelCount = 0;      ///< levels that are made
-    Room<TickLevel, 5> levels;
+    Room<TickLevel, 8> levels;        ///< behind an empty one
     Room<TransitionGuard, 24> guards;
 };
 

@@ -209,6 +209,7 @@ private:
     void FinishTransition(const SMState& state, UpdateResult* result);
     void StartBlip(UpdateResult* result);
     const TickLevel* FindInWalk(std::size_t index, const SMState* state) const;
+    void CountChangesOf(BaseDef& def);
     void TickGlobalState(UpdateResult* result, float timeStep);
     void ReportStateChange(SMState* previous, unsigned int nextId);
     void ReportTransition(unsigned int transitionId);
