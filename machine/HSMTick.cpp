@@ -41,19 +41,19 @@ void HSM::Update(float timeStep)
         return;
     }
     UpdateResult result;
-    bool isStale = false;
+    bool isGlobalUnknown = false;
     if (globalState != nullptr && currentStack != nullptr)
     {
         const TickLevel* known = FindInWalk(0, globalState);
-        isStale = known == nullptr;
+        isGlobalUnknown = known == nullptr;
         if (known == nullptr || known->asks || walk->Holds(*known))
         {
             TickGlobalState(&result, timeStep);
         }
     }
-    // How much of the stack nothing fired in, from the bottom.
-    std::size_t quiet = currentStack == nullptr ? 0 : currentStack->size();
-    bool isQuietStale = isStale;
+    // The lowest levels, in which nothing fired, and whether the walk lacks one of them.
+    std::size_t quietLevels = currentStack == nullptr ? 0 : currentStack->size();
+    bool isUnknown = isGlobalUnknown;
     for (int i = currentStack == nullptr ? -1 : TopIndex(*currentStack); i >= 0; --i)
     {
         // Required: a blip that ends inside this walk goes on below the same index of the main
@@ -63,7 +63,7 @@ void HSM::Update(float timeStep)
         if (known == nullptr || known->acts)
         {
             const bool asks = known == nullptr || known->asks;
-            isQuietStale = isQuietStale || known == nullptr;
+            isUnknown = isUnknown || known == nullptr;
             if (state != nullptr)
             {
                 state->Update(this, timeStep);
@@ -79,17 +79,17 @@ void HSM::Update(float timeStep)
         if (UpdateState(state, &result, timeStep) == kTransitionFired)
         {
             UpdateStateStack(&result);
-            quiet = static_cast<std::size_t>(i);
-            isQuietStale = isStale;
+            quietLevels = static_cast<std::size_t>(i);
+            isUnknown = isGlobalUnknown;
         }
     }
     if (parameterTable != nullptr && !walk->NeedsNoReset(parameterTable, changes))
     {
         parameterTable->ResetFrameParameters();
     }
-    if (isQuietStale && currentStack != nullptr)
+    if (isUnknown && currentStack != nullptr)
     {
-        walk->Follow(*this, quiet);
+        walk->Follow(*this, quietLevels);
     }
 }
 

@@ -1,6 +1,6 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/TickWalkTest.cpp: what a tick has to notice after ticks in which nothing happened.
-#include "introspection/TreeKeys.h"
+#include "foundation/TreeKeys.h"
 #include "tests/support/HeapWatch.h"
 #include "tests/support/Scene.h"
 #include "tests/support/ScriptedAction.h"
