@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -117,16 +118,31 @@ private:
     unsigned int depth = 0;
 };
 
-/// Fills the document when the text is well formed and not nested deep, which takes one pass.
+/// Puts a copy of the text into the document's memory pool, where it stays as long as the document.
+/// Null when there is no memory.
+char* CopyText(const char* text, GenericDocument& document)
+{
+    const std::size_t size = std::strlen(text) + 1;
+    void* copy = document.GetAllocator().Malloc(size);
+    return copy == nullptr ? nullptr : static_cast<char*>(std::memcpy(copy, text, size));
+}
+
+/// Fills the document when the text is well formed and not nested deep, which takes one pass. The
+/// texts of the values stay in place in a copy of the whole, which saves copying each of them.
 bool ParseShallow(const char* text, GenericDocument& document)
 {
+    char* copy = CopyText(text, document);
+    if (copy == nullptr)
+    {
+        return false;
+    }
     bool filled = false;
-    const auto generate = [text, &filled](GenericDocument& target)
+    const auto generate = [copy, &filled](GenericDocument& target)
     {
         rapidjson::Reader reader;
-        rapidjson::StringStream stream(text);
+        rapidjson::InsituStringStream stream(copy);
         ShallowHandler handler(target);
-        filled = !reader.Parse(stream, handler).IsError();
+        filled = !reader.Parse<rapidjson::kParseInsituFlag>(stream, handler).IsError();
         return filled;
     };
     document.Populate(generate);
