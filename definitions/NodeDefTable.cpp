@@ -236,16 +236,21 @@ void NodeDefTable::Uninit()
             entry.second->Uninit();
         }
     }
+    ClearNodes();
+}
+
+void NodeDefTable::ClearNodes()
+{
     nodes.clear();
+    nodePool.release();
     cursor = nodes.end();
 }
 
 Tessel::KVTable NodeDefTable::ReleaseStorage()
 {
-    NodeMap().swap(nodes);
-    NodeMap().swap(enterNodes);
+    ClearNodes();
+    enterNodes.clear();
     std::vector<unsigned int>().swap(nodeIds);
-    cursor = nodes.end();
     return kvTable;
 }
 

@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <map>
+#include <memory_resource>
 #include <vector>
 
 namespace vell
@@ -18,8 +19,11 @@ namespace vell
 /// again. Definitions lie in the arena and refer to each other by id only.
 class NodeDefTable
 {
+    /// Where the entries of `nodes` lie, which go all at once.
+    std::pmr::monotonic_buffer_resource nodePool{std::pmr::new_delete_resource()};
+
 public:
-    using NodeMap = std::map<unsigned int, BaseDef*>;
+    using NodeMap = std::pmr::map<unsigned int, BaseDef*>;
 
     /// Registers the ten standard factories.
     NodeDefTable();
@@ -81,8 +85,8 @@ public:
     unsigned int headValue84 = 0;      ///< from the head; nobody reads it
     char guid[kIdentitySize] = {};     ///< empty when the head has none
     char buildId[kIdentitySize] = {};  ///< the GUID when the head has none
-    NodeMap enterNodes;                ///< enter node of each parent id
-    NodeMap nodes;                     ///< every definition
+    NodeMap enterNodes{std::pmr::new_delete_resource()}; ///< enter node of each parent id
+    NodeMap nodes{&nodePool};          ///< every definition
     std::vector<unsigned int> nodeIds; ///< in order of insertion, refused duplicates included
     char* modelFileName = nullptr;     ///< in the arena
     char* skeletonFileName = nullptr;  ///< in the arena
@@ -94,6 +98,7 @@ private:
     int ImportSkel_ModelFileName(const GenericValue& skeleton, HSMAlloc* alloc);
     int ImportSkel_SkeletonFileName(const GenericValue& skeleton, HSMAlloc* alloc);
     BaseDef* WalkFrom(NodeMap::iterator position, unsigned int mask);
+    void ClearNodes();
 
     NodeMap::iterator cursor; ///< position of the one walk
 };

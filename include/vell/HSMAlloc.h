@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <map>
+#include <memory_resource>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -29,7 +30,13 @@ namespace vell
 /// VELL_ARENA_ROUNDING rounds up to 8 after each raw allocation, for targets where that is a fault.
 class VELL_API HSMAlloc
 {
+    /// Where the entries of `tracked` lie, which go all at once.
+    std::pmr::monotonic_buffer_resource trackedPool{std::pmr::new_delete_resource()};
+
 public:
+    /// Sizes by address. The entries of the arena's own lie close together.
+    using SizeMap = std::pmr::map<void*, unsigned int>;
+
     HSMAlloc() = default;
     ~HSMAlloc();
     HSMAlloc(const HSMAlloc&) = delete;
@@ -73,7 +80,7 @@ public:
     unsigned char* block = nullptr;        ///< null while no block is held
     unsigned int used = 0;                 ///< bytes handed out; offset of the next object
     unsigned int capacity = 0;             ///< bytes of the block
-    std::map<void*, unsigned int> tracked; ///< address and size of every typed allocation ever made
+    SizeMap tracked{&trackedPool};         ///< address and size of every typed allocation ever made
 
 private:
     /// What to do about one object: `release` when the block goes, which turns the object into what
