@@ -70,24 +70,25 @@ int BaseDef::Init(const GenericValue& node, HSMAlloc* alloc)
     {
         ERROR_BREAK(alloc);
         ERROR_BREAK(node.IsObject());
-        name = ReadText(node, JSON_Name);
-        id = ReadUInt(node, JSON_ID);
-        parentId = ReadUInt(node, JSON_ParentID);
-        if (const GenericValue* connector = FindMember(node, JSON_ExitConnector))
+        const Members members(node);
+        name = ReadText(members.Get(JSON_Name));
+        id = ReadUInt(members.Get(JSON_ID));
+        parentId = ReadUInt(members.Get(JSON_ParentID));
+        if (const GenericValue* connector = members.Find(JSON_ExitConnector))
         {
             exitConnector = ReadUInt(*connector);
         }
         // Required: a bad attribute array does not fail the node; it keeps the attributes that were
         // made.
         Init_Attribs(node, alloc);
-        if (const GenericValue* builder = FindMember(node, JSON_BuilderType))
+        if (const GenericValue* builder = members.Find(JSON_BuilderType))
         {
             builderType =
                 static_cast<__DURM_BUILDERS__>(DURMBaseLib::GetBuilderIndex(ReadText(*builder)));
         }
 
         scriptName = nullptr;
-        const GenericValue* script = FindMember(node, JSON_ScriptName);
+        const GenericValue* script = members.Find(JSON_ScriptName);
         const char* scriptText = script == nullptr ? nullptr : ReadText(*script);
         if (script != nullptr && (scriptText == nullptr || *scriptText != '\0'))
         {
@@ -98,7 +99,7 @@ int BaseDef::Init(const GenericValue& node, HSMAlloc* alloc)
             std::memcpy(scriptName, scriptText, length);
         }
 
-        if (const GenericValue* children = FindMember(node, JSON_Children))
+        if (const GenericValue* children = members.Find(JSON_Children))
         {
             ERROR_BREAK(children->IsArray());
             numChildren = children->Size();

@@ -2,8 +2,10 @@
 // definitions/JsonReader.cpp: the one place that calls the parser's accessors.
 #include "definitions/JsonReader.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 
 namespace vell
@@ -11,27 +13,114 @@ namespace vell
 namespace
 {
 
-/// The members' names with their lengths, so that a look-up does not measure them each time.
-class MemberNames
+/// Tells whether two names of one length are equal. In line: names are short.
+bool IsSameName(const char* left, const char* right, std::size_t length)
 {
-public:
-    MemberNames()
+    for (; length >= 8; length -= 8, left += 8, right += 8)
     {
-        for (int number = 0; number < kCount; ++number)
+        std::uint64_t words[2];
+        std::memcpy(&words[0], left, 8);
+        std::memcpy(&words[1], right, 8);
+        if (words[0] != words[1])
         {
-            const char* name = DURMBaseLib::GetJsonName(static_cast<__JSONTYPES__>(number));
-            names[number] = name == nullptr ? std::string_view() : std::string_view(name);
+            return false;
         }
     }
-
-    std::string_view operator[](__JSONTYPES__ member) const
+    for (; length != 0; --length, ++left, ++right)
     {
-        return member >= 0 && member < kCount ? names[member] : std::string_view();
+        if (*left != *right)
+        {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// The vocabulary: the members' names with their lengths, by number, and the numbers by name.
+class Vocabulary
+{
+public:
+    static constexpr int kNone = -1;
+
+    static const Vocabulary& Get()
+    {
+        static const Vocabulary vocabulary;
+        return vocabulary;
+    }
+
+    std::string_view GetName(__JSONTYPES__ member) const
+    {
+        return member >= 0 && member < kVocabularySize ? names[member] : std::string_view();
+    }
+
+    /// Gives the first number of a name, `kNone` for a name that is not known.
+    int FindNumber(const char* text, std::size_t length) const
+    {
+        unsigned int slot = GetSlot(text, length);
+        for (; slots[slot] != kNone; slot = (slot + 1) % kSlots)
+        {
+            const std::string_view name = names[slots[slot]];
+            if (name.size() == length && IsSameName(name.data(), text, length))
+            {
+                break;
+            }
+        }
+        return slots[slot];
+    }
+
+    /// Gives the next number of the same name, `kNone` behind the last.
+    int GetNext(int number) const
+    {
+        return next[number];
     }
 
 private:
-    static constexpr int kCount = 256;
-    std::string_view names[kCount];
+    static constexpr unsigned int kSlots = 2 * kVocabularySize; ///< at most half of them in use
+
+    Vocabulary()
+    {
+        std::fill(std::begin(next), std::end(next), std::int16_t{kNone});
+        std::fill(std::begin(slots), std::end(slots), std::int16_t{kNone});
+        for (int number = 0; number < kVocabularySize; ++number)
+        {
+            if (const char* text = DURMBaseLib::GetJsonName(static_cast<__JSONTYPES__>(number)))
+            {
+                names[number] = text;
+                File(static_cast<std::int16_t>(number));
+            }
+        }
+    }
+
+    void File(std::int16_t number)
+    {
+        const std::string_view name = names[number];
+        int known = FindNumber(name.data(), name.size());
+        if (known != kNone)
+        {
+            for (; next[known] != kNone; known = next[known])
+            {
+            }
+            next[known] = number;
+            return;
+        }
+        unsigned int slot = GetSlot(name.data(), name.size());
+        while (slots[slot] != kNone)
+        {
+            slot = (slot + 1) % kSlots;
+        }
+        slots[slot] = number;
+    }
+
+    static unsigned int GetSlot(const char* text, std::size_t length)
+    {
+        const unsigned int first = static_cast<unsigned char>(text[0]);
+        const unsigned int last = static_cast<unsigned char>(text[length - (length != 0 ? 1 : 0)]);
+        return (static_cast<unsigned int>(length) + first * 9 + last * 5) % kSlots;
+    }
+
+    std::string_view names[kVocabularySize];
+    std::int16_t next[kVocabularySize];
+    std::int16_t slots[kSlots];
 };
 
 const GenericValue* Find(const GenericValue& object, std::string_view name)
@@ -51,7 +140,7 @@ const GenericValue* Find(const GenericValue& object, std::string_view name)
         }
         const char* text = member->name.GetString();
         if (name.empty() ||
-            (text[0] == name[0] && std::memcmp(text, name.data(), name.size()) == 0))
+            (text[0] == name[0] && IsSameName(text, name.data(), name.size())))
         {
             return &member->value;
         }
@@ -69,8 +158,7 @@ const GenericValue& NullValue()
 
 const GenericValue* FindMember(const GenericValue& object, __JSONTYPES__ member)
 {
-    static const MemberNames names;
-    return Find(object, names[member]);
+    return Find(object, Vocabulary::Get().GetName(member));
 }
 
 const GenericValue* FindMember(const GenericValue& object, const char* member)
@@ -87,6 +175,36 @@ const GenericValue& GetMember(const GenericValue& object, __JSONTYPES__ member)
 const GenericValue& GetMember(const GenericValue& object, const char* member)
 {
     const GenericValue* found = FindMember(object, member);
+    return found == nullptr ? NullValue() : *found;
+}
+
+Members::Members(const GenericValue& indexedObject) : object(indexedObject)
+{
+    if (!object.IsObject() || object.MemberCount() == 0)
+    {
+        return;
+    }
+    static const Vocabulary& vocabulary = Vocabulary::Get();
+    first = &*object.MemberBegin();
+    isLarge = object.MemberCount() > kMaxIndexed;
+    const unsigned int count = isLarge ? kMaxIndexed : object.MemberCount();
+    for (unsigned int i = 0; i < count; ++i)
+    {
+        const GenericValue& name = first[i].name;
+        int number = vocabulary.FindNumber(name.GetString(), name.GetStringLength());
+        for (; number != Vocabulary::kNone; number = vocabulary.GetNext(number))
+        {
+            if (positions[number] == 0)
+            {
+                positions[number] = static_cast<std::uint8_t>(i + 1);
+            }
+        }
+    }
+}
+
+const GenericValue& Members::Get(__JSONTYPES__ member) const
+{
+    const GenericValue* found = Find(member);
     return found == nullptr ? NullValue() : *found;
 }
 

@@ -5,8 +5,13 @@
 #include <vell/Json.h>
 #include <vell/Types.h>
 
+#include <cstdint>
+
 namespace vell
 {
+
+/// The numbers of members are below this.
+constexpr int kVocabularySize = 256;
 
 // Every read of a document goes through these. None fails: what is missing reads as the shared null
 // value, and a value of another type as told with each.
@@ -18,6 +23,36 @@ const GenericValue* FindMember(const GenericValue& object, const char* member);
 /// Gives the member, or the shared null value.
 const GenericValue& GetMember(const GenericValue& object, __JSONTYPES__ member);
 const GenericValue& GetMember(const GenericValue& object, const char* member);
+
+/// The members of one object, found by name in one walk over them: for reading many. Of two members
+/// of one name the first counts, as above. The object must outlive this.
+class Members
+{
+public:
+    explicit Members(const GenericValue& indexedObject);
+
+    /// Gives the member, or null when there is none. `member` is one of the vocabulary.
+    const GenericValue* Find(__JSONTYPES__ member) const
+    {
+        const unsigned int position = positions[member];
+        return position != 0 ? &first[position - 1].value : FindBehind(member);
+    }
+    /// Gives the member, or the shared null value.
+    const GenericValue& Get(__JSONTYPES__ member) const;
+
+private:
+    static constexpr unsigned int kMaxIndexed = 255; ///< members behind these are looked up by name
+
+    const GenericValue* FindBehind(__JSONTYPES__ member) const
+    {
+        return isLarge ? FindMember(object, member) : nullptr;
+    }
+
+    const GenericValue& object;
+    const GenericValue::Member* first = nullptr;
+    bool isLarge = false;
+    std::uint8_t positions[kVocabularySize] = {}; ///< by number: counted from 1, 0 for none
+};
 
 /// Gives the first element of an array, or the shared null value.
 const GenericValue& GetFirstElement(const GenericValue& array);

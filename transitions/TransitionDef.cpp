@@ -32,25 +32,26 @@ int TransitionDef::Init(const GenericValue& node, HSMAlloc* alloc)
         ERROR_BREAK(node.IsObject());
         const int baseResult = BaseDef::Init(node, alloc);
         ERROR_BREAK(baseResult);
-        if (!InitConditions(GetMember(node, JSON_Conditions), alloc))
+        const Members members(node);
+        if (!InitConditions(members.Get(JSON_Conditions), alloc))
         {
             LogStream(LogWarning)
                 << "Conditions failed / missing for transition: Ignoring this transition"
                 << GetName() << EndLine;
             disabled = true;
         }
-        targetID = ReadUInt(node, JSON_TransitionTarget);
-        parentId = ReadUInt(node, JSON_TransitionSource);
-        const GenericValue* tagMember = FindMember(node, JSON_TransitionTag);
+        targetID = ReadUInt(members.Get(JSON_TransitionTarget));
+        parentId = ReadUInt(members.Get(JSON_TransitionSource));
+        const GenericValue* tagMember = members.Find(JSON_TransitionTag);
         tag = tagMember == nullptr ? 0 : ReadInt(*tagMember);
         tagArgument =
-            tagMember == nullptr ? 0 : ReadInt(GetMember(node, JSON_TransitionTagArgument));
-        const GenericValue* priorityMember = FindMember(node, JSON_TransitionPriority);
+            tagMember == nullptr ? 0 : ReadInt(members.Get(JSON_TransitionTagArgument));
+        const GenericValue* priorityMember = members.Find(JSON_TransitionPriority);
         priority = priorityMember == nullptr ? 5 : ReadInt(*priorityMember);
         // Required: this undoes the disabling above. A transition whose conditions failed stays in
         // force with those made before the failure, and with its triggers.
-        disabled = ReadBool(GetMember(node, JSON_TransitionDisabled));
-        switchArgument = ReadFloat(GetMember(node, JSON_TransitionSwitchArgument));
+        disabled = ReadBool(members.Get(JSON_TransitionDisabled));
+        switchArgument = ReadFloat(members.Get(JSON_TransitionSwitchArgument));
         return 1;
     } while (false);
     Uninit();
@@ -72,7 +73,8 @@ int TransitionDef::InitConditions(const GenericValue& array, HSMAlloc* alloc)
         {
             const GenericValue& element = array[i];
             ERROR_GOTO(element.IsObject(), failed);
-            auto* condition = dynamic_cast<ConditionDef*>(ConditionDef::Create(element, alloc));
+            // What this factory gives is a condition of one of the four classes.
+            auto* condition = static_cast<ConditionDef*>(ConditionDef::Create(element, alloc));
             ERROR_GOTO(condition, failed);
             ERROR_GOTO(condition->Init(element, alloc), failed);
             StoreElement(conditionArray, i, condition);

@@ -4,10 +4,10 @@
 
 #include <zlib.h>
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstddef>
+#include <cstring>
 #include <iterator>
 #include <string_view>
 #include <system_error>
@@ -47,51 +47,22 @@ constexpr std::array<const char*, kNameCount> MakeNames()
 
 constexpr std::array<const char*, kNameCount> kNames = MakeNames();
 
-struct SortedWord
-{
-    std::string_view text;
-    int number = 0;
-};
-
-/// A copy of a table in the order of its texts, made by the compiler, so that the tables themselves
-/// can stand in the order of their numbers.
+/// Gives the number of a word, 0 for another. Most words of a table begin with another letter.
 template <std::size_t Count>
-constexpr std::array<SortedWord, Count> SortByText(const Word (&words)[Count])
-{
-    std::array<SortedWord, Count> sorted{};
-    for (std::size_t i = 0; i < Count; ++i)
-    {
-        const SortedWord word{words[i].text, words[i].number};
-        std::size_t place = i;
-        for (; place > 0 && word.text < sorted[place - 1].text; --place)
-        {
-            sorted[place] = sorted[place - 1];
-        }
-        sorted[place] = word;
-    }
-    return sorted;
-}
-
-constexpr auto kSortedParameterTypes = SortByText(kParameterTypes);
-constexpr auto kSortedBuilders = SortByText(kBuilders);
-constexpr auto kSortedOperators = SortByText(kOperators);
-constexpr auto kSortedMachineTypes = SortByText(kMachineTypes);
-constexpr auto kSortedAssigns = SortByText(kAssigns);
-
-template <std::size_t Count>
-int FindNumber(const std::array<SortedWord, Count>& sorted, const char* text)
+int FindNumber(const Word (&words)[Count], const char* text)
 {
     if (text == nullptr)
     {
         return 0;
     }
-    const std::string_view wanted(text);
-    const auto isBefore = [](const SortedWord& word, std::string_view name)
+    for (const Word& word : words)
     {
-        return word.text < name;
-    };
-    const auto found = std::lower_bound(sorted.begin(), sorted.end(), wanted, isBefore);
-    return found != sorted.end() && found->text == wanted ? found->number : 0;
+        if (word.text[0] == text[0] && std::strcmp(word.text, text) == 0)
+        {
+            return word.number;
+        }
+    }
+    return 0;
 }
 
 template <std::size_t Count>
@@ -134,7 +105,7 @@ const char* GetParameterName(__ePARAMTYPE__ type)
 
 int GetParameterName(const char* name)
 {
-    return FindNumber(kSortedParameterTypes, name);
+    return FindNumber(kParameterTypes, name);
 }
 
 __ePARAMTYPE__ GetParameterTypeByName(const char* name)
@@ -144,13 +115,13 @@ __ePARAMTYPE__ GetParameterTypeByName(const char* name)
 
 int GetBuilderIndex(const char* name)
 {
-    const int number = FindNumber(kSortedBuilders, name);
+    const int number = FindNumber(kBuilders, name);
     return number == 0 && name != nullptr ? ReadDecimal(name) : number;
 }
 
 int GetAssignName(const char* name)
 {
-    return FindNumber(kSortedAssigns, name);
+    return FindNumber(kAssigns, name);
 }
 
 const char* GetConnectorName(__CONNECTOR_TYPES__ type)
@@ -160,12 +131,12 @@ const char* GetConnectorName(__CONNECTOR_TYPES__ type)
 
 int GetEvaluationEnum(const char* name)
 {
-    return FindNumber(kSortedOperators, name);
+    return FindNumber(kOperators, name);
 }
 
 __STATE_MACHINE_TYPES__ GetStateMachineTypeByName(const char* name)
 {
-    return static_cast<__STATE_MACHINE_TYPES__>(FindNumber(kSortedMachineTypes, name));
+    return static_cast<__STATE_MACHINE_TYPES__>(FindNumber(kMachineTypes, name));
 }
 
 unsigned ConvertStringToCRC(std::string& text)
