@@ -139,8 +139,7 @@ const GenericValue* Find(const GenericValue& object, std::string_view name)
             continue;
         }
         const char* text = member->name.GetString();
-        if (name.empty() ||
-            (text[0] == name[0] && IsSameName(text, name.data(), name.size())))
+        if (name.empty() || (text[0] == name[0] && IsSameName(text, name.data(), name.size())))
         {
             return &member->value;
         }

@@ -76,17 +76,17 @@ public:
     static constexpr std::size_t kIdentitySize =
         70; ///< characters of a GUID or build id, terminated
 
-    Tessel::KVTable kvTable;           ///< null until the first Init
-    unsigned int numNodes = 0;         ///< size of the last array
-    unsigned int nextIndex = 0;        ///< insertions tried so far
-    unsigned int enterNodeId = 0;      ///< from the head
-    unsigned int globalNodeId = 0;     ///< last GlobalDef of the global array
-    unsigned int substateRootId = 0;   ///< from the head: the node that the machine starts with
-    unsigned int headValue84 = 0;      ///< from the head; nobody reads it
-    char guid[kIdentitySize] = {};     ///< empty when the head has none
-    char buildId[kIdentitySize] = {};  ///< the GUID when the head has none
+    Tessel::KVTable kvTable;          ///< null until the first Init
+    unsigned int numNodes = 0;        ///< size of the last array
+    unsigned int nextIndex = 0;       ///< insertions tried so far
+    unsigned int enterNodeId = 0;     ///< from the head
+    unsigned int globalNodeId = 0;    ///< last GlobalDef of the global array
+    unsigned int substateRootId = 0;  ///< from the head: the node that the machine starts with
+    unsigned int headValue84 = 0;     ///< from the head; nobody reads it
+    char guid[kIdentitySize] = {};    ///< empty when the head has none
+    char buildId[kIdentitySize] = {}; ///< the GUID when the head has none
     NodeMap enterNodes{std::pmr::new_delete_resource()}; ///< enter node of each parent id
-    NodeMap nodes{&nodePool};          ///< every definition
+    NodeMap nodes{&nodePool};                            ///< every definition
     std::vector<unsigned int> nodeIds; ///< in order of insertion, refused duplicates included
     char* modelFileName = nullptr;     ///< in the arena
     char* skeletonFileName = nullptr;  ///< in the arena

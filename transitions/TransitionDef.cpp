@@ -44,8 +44,7 @@ int TransitionDef::Init(const GenericValue& node, HSMAlloc* alloc)
         parentId = ReadUInt(members.Get(JSON_TransitionSource));
         const GenericValue* tagMember = members.Find(JSON_TransitionTag);
         tag = tagMember == nullptr ? 0 : ReadInt(*tagMember);
-        tagArgument =
-            tagMember == nullptr ? 0 : ReadInt(members.Get(JSON_TransitionTagArgument));
+        tagArgument = tagMember == nullptr ? 0 : ReadInt(members.Get(JSON_TransitionTagArgument));
         const GenericValue* priorityMember = members.Find(JSON_TransitionPriority);
         priority = priorityMember == nullptr ? 5 : ReadInt(*priorityMember);
         // Required: this undoes the disabling above. A transition whose conditions failed stays in

@@ -77,10 +77,10 @@ public:
     template <class T>
     void DeleteNow(T* object);
 
-    unsigned char* block = nullptr;        ///< null while no block is held
-    unsigned int used = 0;                 ///< bytes handed out; offset of the next object
-    unsigned int capacity = 0;             ///< bytes of the block
-    SizeMap tracked{&trackedPool};         ///< address and size of every typed allocation ever made
+    unsigned char* block = nullptr; ///< null while no block is held
+    unsigned int used = 0;          ///< bytes handed out; offset of the next object
+    unsigned int capacity = 0;      ///< bytes of the block
+    SizeMap tracked{&trackedPool};  ///< address and size of every typed allocation ever made
 
 private:
     /// What to do about one object: `release` when the block goes, which turns the object into what

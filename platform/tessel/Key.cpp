@@ -2,6 +2,7 @@
 // platform/tessel/Key.cpp: the stored text of a key, shared by all tables or owned by one.
 #include "platform/tessel/Key.h"
 
+#include <algorithm>
 #include <atomic>
 #include <mutex>
 #include <new>
@@ -49,25 +50,64 @@ void Free(void* memory)
 
 } // namespace
 
+struct alignas(Key::kAlignment) KeyRoom::Block
+{
+    Block* next;
+};
+
+KeyRoom::~KeyRoom()
+{
+    while (blocks != nullptr)
+    {
+        Block* block = blocks;
+        blocks = block->next;
+        Free(block);
+    }
+}
+
+void* KeyRoom::Take(std::size_t size)
+{
+    constexpr std::size_t kFirstSize = 256;
+    constexpr std::size_t kLastSize = 4096;
+
+    size = (size + Key::kAlignment - 1) / Key::kAlignment * Key::kAlignment;
+    if (size > left)
+    {
+        nextSize = std::clamp(nextSize * 2, kFirstSize, kLastSize);
+        blocks = new (Allocate(nextSize)) Block{blocks};
+        next = reinterpret_cast<char*>(blocks + 1);
+        left = nextSize - sizeof(Block);
+    }
+    void* taken = next;
+    next += size;
+    left -= size;
+    return taken;
+}
+
 alignas(Key::kSharedSize) unsigned char Key::sharedRow[kMaxShared * kSharedSize];
 
-Key::Key(const KeyText& name, std::uint32_t nameHash, bool isShared)
-    : hash(nameHash), length(name.length & KeyText::kMaxLength), shared(isShared ? 1u : 0u)
+Key::Key(const KeyText& name, std::uint32_t nameHash, bool isOwned)
+    : hash(nameHash), length(name.length & KeyText::kMaxLength), owned(isOwned ? 1u : 0u)
 {
     char* text = reinterpret_cast<char*>(this + 1);
     std::memcpy(text, name.text, name.length);
     text[name.length] = '\0';
 }
 
-const Key* Key::Acquire(const KeyText& name)
+const Key* Key::Acquire(const KeyText& name, KeyRoom* room)
 {
     if (const Key* key = FindByAddress(name.text))
     {
         return key;
     }
     const std::uint32_t hash = name.ComputeHash();
-    const Key* key = AcquireShared(name, hash);
-    return key != nullptr ? key : CreateOwned(name, hash);
+    if (const Key* key = AcquireShared(name, hash))
+    {
+        return key;
+    }
+    return room != nullptr && name.length <= kMaxSharedLength ? new (room->Take(GetSize(name)))
+                                                                    Key(name, hash, false)
+                                                              : CreateOwned(name, hash);
 }
 
 const char* Key::Intern(const char* text)
@@ -79,7 +119,7 @@ const char* Key::Intern(const char* text)
 
 void Key::Release(const Key* key)
 {
-    if (key != nullptr && !key->IsShared())
+    if (key != nullptr && key->owned != 0)
     {
         Free(const_cast<Key*>(key));
     }
@@ -96,7 +136,7 @@ const Key* Key::CreateOwned(const KeyText& name, std::uint32_t hash)
     {
         throw std::bad_alloc();
     }
-    return new (Allocate(sizeof(Key) + name.length + 1)) Key(name, hash, false);
+    return new (Allocate(GetSize(name))) Key(name, hash, true);
 }
 
 /// Gives the shared key of `name`, made when it is the first one; null when there is none.
@@ -137,7 +177,7 @@ const Key* Key::AddShared(const KeyText& name, std::uint32_t hash)
     {
         return nullptr;
     }
-    const Key* key = new (sharedRow + count * kSharedSize) Key(name, hash, true);
+    const Key* key = new (sharedRow + count * kSharedSize) Key(name, hash, false);
     std::uint32_t at = hash % kPlaces;
     while (sharedKeys[at].load(std::memory_order_relaxed) != nullptr)
     {

@@ -10,10 +10,34 @@
 namespace Tessel
 {
 
+/// Room for the keys of one large table, which go all at once.
+class KeyRoom
+{
+public:
+    KeyRoom() = default;
+    ~KeyRoom();
+
+    KeyRoom(const KeyRoom&) = delete;
+    KeyRoom& operator=(const KeyRoom&) = delete;
+
+    /// Gives room of `size` bytes, aligned as keys are. May throw `std::bad_alloc`; nothing is lost
+    /// then.
+    void* Take(std::size_t size);
+
+private:
+    struct Block;
+
+    Block* blocks = nullptr;
+    char* next = nullptr;     ///< what is left of the first block
+    std::size_t left = 0;     ///< bytes of it
+    std::size_t nextSize = 0; ///< bytes of the block to come, which grow up to a limit
+};
+
 /// The stored text of a key. Names are shared by all tables and kept for good, so a table that has
 /// the same keys as a thousand others pays a pointer for each and takes no lock for them. What is
 /// not worth keeping (decimal ids, long texts, names beyond the first 4096) belongs to its one
-/// user. No text is both: once there is no room for further shared ones, there never is.
+/// user, or stands in the room of the table that it is a key of. No text is both: once there is no
+/// room for further shared ones, there never is.
 class Key
 {
 public:
@@ -30,8 +54,9 @@ public:
     static constexpr std::size_t kMaxSharedLength = kSharedSize - 9;
 
     /// Gives a key with the text of `name`, to be given back by `Release`. Takes a lock only for a
-    /// name that is seen for the first time. May throw `std::bad_alloc`.
-    static const Key* Acquire(const KeyText& name);
+    /// name that is seen for the first time. A short key that is not shared is placed in `room`, if
+    /// there is one. May throw `std::bad_alloc`.
+    static const Key* Acquire(const KeyText& name, KeyRoom* room = nullptr);
 
     /// Gives the text of the shared key that has the text `text`, which is not null; or `text`
     /// itself when there is none.
@@ -56,7 +81,7 @@ public:
 
     bool IsShared() const
     {
-        return shared != 0;
+        return FindByAddress(GetText()) != nullptr;
     }
 
     const char* GetText() const
@@ -84,7 +109,13 @@ public:
     Key& operator=(const Key&) = delete;
 
 private:
-    Key(const KeyText& name, std::uint32_t nameHash, bool isShared);
+    Key(const KeyText& name, std::uint32_t nameHash, bool isOwned);
+
+    /// Gives the bytes of a key with its text.
+    static std::size_t GetSize(const KeyText& name)
+    {
+        return sizeof(Key) + name.length + 1;
+    }
 
     static const Key* CreateOwned(const KeyText& name, std::uint32_t hash);
     static const Key* AcquireShared(const KeyText& name, std::uint32_t hash);
@@ -95,7 +126,7 @@ private:
 
     std::uint32_t hash;
     std::uint32_t length : 31;
-    std::uint32_t shared : 1; ///< 1 when kept for good; the text follows the record
+    std::uint32_t owned : 1; ///< 1 when `Release` frees it; the text follows the record
 };
 
 static_assert(sizeof(Key) == 8, "the longest shared text is what it leaves of its place");

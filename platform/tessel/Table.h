@@ -113,6 +113,7 @@ private:
     struct Extras
     {
         KeyIndex index; ///< filled when there are more than `kTaggedEntries` keys
+        KeyRoom keys;   ///< the room of those behind them
         ElementArray elements;
         ListenerSet listeners;
     };

@@ -151,8 +151,8 @@ TEST(Attributes, LieInTheArenaBehindOneAnother)
 
     EXPECT_EQ(node.alloc.used, sizeof(AttribDefInteger) + sizeof(AttribDefFloat));
     EXPECT_EQ(node.alloc.tracked,
-              (std::map<void*, unsigned int>{{node.def.GetAttrib("i"), sizeof(AttribDefInteger)},
-                                             {node.def.GetAttrib("f"), sizeof(AttribDefFloat)}}));
+              (HSMAlloc::SizeMap{{node.def.GetAttrib("i"), sizeof(AttribDefInteger)},
+                                 {node.def.GetAttrib("f"), sizeof(AttribDefFloat)}}));
 }
 
 TEST(Attributes, MirrorThemselvesInTheTableOfTheirNode)

@@ -109,7 +109,7 @@ TEST(BaseDef, IsPlacedInTheArenaByItsFactory)
     ASSERT_NE(def, nullptr);
     EXPECT_EQ(static_cast<void*>(def), static_cast<void*>(alloc.block));
     EXPECT_EQ(alloc.used, sizeof(BaseDef));
-    EXPECT_EQ(alloc.tracked, (std::map<void*, unsigned int>{{def, sizeof(BaseDef)}}));
+    EXPECT_EQ(alloc.tracked, (HSMAlloc::SizeMap{{def, sizeof(BaseDef)}}));
     EXPECT_EQ(def->GetType(), DefTypeBase);
     EXPECT_EQ(def->GetFlags(), 0u);
     EXPECT_EQ(log.Take(), Lines{});

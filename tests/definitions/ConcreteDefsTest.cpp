@@ -164,7 +164,7 @@ TYPED_TEST(EveryDef, IsPlacedWithItsKindAndClass)
     EXPECT_EQ(def->GetName(), nullptr);
     EXPECT_FALSE(def->GetKVTable());
     EXPECT_EQ(alloc.used, sizeof(TypeParam));
-    EXPECT_EQ(alloc.tracked, (std::map<void*, unsigned int>{{def, sizeof(TypeParam)}}));
+    EXPECT_EQ(alloc.tracked, (HSMAlloc::SizeMap{{def, sizeof(TypeParam)}}));
     EXPECT_EQ(log.Take(), Lines{});
 }
 

@@ -18,7 +18,7 @@ namespace vell::test
 namespace
 {
 
-using Sizes = std::map<void*, unsigned int>;
+using Sizes = HSMAlloc::SizeMap;
 
 struct Small
 {

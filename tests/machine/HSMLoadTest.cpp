@@ -82,8 +82,7 @@ TEST(HSMCreate, SizesTheArenaAndPlacesTheNodeTableFirst)
     EXPECT_EQ(machine.alloc.capacity, 5000u);
     EXPECT_EQ(static_cast<void*>(machine.nodeDefTable), machine.alloc.block);
     EXPECT_EQ(machine.alloc.used, kTableSize);
-    EXPECT_EQ(machine.alloc.tracked,
-              (std::map<void*, unsigned int>{{machine.nodeDefTable, kTableSize}}));
+    EXPECT_EQ(machine.alloc.tracked, (HSMAlloc::SizeMap{{machine.nodeDefTable, kTableSize}}));
     EXPECT_TRUE(machine.nodeDefTable->nodes.empty());
     EXPECT_EQ(machine.parameterTable, nullptr);
     EXPECT_FALSE(machine.kvTable);
