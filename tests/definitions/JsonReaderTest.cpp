@@ -73,6 +73,32 @@ TEST(JsonReader, TakesNoMemberForAnotherWhoseNameItBegins)
     EXPECT_EQ(FindMember(*object, "name"), nullptr);
 }
 
+TEST(JsonReader, FindsInOneWalkWhatItFindsByName)
+{
+    JsonObject many;
+    for (int i = 0; i < 253; ++i)
+    {
+        many.Add("filler" + std::to_string(i), i);
+    }
+    many.Add(GetJsonName(JSON_ID), 1).Add(GetJsonName(JSON_ID), 2).Add(GetJsonName(JSON_Name), 3);
+    const Parsed large(many);
+    const Parsed small(
+        JsonObject().Add("nam", 1).Set(JSON_Name, 2).Add("", 3).Add(GetJsonName(JSON_Name), 4));
+    const Parsed empty("{}");
+    const Parsed text("\"name\"");
+
+    for (const Parsed* object : {&large, &small, &empty, &text})
+    {
+        const Members members(**object);
+        for (int number = 0; number < kVocabularySize; ++number)
+        {
+            const auto member = static_cast<__JSONTYPES__>(number);
+            EXPECT_EQ(members.Find(member), FindMember(**object, member)) << number;
+            EXPECT_EQ(&members.Get(member), &GetMember(**object, member)) << number;
+        }
+    }
+}
+
 TEST(JsonReader, FindsNothingInWhatIsNoObject)
 {
     for (const char* text : {"null", "true", "7", "\"text\"", "[{\"a\":1}]"})
