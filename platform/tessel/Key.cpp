@@ -94,20 +94,23 @@ Key::Key(const KeyText& name, std::uint32_t nameHash, bool isOwned)
     text[name.length] = '\0';
 }
 
-const Key* Key::Acquire(const KeyText& name, KeyRoom* room)
+const Key* Key::Acquire(const KeyText& name)
 {
     if (const Key* key = FindByAddress(name.text))
     {
         return key;
     }
     const std::uint32_t hash = name.ComputeHash();
-    if (const Key* key = AcquireShared(name, hash))
-    {
-        return key;
-    }
-    return room != nullptr && name.length <= kMaxSharedLength ? new (room->Take(GetSize(name)))
-                                                                    Key(name, hash, false)
-                                                              : CreateOwned(name, hash);
+    const Key* key = AcquireShared(name, hash);
+    return key != nullptr ? key : CreateOwned(name, hash);
+}
+
+const Key* Key::Acquire(const KeyText& name, KeyRoom& room)
+{
+    const bool isShort = name.length <= kMaxSharedLength;
+    return isShort && !IsWorthSharing(name) ? new (room.Take(GetSize(name)))
+                                                  Key(name, name.ComputeHash(), false)
+                                            : Acquire(name);
 }
 
 const char* Key::Intern(const char* text)

@@ -54,9 +54,11 @@ public:
     static constexpr std::size_t kMaxSharedLength = kSharedSize - 9;
 
     /// Gives a key with the text of `name`, to be given back by `Release`. Takes a lock only for a
-    /// name that is seen for the first time. A short key that is not shared is placed in `room`, if
-    /// there is one. May throw `std::bad_alloc`.
-    static const Key* Acquire(const KeyText& name, KeyRoom* room = nullptr);
+    /// name that is seen for the first time. May throw `std::bad_alloc`.
+    static const Key* Acquire(const KeyText& name);
+
+    /// As above; a decimal id is placed in `room`.
+    static const Key* Acquire(const KeyText& name, KeyRoom& room);
 
     /// Gives the text of the shared key that has the text `text`, which is not null; or `text`
     /// itself when there is none.

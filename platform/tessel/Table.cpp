@@ -351,7 +351,7 @@ Entry* Table::Add(const char* text)
     {
         NeedExtras().index.Reserve(index + 1);
     }
-    entry = new (entry) Entry(Key::Acquire(key, isIndexed ? &extras->keys : nullptr));
+    entry = new (entry) Entry(isIndexed ? Key::Acquire(key, extras->keys) : Key::Acquire(key));
     if (index == kTaggedEntries)
     {
         for (std::uint32_t i = 0; i < index; ++i)
