@@ -13,27 +13,40 @@ namespace vell
 namespace
 {
 
-/// Tells whether two names of one length are equal. In line: names are short.
+template <class Word>
+Word LoadWord(const char* from)
+{
+    Word word;
+    std::memcpy(&word, from, sizeof(word));
+    return word;
+}
+
+/// Tells whether the first and the last bytes of two names are equal, as many as a word has.
+template <class Word>
+bool HasSameEnds(const char* left, const char* right, std::size_t length)
+{
+    const std::size_t last = length - sizeof(Word);
+    return LoadWord<Word>(left) == LoadWord<Word>(right) &&
+           LoadWord<Word>(left + last) == LoadWord<Word>(right + last);
+}
+
+/// Tells whether two names of one length are equal. Most names are short, and need no call.
 bool IsSameName(const char* left, const char* right, std::size_t length)
 {
-    for (; length >= 8; length -= 8, left += 8, right += 8)
+    if (length > 16)
     {
-        std::uint64_t words[2];
-        std::memcpy(&words[0], left, 8);
-        std::memcpy(&words[1], right, 8);
-        if (words[0] != words[1])
-        {
-            return false;
-        }
+        return std::memcmp(left, right, length) == 0;
     }
-    for (; length != 0; --length, ++left, ++right)
+    if (length >= 8)
     {
-        if (*left != *right)
-        {
-            return false;
-        }
+        return HasSameEnds<std::uint64_t>(left, right, length);
     }
-    return true;
+    if (length >= 4)
+    {
+        return HasSameEnds<std::uint32_t>(left, right, length);
+    }
+    return length < 2 ? length == 0 || *left == *right
+                      : HasSameEnds<std::uint16_t>(left, right, length);
 }
 
 /// The vocabulary: the members' names with their lengths, by number, and the numbers by name.
