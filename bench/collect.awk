@@ -21,7 +21,7 @@ FILENAME ~ /\.csv$/ {
     value = name ~ /manual_time/ ? field[3] : field[4]
     sub(/\/manual_time/, "", name)
     sub(/\/repeats:[0-9]+/, "", name)
-    gsub(/machines:|shuffled:|interned:/, "", name)
+    gsub(/machines:|shuffled:/, "", name)
     add(name, field[5], value + 0)
     next
 }

@@ -66,12 +66,9 @@ END {
     plain("  of a node in the arena", "memory_arena", "", "")
     plain("  of a node on the heap", "memory_heap", "", "")
     plain("  of a node in its tables", "memory_tables", "", "")
-    plain("table of three keys, make and close: nanoseconds", "TableMake/0", "75", "")
-    plain("  read", "TableRead/0", "9", "")
-    plain("  write", "TableWrite/0", "16", "")
-    plain("  with interned keys, as a machine does: make", "TableMake/1", "75", "")
-    plain("  read", "TableRead/1", "9", "")
-    plain("  write", "TableWrite/1", "16", "")
+    plain("table of three keys, make and close: nanoseconds", "TableMake", "75", "")
+    plain("  read", "TableRead", "9", "")
+    plain("  write", "TableWrite", "16", "")
     plain("  bytes", "memory_table", "170", "")
     # By the clock on the wall, which all that goes on beside adds to: the least of each.
     line("process start to first state / program that only parses", has("ProcessToFirstState") ? \

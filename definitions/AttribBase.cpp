@@ -185,13 +185,14 @@ int AttribBase::UnInitKVTableListener()
 int AttribBase::ListenToValue()
 {
     TableLock lock(kvTable);
+    const Tessel::KVListener own{this, Forward};
+    kvTable->RemoveValueListener(kValueKey, &own); // listens once, however often it is asked to
     Tessel::KVListener* listener = kvTable->GetValueListener(kValueKey);
     if (listener == nullptr)
     {
         return 0;
     }
-    listener->object = this;
-    listener->function = Forward;
+    *listener = own;
     return 1;
 }
 

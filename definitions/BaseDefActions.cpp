@@ -166,6 +166,10 @@ Action* BaseDef::ActionWalk::TakeNext()
 
 int BaseDef::AddTail(Action** head, Action* action)
 {
+    if (head == nullptr)
+    {
+        return 1;
+    }
     Action** link = head;
     while (*link != nullptr)
     {
@@ -177,6 +181,10 @@ int BaseDef::AddTail(Action** head, Action* action)
 
 int BaseDef::AddHead(Action** head, Action* action)
 {
+    if (head == nullptr || action == nullptr)
+    {
+        return 1;
+    }
     if (*head != nullptr)
     {
         action->next = *head;
@@ -187,6 +195,10 @@ int BaseDef::AddHead(Action** head, Action* action)
 
 int BaseDef::DestroyActions(Action** head)
 {
+    if (head == nullptr)
+    {
+        return 1;
+    }
     Action* action = *head;
     while (action != nullptr)
     {

@@ -155,7 +155,7 @@ int BaseDef::Init_Attrib(const GenericValue& element, HSMAlloc* alloc)
                                 << EndLine;
             break;
         }
-        AttribBase* attrib = PlaceAttrib(attribType, *alloc);
+        AttribBase* attrib = alloc == nullptr ? nullptr : PlaceAttrib(attribType, *alloc);
         ERROR_BREAK(attrib);
 
         const int width = VectorWidth(attribType);
@@ -198,6 +198,10 @@ int BaseDef::Uninit_Attrib(AttribBase* attrib)
 
 int BaseDef::TabAddAttrib(AttribBase* attrib)
 {
+    if (attrib == nullptr)
+    {
+        return 1;
+    }
     Tessel::KVTable attribTable = attrib->GetKVTable();
     if (attribTable)
     {

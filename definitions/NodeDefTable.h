@@ -44,6 +44,9 @@ public:
     int ImportHead(const GenericValue& head);
     /// Takes in the skeleton section. Returns 1, or 0 with a log line.
     int ImportSkel(const GenericValue& skeleton, HSMAlloc* alloc);
+    /// The two steps of `ImportSkel`. Each returns 1, or 0 with a log line.
+    int ImportSkel_ModelFileName(const GenericValue& skeleton, HSMAlloc* alloc);
+    int ImportSkel_SkeletonFileName(const GenericValue& skeleton, HSMAlloc* alloc);
     /// Builds the nodes of the global array. Returns 1, also when a node stopped it, or 0 with a
     /// log line.
     int ImportGlobal(const GenericValue& globals, HSMAlloc* alloc);
@@ -88,19 +91,17 @@ public:
     NodeMap enterNodes{std::pmr::new_delete_resource()}; ///< enter node of each parent id
     NodeMap nodes{&nodePool};                            ///< every definition
     std::vector<unsigned int> nodeIds; ///< in order of insertion, refused duplicates included
-    char* modelFileName = nullptr;     ///< in the arena
-    char* skeletonFileName = nullptr;  ///< in the arena
-    unsigned int skelValue89 = 0;      ///< from the skeleton; nobody reads it
+    std::map<__DURM_BUILDERS__, NodeDefFactory> spareBuilders; ///< nobody fills it
+    char* modelFileName = nullptr;                             ///< in the arena
+    char* skeletonFileName = nullptr;                          ///< in the arena
+    unsigned int skelValue89 = 0; ///< from the skeleton; nobody reads it
+    NodeMap::iterator cursor;     ///< position of the one walk over `nodes`
 
 private:
     void ImportIdentity(const GenericValue& head);
     void PrintHead(const GenericValue& head, unsigned int substateRoot) const;
-    int ImportSkel_ModelFileName(const GenericValue& skeleton, HSMAlloc* alloc);
-    int ImportSkel_SkeletonFileName(const GenericValue& skeleton, HSMAlloc* alloc);
     BaseDef* WalkFrom(NodeMap::iterator position, unsigned int mask);
     void ClearNodes();
-
-    NodeMap::iterator cursor; ///< position of the one walk
 };
 
 } // namespace vell

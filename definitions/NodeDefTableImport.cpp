@@ -154,7 +154,7 @@ int NodeDefTable::ImportSkel_ModelFileName(const GenericValue& skeleton, HSMAllo
         const char* text = ReadText(skeleton, JSON_ModelFileName);
         ERROR_BREAK(text == nullptr || *text != '\0');
         const std::size_t length = text == nullptr ? 0 : std::strlen(text);
-        modelFileName = AllocText(*alloc, length);
+        modelFileName = alloc == nullptr ? nullptr : AllocText(*alloc, length);
         ERROR_BREAK(modelFileName);
         ERROR_BREAK(text);
         std::memcpy(modelFileName, text, length);
@@ -173,7 +173,7 @@ int NodeDefTable::ImportSkel_SkeletonFileName(const GenericValue& skeleton, HSMA
         const char* text = ReadText(skeleton, JSON_SkeletonFileName);
         ERROR_BREAK(text == nullptr || *text != '\0');
         const std::size_t length = text == nullptr ? 0 : std::strlen(text);
-        skeletonFileName = AllocText(*alloc, length);
+        skeletonFileName = alloc == nullptr ? nullptr : AllocText(*alloc, length);
         ERROR_BREAK(skeletonFileName);
         ERROR_BREAK(text);
         std::memcpy(skeletonFileName, text, length);

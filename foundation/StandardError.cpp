@@ -21,6 +21,8 @@ namespace
 
 void WriteThroughStream(const char* characters, std::size_t count)
 {
+    // A host's static object may run a machine before the streams are there.
+    static const std::ios_base::Init streams;
     std::cerr.write(characters, static_cast<std::streamsize>(count));
     std::cerr.flush();
 }

@@ -2,39 +2,35 @@
 // foundation/TreeKeys.h: the keys of a machine's tree.
 #pragma once
 
-#include <tessel/Tessel.h>
-
 namespace vell
 {
 
-// Interned, so that the table library finds them by their addresses.
-
 // The root.
-inline const char* const kFileNameKey = Tessel::InternKey("filename");
-inline const char* const kContextKey = Tessel::InternKey("contextInfo");
-inline const char* const kParametersKey = Tessel::InternKey("parameterTable");
-inline const char* const kNodesKey = Tessel::InternKey("nodeDefTable");
+constexpr const char* kFileNameKey = "filename";
+constexpr const char* kContextKey = "contextInfo";
+constexpr const char* kParametersKey = "parameterTable";
+constexpr const char* kNodesKey = "nodeDefTable";
 
 // "contextInfo".
-inline const char* const kMainStackKey = Tessel::InternKey("stackStates");
-inline const char* const kBlipStackKey = Tessel::InternKey("stackBlip");
-inline const char* const kNextStateKey = Tessel::InternKey("nextState");
-inline const char* const kPreviousStateKey = Tessel::InternKey("previousState");
-inline const char* const kTransitionKey = Tessel::InternKey("transitionTriggered");
+constexpr const char* kMainStackKey = "stackStates";
+constexpr const char* kBlipStackKey = "stackBlip";
+constexpr const char* kNextStateKey = "nextState";
+constexpr const char* kPreviousStateKey = "previousState";
+constexpr const char* kTransitionKey = "transitionTriggered";
 
 // "nodeDefTable"; its other keys are ids.
-inline const char* const kGuidKey = Tessel::InternKey("hsmID");
-inline const char* const kBuildKey = Tessel::InternKey("buildID");
-inline const char* const kModelKey = Tessel::InternKey("modelfilename");
-inline const char* const kSkeletonKey = Tessel::InternKey("skelfilename");
+constexpr const char* kGuidKey = "hsmID";
+constexpr const char* kBuildKey = "buildID";
+constexpr const char* kModelKey = "modelfilename";
+constexpr const char* kSkeletonKey = "skelfilename";
 
 // Definitions, parameters and attributes.
-inline const char* const kIdKey = Tessel::InternKey("id");
-inline const char* const kTypeKey = Tessel::InternKey("type");
-inline const char* const kNameKey = Tessel::InternKey("name");
-inline const char* const kValueKey = Tessel::InternKey("value");
-inline const char* const kDynamicKey = Tessel::InternKey("dynamic");
-inline const char* const kAttribsKey = Tessel::InternKey("attribs");
-inline const char* const kNodeIdKey = Tessel::InternKey("nodeID");
+constexpr const char* kIdKey = "id";
+constexpr const char* kTypeKey = "type";
+constexpr const char* kNameKey = "name";
+constexpr const char* kValueKey = "value";
+constexpr const char* kDynamicKey = "dynamic";
+constexpr const char* kAttribsKey = "attribs";
+constexpr const char* kNodeIdKey = "nodeID";
 
 } // namespace vell

@@ -48,7 +48,11 @@ int HSM::DestroyKVTable()
 
 int HSM::InitKVTable_Self()
 {
-    if (kvTable && !fileName.empty())
+    if (!kvTable)
+    {
+        return 0;
+    }
+    if (!fileName.empty())
     {
         kvTable->SetString(kFileNameKey, fileName.c_str(), 1);
     }
@@ -139,10 +143,11 @@ void HSM::ReportStateChange(SMState* previous, unsigned int nextId)
     }
 }
 
-/// Writes the transition that fired into the tree.
+/// Writes the transition that fired into the tree, which is the one that a subclass shows.
 void HSM::ReportTransition(unsigned int transitionId)
 {
-    if (Tessel::KVTable context = GetContextTable())
+    Tessel::KVTable root = GetKVTable();
+    if (Tessel::KVTable context = root ? root->GetTable(kContextKey) : Tessel::KVTable())
     {
         context->SetUInt(kTransitionKey, transitionId, 1);
     }

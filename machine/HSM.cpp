@@ -9,6 +9,8 @@
 
 #include <vell/SMState.h>
 
+#include <utility>
+
 namespace vell
 {
 namespace
@@ -54,9 +56,9 @@ void HSM::Start()
 
 int HSM::Uninit()
 {
-    // The tables lie in the arena and are gone with it, while the pointers stay.
     ++changes;
-    const bool hasTables = alloc.block != nullptr;
+    // The tables go with the arena, while the pointers stay.
+    const bool hasTables = !std::exchange(isUninitialised, true);
     if (hasTables && parameterTable != nullptr)
     {
         parameterTable->Uninit();

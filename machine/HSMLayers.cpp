@@ -8,31 +8,32 @@
 namespace vell
 {
 
-int HSM::ImportLayers(const GenericValue& root, HSMAlloc* arena)
+// Required: the root tells which members there are; what is imported are those of the machine's own
+// document, into its own arena.
+int HSM::ImportLayers(const GenericValue& root, HSMAlloc*)
 {
     int result = 0;
     do
     {
-        const GenericValue* layers = FindMember(root, JSON_Layers);
-        if (layers == nullptr)
+        if (FindMember(root, JSON_Layers) == nullptr)
         {
-            const GenericValue* nodes = FindMember(root, JSON_Nodes);
-            ERROR_BREAK(nodes != nullptr);
+            ERROR_BREAK(FindMember(root, JSON_Nodes) != nullptr);
             // Required: nodes at the root are taken in, and the load fails all the same.
-            ERROR_BREAK(InitNodeDefTable(*nodes, arena));
+            ERROR_BREAK(InitNodeDefTable(GetMember(document, JSON_Nodes), &alloc));
             break;
         }
-        ERROR_BREAK(layers->IsArray());
+        const GenericValue& layers = GetMember(document, JSON_Layers);
+        ERROR_BREAK(layers.IsArray());
         LogStream(LogPlain) << "\n\nImporting HSM layers" << EndLine;
         LogStream(LogPlain) << "--------------------\n\n" << EndLine;
-        for (unsigned int i = 0; i < layers->Size(); ++i)
+        for (unsigned int i = 0; i < layers.Size(); ++i)
         {
-            const GenericValue& layer = (*layers)[i];
+            const GenericValue& layer = layers[i];
             LogStream(LogPlain) << "Importing Layer[" << i << "]: " << ReadText(layer, JSON_Name)
                                 << EndLine;
             LogStream(LogPlain) << "---------------------------------------" << EndLine;
             // Required: a failed layer runs a second time and ends the walk, not the load.
-            ERROR_BREAK(ImportStates(layer, arena));
+            ERROR_BREAK(ImportStates(layer, &alloc));
             LogStream(LogPlain) << "\n" << EndLine;
         }
         result = 1;

@@ -57,6 +57,7 @@ void HSM::ForgetArena()
 {
     ++changes;
     walk->values.Clear();
+    isUninitialised = false;
     parameterTable = nullptr;
     nodeDefTable = nullptr;
     previousState = nullptr;
@@ -147,7 +148,7 @@ int HSM::InitParameterTable(const GenericValue& root, HSMAlloc* arena)
         }
         if (parameterTable == nullptr)
         {
-            parameterTable = arena->New<ParameterTable>();
+            parameterTable = arena == nullptr ? nullptr : arena->New<ParameterTable>();
             ERROR_BREAK(parameterTable);
             parameterTable->SetValueRoom(&walk->values);
         }

@@ -73,8 +73,7 @@ int HSM::Notify()
         return 0;
     }
     StateChangeEvent change{0, 0, 0};
-    Tessel::KVTable context = GetContextTable();
-    if (context)
+    if (Tessel::KVTable context = GetContextTable())
     {
         change.nextID = context->GetUInt(kNextStateKey);
         change.previousID = context->GetUInt(kPreviousStateKey);
@@ -91,7 +90,7 @@ int HSM::Notify()
             ++called;
         }
     }
-    if (context)
+    if (Tessel::KVTable context = GetContextTable())
     {
         context->SetUInt(kNextStateKey, 0, 1);
         context->SetUInt(kPreviousStateKey, 0, 1);

@@ -98,10 +98,11 @@ int ParameterDef::InitKVTableListener()
     {
         return 0;
     }
+    const Tessel::KVListener own{this, Forward};
+    kvTable->RemoveValueListener(kValueKey, &own); // listens once, however often it is asked to
     if (Tessel::KVListener* listener = kvTable->GetValueListener(kValueKey))
     {
-        listener->object = this;
-        listener->function = Forward;
+        *listener = own;
     }
     return 1;
 }

@@ -183,7 +183,16 @@ SMState* SMState::GetStates()
 
 int SMState::PerformActions(__ActType__ type, float dt, Action* first)
 {
-    if (first == nullptr || def == nullptr)
+    if (def == nullptr)
+    {
+        for (Action *action = first, *next = nullptr; action != nullptr; action = next)
+        {
+            next = action->next;
+            action->Perform(type, dt);
+        }
+        return 1;
+    }
+    if (first == nullptr)
     {
         return 1;
     }

@@ -159,6 +159,7 @@ int SMState::SetAttrib(const char* name, void*)
     const AttribBase* attrib = GetAttribBase(name);
     if (attrib != nullptr)
     {
+        attrib->GetDefaultType(); // Required: asked for twice, which an attribute may count
         LogStream(LogError) << "Attribute name: " << name << " of type " << attrib->GetDefaultType()
                             << " not defined" << EndLine;
     }
@@ -185,11 +186,16 @@ int SMState::GetAttrib(const char* name, void* out) const
     {
         return 1;
     }
+    const int type = attrib->GetDefaultType();
+    if (type == DURMBaseLib::PARAM_Message)
+    {
+        return 1;
+    }
     if (out == nullptr)
     {
         return 0;
     }
-    switch (attrib->GetDefaultType())
+    switch (type)
     {
     case DURMBaseLib::PARAM_Bool:
     {
@@ -212,8 +218,6 @@ int SMState::GetAttrib(const char* name, void* out) const
         std::memcpy(out, &value, sizeof(value));
         return 1;
     }
-    case DURMBaseLib::PARAM_Message:
-        return 1;
     default:
         return 0;
     }

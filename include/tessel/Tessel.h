@@ -313,12 +313,6 @@ TESSEL_API void CloseTable(KVTable table);
 /// `AddTable`. Null for a null handle and a closed table. Valid until the table is closed.
 TESSEL_API const char* GetTableName(KVTable table);
 
-/// Gives the library's own copy of the text `key`. It stays for the life of the process, and every
-/// call that takes a key finds this one by its address, for less than by its characters. Gives
-/// `key` itself when none is kept: for null, a text that begins with a digit or has more than 55
-/// characters, and once 4096 are kept.
-TESSEL_API const char* InternKey(const char* key);
-
 /// Gives the number of open tables of the process, for tests of leaks. It looks at each place.
 TESSEL_API unsigned GetOpenTableCount();
 

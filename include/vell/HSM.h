@@ -214,6 +214,8 @@ private:
     void ReportStateChange(SMState* previous, unsigned int nextId);
     void ReportTransition(unsigned int transitionId);
     Tessel::KVTable GetContextTable() const;
+
+    bool isUninitialised = false; ///< Uninit ran, and no Create since
 };
 
 } // namespace vell

@@ -85,6 +85,7 @@ void* KeyRoom::Take(std::size_t size)
 }
 
 alignas(Key::kSharedSize) unsigned char Key::sharedRow[kMaxShared * kSharedSize];
+std::atomic<const Key*> Key::remembered[kRememberedCount];
 
 Key::Key(const KeyText& name, std::uint32_t nameHash, bool isOwned)
     : hash(nameHash), length(name.length & KeyText::kMaxLength), owned(isOwned ? 1u : 0u)
@@ -96,10 +97,6 @@ Key::Key(const KeyText& name, std::uint32_t nameHash, bool isOwned)
 
 const Key* Key::Acquire(const KeyText& name)
 {
-    if (const Key* key = FindByAddress(name.text))
-    {
-        return key;
-    }
     const std::uint32_t hash = name.ComputeHash();
     const Key* key = AcquireShared(name, hash);
     return key != nullptr ? key : CreateOwned(name, hash);
@@ -111,13 +108,6 @@ const Key* Key::Acquire(const KeyText& name, KeyRoom& room)
     return isShort && !IsWorthSharing(name) ? new (room.Take(GetSize(name)))
                                                   Key(name, name.ComputeHash(), false)
                                             : Acquire(name);
-}
-
-const char* Key::Intern(const char* text)
-{
-    const KeyText name(text);
-    const Key* key = AcquireShared(name, name.ComputeHash());
-    return key != nullptr ? key->GetText() : text;
 }
 
 void Key::Release(const Key* key)

@@ -4,6 +4,7 @@
 
 #include "platform/tessel/KeyText.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
@@ -60,30 +61,39 @@ public:
     /// As above; a decimal id is placed in `room`.
     static const Key* Acquire(const KeyText& name, KeyRoom& room);
 
-    /// Gives the text of the shared key that has the text `text`, which is not null; or `text`
-    /// itself when there is none.
-    static const char* Intern(const char* text);
+    /// Gives the shared key that `Remember` was last told of for the address `text`, if that is the
+    /// text there now; otherwise null, also for null. Programs look up with the same literals again
+    /// and again, and this is the shortest way to their keys.
+    static const Key* Recall(const char* text)
+    {
+        if (text == nullptr)
+        {
+            return nullptr;
+        }
+        const Key* key = GetRemembered(text).load(std::memory_order_acquire);
+        return key != nullptr && std::strcmp(key->GetText(), text) == 0 ? key : nullptr;
+    }
+
+    /// Notes that `key` has the text at the address `text`, for `Recall`. Only shared keys are.
+    static void Remember(const char* text, const Key& key)
+    {
+        if (key.IsShared())
+        {
+            GetRemembered(text).store(&key, std::memory_order_release);
+        }
+    }
 
     /// Ends the use of a key; null is allowed. No other user of a shared key is touched.
     static void Release(const Key* key);
-
-    /// Gives the shared key whose own text stands at `text`, or null; also for null. Nothing is
-    /// read there.
-    static const Key* FindByAddress(const char* text)
-    {
-        const std::uintptr_t first = reinterpret_cast<std::uintptr_t>(sharedRow) + sizeof(Key);
-        const std::uintptr_t offset = reinterpret_cast<std::uintptr_t>(text) - first;
-        return offset < sizeof(sharedRow) && offset % kSharedSize == 0
-                   ? reinterpret_cast<const Key*>(text) - 1
-                   : nullptr;
-    }
 
     /// Gives the number of keys that are kept for good.
     static std::uint32_t GetSharedCount();
 
     bool IsShared() const
     {
-        return FindByAddress(GetText()) != nullptr;
+        return reinterpret_cast<std::uintptr_t>(this) -
+                   reinterpret_cast<std::uintptr_t>(sharedRow) <
+               sizeof(sharedRow);
     }
 
     const char* GetText() const
@@ -119,12 +129,22 @@ private:
         return sizeof(Key) + name.length + 1;
     }
 
+    /// As many as there are addresses in a page: the place of a literal is then the same in every
+    /// run of a program.
+    static constexpr std::size_t kRememberedCount = 4096;
+
+    static std::atomic<const Key*>& GetRemembered(const char* text)
+    {
+        return remembered[reinterpret_cast<std::uintptr_t>(text) % kRememberedCount];
+    }
+
     static const Key* CreateOwned(const KeyText& name, std::uint32_t hash);
     static const Key* AcquireShared(const KeyText& name, std::uint32_t hash);
     static const Key* FindShared(const KeyText& name, std::uint32_t hash);
     static const Key* AddShared(const KeyText& name, std::uint32_t hash);
 
     alignas(kSharedSize) static unsigned char sharedRow[kMaxShared * kSharedSize];
+    static std::atomic<const Key*> remembered[kRememberedCount];
 
     std::uint32_t hash;
     std::uint32_t length : 31;

@@ -33,6 +33,18 @@ std::uint32_t CountTrailingZeros(std::uint64_t bits)
 #endif
 }
 
+/// As `Key::Acquire`, for a text that may be looked up again.
+const Key* AcquireKey(const char* text)
+{
+    if (const Key* key = Key::Recall(text))
+    {
+        return key;
+    }
+    const Key* key = Key::Acquire(KeyText(text));
+    Key::Remember(text, *key);
+    return key;
+}
+
 } // namespace
 
 KVValue* Table::GetValueAt(unsigned index)
@@ -268,7 +280,7 @@ int Table::GetTypeAt(unsigned index)
 /// Gives the entry of `key`, or null; also for a null key.
 inline Entry* Table::Find(const char* key)
 {
-    if (const Key* shared = Key::FindByAddress(key))
+    if (const Key* shared = Key::Recall(key))
     {
         return FindShared(*shared);
     }
@@ -324,6 +336,7 @@ Entry* Table::FindText(const char* text)
         Entry* entry = GetEntry(CountTrailingZeros(hits) / 8);
         if (entry->GetKey()->Is(key))
         {
+            Key::Remember(text, *entry->GetKey());
             return entry;
         }
     }
@@ -343,7 +356,6 @@ Entry* Table::FindIndexed(KeyText key)
 /// keeps at most some room that is not used yet.
 Entry* Table::Add(const char* text)
 {
-    const KeyText key(text);
     const std::uint32_t index = keyCount;
     Entry* entry = MakeRoom(index);
     const bool isIndexed = index >= kTaggedEntries;
@@ -351,7 +363,8 @@ Entry* Table::Add(const char* text)
     {
         NeedExtras().index.Reserve(index + 1);
     }
-    entry = new (entry) Entry(isIndexed ? Key::Acquire(key, extras->keys) : Key::Acquire(key));
+    const Key* key = isIndexed ? Key::Acquire(KeyText(text), extras->keys) : AcquireKey(text);
+    entry = new (entry) Entry(key);
     if (index == kTaggedEntries)
     {
         for (std::uint32_t i = 0; i < index; ++i)
@@ -361,11 +374,11 @@ Entry* Table::Add(const char* text)
     }
     if (isIndexed)
     {
-        extras->index.Insert(entry->GetKey()->GetHash(), index);
+        extras->index.Insert(key->GetHash(), index);
     }
     else
     {
-        tags |= static_cast<std::uint64_t>(key.GetTag()) << (8 * index);
+        tags |= static_cast<std::uint64_t>(key->GetKeyText().GetTag()) << (8 * index);
     }
     ++keyCount;
     return entry;

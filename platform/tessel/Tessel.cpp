@@ -34,11 +34,6 @@ const char* GetTableName(KVTable table)
     return found == nullptr ? nullptr : found->GetName();
 }
 
-const char* InternKey(const char* key)
-{
-    return key == nullptr ? nullptr : Key::Intern(key);
-}
-
 unsigned GetOpenTableCount()
 {
     return TableStore::GetOpenCount();

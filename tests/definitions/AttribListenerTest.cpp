@@ -3,6 +3,7 @@
 #include "definitions/AttribDefs.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
+#include "tests/support/WriteCounter.h"
 
 #include <vell/SMState.h>
 
@@ -39,21 +40,6 @@ public:
     {
         return Table()->FindValue("value")->GetValueType();
     }
-};
-
-/// Counts the writes of "value".
-struct WriteCounter
-{
-    explicit WriteCounter(Tessel::KVTable table)
-    {
-        Tessel::KVListener* listener = table->GetValueListener("value");
-        listener->object = this;
-        listener->function = [](void* counter, Tessel::opResult, Tessel::KVTable, const char*)
-        {
-            return ++static_cast<WriteCounter*>(counter)->count;
-        };
-    }
-    int count = 0;
 };
 
 /// An attribute base whose table a test may take away.
@@ -398,11 +384,11 @@ TEST(AttribValues, OfATextMayLieInItsOwnBuffer)
 TEST(AttribValues, AreWrittenOnceAndDoNotComeBack)
 {
     Listening<AttribDefInteger> number;
-    const WriteCounter writes(number.Table());
+    WriteCounter writes(number.Table(), "value");
 
     number.SetValue(5);
 
-    EXPECT_EQ(writes.count, 1);
+    EXPECT_EQ(writes.Take(), 1);
     EXPECT_EQ(number.syncState, 0);
 }
 
@@ -438,14 +424,28 @@ TEST(AttribListener, TakesAnUnsignedOfAToolAndWritesItBackAsAnInt)
     EXPECT_EQ(number.ValueType(), Tessel::ValueType_Int);
 }
 
+TEST(AttribListener, ListensOnceHoweverOftenItIsAskedTo)
+{
+    Listening<AttribDefInteger> number;
+    WriteCounter writes(number.Table(), "value");
+
+    EXPECT_EQ(number.InitKVTableListener(), 1);
+    number.Table()->SetInt("value", 4, 1);
+    EXPECT_EQ(writes.Take(), 2) << "the tool's write, and its own";
+
+    EXPECT_EQ(number.UnInitKVTableListener(), 1);
+    number.Table()->SetInt("value", 5, 1);
+    EXPECT_EQ(number.value, 4);
+}
+
 TEST(AttribListener, WritesAToolsValueBackOnce)
 {
     Listening<AttribDefInteger> number;
-    const WriteCounter writes(number.Table());
+    WriteCounter writes(number.Table(), "value");
 
     number.Table()->SetInt("value", 4, 1);
 
-    EXPECT_EQ(writes.count, 2);
+    EXPECT_EQ(writes.Take(), 2);
 }
 
 TEST(AttribListener, TakesAnIntOfAToolAsABool)
@@ -562,12 +562,12 @@ TEST(AttribListener, HearsNothingAfterItStoppedListening)
 TEST(AttribListener, LeavesTheListenersOfOthersWhenItStops)
 {
     Listening<AttribDefInteger> number;
-    const WriteCounter writes(number.Table());
+    WriteCounter writes(number.Table(), "value");
 
     number.UnInitKVTableListener();
     number.Table()->SetInt("value", 7, 1);
 
-    EXPECT_EQ(writes.count, 1);
+    EXPECT_EQ(writes.Take(), 1);
 }
 
 TEST(AttribListener, ActsOnAChangedValueOnlyAndNotWhileItWrites)

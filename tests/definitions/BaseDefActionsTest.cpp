@@ -237,6 +237,22 @@ TEST_F(BaseDefActions, AreGoneAfterUninit)
     EXPECT_EQ(def.numEnter + def.numExit + def.numExecute, 0u);
 }
 
+TEST_F(BaseDefActions, AreNotMissedByTheListPrimitivesWhereThereIsNoneOrNoList)
+{
+    Action* head = nullptr;
+    ScriptedAction* a = NewAction("a");
+    def.AddTail(&head, a);
+
+    EXPECT_EQ(def.AddTail(nullptr, a), 1);
+    EXPECT_EQ(def.AddTail(&head, nullptr), 1);
+    EXPECT_EQ(def.AddHead(nullptr, a), 1);
+    EXPECT_EQ(def.AddHead(&head, nullptr), 1);
+    EXPECT_EQ(def.DestroyActions(nullptr), 1);
+
+    EXPECT_EQ(Names(head), (Lines{"a"}));
+    def.DestroyActions(&head);
+}
+
 TEST_F(BaseDefActions, AreLinkedByTheListPrimitivesWithoutPrevAndWithoutCount)
 {
     Action* head = nullptr;

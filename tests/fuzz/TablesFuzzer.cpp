@@ -88,12 +88,6 @@ private:
     {
         return static_cast<int>(bytes.Byte() % tables.size());
     }
-    /// The same key from two addresses by turns: the library's own, and another.
-    const char* Text(const std::string& key) const
-    {
-        givesInterned = !givesInterned;
-        return givesInterned ? InternKey(key.c_str()) : key.c_str();
-    }
     ModelValue* Find(int table, const std::string& key);
     void Close(int table);
     void Release(int table);
@@ -119,7 +113,6 @@ private:
     std::vector<ModelTable> tables;
     std::vector<Write> writes;
     int nextListener = 1;
-    mutable bool givesInterned = false;
 };
 
 Pair* playing = nullptr;
@@ -294,8 +287,8 @@ void Pair::SetNumber(int table, const std::string& key)
         BeginWrite(table, key);
     }
     const int done = value.type == ValueType_Int
-                         ? handle->SetInt(Text(key), static_cast<int>(value.word), 1)
-                         : handle->SetUInt(Text(key), value.word, 0);
+                         ? handle->SetInt(key.c_str(), static_cast<int>(value.word), 1)
+                         : handle->SetUInt(key.c_str(), value.word, 0);
     Require((done != 0) == open, "a number is written to an open table");
     if (open)
     {
@@ -324,10 +317,10 @@ void Pair::SetFloats(int table, const std::string& key)
     const Float2 two{value.floats[0], value.floats[1]};
     const Float3 three{value.floats[0], value.floats[1], value.floats[2]};
     const Float4 four{value.floats[0], value.floats[1], value.floats[2], value.floats[3]};
-    const int done = count == 1   ? handle->SetFloat(Text(key), value.floats[0], 1)
-                     : count == 2 ? handle->SetFloat2(Text(key), &two, 1)
-                     : count == 3 ? handle->SetFloat3(Text(key), &three, 1)
-                                  : handle->SetFloat4(Text(key), &four, 1);
+    const int done = count == 1   ? handle->SetFloat(key.c_str(), value.floats[0], 1)
+                     : count == 2 ? handle->SetFloat2(key.c_str(), &two, 1)
+                     : count == 3 ? handle->SetFloat3(key.c_str(), &three, 1)
+                                  : handle->SetFloat4(key.c_str(), &four, 1);
     Require((done != 0) == open, "floats are written to an open table");
     if (open)
     {
@@ -340,7 +333,7 @@ void Pair::SetText(int table, const std::string& key)
     const KVTable handle = tables[static_cast<std::size_t>(table)].handle;
     const bool open = tables[static_cast<std::size_t>(table)].open;
     const std::string key2 = kKeys[bytes.Below(8)];
-    const char* own = handle->GetString(Text(key2));
+    const char* own = handle->GetString(key2.c_str());
     const bool useOwn = own != nullptr && bytes.Below(2) == 0;
     ModelValue value;
     value.type = ValueType_Text;
@@ -351,7 +344,7 @@ void Pair::SetText(int table, const std::string& key)
         BeginWrite(table, key);
     }
     // A text of the table's own may stand where the new one goes.
-    const int done = handle->SetString(Text(key), useOwn ? own : value.text.c_str(), 1);
+    const int done = handle->SetString(key.c_str(), useOwn ? own : value.text.c_str(), 1);
     Require((done != 0) == open, "a text is written to an open table");
     if (open)
     {
@@ -367,7 +360,7 @@ void Pair::AddTable(int table, const std::string& key)
     }
     const KVTable handle = tables[static_cast<std::size_t>(table)].handle;
     const bool open = tables[static_cast<std::size_t>(table)].open;
-    const KVTable added = handle->AddTable(Text(key), 1);
+    const KVTable added = handle->AddTable(key.c_str(), 1);
     Require(static_cast<bool>(added) == open, "a table is added to an open one");
     if (!open)
     {
@@ -391,7 +384,7 @@ void Pair::Attach(int table, const std::string& key)
     const bool good = tables[static_cast<std::size_t>(table)].open &&
                       tables[static_cast<std::size_t>(child)].open && !Reaches(child, table);
     const int done =
-        handle->AttachTable(Text(key), tables[static_cast<std::size_t>(child)].handle, 0);
+        handle->AttachTable(key.c_str(), tables[static_cast<std::size_t>(child)].handle, 0);
     Require((done != 0) == good, "an open table is attached where it makes no circle");
     if (good)
     {
@@ -435,7 +428,7 @@ void Pair::Listen(int table, const std::string& key)
     }
     const int id = nextListener++;
     KVListener* record =
-        own ? model.handle->GetTableListener() : model.handle->GetValueListener(Text(key));
+        own ? model.handle->GetTableListener() : model.handle->GetValueListener(key.c_str());
     Require(record != nullptr, "an open table gives a record");
     *record = Record(id);
     if (own)
@@ -459,7 +452,7 @@ void Pair::Unlisten(int table, const std::string& key)
     }
     const int id = nextListener <= 1 ? 1 : 1 + static_cast<int>(bytes.Byte()) % nextListener;
     const KVListener record = Record(id);
-    model.handle->RemoveValueListener(Text(key), &record);
+    model.handle->RemoveValueListener(key.c_str(), &record);
     const auto found = std::find_if(model.listeners.begin(), model.listeners.end(),
                                     [&](const ModelListener& listener)
                                     {
@@ -523,29 +516,29 @@ void Pair::CompareValue(const ModelTable& model, const ModelKey& key) const
 {
     const KVTable handle = model.handle;
     const ModelValue& value = key.value;
-    const char* text = handle->GetString(Text(key.key));
+    const char* text = handle->GetString(key.key.c_str());
     Require((text != nullptr) == (value.type == ValueType_Text), "only a text is a text");
     Require(text == nullptr || value.text == text, "the text that was written");
     if (value.type == ValueType_Int || value.type == ValueType_UInt)
     {
-        Require(handle->GetUInt(Text(key.key)) == value.word, "the number that was written");
-        Require(handle->GetInt(Text(key.key)) == static_cast<int>(value.word), "as an int too");
+        Require(handle->GetUInt(key.key.c_str()) == value.word, "the number that was written");
+        Require(handle->GetInt(key.key.c_str()) == static_cast<int>(value.word), "as an int too");
     }
     std::array<float, 4> floats = {};
     std::size_t count = 0;
     if (value.type == ValueType_Float)
     {
-        floats[0] = handle->GetFloat(Text(key.key));
+        floats[0] = handle->GetFloat(key.key.c_str());
         count = 1;
     }
     Float2 two{};
     Float3 three{};
     Float4 four{};
-    Require((handle->GetFloat2(Text(key.key), &two) != 0) == (value.type == ValueType_Float2),
+    Require((handle->GetFloat2(key.key.c_str(), &two) != 0) == (value.type == ValueType_Float2),
             "only two floats are two");
-    Require((handle->GetFloat3(Text(key.key), &three) != 0) == (value.type == ValueType_Float3),
+    Require((handle->GetFloat3(key.key.c_str(), &three) != 0) == (value.type == ValueType_Float3),
             "only three floats are three");
-    Require((handle->GetFloat4(Text(key.key), &four) != 0) == (value.type == ValueType_Float4),
+    Require((handle->GetFloat4(key.key.c_str(), &four) != 0) == (value.type == ValueType_Float4),
             "only four floats are four");
     if (value.type == ValueType_Float2)
     {
@@ -564,7 +557,7 @@ void Pair::CompareValue(const ModelTable& model, const ModelKey& key) const
     }
     Require(std::memcmp(floats.data(), value.floats.data(), count * sizeof(float)) == 0,
             "the floats that were written");
-    const KVTable below = handle->GetTable(Text(key.key));
+    const KVTable below = handle->GetTable(key.key.c_str());
     const bool open = value.table != kNoTable && tables[static_cast<std::size_t>(value.table)].open;
     Require(static_cast<bool>(below) == open, "an open table below is found");
     Require(!open || below == tables[static_cast<std::size_t>(value.table)].handle,

@@ -123,7 +123,7 @@ TEST_F(HSMTreeBuild, StepsWithoutARootDoNothing)
     machine.Load(RichDocument().Text());
     log.Clear();
 
-    EXPECT_EQ(machine.InitKVTable_Self(), 1);
+    EXPECT_EQ(machine.InitKVTable_Self(), 0);
     EXPECT_EQ(machine.InitKVTable_ContextTable(), 1);
     EXPECT_EQ(machine.InitKVTable_ParameterTable(), 0);
     EXPECT_EQ(machine.InitKVTable_NodeDefTable(), 0);

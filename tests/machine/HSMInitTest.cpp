@@ -392,6 +392,18 @@ TEST(HSMInit, FailsAtItsParametersWhenRunASecondTime)
               Failed(Joined({walk, walk, {ErrorBreak("vell::HSM::InitParameterTable")}})));
 }
 
+TEST(HSMInit, MakesNoParameterTableWithoutAnArena)
+{
+    LogRecorder log;
+    TestMachine machine(SmallDocument());
+    log.Clear();
+
+    EXPECT_EQ(machine.InitParameterTable(machine.document, nullptr), 0);
+
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::InitParameterTable")}));
+    EXPECT_EQ(machine.parameterTable, nullptr);
+}
+
 TEST(HSMInit, TakesNodesInThroughItsTable)
 {
     LogRecorder log;

@@ -369,6 +369,31 @@ TEST(HSMLayers, TakeTheirNodesIntoTheMachinesOwnArena)
     EXPECT_GT(machine.alloc.used, before);
 }
 
+TEST(HSMLayers, AreThoseOfTheMachinesOwnDocumentWhateverRootTellsOfThem)
+{
+    LogRecorder log;
+    TestMachine machine(DocumentOf({LayerObject("One", Json::Array({Generic("A", 10)}))}));
+    GenericDocument other;
+    other.Parse(DocumentOf({LayerObject("Two", Json::Array({Generic("B", 11)}))}).Text().c_str());
+    log.Clear();
+
+    EXPECT_EQ(machine.ImportLayers(other, nullptr), 1);
+
+    EXPECT_EQ(log.Take(), Joined({kBanner, LayerHead(0, "One"), Created("A"), kLayerEnd}));
+}
+
+TEST(HSMLayers, TakeNodesAtTheRootIntoTheMachinesOwnArena)
+{
+    LogRecorder log;
+    TestMachine machine(RootNodes({Generic("A", 10)}));
+    log.Clear();
+
+    EXPECT_EQ(machine.ImportLayers(machine.document, nullptr), 0);
+
+    EXPECT_EQ(log.Take(), Created("A"));
+    EXPECT_NE(machine.nodeDefTable->Find(10), nullptr);
+}
+
 TEST(HSMLayers, TellOfTheStatesOfOneLayer)
 {
     LogRecorder log;

@@ -6,6 +6,7 @@
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
 
+#include <vell/BaseDef.h>
 #include <vell/IParameterTable.h>
 #include <vell/SMState.h>
 #include <vell/UpdateResult.h>
@@ -345,6 +346,23 @@ TEST(HSM, BearsASecondUninit)
 
     EXPECT_EQ(log.Take(), Lines{});
     EXPECT_EQ(machine.Destroy(), 1);
+}
+
+TEST(HSM, UninitialisesTablesThatASubclassMade)
+{
+    LogRecorder log;
+    NodeDefTable table;
+    BaseDef def("Stand", 10, 0);
+    table.InsertNode(&def);
+    TestMachine machine;
+    machine.nodeDefTable = &table;
+
+    EXPECT_EQ(machine.Uninit(), 1);
+    EXPECT_EQ(table.nodes.size(), 0u);
+
+    table.InsertNode(&def);
+    EXPECT_EQ(machine.Uninit(), 1);
+    EXPECT_EQ(table.nodes.size(), 1u);
 }
 
 TEST(HSM, BearsASecondCreateWhileItRuns)

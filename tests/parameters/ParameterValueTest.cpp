@@ -422,6 +422,18 @@ TYPED_TEST(ParameterValue, HearsTheTreeAgainAfterInitKVTableListener)
     EXPECT_TRUE(this->HasValue(Kind<TypeParam>::First()));
 }
 
+TYPED_TEST(ParameterValue, HearsTheTreeOnceHoweverOftenItIsAskedTo)
+{
+    this->def.InitKVTable();
+    this->def.InitKVTable();
+    EXPECT_EQ(this->def.InitKVTableListener(), 1);
+
+    this->def.UnInitKVTableListener();
+    Kind<TypeParam>::WriteByTool(this->def.GetKVTable(), Kind<TypeParam>::First());
+
+    EXPECT_TRUE(this->HasValue({}));
+}
+
 TYPED_TEST(ParameterValue, CannotListenWithoutATableOrAValueInIt)
 {
     EXPECT_EQ(this->def.InitKVTableListener(), 0) << "no table";

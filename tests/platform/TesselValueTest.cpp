@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstring>
 #include <limits>
 #include <string>
 #include <vector>
@@ -363,6 +364,72 @@ TEST_F(TableValue, IsFoundAtEachNumberOfKeys)
         }
         ASSERT_EQ(table->FindValue(("k" + std::to_string(count + 1)).c_str()), nullptr);
     }
+}
+
+TEST_F(TableValue, IsFoundByTheTextThatItsKeyHasNowWhateverStoodAtTheAddressBefore)
+{
+    char key[16] = "first";
+    table->SetUInt(key, 1, 1);
+    EXPECT_EQ(table->GetUInt(key), 1u);
+
+    std::strcpy(key, "second");
+    EXPECT_EQ(table->FindValue(key), nullptr);
+    table->SetUInt(key, 2, 1);
+    EXPECT_EQ(table->GetUInt(key), 2u);
+    EXPECT_EQ(table->GetUInt("first"), 1u);
+
+    std::strcpy(key, "sec");
+    EXPECT_EQ(table->FindValue(key), nullptr);
+    std::strcpy(key, "first");
+    EXPECT_EQ(table->GetUInt(key), 1u);
+    EXPECT_EQ(GetKeys(), (std::vector<std::string>{"first", "second"}));
+}
+
+TEST_F(TableValue, IsFoundByItsKeyFromAnyAddressInATableOfAnySize)
+{
+    constexpr unsigned kKeys = 40;
+    std::vector<std::string> keys;
+    for (unsigned i = 0; i < kKeys; ++i)
+    {
+        keys.push_back("key " + std::to_string(i));
+        EXPECT_EQ(table->FindValue(keys[i].c_str()), nullptr);
+        table->SetUInt(keys[i].c_str(), 100 + i, 1);
+        for (unsigned j = 0; j <= i; ++j)
+        {
+            const std::string elsewhere = keys[j];
+            ASSERT_EQ(table->GetUInt(keys[j].c_str()), 100 + j) << i;
+            ASSERT_EQ(table->GetUInt(elsewhere.c_str()), 100 + j) << i;
+            ASSERT_EQ(table->GetUInt(table->GetKeyAt(j)), 100 + j) << i;
+        }
+    }
+}
+
+TEST_F(TableValue, IsNotFoundInWhatAnEarlierTableLeftInItsPlace)
+{
+    const char* key = "left behind";
+    table->SetUInt(key, 1, 1);
+    CloseTable(table);
+
+    table = CreateTable("next");
+
+    EXPECT_EQ(table->FindValue(key), nullptr);
+    table->SetUInt("other", 2, 1);
+    EXPECT_EQ(table->FindValue(key), nullptr);
+}
+
+TEST_F(TableValue, HasAKeyOfItsOwnForTheEndOfAnother)
+{
+    const char* key = "transition";
+    table->SetUInt(key, 1, 1);
+
+    for (const char* end = key + 1; *end != '\0'; ++end)
+    {
+        EXPECT_EQ(table->FindValue(end), nullptr) << end;
+    }
+    table->SetUInt(key + 5, 2, 1);
+    EXPECT_STREQ(table->GetKeyAt(1), "ition");
+    EXPECT_EQ(table->GetUInt("ition"), 2u);
+    EXPECT_EQ(table->GetUInt(key), 1u);
 }
 
 TEST_F(TableValue, IsFoundAmongAHundredThousandKeys)

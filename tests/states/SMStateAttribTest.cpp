@@ -179,8 +179,38 @@ TEST_F(SMStateAttrib, GenericGetterSaysZeroAndWritesNothingForVectors)
     EXPECT_EQ(out[0], 9.0f);
 }
 
+TEST_F(SMStateAttrib, IsAskedForItsTypeTwiceByTheSetterThatSetsNothing)
+{
+    struct CountingAttrib : AttribBase
+    {
+        int GetDefaultType() const override
+        {
+            ++asked;
+            return 99;
+        }
+        mutable int asked = 0;
+    } attrib;
+    struct OneAttribDef : BaseDef
+    {
+        AttribBase* GetAttrib(const char*) override
+        {
+            return attrib;
+        }
+        AttribBase* attrib = nullptr;
+    } def;
+    def.attrib = &attrib;
+    SMState other;
+    other.Init(&def);
+
+    EXPECT_EQ(other.SetAttrib("any", static_cast<void*>(&def)), 0);
+
+    EXPECT_EQ(attrib.asked, 2);
+    EXPECT_EQ(scene.log.Take(), (Lines{"3 Attribute name: any of type 99 not defined"}));
+}
+
 TEST_F(SMStateAttrib, IsNotWrittenToANullAddress)
 {
+    EXPECT_EQ(state.GetAttrib("text", static_cast<void*>(nullptr)), 1);
     EXPECT_EQ(state.GetAttrib("count", static_cast<void*>(nullptr)), 0);
     EXPECT_EQ(state.GetAttrib("none", static_cast<void*>(nullptr)), 1);
     EXPECT_EQ(scene.log.Take(), Lines{});

@@ -320,6 +320,20 @@ TEST(SMState, PerformsAChainThatItIsGiven)
     EXPECT_EQ(log.Take(), (Lines{"first execution 0.5", "second execution 0.5"}));
 }
 
+TEST(SMState, PerformsAChainThatItIsGivenWithoutADefinition)
+{
+    LogRecorder log;
+    OpenState state;
+    RecordingAction first("first");
+    RecordingAction second("second");
+    first.next = &second;
+
+    EXPECT_EQ(state.PerformActions(ActTypeEntry, 0.0f, &first), 1);
+    EXPECT_EQ(state.PerformActions(ActTypeEntry, 0.0f, nullptr), 1);
+
+    EXPECT_EQ(log.Take(), (Lines{"first entry 0", "second entry 0"}));
+}
+
 TEST(SMState, HasNoEntryAndExitActionOfItsOwnWhateverTheDefinitionHas)
 {
     LogRecorder log;

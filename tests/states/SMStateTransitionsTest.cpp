@@ -258,6 +258,30 @@ TEST(SMStateTransitions, OneThatFiresFillsTheRecord)
     EXPECT_EQ(scene.log.Take(), Lines{"tree transitionTriggered = 100"});
 }
 
+TEST(SMStateTransitions, OneThatFiresIsWrittenIntoTheTreeThatASubclassShows)
+{
+    class ShowingMachine : public TestMachine
+    {
+    public:
+        Tessel::KVTable GetKVTable() const override
+        {
+            return shown;
+        }
+        Tessel::KVTable shown = Tessel::CreateTable("shown");
+    } machine;
+    const Tessel::KVTable context = machine.shown->AddTable("contextInfo", 1);
+    Scene scene(FanDocument({5}));
+    scene.Run(0);
+    SMState state;
+    state.PushTransition(&TransitionOf(scene, 100));
+    UpdateResult result;
+
+    EXPECT_EQ(state.ProcessTransitions(&machine, &result), 20u);
+
+    EXPECT_EQ(context->GetUInt("transitionTriggered"), 100u);
+    Tessel::CloseTable(machine.shown);
+}
+
 TEST(SMStateTransitions, OneWithoutATargetFillsTheRecordAndCountsAsNone)
 {
     Scene scene(FanDocument({1, 2}));
