@@ -108,6 +108,10 @@ int HSM::ActivateTransitions(SMState* state)
             {
                 condition->SetParameter(parameter);
             }
+            if (condition != nullptr)
+            {
+                CountChangesOf(*condition);
+            }
         }
         CountChangesOf(*transition);
         state->PushTransition(transition);

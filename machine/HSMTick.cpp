@@ -156,8 +156,8 @@ int HSM::UpdateStateStack(UpdateResult* result)
     {
         ERROR_BREAK(result);
         SMState* previous = nullptr;
-        for (int i = currentStack == nullptr ? -1 : TopIndex(*currentStack); i >= result->popLevel;
-             --i)
+        const int lowest = currentStack == nullptr ? 0 : result->popLevel;
+        for (int i = currentStack == nullptr ? -1 : TopIndex(*currentStack); i >= lowest; --i)
         {
             if (currentStack->at(static_cast<std::size_t>(i)) == nullptr)
             {

@@ -92,6 +92,10 @@ public:
     /// For the arena: gives heap memory back and returns the table that is left to close.
     Tessel::KVTable ReleaseStorage();
 
+    Tessel::KVTable table;  ///< null until CreateKVTable
+    NameMap nameToId;       ///< keys are the parameters' own name pointers
+    ParameterMap idToParam; ///< every parameter
+
 private:
     void ResetAll();
     void PlaceValue(ParameterDef& def, int type);
@@ -99,9 +103,6 @@ private:
     void KeepRuntimeParameter(ParameterDef* def, const char* name);
     int PublishRuntimeParameter(ParameterDef* def);
 
-    Tessel::KVTable table;                ///< null until CreateKVTable
-    NameMap nameToId;                     ///< keys are the parameters' own name pointers
-    ParameterMap idToParam;               ///< every parameter
     ValueRoom* valueRoom = nullptr;       ///< not owned; null leaves values where they are
     HSMAlloc* arena = nullptr;            ///< keeps run-time parameters to its end; null until Init
     std::vector<ParameterDef*> resetting; ///< those that reset each frame, in ascending id order

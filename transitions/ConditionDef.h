@@ -45,6 +45,9 @@ public:
     /// Stores the parameter; null is stored too, with a warning.
     void SetParameter(ParameterDef* newParameter);
 
+    // A running machine takes these over when it ticks a state for the first time, and again after
+    // `Init` and `ParameterBind`; `Evaluate` reads them each time.
+
     unsigned int reservedA = 0;        ///< nobody reads it
     int evaluation = 0;                ///< one of Evaluation, or a number that never holds
     unsigned int parameterID = 0;      ///< never 0 in a condition that loaded

@@ -51,6 +51,7 @@ bool ConditionDefBool::ParameterBind()
         ERROR_BREAK(parameter);
         boundValue = static_cast<const bool*>(parameter->GetValuePtr());
     } while (false);
+    CountChange();
     return true;
 }
 

@@ -81,6 +81,7 @@ bool ConditionDefInteger::ParameterBind()
         ERROR_BREAK(parameter);
         boundValue = static_cast<const int*>(parameter->GetValuePtr());
     } while (false);
+    CountChange();
     return true;
 }
 

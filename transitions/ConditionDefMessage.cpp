@@ -55,6 +55,7 @@ bool ConditionDefMessage::ParameterBind()
         boundValue =
             isMessage ? static_cast<const std::string*>(parameter->GetValuePtr()) : nullptr;
     } while (false);
+    CountChange();
     return true;
 }
 

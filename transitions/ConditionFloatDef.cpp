@@ -83,6 +83,7 @@ bool ConditionFloatDef::ParameterBind()
     {
         boundValue = static_cast<const float*>(parameter->GetValuePtr());
     }
+    CountChange();
     return true;
 }
 

@@ -4,6 +4,7 @@
 #include "tests/support/HeapWatch.h"
 #include "tests/support/Scene.h"
 #include "tests/support/ScriptedAction.h"
+#include "transitions/ConditionDef.h"
 #include "transitions/TransitionDef.h"
 
 #include <vell/BaseDef.h>
@@ -409,6 +410,19 @@ TEST(TickWalk, TestsAConditionThatIsBoundLater)
     machine.Update(0.1f);
 
     EXPECT_EQ(machine.MainStack(), "Walk");
+}
+
+TEST_F(SettledMachine, TestsAConditionThatIsBoundToAnotherParameterByHand)
+{
+    auto* go = dynamic_cast<TransitionDef*>(machine.FindDef(130u));
+    ConditionDef& condition = *go->conditions.front();
+
+    condition.SetParameter(machine.GetParameterTable()->FindParameter("hop"));
+    condition.ParameterBind();
+    machine.SetBool("hop", true);
+    Tick();
+
+    EXPECT_EQ(machine.MainStack(), "Combat/Strike");
 }
 
 TEST(TickWalk, AsksADefinitionOfAHostsClassForItsActions)
