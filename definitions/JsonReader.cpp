@@ -30,7 +30,8 @@ bool HasSameEnds(const char* left, const char* right, std::size_t length)
            LoadWord<Word>(left + last) == LoadWord<Word>(right + last);
 }
 
-/// Tells whether two names of one length are equal. Most names are short, and need no call.
+/// Tells whether two names of one length are equal. Most names are short, and need no call. The
+/// table library compares its keys alike, but shows that to nobody.
 bool IsSameName(const char* left, const char* right, std::size_t length)
 {
     if (length > 16)
@@ -196,7 +197,7 @@ Members::Members(const GenericValue& indexedObject) : object(indexedObject)
     {
         return;
     }
-    static const Vocabulary& vocabulary = Vocabulary::Get();
+    const Vocabulary& vocabulary = Vocabulary::Get();
     first = &*object.MemberBegin();
     isLarge = object.MemberCount() > kMaxIndexed;
     const unsigned int count = isLarge ? kMaxIndexed : object.MemberCount();

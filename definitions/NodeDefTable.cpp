@@ -241,8 +241,10 @@ void NodeDefTable::Uninit()
 
 void NodeDefTable::ClearNodes()
 {
-    nodes.clear();
+    // A map may keep something of its pool even when it is empty.
+    nodes.~NodeMap();
     nodePool.release();
+    new (&nodes) NodeMap(&nodePool);
     cursor = nodes.end();
 }
 

@@ -4,6 +4,7 @@
 
 #include "parameters/ParameterTable.h"
 #include "states/SubstateState.h"
+#include "transitions/ConditionDef.h"
 #include "transitions/TransitionDef.h"
 
 #include <vell/BaseDef.h>
@@ -44,7 +45,8 @@ void TickWalk::Follow(const HSM& machine, std::size_t count)
     const SMState* highest = end == 0 ? machine.globalState : stack[end - 1];
     if (settled != highest)
     {
-        // It may not stay for long.
+        // Made only when the same state is on top twice: a machine that changes at every tick makes
+        // nothing.
         settled = highest;
         return;
     }
@@ -77,7 +79,7 @@ bool TickWalk::Add(const HSM& machine, const SMState* state)
     {
         return false;
     }
-    const unsigned short first = levels.begin[levelCount].texts;
+    const unsigned short first = levels.begin[levelCount].messageEnd;
     TickLevel level{state, first, first, first, true, true};
     if (state != nullptr && IsKnown(machine, *state))
     {
@@ -124,8 +126,9 @@ bool TickWalk::AddTransition(const HSM& machine, const TransitionDef& transition
     for (const ConditionDef* condition : transition.conditions)
     {
         TransitionGuard guard;
+        const bool isKnown = condition != nullptr && condition->links.changes == &machine.changes;
         const TransitionGuard::Kind kind =
-            condition == nullptr ? TransitionGuard::Unknown : MakeGuard(*condition, &guard);
+            isKnown ? MakeGuard(*condition, &guard) : TransitionGuard::Unknown;
         if (!AddGuard(kind, guard, level))
         {
             return false;
@@ -142,20 +145,20 @@ bool TickWalk::AddGuard(TransitionGuard::Kind kind, const TransitionGuard& guard
         level->asks = level->asks || kind == TransitionGuard::Unknown;
         return true;
     }
-    if (level->texts == USHRT_MAX || !guards.Grow(level->texts + std::size_t{1}))
+    if (level->messageEnd == USHRT_MAX || !guards.Grow(level->messageEnd + std::size_t{1}))
     {
         return false;
     }
-    TransitionGuard* place = guards.begin + level->texts++;
-    if (kind != TransitionGuard::Text)
+    TransitionGuard* place = guards.begin + level->messageEnd++;
+    if (kind != TransitionGuard::Message)
     {
-        *place = guards.begin[level->numbers];
-        place = guards.begin + level->numbers++;
+        *place = guards.begin[level->integerEnd];
+        place = guards.begin + level->integerEnd++;
     }
-    if (kind == TransitionGuard::Real)
+    if (kind == TransitionGuard::Float)
     {
-        *place = guards.begin[level->reals];
-        place = guards.begin + level->reals++;
+        *place = guards.begin[level->floatEnd];
+        place = guards.begin + level->floatEnd++;
     }
     *place = guard;
     return true;

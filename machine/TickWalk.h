@@ -19,11 +19,12 @@ class TransitionDef;
 struct TickLevel
 {
     const SMState* state; ///< null when no state is stood for
-    unsigned short reals; ///< end of its guards of floats, which begin where the level before ends
-    unsigned short numbers; ///< end of those of integers
-    unsigned short texts;   ///< end of those of texts
-    bool acts;              ///< the state is to be updated
-    bool asks;              ///< the state is to be updated and asked, whatever its guards say
+    unsigned short
+        floatEnd; ///< end of its guards of floats, which begin where the level before ends
+    unsigned short integerEnd; ///< end of those of integers
+    unsigned short messageEnd; ///< end of those of texts
+    bool acts;                 ///< the state is to be updated
+    bool asks;                 ///< the state is to be updated and asked, whatever its guards say
 };
 
 /// The guards of the states that a machine ticks: those of the global state, then those of each
@@ -52,22 +53,23 @@ public:
     /// Tells whether a guard of the level holds.
     bool Holds(const TickLevel& level) const
     {
-        const TransitionGuard* guard = guards.begin + (&level)[-1].texts;
-        for (const auto* end = guards.begin + level.reals; guard != end; ++guard)
+        // Its guards begin where those of the level before it end; an empty one stands in front.
+        const TransitionGuard* guard = guards.begin + (&level)[-1].messageEnd;
+        for (const auto* end = guards.begin + level.floatEnd; guard != end; ++guard)
         {
-            if (guard->IsInRealRange())
+            if (guard->IsInFloatRange())
             {
                 return true;
             }
         }
-        for (const auto* end = guards.begin + level.numbers; guard != end; ++guard)
+        for (const auto* end = guards.begin + level.integerEnd; guard != end; ++guard)
         {
-            if (guard->IsInNumberRange())
+            if (guard->IsInIntegerRange())
             {
                 return true;
             }
         }
-        for (const auto* end = guards.begin + level.texts; guard != end; ++guard)
+        for (const auto* end = guards.begin + level.messageEnd; guard != end; ++guard)
         {
             if (guard->HasText())
             {

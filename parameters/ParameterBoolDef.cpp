@@ -11,7 +11,7 @@
 namespace vell
 {
 
-ParameterBoolDef::ParameterBoolDef() : ParameterDef(DURMBaseLib::PARAM_Bool), defaultBytes(0)
+ParameterBoolDef::ParameterBoolDef() : ParameterDef(DURMBaseLib::PARAM_Bool)
 {
 }
 

@@ -70,6 +70,7 @@ int SMState::Init(BaseDef* newDef)
     do
     {
         ERROR_BREAK(newDef);
+        CountChange();
         def = newDef;
         result = 1;
     } while (false);

@@ -38,6 +38,9 @@ public:
     /// For the arena: gives heap memory back and returns the table that is left to close.
     Tessel::KVTable ReleaseStorage();
 
+    // A running machine takes `conditions` and `triggers` over when it ticks a state for the first
+    // time, and again after `Init` and `RegisterCondition`.
+
     bool disabled = false;           ///< never evaluated
     int tag = 0;                     ///< the host's; copied to UpdateResult::tag
     int tagArgument = 0;             ///< the host's

@@ -21,30 +21,30 @@ namespace
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
-TransitionGuard::Kind MakeRealRange(float low, float high, TransitionGuard* guard)
+TransitionGuard::Kind MakeFloatRange(float low, float high, TransitionGuard* guard)
 {
-    guard->operand.real.low = low;
-    guard->operand.real.high = high;
-    return TransitionGuard::Real;
+    guard->operand.floats.low = low;
+    guard->operand.floats.high = high;
+    return TransitionGuard::Float;
 }
 
-TransitionGuard::Kind MakeNumberRange(long long low, long long high, TransitionGuard* guard)
+TransitionGuard::Kind MakeIntegerRange(long long low, long long high, TransitionGuard* guard)
 {
     if (high < low)
     {
         return TransitionGuard::Never;
     }
-    guard->operand.number.low = static_cast<unsigned int>(low);
-    guard->operand.number.span = static_cast<unsigned int>(high - low);
-    return TransitionGuard::Number;
+    guard->operand.integers.low = static_cast<unsigned int>(low);
+    guard->operand.integers.span = static_cast<unsigned int>(high - low);
+    return TransitionGuard::Integer;
 }
 
 /// All patterns of bits but one.
 TransitionGuard::Kind MakeAllBut(unsigned int bits, TransitionGuard* guard)
 {
-    guard->operand.number.low = bits + 1;
-    guard->operand.number.span = UINT_MAX - 1;
-    return TransitionGuard::Number;
+    guard->operand.integers.low = bits + 1;
+    guard->operand.integers.span = UINT_MAX - 1;
+    return TransitionGuard::Integer;
 }
 
 /// The bounds stand outside where the condition's arithmetic rounds, and belong to the range.
@@ -55,29 +55,29 @@ TransitionGuard::Kind MakeFloatGuard(const ConditionFloatDef& condition, Transit
     switch (condition.evaluation)
     {
     case EvaluateEqual:
-        return MakeRealRange(std::nextafter(target - ConditionFloatDef::kTolerance, -kInfinity),
-                             std::nextafter(target + ConditionFloatDef::kTolerance, kInfinity),
-                             guard);
+        return MakeFloatRange(std::nextafter(target - ConditionFloatDef::kTolerance, -kInfinity),
+                              std::nextafter(target + ConditionFloatDef::kTolerance, kInfinity),
+                              guard);
     case EvaluateNotEqual:
         std::memcpy(&bits, &target, sizeof(bits));
         if (std::isnan(target))
         {
             // Every value differs from it, one of the same bits too.
-            guard->operand.number.low = 0;
-            guard->operand.number.span = UINT_MAX;
-            return TransitionGuard::Number;
+            guard->operand.integers.low = 0;
+            guard->operand.integers.span = UINT_MAX;
+            return TransitionGuard::Integer;
         }
         return MakeAllBut(bits, guard);
     case EvaluateGreater:
-        return MakeRealRange(std::nextafter(target, kInfinity), kInfinity, guard);
+        return MakeFloatRange(std::nextafter(target, kInfinity), kInfinity, guard);
     case EvaluateGreaterOrEqual:
-        return MakeRealRange(target, kInfinity, guard);
+        return MakeFloatRange(target, kInfinity, guard);
     case EvaluateLess:
-        return MakeRealRange(-kInfinity, std::nextafter(target, -kInfinity), guard);
+        return MakeFloatRange(-kInfinity, std::nextafter(target, -kInfinity), guard);
     case EvaluateLessOrEqual:
-        return MakeRealRange(-kInfinity, target, guard);
+        return MakeFloatRange(-kInfinity, target, guard);
     case EvaluateInRange:
-        return MakeRealRange(target, condition.rangeHigh, guard);
+        return MakeFloatRange(target, condition.rangeHigh, guard);
     default:
         return TransitionGuard::Never;
     }
@@ -89,19 +89,19 @@ TransitionGuard::Kind MakeIntegerGuard(const ConditionDefInteger& condition, Tra
     switch (condition.evaluation)
     {
     case EvaluateEqual:
-        return MakeNumberRange(target, target, guard);
+        return MakeIntegerRange(target, target, guard);
     case EvaluateNotEqual:
         return MakeAllBut(static_cast<unsigned int>(condition.target), guard);
     case EvaluateGreater:
-        return MakeNumberRange(target + 1, INT_MAX, guard);
+        return MakeIntegerRange(target + 1, INT_MAX, guard);
     case EvaluateGreaterOrEqual:
-        return MakeNumberRange(target, INT_MAX, guard);
+        return MakeIntegerRange(target, INT_MAX, guard);
     case EvaluateLess:
-        return MakeNumberRange(INT_MIN, target - 1, guard);
+        return MakeIntegerRange(INT_MIN, target - 1, guard);
     case EvaluateLessOrEqual:
-        return MakeNumberRange(INT_MIN, target, guard);
+        return MakeIntegerRange(INT_MIN, target, guard);
     case EvaluateInRange:
-        return MakeNumberRange(target, condition.rangeHigh, guard);
+        return MakeIntegerRange(target, condition.rangeHigh, guard);
     default:
         return TransitionGuard::Never;
     }
@@ -110,13 +110,15 @@ TransitionGuard::Kind MakeIntegerGuard(const ConditionDefInteger& condition, Tra
 /// A bool parameter's byte stands in four that are zero besides; those of other parameters do not.
 TransitionGuard::Kind MakeBoolGuard(const ConditionDefBool& condition, TransitionGuard* guard)
 {
-    auto* parameter = dynamic_cast<ParameterBoolDef*>(condition.parameter);
-    if (parameter == nullptr || parameter->GetValuePtr() != condition.boundValue)
+    ParameterDef* parameter = condition.parameter;
+    if (parameter == nullptr || typeid(*parameter) != typeid(ParameterBoolDef) ||
+        parameter->GetValuePtr() != condition.boundValue)
     {
         return TransitionGuard::Unknown;
     }
-    const int target = condition.target ? 1 : 0;
-    return MakeNumberRange(target, target, guard);
+    unsigned int target = 0;
+    std::memcpy(&target, &condition.target, sizeof(condition.target));
+    return MakeIntegerRange(target, target, guard);
 }
 
 /// Gives the kind unless the condition is unbound, which never holds.
@@ -152,7 +154,7 @@ TransitionGuard::Kind MakeGuard(const ConditionDef& condition, TransitionGuard* 
     {
         const auto& typed = static_cast<const ConditionDefMessage&>(condition);
         guard->operand.text = typed.target;
-        return WithValue(typed, TransitionGuard::Text, guard);
+        return WithValue(typed, TransitionGuard::Message, guard);
     }
     return TransitionGuard::Unknown;
 }

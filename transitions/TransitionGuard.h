@@ -19,11 +19,11 @@ struct TransitionGuard
     /// Tells which test is the guard's own.
     enum Kind : unsigned char
     {
-        Real,   ///< a range of floats
-        Number, ///< a range of integers, or all but one pattern of bits
-        Text,   ///< a text
-        Never,  ///< none: the condition never holds
-        Unknown ///< none: only the condition itself can tell
+        Float,   ///< a range of floats
+        Integer, ///< a range of integers or of a bool's, or all but one pattern of bits
+        Message, ///< a text
+        Never,   ///< none: the condition never holds
+        Unknown  ///< none: only the condition itself can tell
     };
 
     union Operand
@@ -32,23 +32,23 @@ struct TransitionGuard
         {
             float low;
             float high;
-        } real;
+        } floats;
         struct
         {
             unsigned int low;
             unsigned int span; ///< how far the range goes above `low`, past the largest number too
-        } number;
+        } integers;
         const char* text;
     };
 
-    bool IsInRealRange() const
+    bool IsInFloatRange() const
     {
         const auto present = Load<float>();
-        return present >= operand.real.low && present <= operand.real.high;
+        return present >= operand.floats.low && present <= operand.floats.high;
     }
-    bool IsInNumberRange() const
+    bool IsInIntegerRange() const
     {
-        return Load<unsigned int>() - operand.number.low <= operand.number.span;
+        return Load<unsigned int>() - operand.integers.low <= operand.integers.span;
     }
     bool HasText() const
     {

@@ -168,7 +168,8 @@ private:
         }
 
         ActionWalk* innermost = nullptr; ///< the walks under way
-        unsigned int* changes = nullptr; ///< counts what a tick of the machine has to know
+        unsigned int* changes =
+            nullptr; ///< the machine's count; null until one ticks the definition
     };
 
     void Append(Action** head, unsigned int* count, Action* action);

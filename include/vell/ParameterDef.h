@@ -27,6 +27,7 @@ public:
     virtual int GetAssignClass();
     virtual void SetAssignClass(int newClass);
     /// Gives the address of the current value: bool, int, one to four floats, or a std::string.
+    /// It is the parameter's, and stays the same from the end of the load to IHSM::Uninit.
     virtual void* GetValuePtr() = 0;
     /// Sets the current value to the default.
     virtual void ResetValue() = 0;

@@ -74,11 +74,7 @@ private:
 
     void WriteValue();
 
-    union
-    {
-        bool defaultValue;
-        int defaultBytes; ///< zero; a four-byte read of the default stays inside it
-    };
+    bool defaultValue = false;
     ParameterValue<bool> value;
 };
 

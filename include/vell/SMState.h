@@ -159,7 +159,9 @@ private:
         Value value = Unknown;
     };
 
+    /// Notes what kind of state this is, once it is activated.
     void TakeRole();
+    /// Gives the first transition that holds, or null.
     TransitionDef* FindTransition(HSM* machine);
     /// Tells the machine that a tick of it may have more to do than before.
     void CountChange();

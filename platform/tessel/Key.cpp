@@ -120,7 +120,7 @@ void Key::Release(const Key* key)
 
 std::uint32_t Key::GetSharedCount()
 {
-    return sharedCount.load(std::memory_order_relaxed);
+    return sharedCount.load(std::memory_order_acquire);
 }
 
 const Key* Key::CreateOwned(const KeyText& name, std::uint32_t hash)
@@ -143,7 +143,8 @@ const Key* Key::AcquireShared(const KeyText& name, std::uint32_t hash)
     {
         return key;
     }
-    return GetSharedCount() < kMaxShared ? AddShared(name, hash) : nullptr;
+    // Another thread may have filed it meanwhile as the last one for which there was room.
+    return GetSharedCount() < kMaxShared ? AddShared(name, hash) : FindShared(name, hash);
 }
 
 const Key* Key::FindShared(const KeyText& name, std::uint32_t hash)
@@ -161,23 +162,19 @@ const Key* Key::FindShared(const KeyText& name, std::uint32_t hash)
 const Key* Key::AddShared(const KeyText& name, std::uint32_t hash)
 {
     const std::lock_guard<std::mutex> lock(sharedMutex);
-    if (const Key* key = FindShared(name, hash))
+    const Key* key = FindShared(name, hash);
+    const std::uint32_t count = GetSharedCount();
+    if (key == nullptr && count < kMaxShared)
     {
-        return key;
+        key = new (sharedRow + count * kSharedSize) Key(name, hash, false);
+        std::uint32_t at = hash % kPlaces;
+        while (sharedKeys[at].load(std::memory_order_relaxed) != nullptr)
+        {
+            at = (at + 1) % kPlaces;
+        }
+        sharedKeys[at].store(key, std::memory_order_release);
+        sharedCount.store(count + 1, std::memory_order_release);
     }
-    const std::uint32_t count = sharedCount.load(std::memory_order_relaxed);
-    if (count >= kMaxShared)
-    {
-        return nullptr;
-    }
-    const Key* key = new (sharedRow + count * kSharedSize) Key(name, hash, false);
-    std::uint32_t at = hash % kPlaces;
-    while (sharedKeys[at].load(std::memory_order_relaxed) != nullptr)
-    {
-        at = (at + 1) % kPlaces;
-    }
-    sharedKeys[at].store(key, std::memory_order_release);
-    sharedCount.store(count + 1, std::memory_order_relaxed);
     return key;
 }
 

@@ -14,6 +14,12 @@
 #include <cstdint>
 #include <memory>
 
+#if defined(__GNUC__)
+#define TESSEL_NOINLINE __attribute__((noinline))
+#else
+#define TESSEL_NOINLINE
+#endif
+
 namespace Tessel
 {
 
@@ -121,11 +127,8 @@ private:
     Entry* Find(const char* key);
     Entry* FindShared(const Key& key);
     Entry* FindText(const char* text);
-#if defined(__GNUC__)
-    __attribute__((noinline)) // or else each look-up in a short table pays for it
-#endif
-    Entry*
-    FindIndexed(KeyText key);
+    // In line, each look-up in a short table would pay for it.
+    TESSEL_NOINLINE Entry* FindIndexed(KeyText key);
     Entry* Add(const char* text);
     Entry* MakeRoom(std::uint32_t index);
     Entry* GetEntry(std::uint32_t index);

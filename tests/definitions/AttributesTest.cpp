@@ -519,6 +519,7 @@ TEST(Attributes, AreAddedToANodeWithoutATable)
     AttribDefInteger attrib;
     attrib.SetName("a");
 
+    EXPECT_EQ(def.TabAddAttrib(nullptr), 1);
     EXPECT_EQ(def.TabAddAttrib(&attrib), 1);
 
     EXPECT_EQ(attrib.GetKVTable()->GetUInt("nodeID"), 12u);

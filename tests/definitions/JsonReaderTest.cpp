@@ -66,6 +66,16 @@ TEST(JsonReader, FindsTheFirstOfSeveralMembersOfOneName)
     EXPECT_EQ(GetMember(*object, "twice").GetInt(), 1);
 }
 
+TEST(JsonReader, TellsLongNamesApart)
+{
+    const Parsed object(
+        JsonObject().Set("a name of many letters", 1).Set("a name of many metters", 2));
+
+    EXPECT_EQ(GetMember(*object, "a name of many letters").GetInt(), 1);
+    EXPECT_EQ(GetMember(*object, "a name of many metters").GetInt(), 2);
+    EXPECT_EQ(FindMember(*object, "a name of many lettern"), nullptr);
+}
+
 TEST(JsonReader, TakesNoMemberForAnotherWhoseNameItBegins)
 {
     const Parsed object(JsonObject().Set("names", 1).Set("nam", 2));

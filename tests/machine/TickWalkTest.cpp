@@ -292,6 +292,16 @@ TEST_F(SettledMachine, TakesTheDefinitionThatAStateIsGiven)
     EXPECT_EQ(lines.size(), 2u);
 }
 
+TEST_F(SettledMachine, TakesTheDefinitionThatAStateIsInitialisedWith)
+{
+    machine.FindDef(kAway)->RegisterExecute(new ScriptedAction("A", lines));
+
+    machine.FindState(kGuard)->Init(dynamic_cast<BaseDef*>(machine.FindDef(kAway)));
+    Tick(2);
+
+    EXPECT_EQ(lines.size(), 3u);
+}
+
 TEST_F(SettledMachine, TakesTheContentsThatAStateIsGiven)
 {
     SMState* const guard = machine.FindState(kGuard);
@@ -425,6 +435,23 @@ TEST_F(SettledMachine, TestsAConditionThatIsBoundToAnotherParameterByHand)
     EXPECT_EQ(machine.MainStack(), "Combat/Strike");
 }
 
+TEST_F(SettledMachine, TestsAConditionThatIsMadeAndBoundByHand)
+{
+    auto* go = dynamic_cast<TransitionDef*>(machine.FindDef(130u));
+    const std::string text = Transition("Go", 130, kGuard, kStrike, {Holds("hop")}).Text();
+    GenericDocument node;
+    node.Parse(text.c_str());
+    ASSERT_EQ(go->Init(node, &machine.alloc), 1);
+    Tick(5);
+
+    go->conditions.back()->SetParameter(machine.GetParameterTable()->FindParameter("hop"));
+    go->conditions.back()->ParameterBind();
+    machine.SetBool("hop", true);
+    Tick();
+
+    EXPECT_EQ(machine.MainStack(), "Combat/Strike");
+}
+
 TEST(TickWalk, AsksADefinitionOfAHostsClassForItsActions)
 {
     Lines lines;
@@ -507,7 +534,9 @@ TEST(TickWalk, FiresInEveryLevelOfADeepStack)
 
 TEST(TickWalk, IsDoneWithoutWhereThereIsNoMemory)
 {
-    for (std::size_t refused = 0; refused < 12; ++refused)
+    constexpr std::size_t kMostBlocks = 20;
+    std::size_t refused = 0;
+    for (bool isRefused = true; isRefused && refused < kMostBlocks; ++refused)
     {
         LogRecorder log;
         TestMachine machine(Tower());
@@ -526,6 +555,7 @@ TEST(TickWalk, IsDoneWithoutWhereThereIsNoMemory)
             {
                 EXPECT_NO_THROW(machine.Update(0.1f));
             }
+            isRefused = heap.Refused() != 0;
         }
         EXPECT_EQ(log.Take(), Lines());
         machine.SetBool("go7", true);
@@ -535,6 +565,8 @@ TEST(TickWalk, IsDoneWithoutWhereThereIsNoMemory)
         machine.Update(0.1f);
         EXPECT_EQ(machine.MainStack(), "Away");
     }
+    EXPECT_GE(refused, 3u) << "two of them with a block refused";
+    EXPECT_LT(refused, kMostBlocks);
 }
 
 TEST(TickWalk, ReadsTheValuesOfMoreParametersThanLieTogether)

@@ -584,4 +584,45 @@ TEST(ToolWrite, OfAParametersValueMakesATransitionFire)
     EXPECT_EQ(machine.MainStack(), "Walk");
 }
 
+TEST(ParameterCopy, HoldsAValueOfItsOwn)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10)).Parameter(FloatParameter("speed", 1.5));
+    TestMachine machine(document);
+    ASSERT_EQ(machine.Init(), 1);
+    auto* speed =
+        dynamic_cast<ParameterFloatDef*>(machine.GetParameterTable()->FindParameter("speed"));
+
+    ParameterFloatDef copy(*speed);
+    EXPECT_EQ(copy.GetValue(), 1.5f);
+    EXPECT_NE(copy.GetValuePtr(), speed->GetValuePtr());
+    *static_cast<float*>(copy.GetValuePtr()) = 4.0f;
+    EXPECT_EQ(speed->GetValue(), 1.5f);
+
+    *static_cast<float*>(speed->GetValuePtr()) = 2.0f;
+    copy = *speed;
+    EXPECT_EQ(copy.GetValue(), 2.0f);
+    EXPECT_NE(copy.GetValuePtr(), speed->GetValuePtr());
+}
+
+TEST(ParameterRoom, IsTakenAnewByASecondCreate)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10)).Parameter(BoolParameter("on", true));
+    TestMachine machine(document);
+    ASSERT_EQ(machine.Init(), 1);
+    void* const before = machine.GetParameterTable()->FindParameter("on")->GetValuePtr();
+    machine.Uninit();
+    machine.kvTable = Tessel::KVTable();
+
+    ASSERT_EQ(machine.Create(), 1);
+    ASSERT_EQ(machine.Init(), 1);
+
+    ParameterDef* on = machine.GetParameterTable()->FindParameter("on");
+    EXPECT_EQ(on->GetValuePtr(), before) << "the room is taken anew";
+    EXPECT_TRUE(dynamic_cast<ParameterBoolDef*>(on)->GetValue());
+}
+
 } // namespace vell::test

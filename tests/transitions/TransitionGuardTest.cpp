@@ -29,11 +29,11 @@ bool Holds(TransitionGuard::Kind kind, const TransitionGuard& guard)
 {
     switch (kind)
     {
-    case TransitionGuard::Real:
-        return guard.IsInRealRange();
-    case TransitionGuard::Number:
-        return guard.IsInNumberRange();
-    case TransitionGuard::Text:
+    case TransitionGuard::Float:
+        return guard.IsInFloatRange();
+    case TransitionGuard::Integer:
+        return guard.IsInIntegerRange();
+    case TransitionGuard::Message:
         return guard.HasText();
     default:
         return kind == TransitionGuard::Unknown;
@@ -134,10 +134,10 @@ TEST(TransitionGuard, OfABoolStandsForABoolParameterOnly)
 
     condition.SetParameter(&flag);
     condition.ParameterBind();
-    ASSERT_EQ(MakeGuard(condition, &guard), TransitionGuard::Number);
-    EXPECT_FALSE(guard.IsInNumberRange());
+    ASSERT_EQ(MakeGuard(condition, &guard), TransitionGuard::Integer);
+    EXPECT_FALSE(guard.IsInIntegerRange());
     flag.SetValue(true);
-    EXPECT_TRUE(guard.IsInNumberRange());
+    EXPECT_TRUE(guard.IsInIntegerRange());
 
     condition.SetParameter(&number);
     EXPECT_EQ(MakeGuard(condition, &guard), TransitionGuard::Unknown) << "not bound to it yet";
@@ -155,7 +155,7 @@ TEST(TransitionGuard, OfATextComparesAllOfIt)
         condition.target = wanted;
         condition.boundValue = &text;
         TransitionGuard guard;
-        ASSERT_EQ(MakeGuard(condition, &guard), TransitionGuard::Text);
+        ASSERT_EQ(MakeGuard(condition, &guard), TransitionGuard::Message);
         EXPECT_EQ(guard.HasText(), condition.Evaluate(nullptr)) << text;
     }
 }
