@@ -85,7 +85,7 @@ bool TickWalk::Add(const HSM& machine, const SMState* state)
     {
         level.asks = false;
         level.acts =
-            state->role.value == SMState::Role::Exit || state->def->executeActions != nullptr;
+            state->role.value == SMState::Role::ExitNode || state->def->executeActions != nullptr;
         for (const TransitionDef* transition : state->transitions)
         {
             if (transition != nullptr && !AddTransition(machine, *transition, &level))
@@ -108,13 +108,13 @@ bool TickWalk::Add(const HSM& machine, const SMState* state)
 /// Tells whether all that the state does in a tick is to be seen in its fields.
 bool TickWalk::IsKnown(const HSM& machine, const SMState& state)
 {
-    return state.role.value != SMState::Role::Unknown && state.hsm == &machine &&
+    return state.role.value != SMState::Role::UnknownState && state.hsm == &machine &&
            state.def != nullptr && state.def->links.changes == &machine.changes;
 }
 
 bool TickWalk::IsChildDue(const SMState& state)
 {
-    return state.role.value == SMState::Role::Substate &&
+    return state.role.value == SMState::Role::Level &&
            static_cast<const SubstateState&>(state).currentChild == nullptr;
 }
 

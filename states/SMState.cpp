@@ -211,15 +211,15 @@ void SMState::TakeRole()
     const std::type_info& type = typeid(*this);
     if (type == typeid(SMState) || type == typeid(EnterState) || type == typeid(GlobalState))
     {
-        role.value = Role::Plain;
+        role.value = Role::PlainState;
     }
     else if (type == typeid(SubstateState))
     {
-        role.value = Role::Substate;
+        role.value = Role::Level;
     }
     else if (type == typeid(ExitState))
     {
-        role.value = Role::Exit;
+        role.value = Role::ExitNode;
     }
 }
 

@@ -63,14 +63,14 @@ void SMState::SetHSM(HSM* machine)
     if (hsm != machine)
     {
         CountChange();
-        role.value = Role::Unknown;
+        role.value = Role::UnknownState;
     }
     hsm = machine;
 }
 
 void SMState::CountChange()
 {
-    if (role.value != Role::Unknown)
+    if (role.value != Role::UnknownState)
     {
         ++hsm->changes;
     }

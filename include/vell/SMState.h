@@ -141,10 +141,10 @@ private:
     {
         enum Value : unsigned char
         {
-            Unknown,
-            Plain,
-            Exit,
-            Substate
+            UnknownState,
+            PlainState,
+            ExitNode,
+            Level
         };
 
         Role() = default;
@@ -156,7 +156,7 @@ private:
             return *this;
         }
 
-        Value value = Unknown;
+        Value value = UnknownState;
     };
 
     /// Notes what kind of state this is, once it is activated.
