@@ -147,6 +147,17 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept
     return TakenByNew(size);
 }
 
+// The sanitizers' own do not come by the operators above.
+void* operator new[](std::size_t size)
+{
+    return ::operator new(size);
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t& nothrow) noexcept
+{
+    return ::operator new(size, nothrow);
+}
+
 void operator delete(void* block) noexcept
 {
     GivenBack(block);
@@ -159,6 +170,21 @@ void operator delete(void* block, std::size_t) noexcept
 }
 
 void operator delete(void* block, const std::nothrow_t&) noexcept
+{
+    ::operator delete(block);
+}
+
+void operator delete[](void* block) noexcept
+{
+    ::operator delete(block);
+}
+
+void operator delete[](void* block, std::size_t) noexcept
+{
+    ::operator delete(block);
+}
+
+void operator delete[](void* block, const std::nothrow_t&) noexcept
 {
     ::operator delete(block);
 }
