@@ -304,34 +304,23 @@ TEST(SMState, RunsEachChainInItsOrder)
                      "6 [Exit] Stand - SMState.cpp : #", "fifth exit 0", "sixth exit 0"}));
 }
 
-TEST(SMState, PerformsAChainThatItIsGiven)
+TEST(SMState, PerformsAChainThatItIsGivenWithAndWithoutADefinition)
 {
     LogRecorder log;
     BaseDef def("Stand", 10, 0);
-    OpenState state;
-    state.Init(&def);
     RecordingAction first("first");
     RecordingAction second("second");
     first.next = &second;
+    for (BaseDef* given : {&def, static_cast<BaseDef*>(nullptr)})
+    {
+        OpenState state;
+        state.SetDef(given);
 
-    EXPECT_EQ(state.PerformActions(ActTypeExecution, 0.5f, &first), 1);
-    EXPECT_EQ(state.PerformActions(ActTypeExecution, 0.5f, nullptr), 1);
+        EXPECT_EQ(state.PerformActions(ActTypeExecution, 0.5f, &first), 1);
+        EXPECT_EQ(state.PerformActions(ActTypeExecution, 0.5f, nullptr), 1);
 
-    EXPECT_EQ(log.Take(), (Lines{"first execution 0.5", "second execution 0.5"}));
-}
-
-TEST(SMState, PerformsAChainThatItIsGivenWithoutADefinition)
-{
-    LogRecorder log;
-    OpenState state;
-    RecordingAction first("first");
-    RecordingAction second("second");
-    first.next = &second;
-
-    EXPECT_EQ(state.PerformActions(ActTypeEntry, 0.0f, &first), 1);
-    EXPECT_EQ(state.PerformActions(ActTypeEntry, 0.0f, nullptr), 1);
-
-    EXPECT_EQ(log.Take(), (Lines{"first entry 0", "second entry 0"}));
+        EXPECT_EQ(log.Take(), (Lines{"first execution 0.5", "second execution 0.5"}));
+    }
 }
 
 TEST(SMState, HasNoEntryAndExitActionOfItsOwnWhateverTheDefinitionHas)

@@ -62,6 +62,26 @@ class OtherCondition : public ConditionFloatDef
 {
 };
 
+/// What a condition and its guard say of one value.
+struct Answers
+{
+    bool condition;
+    bool guard;
+};
+
+template <class Condition, class Value>
+Answers Ask(int evaluation, Value target, Value high, const Value& value)
+{
+    Condition condition;
+    condition.evaluation = evaluation;
+    condition.target = target;
+    condition.rangeHigh = high;
+    condition.boundValue = &value;
+    TransitionGuard guard;
+    const auto kind = MakeGuard(condition, &guard);
+    return {condition.Evaluate(nullptr), Holds(kind, guard)};
+}
+
 } // namespace
 
 TEST(TransitionGuard, OfAFloatHoldsWhereverTheConditionDoes)
@@ -76,19 +96,11 @@ TEST(TransitionGuard, OfAFloatHoldsWhereverTheConditionDoes)
             {
                 for (const float value : Floats())
                 {
-                    ConditionFloatDef condition;
-                    condition.evaluation = evaluation;
-                    condition.target = target;
-                    condition.rangeHigh = high;
-                    condition.boundValue = &value;
-                    TransitionGuard guard;
-                    const auto kind = MakeGuard(condition, &guard);
-                    const bool expected = condition.Evaluate(nullptr);
-                    const bool holds = Holds(kind, guard);
-                    ASSERT_TRUE(holds || !expected)
+                    const Answers answers = Ask<ConditionFloatDef>(evaluation, target, high, value);
+                    ASSERT_TRUE(answers.guard || !answers.condition)
                         << evaluation << ' ' << target << ' ' << high << ' ' << value;
-                    holding += expected ? 1 : 0;
-                    beside += holds && !expected ? 1 : 0;
+                    holding += answers.condition ? 1 : 0;
+                    beside += answers.guard && !answers.condition ? 1 : 0;
                 }
             }
         }
@@ -108,14 +120,9 @@ TEST(TransitionGuard, OfAnIntegerHoldsExactlyWhereTheConditionDoes)
             {
                 for (const int value : numbers)
                 {
-                    ConditionDefInteger condition;
-                    condition.evaluation = evaluation;
-                    condition.target = target;
-                    condition.rangeHigh = high;
-                    condition.boundValue = &value;
-                    TransitionGuard guard;
-                    const auto kind = MakeGuard(condition, &guard);
-                    ASSERT_EQ(Holds(kind, guard), condition.Evaluate(nullptr))
+                    const Answers answers =
+                        Ask<ConditionDefInteger>(evaluation, target, high, value);
+                    ASSERT_EQ(answers.guard, answers.condition)
                         << evaluation << ' ' << target << ' ' << high << ' ' << value;
                 }
             }
