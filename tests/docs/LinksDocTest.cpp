@@ -1,6 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/docs/LinksDocTest.cpp: the links of the pages lead somewhere.
 #include "tests/docs/Pages.h"
+#include "tests/support/SourceDir.h"
 
 #include <gtest/gtest.h>
 
@@ -54,7 +55,7 @@ void ExpectTarget(const std::string& page, const std::string& path, const std::s
 {
     const std::filesystem::path folder = std::filesystem::path(page).parent_path();
     const std::string target = path.empty() ? page : (folder / path).lexically_normal().string();
-    EXPECT_TRUE(std::filesystem::exists(std::string(VELL_SOURCE_DIR) + "/" + target))
+    EXPECT_TRUE(std::filesystem::exists(std::string(SourceDir()) + "/" + target))
         << page << " links " << target;
     if (!anchor.empty())
     {

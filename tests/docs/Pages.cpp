@@ -2,6 +2,8 @@
 // tests/docs/Pages.cpp: the pages of the documentation, as tests read them.
 #include "tests/docs/Pages.h"
 
+#include "tests/support/SourceDir.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -22,7 +24,7 @@ std::vector<std::string> PagePaths()
 {
     std::vector<std::string> paths;
     for (const auto& entry :
-         std::filesystem::directory_iterator(std::string(VELL_SOURCE_DIR) + "/docs"))
+         std::filesystem::directory_iterator(std::string(SourceDir()) + "/docs"))
     {
         if (entry.path().extension() == ".md")
         {
@@ -36,7 +38,7 @@ std::vector<std::string> PagePaths()
 
 TextLines ReadLines(const std::string& path)
 {
-    std::ifstream file(std::string(VELL_SOURCE_DIR) + "/" + path);
+    std::ifstream file(std::string(SourceDir()) + "/" + path);
     TextLines lines;
     for (std::string line; std::getline(file, line);)
     {

@@ -2,6 +2,7 @@
 // tests/docs/RequiredBehaviourDocTest.cpp: each line of docs/required-behaviour.md names a test
 // that is there.
 #include "tests/docs/Pages.h"
+#include "tests/support/SourceDir.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +25,7 @@ std::vector<std::string> TestSources()
 {
     std::vector<std::string> sources;
     for (const auto& entry :
-         std::filesystem::recursive_directory_iterator(std::string(VELL_SOURCE_DIR) + "/tests"))
+         std::filesystem::recursive_directory_iterator(std::string(SourceDir()) + "/tests"))
     {
         if (entry.path().extension() == ".cpp")
         {

@@ -1,6 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/docs/SnippetsDocTest.cpp: the C++ blocks of the pages stand in samples that run.
 #include "tests/docs/Pages.h"
+#include "tests/support/SourceDir.h"
 
 #include <gtest/gtest.h>
 
@@ -22,7 +23,7 @@ std::vector<TextLines> SampleSources()
     const TextLines build = ReadLines("samples/CMakeLists.txt");
     std::vector<TextLines> sources;
     for (const auto& entry :
-         std::filesystem::directory_iterator(std::string(VELL_SOURCE_DIR) + "/samples"))
+         std::filesystem::directory_iterator(std::string(SourceDir()) + "/samples"))
     {
         const std::string name = entry.path().filename().string();
         const std::string call = "vell_sample_host(" + name + " ";

@@ -2,6 +2,7 @@
 // tests/docs/TreeDocTest.cpp: docs/tree.md draws the tree that a machine has.
 #include "tests/docs/Pages.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/SourceDir.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/TreeLines.h"
 
@@ -58,7 +59,7 @@ std::string PlaceOf(const std::string& line)
 Places PlacesOfTheSample()
 {
     LogRecorder log;
-    const std::string file = std::string(VELL_SOURCE_DIR) + "/samples/character.json";
+    const std::string file = std::string(SourceDir()) + "/samples/character.json";
     TestMachine machine;
     machine.filePath = file.c_str();
     EXPECT_EQ(machine.Create(), 1);

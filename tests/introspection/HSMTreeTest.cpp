@@ -3,6 +3,7 @@
 #include "tests/introspection/RichDocument.h"
 #include "tests/introspection/TreeModel.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/SourceDir.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/TreeLines.h"
 
@@ -22,7 +23,7 @@ namespace vell::test
 namespace
 {
 
-const std::string kSamples = std::string(VELL_SOURCE_DIR) + "/samples/";
+const std::string kSamples = std::string(SourceDir()) + "/samples/";
 
 std::string ReadFile(const std::string& path)
 {

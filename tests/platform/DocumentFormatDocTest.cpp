@@ -1,6 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/platform/DocumentFormatDocTest.cpp: docs/document-format.md says what the vocabulary says.
 #include "platform/durm/Vocabulary.h"
+#include "tests/support/SourceDir.h"
 
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
@@ -24,7 +25,7 @@ using Row = std::vector<std::string>;
 
 std::string ReadPage()
 {
-    std::ifstream file(VELL_SOURCE_DIR "/docs/document-format.md");
+    std::ifstream file(std::string(vell::test::SourceDir()) + "/docs/document-format.md");
     return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
 }
 

@@ -1,6 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/robustness/DictionaryTest.cpp: the fuzzers know the vocabulary.
 #include "tests/fuzz/Dictionary.h"
+#include "tests/support/SourceDir.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +16,7 @@ namespace vell::test
 
 TEST(FuzzDictionary, HoldsEveryWordOfTheVocabulary)
 {
-    const std::string path = std::string(VELL_SOURCE_DIR) + "/tests/fuzz/vell.dict";
+    const std::string path = std::string(SourceDir()) + "/tests/fuzz/vell.dict";
     const std::string expected = fuzz::DictionaryText();
     if (std::getenv("VELL_WRITE_DICTIONARY") != nullptr)
     {

@@ -1,6 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/robustness/LongLifeTest.cpp: many machines and many ticks in one process.
 #include "tests/robustness/Conditions.h"
+#include "tests/support/SourceDir.h"
 #include "tools/vell/ParameterText.h"
 #include "tools/vell/Script.h"
 
@@ -36,7 +37,7 @@ constexpr long kPlayKilobytes = 1024;
 
 std::string ReadSample(const std::string& name)
 {
-    std::ifstream file(std::string(VELL_SOURCE_DIR) + "/samples/" + name, std::ios::binary);
+    std::ifstream file(std::string(SourceDir()) + "/samples/" + name, std::ios::binary);
     std::ostringstream text;
     text << file.rdbuf();
     return text.str();
