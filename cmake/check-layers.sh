@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-subsystems='machine|states|transitions|definitions|parameters|introspection|foundation'
+subsystems='machine|idle|states|transitions|definitions|parameters|introspection|foundation'
 failed=0
 looked=0
 

@@ -2,6 +2,7 @@
 // definitions/BaseDef.cpp: making, reading and releasing a node definition.
 #include <vell/BaseDef.h>
 
+#include "definitions/BaseDefInternals.h"
 #include "definitions/DefPlacement.h"
 #include "definitions/JsonReader.h"
 #include "foundation/ArenaMemory.h"
@@ -25,7 +26,33 @@ BaseDef::BaseDef(const char* newName, unsigned int newId, unsigned int newParent
 
 BaseDef::BaseDef(const BaseDef& other) = default;
 
-BaseDef& BaseDef::operator=(const BaseDef& other) = default;
+BaseDef& BaseDef::operator=(const BaseDef& other)
+{
+    Internals::CountChange(*this);
+    kvTable = other.kvTable;
+    name = other.name;
+    type = other.type;
+    builderType = other.builderType;
+    id = other.id;
+    parentId = other.parentId;
+    index = other.index;
+    exitConnector = other.exitConnector;
+    flags = other.flags;
+    isTableDue = other.isTableDue;
+    scriptName = other.scriptName;
+    numChildren = other.numChildren;
+    childIds = other.childIds;
+    numAttribs = other.numAttribs;
+    attribs = other.attribs;
+    numExecute = other.numExecute;
+    executeActions = other.executeActions;
+    numEnter = other.numEnter;
+    enterActions = other.enterActions;
+    numExit = other.numExit;
+    exitActions = other.exitActions;
+    reserved = other.reserved;
+    return *this;
+}
 
 BaseDef::~BaseDef()
 {
@@ -50,7 +77,7 @@ BaseDef* BaseDef::Create(const GenericValue&, HSMAlloc* alloc)
 
 int BaseDef::Init(const GenericValue& node, HSMAlloc* alloc)
 {
-    CountChange();
+    Internals::CountChange(*this);
     // Required: a repeated Init makes a new table and leaves the old one open; whoever holds the
     // old handle still reads it. The arena closes it at its end.
     if (kvTable && alloc != nullptr)

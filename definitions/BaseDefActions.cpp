@@ -2,6 +2,8 @@
 // definitions/BaseDefActions.cpp: the three action lists of a definition.
 #include <vell/BaseDef.h>
 
+#include "definitions/ActionWalk.h"
+#include "definitions/BaseDefInternals.h"
 #include "foundation/Checks.h"
 
 #include <vell/Action.h>
@@ -40,7 +42,7 @@ int BaseDef::RegisterExecute(Action* action)
     {
         ERROR_BREAK(action);
         Append(&executeActions, &numExecute, action);
-        CountChange();
+        Internals::CountChange(*this);
         result = 1;
     } while (false);
     return result;
@@ -51,21 +53,7 @@ void BaseDef::Append(Action** head, unsigned int* count, Action* action)
     action->SetOwner(this);
     AddTail(head, action);
     ++*count;
-    for (ActionWalk* walk = links.innermost; walk != nullptr; walk = walk->outer)
-    {
-        if (walk->next == nullptr && walk->head == head)
-        {
-            walk->next = action;
-        }
-    }
-}
-
-void BaseDef::CountChange()
-{
-    if (links.changes != nullptr)
-    {
-        ++*links.changes;
-    }
+    ActionWalk::Reach(head, action);
 }
 
 Action* BaseDef::GetActions()
@@ -116,52 +104,13 @@ int BaseDef::RemoveAction(Action* action)
                 action->next->prev = action->prev;
             }
         }
-        StepOver(action);
-        delete action;
+        ActionWalk::StepOver(action);
         --numExecute;
-        CountChange();
+        Internals::CountChange(*this);
+        delete action;
         result = 1;
     } while (false);
     return result;
-}
-
-void BaseDef::StepOver(const Action* removed)
-{
-    for (ActionWalk* walk = links.innermost; walk != nullptr; walk = walk->outer)
-    {
-        if (walk->next == removed)
-        {
-            walk->next = removed->next;
-        }
-    }
-}
-
-BaseDef::ActionWalk::ActionWalk(BaseDef& walkedDef, Action* first)
-    : def(walkedDef), head(nullptr), next(first), outer(walkedDef.links.innermost)
-{
-    for (Action** list : {&def.executeActions, &def.enterActions, &def.exitActions})
-    {
-        if (first != nullptr && *list == first)
-        {
-            head = list;
-        }
-    }
-    def.links.innermost = this;
-}
-
-BaseDef::ActionWalk::~ActionWalk()
-{
-    def.links.innermost = outer;
-}
-
-Action* BaseDef::ActionWalk::TakeNext()
-{
-    Action* action = next;
-    if (action != nullptr)
-    {
-        next = action->next;
-    }
-    return action;
 }
 
 int BaseDef::AddTail(Action** head, Action* action)
@@ -199,14 +148,13 @@ int BaseDef::DestroyActions(Action** head)
     {
         return 1;
     }
-    Action* action = *head;
-    while (action != nullptr)
+    // One at a time: the destructor of an action may remove others or register a successor.
+    while (Action* action = *head)
     {
-        Action* following = action->next;
+        *head = action->next;
+        ActionWalk::End(action);
         delete action;
-        action = following;
     }
-    *head = nullptr;
     return 1;
 }
 

@@ -3,6 +3,7 @@
 #include "definitions/NodeDefTable.h"
 
 #include "definitions/AnimClipDef.h"
+#include "definitions/BaseDefInternals.h"
 #include "definitions/ConnectorDef.h"
 #include "definitions/EnterDef.h"
 #include "definitions/ExitDef.h"
@@ -12,12 +13,14 @@
 #include "definitions/SubstateDef.h"
 #include "foundation/Checks.h"
 #include "foundation/TextCompare.h"
-#include "transitions/ConditionDef.h"
-#include "transitions/TransitionDef.h"
 
+#include <vell/ConditionDef.h>
 #include <vell/HSMAlloc.h>
+#include <vell/TransitionDef.h>
 
+#include <algorithm>
 #include <charconv>
+#include <iterator>
 
 namespace vell
 {
@@ -39,20 +42,42 @@ BaseDef* CreateTransition(const GenericValue& node, HSMAlloc* alloc)
     return TransitionDef::Create(node, alloc);
 }
 
+struct StandardFactory
+{
+    __DURM_BUILDERS__ builder;
+    NodeDefFactory create;
+};
+
+constexpr StandardFactory kStandardFactories[] = {
+    {DURMBaseLib::BUILDER_Base, BaseDef::Create},
+    {DURMBaseLib::BUILDER_AnimClip, AnimClipDef::Create},
+    {DURMBaseLib::BUILDER_Generic, GenericDef::Create},
+    {DURMBaseLib::BUILDER_Connector, ConnectorDef::Create},
+    {DURMBaseLib::BUILDER_Transition, CreateTransition},
+    {DURMBaseLib::BUILDER_Enter, EnterDef::Create},
+    {DURMBaseLib::BUILDER_Exit, ExitDef::Create},
+    {DURMBaseLib::BUILDER_Condition, ConditionDef::Create},
+    {DURMBaseLib::BUILDER_Global, GlobalDef::Create},
+    {DURMBaseLib::BUILDER_Substate, SubstateDef::Create},
+};
+
+bool IsStandard(NodeDefFactory factory)
+{
+    const auto isFactory = [factory](const StandardFactory& standard)
+    {
+        return standard.create == factory;
+    };
+    return std::any_of(std::begin(kStandardFactories), std::end(kStandardFactories), isFactory);
+}
+
 } // namespace
 
 NodeDefTable::NodeDefTable() : cursor(nodes.end())
 {
-    RegisterNodeDef(DURMBaseLib::BUILDER_Base, BaseDef::Create);
-    RegisterNodeDef(DURMBaseLib::BUILDER_AnimClip, AnimClipDef::Create);
-    RegisterNodeDef(DURMBaseLib::BUILDER_Generic, GenericDef::Create);
-    RegisterNodeDef(DURMBaseLib::BUILDER_Connector, ConnectorDef::Create);
-    RegisterNodeDef(DURMBaseLib::BUILDER_Transition, CreateTransition);
-    RegisterNodeDef(DURMBaseLib::BUILDER_Enter, EnterDef::Create);
-    RegisterNodeDef(DURMBaseLib::BUILDER_Exit, ExitDef::Create);
-    RegisterNodeDef(DURMBaseLib::BUILDER_Condition, ConditionDef::Create);
-    RegisterNodeDef(DURMBaseLib::BUILDER_Global, GlobalDef::Create);
-    RegisterNodeDef(DURMBaseLib::BUILDER_Substate, SubstateDef::Create);
+    for (const StandardFactory& standard : kStandardFactories)
+    {
+        RegisterNodeDef(standard.builder, standard.create);
+    }
 }
 
 NodeDefTable::~NodeDefTable()
@@ -108,6 +133,10 @@ BaseDef* NodeDefTable::CreateNodeDef(const GenericValue& node, HSMAlloc* alloc)
         ERROR_BREAK(entry != Builders().end());
         BaseDef* def = entry->second == nullptr ? nullptr : entry->second(node, alloc);
         ERROR_BREAK(def);
+        if (!IsStandard(entry->second))
+        {
+            BaseDef::Internals::HandOut(*def);
+        }
         const int initialised = def->Init(node, alloc);
         ERROR_BREAK(initialised);
         if (def->GetType() == DefTypeEnter)

@@ -5,6 +5,7 @@
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
 #include "foundation/TreeKeys.h"
+#include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
 
 #include <vell/SMState.h>
@@ -52,6 +53,7 @@ int HSM::InitKVTable_Self()
     {
         return 0;
     }
+    const std::string& fileName = internals->fileName;
     if (!fileName.empty())
     {
         kvTable->SetString(kFileNameKey, fileName.c_str(), 1);
@@ -101,15 +103,25 @@ Tessel::KVTable HSM::GetContextTable() const
     return kvTable ? kvTable->GetTable(kContextKey) : Tessel::KVTable();
 }
 
+/// Gives the array that mirrors `stack`, or null. Only the machine's own two stacks have one.
+Tessel::KVTable HSM::GetStackTable(const std::vector<SMState*>* stack) const
+{
+    Tessel::KVTable context;
+    if (stack == &stateStack || stack == &blipStack)
+    {
+        context = GetContextTable();
+    }
+    return context ? context->GetTable(stack == &stateStack ? kMainStackKey : kBlipStackKey)
+                   : Tessel::KVTable();
+}
+
 int HSM::GetCurrentStackTable(Tessel::KVTable* out)
 {
-    const bool isMain = currentStack == &stateStack;
-    if (out == nullptr || (!isMain && currentStack != &blipStack))
+    if (out == nullptr || (currentStack != &stateStack && currentStack != &blipStack))
     {
         return 0;
     }
-    Tessel::KVTable context = GetContextTable();
-    *out = context ? context->GetTable(isMain ? kMainStackKey : kBlipStackKey) : Tessel::KVTable();
+    *out = GetStackTable(currentStack);
     return 1;
 }
 
@@ -127,10 +139,15 @@ int HSM::UpdateKVTable_OnPushState(SMState* state)
 
 int HSM::UpdateKVTable_OnPopState()
 {
-    Tessel::KVTable stack;
-    GetCurrentStackTable(&stack);
-    const unsigned int count = stack ? stack->GetCount() : 0;
-    return count == 0 ? 0 : stack->RemoveAt(count - 1, 1);
+    return RemoveLastInTree(currentStack);
+}
+
+/// Removes the last id of the array that mirrors `stack`.
+int HSM::RemoveLastInTree(const std::vector<SMState*>* stack)
+{
+    Tessel::KVTable array = GetStackTable(stack);
+    const unsigned int count = array ? array->GetCount() : 0;
+    return count == 0 ? 0 : array->RemoveAt(count - 1, 1);
 }
 
 /// Writes what left and what came into the tree.
@@ -140,16 +157,6 @@ void HSM::ReportStateChange(SMState* previous, unsigned int nextId)
     {
         context->SetUInt(kPreviousStateKey, previous == nullptr ? 0 : previous->GetID(), 1);
         context->SetUInt(kNextStateKey, nextId, 1);
-    }
-}
-
-/// Writes the transition that fired into the tree, which is the one that a subclass shows.
-void HSM::ReportTransition(unsigned int transitionId)
-{
-    Tessel::KVTable root = GetKVTable();
-    if (Tessel::KVTable context = root ? root->GetTable(kContextKey) : Tessel::KVTable())
-    {
-        context->SetUInt(kTransitionKey, transitionId, 1);
     }
 }
 

@@ -4,7 +4,7 @@
 
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
-#include "machine/TickWalk.h"
+#include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
 
 #include <vell/SMState.h>
@@ -20,18 +20,18 @@ constexpr auto kDefaultMachineType = static_cast<__STATE_MACHINE_TYPES__>(1);
 
 } // namespace
 
-HSM::HSM() : walk(std::make_unique<TickWalk>()), machineType(kDefaultMachineType)
+HSM::HSM() : machineType(kDefaultMachineType), internals(std::make_unique<Internals>())
 {
 }
 
 HSM::HSM(const char* path, const char* auxiliary)
-    : walk(std::make_unique<TickWalk>()), filePath(path), auxiliaryName(auxiliary)
+    : filePath(path), auxiliaryName(auxiliary), internals(std::make_unique<Internals>())
 {
     HSM::Create();
 }
 
 HSM::HSM(const char* text)
-    : walk(std::make_unique<TickWalk>()), jsonText(text), machineType(kDefaultMachineType)
+    : jsonText(text), machineType(kDefaultMachineType), internals(std::make_unique<Internals>())
 {
     HSM::Create();
 }
@@ -56,9 +56,9 @@ void HSM::Start()
 
 int HSM::Uninit()
 {
-    ++changes;
+    internals->idle.revision.Raise();
     // The tables go with the arena, while the pointers stay.
-    const bool hasTables = !std::exchange(isUninitialised, true);
+    const bool hasTables = !std::exchange(internals->isUninitialised, true);
     if (hasTables && parameterTable != nullptr)
     {
         parameterTable->Uninit();

@@ -2,40 +2,21 @@
 // machine/HSMActivation.cpp: making run-time states on first use.
 #include <vell/HSM.h>
 
-#include "definitions/AnimClipDef.h"
-#include "definitions/EnterDef.h"
-#include "definitions/ExitDef.h"
-#include "definitions/GenericDef.h"
-#include "definitions/GlobalDef.h"
 #include "definitions/NodeDefTable.h"
-#include "definitions/SubstateDef.h"
 #include "foundation/Checks.h"
+#include "machine/HSMInternals.h"
 #include "machine/StateBuilders.h"
 #include "parameters/ParameterTable.h"
-#include "states/SubstateState.h"
-#include "transitions/ConditionDef.h"
-#include "transitions/TransitionDef.h"
 
+#include <vell/ConditionDef.h>
 #include <vell/SMState.h>
+#include <vell/SubstateState.h>
+#include <vell/TransitionDef.h>
 
 #include <set>
-#include <typeinfo>
 
 namespace vell
 {
-namespace
-{
-
-/// Tells whether the definition is of a class whose actions are those of its lists.
-bool HasOwnActions(const BaseDef& def)
-{
-    const std::type_info& type = typeid(def);
-    return type == typeid(GenericDef) || type == typeid(AnimClipDef) ||
-           type == typeid(SubstateDef) || type == typeid(EnterDef) || type == typeid(ExitDef) ||
-           type == typeid(GlobalDef);
-}
-
-} // namespace
 
 SMState* HSM::ActivateState(unsigned int id, float switchArgument)
 {
@@ -55,7 +36,7 @@ SMState* HSM::ActivateState(unsigned int id, float switchArgument)
             ERROR_BREAK(factory != nullptr);
             state = factory(id, &alloc);
             ERROR_BREAK(state);
-            state->hsm = this;
+            state->SetHSM(this);
             // Required: a failing Init runs a second time.
             ERROR_BREAK(state->Init(def));
             ActivateTransitions(state);
@@ -63,15 +44,8 @@ SMState* HSM::ActivateState(unsigned int id, float switchArgument)
             ERROR_BREAK(inserted);
             // Required: looked up once. A state that is activated before its substate has no parent
             // for good.
-            state->parent = dynamic_cast<SubstateState*>(FindState(state->GetParentID()));
-            if (alloc.Holds(state))
-            {
-                state->TakeRole();
-            }
-            if (HasOwnActions(*def))
-            {
-                CountChangesOf(*def);
-            }
+            state->SetParent(dynamic_cast<SubstateState*>(FindState(state->GetParentID())));
+            internals->idle.Follow(*state, alloc);
         }
         BaseDef* def = state->GetDef();
         LogStream(LogInfo) << "Activated State: " << (def == nullptr ? nullptr : def->GetName())
@@ -108,25 +82,11 @@ int HSM::ActivateTransitions(SMState* state)
             {
                 condition->SetParameter(parameter);
             }
-            if (condition != nullptr)
-            {
-                CountChangesOf(*condition);
-            }
         }
-        CountChangesOf(*transition);
         state->PushTransition(transition);
     }
     state->SortTransitions();
     return 1;
-}
-
-/// A definition that another owns may outlive the machine.
-void HSM::CountChangesOf(BaseDef& def)
-{
-    if (alloc.Holds(&def))
-    {
-        def.links.changes = &changes;
-    }
 }
 
 SMState* HSM::FindState(unsigned int id)

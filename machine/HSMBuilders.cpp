@@ -8,7 +8,8 @@
 #include "states/EnterState.h"
 #include "states/ExitState.h"
 #include "states/GlobalState.h"
-#include "states/SubstateState.h"
+
+#include <vell/SubstateState.h>
 
 namespace vell
 {

@@ -6,7 +6,7 @@
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
 #include "machine/DocumentParser.h"
-#include "machine/TickWalk.h"
+#include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
 
 namespace vell
@@ -55,9 +55,8 @@ int HSM::Create()
 /// What an earlier Create and its machine left in the arena goes with the arena's block.
 void HSM::ForgetArena()
 {
-    ++changes;
-    walk->values.Clear();
-    isUninitialised = false;
+    internals->idle.revision.Raise();
+    internals->isUninitialised = false;
     parameterTable = nullptr;
     nodeDefTable = nullptr;
     previousState = nullptr;
@@ -73,7 +72,7 @@ unsigned int HSM::ParseDocument()
     unsigned int errorCode = 0;
     if (filePath != nullptr)
     {
-        fileName = filePath;
+        internals->fileName = filePath;
         ParseFile(filePath, document);
         errorCode = static_cast<unsigned int>(document.GetParseError());
     }
@@ -150,9 +149,8 @@ int HSM::InitParameterTable(const GenericValue& root, HSMAlloc* arena)
         {
             parameterTable = arena == nullptr ? nullptr : arena->New<ParameterTable>();
             ERROR_BREAK(parameterTable);
-            parameterTable->SetValueRoom(&walk->values);
         }
-        ++changes;
+        internals->idle.revision.Raise();
         ERROR_BREAK(parameterTable->Init(*parameters, arena));
         return 1;
     } while (false);

@@ -2,18 +2,33 @@
 // machine/HSMObservers.cpp: listeners, actions, triggers, assets and the walk over definitions.
 #include <vell/HSM.h>
 
+#include "definitions/BaseDefInternals.h"
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
 #include "foundation/TreeKeys.h"
-#include "transitions/TransitionDef.h"
 
 #include <vell/Action.h>
 #include <vell/IBroadcastListener.h>
+#include <vell/TransitionDef.h>
 
 #include <algorithm>
 
 namespace vell
 {
+namespace
+{
+
+/// Gives a definition to the host, which may write to the public fields that a transition has.
+BaseDef* HandOut(BaseDef* def)
+{
+    if (dynamic_cast<TransitionDef*>(def) != nullptr)
+    {
+        BaseDef::Internals::HandOut(*def);
+    }
+    return def;
+}
+
+} // namespace
 
 int HSM::SubscribeTransitionChange(IBroadcastListener* listener)
 {
@@ -206,7 +221,7 @@ IBaseDef* HSM::BeginDef(unsigned int mask)
     do
     {
         ERROR_BREAK(nodeDefTable);
-        def = nodeDefTable->FindFirst(mask);
+        def = HandOut(nodeDefTable->FindFirst(mask));
     } while (false);
     return def;
 }
@@ -217,7 +232,7 @@ IBaseDef* HSM::NextDef(unsigned int mask)
     do
     {
         ERROR_BREAK(nodeDefTable);
-        def = nodeDefTable->FindNext(mask);
+        def = HandOut(nodeDefTable->FindNext(mask));
     } while (false);
     return def;
 }
@@ -228,7 +243,7 @@ IBaseDef* HSM::FindDef(const char* name)
     do
     {
         ERROR_BREAK(nodeDefTable);
-        def = nodeDefTable->FindByName(name);
+        def = HandOut(nodeDefTable->FindByName(name));
         if (def == nullptr)
         {
             LogStream(LogError) << "Failed to find node definition named: " << name << EndLine;
@@ -243,7 +258,7 @@ IBaseDef* HSM::FindDef(unsigned int id)
     do
     {
         ERROR_BREAK(nodeDefTable);
-        def = nodeDefTable->Find(id);
+        def = HandOut(nodeDefTable->Find(id));
         if (def == nullptr)
         {
             LogStream(LogError) << "Failed to find node definition ID: " << id << EndLine;

@@ -3,12 +3,15 @@
 #include <vell/HSM.h>
 
 #include "foundation/Checks.h"
-#include "machine/TickWalk.h"
+#include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
 
 #include <vell/BaseDef.h>
 #include <vell/SMState.h>
 #include <vell/UpdateResult.h>
+
+#include <algorithm>
+#include <iterator>
 
 namespace vell
 {
@@ -21,9 +24,10 @@ constexpr int kNoTransition = 2;
 
 constexpr int kRestingBlipPriority = 1;
 
-int TopIndex(const std::vector<SMState*>& stack)
+/// Null is a stack that is not there yet.
+int TopIndex(const std::vector<SMState*>* stack)
 {
-    return static_cast<int>(stack.size()) - 1;
+    return stack == nullptr ? -1 : static_cast<int>(stack->size()) - 1;
 }
 
 const char* NameOf(const SMState& state)
@@ -41,59 +45,40 @@ void HSM::Update(float timeStep)
         return;
     }
     UpdateResult result;
-    bool isGlobalUnknown = false;
-    if (globalState != nullptr && currentStack != nullptr)
+    IdleCache::Tick idle(internals->idle, &result);
+    if (globalState != nullptr && currentStack != nullptr && idle.MustTest(-1, globalState))
     {
-        const TickLevel* known = FindInWalk(0, globalState);
-        isGlobalUnknown = known == nullptr;
-        if (known == nullptr || known->asks || walk->Holds(*known))
-        {
-            TickGlobalState(&result, timeStep);
-        }
+        TestGlobalState(&result, timeStep);
     }
-    // The lowest levels, in which nothing fired, and whether the walk lacks one of them.
-    std::size_t quietLevels = currentStack == nullptr ? 0 : currentStack->size();
-    bool isUnknown = isGlobalUnknown;
-    for (int i = currentStack == nullptr ? -1 : TopIndex(*currentStack); i >= 0; --i)
+    for (int i = TopIndex(currentStack); i >= 0; --i)
     {
         // Required: a blip that ends inside this walk goes on below the same index of the main
         // stack, and a main stack that is too short for it shows as std::out_of_range.
         SMState* state = currentStack->at(static_cast<std::size_t>(i));
-        const TickLevel* known = FindInWalk(static_cast<std::size_t>(i) + 1, state);
-        if (known == nullptr || known->acts)
-        {
-            const bool asks = known == nullptr || known->asks;
-            isUnknown = isUnknown || known == nullptr;
-            if (state != nullptr)
-            {
-                state->Update(this, timeStep);
-            }
-            // What the update did may have changed what there is to know.
-            known = asks ? nullptr : FindInWalk(static_cast<std::size_t>(i) + 1, state);
-        }
-        if (known != nullptr && !walk->Holds(*known))
-        {
-            continue;
-        }
         result.stackIndex = i;
-        if (UpdateState(state, &result, timeStep) == kTransitionFired)
+        if (idle.MustUpdate(i, state))
+        {
+            state->Update(this, timeStep);
+        }
+        if (idle.MustTest(i, state) && UpdateState(state, &result, timeStep) == kTransitionFired)
         {
             UpdateStateStack(&result);
-            quietLevels = static_cast<std::size_t>(i);
-            isUnknown = isGlobalUnknown;
+            idle.Disturb(i);
         }
     }
-    if (parameterTable != nullptr && !walk->NeedsNoReset(parameterTable, changes))
+    if (parameterTable != nullptr)
     {
         parameterTable->ResetFrameParameters();
     }
-    if (isUnknown && currentStack != nullptr)
+    if (idle.HasMetUnknown())
     {
-        walk->Follow(*this, quietLevels);
+        idle.Learn(this, globalState, currentStack);
     }
 }
 
-void HSM::TickGlobalState(UpdateResult* result, float timeStep)
+/// Required: the global state is never updated; its transitions alone are tested, and one whose
+/// priority is too low is dropped.
+void HSM::TestGlobalState(UpdateResult* result, float timeStep)
 {
     result->stackIndex = 0;
     if (UpdateState(globalState, result, timeStep) == kTransitionFired &&
@@ -103,15 +88,10 @@ void HSM::TickGlobalState(UpdateResult* result, float timeStep)
     }
 }
 
-const TickLevel* HSM::FindInWalk(std::size_t index, const SMState* state) const
-{
-    return walk->Find(index, state, changes);
-}
-
 void HSM::StartBlip(UpdateResult* result)
 {
     LogStream(LogInfo) << "State Blip: " << NameOf(*globalState) << EndLine;
-    const int top = TopIndex(*currentStack);
+    const int top = TopIndex(currentStack);
     if (blipActive)
     {
         UpdateResult blank = UpdateResult::Blank();
@@ -136,17 +116,12 @@ int HSM::UpdateState(SMState* state, UpdateResult* result, float)
         outcome = kNoTransition;
         if (state->ProcessTransitions(this, result) != 0)
         {
-            FinishTransition(*state, result);
+            LogStream(LogInfo) << "Transition satisfied: " << NameOf(*state) << EndLine;
+            result->popLevel = result->stackIndex;
             outcome = kTransitionFired;
         }
     } while (false);
     return outcome;
-}
-
-void HSM::FinishTransition(const SMState& state, UpdateResult* result)
-{
-    LogStream(LogInfo) << "Transition satisfied: " << NameOf(state) << EndLine;
-    result->popLevel = result->stackIndex;
 }
 
 int HSM::UpdateStateStack(UpdateResult* result)
@@ -157,7 +132,7 @@ int HSM::UpdateStateStack(UpdateResult* result)
         ERROR_BREAK(result);
         SMState* previous = nullptr;
         const int lowest = currentStack == nullptr ? 0 : result->popLevel;
-        for (int i = currentStack == nullptr ? -1 : TopIndex(*currentStack); i >= lowest; --i)
+        for (int i = TopIndex(currentStack); i >= lowest; --i)
         {
             if (currentStack->at(static_cast<std::size_t>(i)) == nullptr)
             {
@@ -233,9 +208,15 @@ SMState* HSM::PopState()
     {
         SMState* top = currentStack->back();
         ERROR_BREAK(top);
+        std::vector<SMState*>* const stack = currentStack;
         top->Exit();
-        currentStack->pop_back();
-        UpdateKVTable_OnPopState();
+        // What it did on leaving may have pushed and popped others, and ended a blip.
+        const auto entry = std::find(stack->rbegin(), stack->rend(), top);
+        if (entry != stack->rend())
+        {
+            stack->erase(std::next(entry).base());
+            RemoveLastInTree(stack);
+        }
         popped = top;
     } while (false);
     return popped;

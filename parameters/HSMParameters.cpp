@@ -4,12 +4,13 @@
 
 #include "definitions/AttribDefs.h"
 #include "definitions/NodeDefTable.h"
+#include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
-#include "transitions/ConditionDef.h"
-#include "transitions/TransitionDef.h"
 
+#include <vell/ConditionDef.h>
 #include <vell/Parameters.h>
 #include <vell/SMState.h>
+#include <vell/TransitionDef.h>
 
 namespace vell
 {
@@ -35,7 +36,7 @@ void HSM::BindParamCond()
     {
         return;
     }
-    ++changes;
+    internals->idle.revision.Raise();
     const std::size_t count = nodeDefTable->nodeIds.size();
     const NodeDefTable::NodeMap& nodes = nodeDefTable->nodes;
     NodeDefTable::NodeMap::const_iterator next = nodes.begin();

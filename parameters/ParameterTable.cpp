@@ -5,7 +5,6 @@
 #include "foundation/Checks.h"
 #include "foundation/TableSync.h"
 #include "foundation/TreeKeys.h"
-#include "parameters/ValueRoom.h"
 
 #include <vell/HSMAlloc.h>
 #include <vell/Parameters.h>
@@ -180,16 +179,11 @@ void ParameterTable::ResetAll()
     }
 }
 
-void ParameterTable::SetValueRoom(ValueRoom* room)
-{
-    valueRoom = room;
-}
-
 void ParameterTable::PlaceValue(ParameterDef& def, int type)
 {
     const bool isScalar = type == DURMBaseLib::PARAM_Bool || type == DURMBaseLib::PARAM_Integer ||
                           type == DURMBaseLib::PARAM_Float;
-    void* room = isScalar && valueRoom != nullptr ? valueRoom->Take() : nullptr;
+    void* room = isScalar ? values.Take() : nullptr;
     if (room == nullptr)
     {
         return;

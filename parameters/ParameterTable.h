@@ -2,6 +2,8 @@
 // parameters/ParameterTable.h: all parameters of a machine.
 #pragma once
 
+#include "parameters/ValueRoom.h"
+
 #include <vell/IParameterTable.h>
 #include <vell/Json.h>
 
@@ -16,7 +18,6 @@ namespace vell
 {
 
 class HSMAlloc;
-class ValueRoom;
 
 /// Builds the document's parameters in the arena, makes further ones on the heap while the machine
 /// runs, and finds them by id and by name.
@@ -56,9 +57,6 @@ public:
     int CreateMessageParameter(const char* name, const char* text,
                                IParameterMessageDef** out) override;
 
-    /// Lets the scalar parameters that `Init` builds keep their values in `room`, which has to live
-    /// as long as they.
-    void SetValueRoom(ValueRoom* room);
     /// Tells whether a parameter is to be reset at the end of a tick.
     bool ResetsAny() const
     {
@@ -103,7 +101,7 @@ private:
     void KeepRuntimeParameter(ParameterDef* def, const char* name);
     int PublishRuntimeParameter(ParameterDef* def);
 
-    ValueRoom* valueRoom = nullptr;       ///< not owned; null leaves values where they are
+    ValueRoom values;                     ///< of the document's first scalar parameters
     HSMAlloc* arena = nullptr;            ///< keeps run-time parameters to its end; null until Init
     std::vector<ParameterDef*> resetting; ///< those that reset each frame, in ascending id order
     std::vector<std::unique_ptr<ParameterDef>> ownParameters; ///< run-time ones without an arena

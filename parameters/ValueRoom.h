@@ -20,12 +20,6 @@ public:
         return used == kCount ? nullptr : bytes + kWidth * used++;
     }
 
-    /// Forgets who took what.
-    void Clear()
-    {
-        used = 0;
-    }
-
 private:
     static constexpr unsigned int kWidth = 4;
     static constexpr unsigned int kCount = 32;

@@ -4,7 +4,7 @@
 
 #include "definitions/EnterDef.h"
 #include "foundation/Checks.h"
-#include "states/StatePlacement.h"
+#include "states/SMStateInternals.h"
 
 namespace vell
 {
@@ -15,7 +15,7 @@ SMState* EnterState::Create(unsigned int stateId, HSMAlloc* alloc)
     do
     {
         ERROR_BREAK(alloc);
-        state = Place<EnterState>(stateId, alloc);
+        state = Internals::Place<EnterState>(stateId, alloc);
         ERROR_BREAK(state);
     } while (false);
     return state;

@@ -4,9 +4,8 @@
 
 #include "definitions/ExitDef.h"
 #include "foundation/Checks.h"
-#include "states/StatePlacement.h"
-
-#include <vell/HSM.h>
+#include "states/MachineServices.h"
+#include "states/SMStateInternals.h"
 
 namespace vell
 {
@@ -17,7 +16,7 @@ SMState* ExitState::Create(unsigned int stateId, HSMAlloc* alloc)
     do
     {
         ERROR_BREAK(alloc);
-        state = Place<ExitState>(stateId, alloc);
+        state = Internals::Place<ExitState>(stateId, alloc);
         ERROR_BREAK(state);
     } while (false);
     return state;
@@ -56,10 +55,11 @@ int ExitState::Execute(double)
     {
         ERROR_BREAK(def);
         // Required: no execute action runs on an exit node.
-        if (hsm != nullptr && hsm->IsBlipState())
+        HSM* const machine = hsm; // the log's callback may take the state away from it
+        if (machine != nullptr && MachineServices::IsBlipState(*machine))
         {
             LogStream(LogInfo) << "Revert to Previous State" << EndLine;
-            hsm->RevertToPreviousState();
+            MachineServices::RevertToPreviousState(*machine);
         }
         result = 1;
     } while (false);

@@ -2,21 +2,19 @@
 // states/SMState.cpp: entering, updating and leaving a state, and its transitions.
 #include <vell/SMState.h>
 
+#include "definitions/ActionWalk.h"
 #include "definitions/AnimClipDef.h"
+#include "definitions/BaseDefInternals.h"
 #include "foundation/Checks.h"
-#include "states/EnterState.h"
-#include "states/ExitState.h"
-#include "states/GlobalState.h"
-#include "states/StatePlacement.h"
-#include "states/SubstateState.h"
-#include "transitions/TransitionDef.h"
+#include "states/MachineServices.h"
+#include "states/SMStateInternals.h"
 
 #include <vell/Action.h>
-#include <vell/HSM.h>
+#include <vell/SubstateState.h>
+#include <vell/TransitionDef.h>
 #include <vell/UpdateResult.h>
 
 #include <algorithm>
-#include <typeinfo>
 
 namespace vell
 {
@@ -26,6 +24,7 @@ namespace
 /// Lists up to this length are sorted by insertion.
 constexpr std::size_t kInsertionLimit = 32;
 
+/// Required: a null entry comes neither before nor after any other.
 bool ComesBefore(const TransitionDef* left, const TransitionDef* right)
 {
     return left != nullptr && right != nullptr && left->priority < right->priority;
@@ -35,11 +34,23 @@ bool ComesBefore(const TransitionDef* left, const TransitionDef* right)
 
 SMState::SMState() = default;
 
-SMState::SMState(const SMState& other) = default;
+SMState::SMState(const SMState& other)
+    : def(other.def),
+      id(other.id),
+      transitions(other.transitions),
+      entryAction(other.entryAction),
+      exitAction(other.exitAction),
+      parent(other.parent),
+      hsm(other.hsm)
+{
+    // The copy may be of a class that shows its transitions.
+    Internals::HandOutTransitions(other);
+}
 
 SMState& SMState::operator=(const SMState& other)
 {
-    CountChange();
+    Internals::HandOutTransitions(other);
+    Internals::CountChange(*this);
     def = other.def;
     id = other.id;
     transitions = other.transitions;
@@ -58,7 +69,7 @@ SMState* SMState::Create(unsigned int stateId, HSMAlloc* alloc)
     do
     {
         ERROR_BREAK(alloc);
-        state = Place<SMState>(stateId, alloc);
+        state = Internals::Place<SMState>(stateId, alloc);
         ERROR_BREAK(state);
     } while (false);
     return state;
@@ -70,7 +81,7 @@ int SMState::Init(BaseDef* newDef)
     do
     {
         ERROR_BREAK(newDef);
-        CountChange();
+        Internals::CountChange(*this);
         def = newDef;
         result = 1;
     } while (false);
@@ -91,7 +102,7 @@ int SMState::HandleInput(HSM* machine)
         ERROR_BREAK(def);
         const unsigned int connector = def->GetExitConnector();
         ERROR_BREAK(connector != 0);
-        IBaseDef* connectorDef = machine->FindDef(connector);
+        IBaseDef* connectorDef = MachineServices::FindDef(*machine, connector);
         ERROR_BREAK(connectorDef);
         result = 1;
     } while (false);
@@ -116,10 +127,12 @@ int SMState::Enter()
     do
     {
         ERROR_BREAK(def);
-        PerformActions(ActTypeEntry, 0.0f, def->GetEnterActions());
+        // An action or the log's callback may give the state another definition, or none.
+        BaseDef* const entered = def;
+        PerformActions(ActTypeEntry, 0.0f, entered->GetEnterActions());
         TellParent();
-        LogStream(LogInfo) << "[Enter] " << def->GetName() << " - " << VELL_PLACE << EndLine;
-        RequestAnimation();
+        LogStream(LogInfo) << "[Enter] " << entered->GetName() << " - " << VELL_PLACE << EndLine;
+        RequestAnimation(entered);
         result = 1;
     } while (false);
     return result;
@@ -137,19 +150,19 @@ void SMState::TellParent()
     parent->currentChildID = GetID();
 }
 
-void SMState::RequestAnimation()
+void SMState::RequestAnimation(BaseDef* entered)
 {
-    if (hsm == nullptr || hsm->eventListeners.empty())
+    if (hsm == nullptr || !MachineServices::HasEventListeners(*hsm))
     {
         return;
     }
-    const AnimClipDef* clip = dynamic_cast<AnimClipDef*>(def);
+    const AnimClipDef* clip = dynamic_cast<AnimClipDef*>(entered);
     if (clip == nullptr)
     {
         return;
     }
     const __PlayAnimEvent__ event{clip->clipName, clip->clipFlag, clip->clipScalar};
-    hsm->FireEvent(HSMEventPlayAnimation, &event);
+    MachineServices::SendAnimation(*hsm, event);
 }
 
 int SMState::Execute(double dt)
@@ -170,8 +183,9 @@ int SMState::Exit()
     do
     {
         ERROR_BREAK(def);
-        LogStream(LogInfo) << "[Exit] " << def->GetName() << " - " << VELL_PLACE << EndLine;
-        PerformActions(ActTypeExit, 0.0f, def->GetExitActions());
+        BaseDef* const left = def;
+        LogStream(LogInfo) << "[Exit] " << left->GetName() << " - " << VELL_PLACE << EndLine;
+        PerformActions(ActTypeExit, 0.0f, left->GetExitActions());
         result = 1;
     } while (false);
     return result;
@@ -184,43 +198,16 @@ SMState* SMState::GetStates()
 
 int SMState::PerformActions(__ActType__ type, float dt, Action* first)
 {
-    if (def == nullptr)
-    {
-        for (Action *action = first, *next = nullptr; action != nullptr; action = next)
-        {
-            next = action->next;
-            action->Perform(type, dt);
-        }
-        return 1;
-    }
     if (first == nullptr)
     {
         return 1;
     }
-    // An action may remove itself or another and put further ones on while it performs.
-    BaseDef::ActionWalk walk(*def, first);
+    ActionWalk walk(def, first);
     while (Action* action = walk.TakeNext())
     {
         action->Perform(type, dt);
     }
     return 1;
-}
-
-void SMState::TakeRole()
-{
-    const std::type_info& type = typeid(*this);
-    if (type == typeid(SMState) || type == typeid(EnterState) || type == typeid(GlobalState))
-    {
-        role.value = Role::PlainState;
-    }
-    else if (type == typeid(SubstateState))
-    {
-        role.value = Role::Level;
-    }
-    else if (type == typeid(ExitState))
-    {
-        role.value = Role::ExitNode;
-    }
 }
 
 unsigned int SMState::ProcessTransitions(HSM* machine, UpdateResult* result)
@@ -236,20 +223,27 @@ unsigned int SMState::ProcessTransitions(HSM* machine, UpdateResult* result)
     result->sourceID = transition->GetParentID();
     result->priority = transition->priority;
     result->switchArgument = transition->switchArgument;
-    if (machine != nullptr)
+    if (machine == nullptr)
     {
-        machine->ReportTransition(transition->GetID());
+        BaseDef::Internals::HandOut(*transition);
+    }
+    else
+    {
+        MachineServices::ReportTransition(*machine, *transition, result);
     }
     return transition->targetID;
 }
 
+/// Gives the first transition that holds, or null.
 TransitionDef* SMState::FindTransition(HSM* machine)
 {
-    // A trigger may push transitions: those are not looked at before the next tick.
+    // A trigger may push transitions: those are not looked at before the next tick. It may also
+    // give the state fewer: the line of GetTransitionAt shows that.
     const int count = GetNumTransitions();
     for (int i = 0; i < count; ++i)
     {
-        TransitionDef* transition = GetTransitionAt(i);
+        TransitionDef* transition =
+            i < GetNumTransitions() ? transitions[static_cast<std::size_t>(i)] : GetTransitionAt(i);
         if (transition != nullptr && !transition->disabled && transition->HandleConditions(machine))
         {
             return transition;
@@ -261,17 +255,20 @@ TransitionDef* SMState::FindTransition(HSM* machine)
 void SMState::PushTransition(TransitionDef* transition)
 {
     transitions.push_back(transition);
-    CountChange();
+    Internals::CountChange(*this);
 }
 
 void SMState::SortTransitions()
 {
-    CountChange();
-    if (transitions.size() > kInsertionLimit)
+    Internals::CountChange(*this);
+    const bool hasNull =
+        std::find(transitions.begin(), transitions.end(), nullptr) != transitions.end();
+    if (transitions.size() > kInsertionLimit && !hasNull)
     {
         std::stable_sort(transitions.begin(), transitions.end(), ComesBefore);
         return;
     }
+    // With a null among them the order is not one that a standard sort takes.
     for (std::size_t i = 1; i < transitions.size(); ++i)
     {
         TransitionDef* moving = transitions[i];
@@ -301,7 +298,22 @@ TransitionDef* SMState::GetTransitionAt(int index) const
         }
         transition = transitions[static_cast<std::size_t>(index)];
     } while (false);
+    if (transition != nullptr)
+    {
+        BaseDef::Internals::HandOut(*transition);
+    }
     return transition;
+}
+
+void SMState::Internals::HandOutTransitions(const SMState& state)
+{
+    for (TransitionDef* transition : state.transitions)
+    {
+        if (transition != nullptr)
+        {
+            BaseDef::Internals::HandOut(*transition);
+        }
+    }
 }
 
 Tessel::KVTable SMState::ReleaseStorage()

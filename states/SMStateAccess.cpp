@@ -4,9 +4,9 @@
 
 #include "definitions/AttribDefs.h"
 #include "foundation/Checks.h"
+#include "states/SMStateInternals.h"
 
 #include <vell/BaseDef.h>
-#include <vell/HSM.h>
 
 #include <durm/DURMBaseLib.h>
 
@@ -39,7 +39,7 @@ BaseDef* SMState::GetDef() const
 void SMState::SetDef(BaseDef* newDef)
 {
     def = newDef;
-    CountChange();
+    Internals::CountChange(*this);
 }
 
 SubstateState* SMState::GetParent() const
@@ -62,18 +62,10 @@ void SMState::SetHSM(HSM* machine)
     // A machine counts the changes of its own states only: it may be gone before others are.
     if (hsm != machine)
     {
-        CountChange();
-        role.value = Role::UnknownState;
+        Internals::CountChange(*this);
+        revision.pointer = nullptr;
     }
     hsm = machine;
-}
-
-void SMState::CountChange()
-{
-    if (role.value != Role::UnknownState)
-    {
-        ++hsm->changes;
-    }
 }
 
 Action* SMState::GetEntryAction() const

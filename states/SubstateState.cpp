@@ -1,14 +1,13 @@
 // VELL: data-driven hierarchical state machines.
 // states/SubstateState.cpp: starting, resuming and leaving a nested level.
-#include "states/SubstateState.h"
+#include <vell/SubstateState.h>
 
 #include "definitions/EnterDef.h"
 #include "definitions/ExitDef.h"
 #include "definitions/SubstateDef.h"
 #include "foundation/Checks.h"
-#include "states/StatePlacement.h"
-
-#include <vell/HSM.h>
+#include "states/MachineServices.h"
+#include "states/SMStateInternals.h"
 
 namespace vell
 {
@@ -19,7 +18,7 @@ SMState* SubstateState::Create(unsigned int stateId, HSMAlloc* alloc)
     do
     {
         ERROR_BREAK(alloc);
-        state = Place<SubstateState>(stateId, alloc);
+        state = Internals::Place<SubstateState>(stateId, alloc);
         ERROR_BREAK(state);
     } while (false);
     return state;
@@ -53,9 +52,9 @@ int SubstateState::InitEnterExit(BaseDef* newDef)
     {
         ERROR_BREAK(newDef);
         ERROR_BREAK(hsm);
-        exitDef = dynamic_cast<ExitDef*>(hsm->FindDef(GetExitID()));
+        exitDef = dynamic_cast<ExitDef*>(MachineServices::FindDef(*hsm, GetExitID()));
         ERROR_BREAK(exitDef);
-        enterDef = dynamic_cast<EnterDef*>(hsm->FindDef(GetEnterID()));
+        enterDef = dynamic_cast<EnterDef*>(MachineServices::FindDef(*hsm, GetEnterID()));
         ERROR_BREAK(enterDef);
         enterStateID = enterDef->targetId;
         ERROR_BREAK(enterStateID);
@@ -101,8 +100,9 @@ int SubstateState::Update(HSM* machine, float dt)
             result = 1;
             break;
         }
-        SMState* child = previousChild == nullptr ? machine->PushState(enterStateID)
-                                                  : machine->PushState(previousChild);
+        SMState* child = previousChild == nullptr
+                             ? MachineServices::PushState(*machine, enterStateID)
+                             : MachineServices::PushState(*machine, previousChild);
         ERROR_BREAK(child);
         // Required: the child has recorded itself on entering; after a first start the previous
         // child is therefore the child itself.
@@ -134,7 +134,6 @@ int SubstateState::Exit()
     currentChild = nullptr;
     previousChildID = currentChildID;
     currentChildID = 0;
-    CountChange();
 
     int result = 0;
     do

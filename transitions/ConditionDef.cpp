@@ -1,11 +1,10 @@
 // VELL: data-driven hierarchical state machines.
 // transitions/ConditionDef.cpp: what all conditions read and share.
-#include "transitions/ConditionDef.h"
+#include <vell/ConditionDef.h>
 
 #include "definitions/DefPlacement.h"
 #include "definitions/JsonReader.h"
 #include "foundation/Checks.h"
-#include "foundation/NumberText.h"
 #include "transitions/ConditionDefBool.h"
 #include "transitions/ConditionDefInteger.h"
 #include "transitions/ConditionDefMessage.h"
@@ -61,25 +60,6 @@ void ConditionDef::SetParameter(ParameterDef* newParameter)
         LogStream(LogWarning) << "Parameter definition is NULL" << EndLine;
     }
     parameter = newParameter;
-}
-
-const GenericValue* ConditionDef::FindOperand(const GenericValue& node)
-{
-    const GenericValue& first = GetFirstElement(GetMember(node, JSON_ConditionValue));
-    return first.IsObject() ? &GetMember(first, JSON_Value) : nullptr;
-}
-
-int ConditionDef::ReadRange(const char* text, double* low, double* high)
-{
-    double bounds[2];
-    if (!ReadNumbers(text, bounds, 2))
-    {
-        return 0;
-    }
-    const bool inOrder = !(bounds[1] < bounds[0]);
-    *low = inOrder ? bounds[0] : bounds[1];
-    *high = inOrder ? bounds[1] : bounds[0];
-    return 1;
 }
 
 } // namespace vell

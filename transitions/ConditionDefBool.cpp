@@ -4,6 +4,7 @@
 
 #include "definitions/JsonReader.h"
 #include "foundation/Checks.h"
+#include "transitions/ConditionOperand.h"
 
 #include <vell/ParameterDef.h>
 
@@ -51,7 +52,6 @@ bool ConditionDefBool::ParameterBind()
         ERROR_BREAK(parameter);
         boundValue = static_cast<const bool*>(parameter->GetValuePtr());
     } while (false);
-    CountChange();
     return true;
 }
 

@@ -2,7 +2,7 @@
 // transitions/ConditionDefBool.h: tests a bool parameter for equality, whatever its operator.
 #pragma once
 
-#include "transitions/ConditionDef.h"
+#include <vell/ConditionDef.h>
 
 namespace vell
 {

@@ -4,6 +4,7 @@
 
 #include "definitions/JsonReader.h"
 #include "foundation/Checks.h"
+#include "transitions/ConditionOperand.h"
 #include "foundation/NumberText.h"
 
 #include <vell/ParameterDef.h>
@@ -81,7 +82,6 @@ bool ConditionDefInteger::ParameterBind()
         ERROR_BREAK(parameter);
         boundValue = static_cast<const int*>(parameter->GetValuePtr());
     } while (false);
-    CountChange();
     return true;
 }
 

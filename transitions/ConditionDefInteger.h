@@ -2,7 +2,7 @@
 // transitions/ConditionDefInteger.h: compares an integer parameter.
 #pragma once
 
-#include "transitions/ConditionDef.h"
+#include <vell/ConditionDef.h>
 
 namespace vell
 {

@@ -5,6 +5,7 @@
 #include "definitions/JsonReader.h"
 #include "foundation/ArenaMemory.h"
 #include "foundation/Checks.h"
+#include "transitions/ConditionOperand.h"
 
 #include <vell/Parameters.h>
 
@@ -55,7 +56,6 @@ bool ConditionDefMessage::ParameterBind()
         boundValue =
             isMessage ? static_cast<const std::string*>(parameter->GetValuePtr()) : nullptr;
     } while (false);
-    CountChange();
     return true;
 }
 

@@ -2,7 +2,7 @@
 // transitions/ConditionDefMessage.h: tests a text parameter for equality, whatever its operator.
 #pragma once
 
-#include "transitions/ConditionDef.h"
+#include <vell/ConditionDef.h>
 
 #include <string>
 

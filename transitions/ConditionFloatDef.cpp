@@ -4,6 +4,7 @@
 
 #include "definitions/JsonReader.h"
 #include "foundation/Checks.h"
+#include "transitions/ConditionOperand.h"
 
 #include <vell/ParameterDef.h>
 
@@ -83,7 +84,6 @@ bool ConditionFloatDef::ParameterBind()
     {
         boundValue = static_cast<const float*>(parameter->GetValuePtr());
     }
-    CountChange();
     return true;
 }
 

@@ -2,7 +2,7 @@
 // transitions/ConditionFloatDef.h: compares a float parameter.
 #pragma once
 
-#include "transitions/ConditionDef.h"
+#include <vell/ConditionDef.h>
 
 namespace vell
 {

@@ -1,13 +1,14 @@
 // VELL: data-driven hierarchical state machines.
 // transitions/TransitionDef.cpp: loading and evaluating of transitions.
-#include "transitions/TransitionDef.h"
+#include <vell/TransitionDef.h>
 
+#include "definitions/BaseDefInternals.h"
 #include "definitions/DefPlacement.h"
 #include "definitions/JsonReader.h"
 #include "foundation/ArenaMemory.h"
 #include "foundation/Checks.h"
-#include "transitions/ConditionDef.h"
 
+#include <vell/ConditionDef.h>
 #include <vell/HSM.h>
 
 namespace vell
@@ -95,7 +96,7 @@ int TransitionDef::RegisterCondition(Trigger trigger)
     {
         ERROR_BREAK(trigger != nullptr);
         triggers.push_back(trigger);
-        CountChange();
+        Internals::CountChange(*this);
         result = 1;
     } while (false);
     return result;
@@ -106,7 +107,7 @@ int TransitionDef::HandleConditions(HSM* hsm)
     int result = 0;
     for (ConditionDef* condition : conditions)
     {
-        if (condition->Evaluate(hsm))
+        if (condition != nullptr && condition->Evaluate(hsm))
         {
             result = 1;
             break;

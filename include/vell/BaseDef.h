@@ -4,6 +4,7 @@
 
 #include <vell/IBaseDef.h>
 #include <vell/Json.h>
+#include <vell/NotCopied.h>
 
 #include <tessel/Tessel.h>
 
@@ -13,6 +14,7 @@ namespace vell
 {
 
 class HSMAlloc;
+struct Revision;
 
 /// The base of every definition class. A host that adds a kind of node derives from it, writes a
 /// factory that places the object with HSMAlloc::New and registers it (IHSM::RegisterNodeDef). Its
@@ -20,6 +22,8 @@ class HSMAlloc;
 class VELL_API BaseDef : public IBaseDef
 {
 public:
+    struct VELL_LOCAL Internals; ///< the library's own
+
     BaseDef();
     explicit BaseDef(const char* name);
     BaseDef(const char* name, unsigned int id, unsigned int parentId);
@@ -99,9 +103,6 @@ protected:
     int Uninit_Attrib(AttribBase* attrib);
     int TabAddAttrib(AttribBase* attrib);
 
-    /// Tells the machine that a tick of it may have more to do than before.
-    void CountChange();
-
     using AttribMap = std::map<const char*, AttribBase*>;
 
     mutable Tessel::KVTable kvTable;    ///< named "baseDef"; null until Init or InitKVTable
@@ -128,54 +129,9 @@ protected:
     void* reserved = nullptr;           ///< nobody reads it
 
 private:
-    friend class HSM;
-    friend class SMState;
-    friend class TickWalk;
-
-    /// A list that is being performed: what comes next, so that a removal can step over it and an
-    /// action that is put at the end meanwhile is reached. Stands with its definition while it
-    /// lives.
-    class ActionWalk
-    {
-    public:
-        ActionWalk(BaseDef& walkedDef, Action* first);
-        ~ActionWalk();
-        ActionWalk(const ActionWalk&) = delete;
-        ActionWalk& operator=(const ActionWalk&) = delete;
-
-        /// Gives the action to perform, or null at the end.
-        Action* TakeNext();
-
-    private:
-        friend class BaseDef;
-
-        BaseDef& def;
-        Action** head; ///< the list, null when the chain is none of the definition's
-        Action* next;
-        ActionWalk* outer;
-    };
-
-    /// Who has to hear of what happens to the definition. Nobody hears of a copy.
-    struct Links
-    {
-        Links() = default;
-        Links(const Links&)
-        {
-        }
-        Links& operator=(const Links&)
-        {
-            return *this;
-        }
-
-        ActionWalk* innermost = nullptr; ///< the walks under way
-        unsigned int* changes =
-            nullptr; ///< the machine's count; null until one ticks the definition
-    };
-
     void Append(Action** head, unsigned int* count, Action* action);
-    void StepOver(const Action* removed);
 
-    Links links;
+    NotCopied<Revision> revision; ///< the library's; null until a machine ticks the definition
 };
 
 } // namespace vell

@@ -15,3 +15,10 @@
 #else
 #define VELL_API __attribute__((visibility("default")))
 #endif
+
+// VELL_LOCAL: a part of an exported class that is the library's own and not exported.
+#if defined(_WIN32)
+#define VELL_LOCAL
+#else
+#define VELL_LOCAL __attribute__((visibility("hidden")))
+#endif

@@ -8,7 +8,6 @@
 
 #include <map>
 #include <memory>
-#include <string>
 #include <vector>
 
 namespace vell
@@ -16,8 +15,6 @@ namespace vell
 
 class NodeDefTable;
 class ParameterTable;
-class TickWalk;
-struct TickLevel;
 struct UpdateResult;
 
 /// The machine that the factories make. A host that adds kinds of states derives from it: such a
@@ -26,6 +23,8 @@ struct UpdateResult;
 class VELL_API HSM : public IHSM
 {
 public:
+    struct VELL_LOCAL Internals; ///< the library's own
+
     /// Makes a machine without a document; `Create` is not called.
     HSM();
     /// Makes a machine from the document in a file. `filePath` is not copied and has to live until
@@ -163,18 +162,13 @@ protected:
 
     using ListenerList = std::vector<IBroadcastListener*>;
 
-    // What a tick reads comes first, so that it lies in as few cache lines as may be.
+    // What a tick reads comes first, in as few cache lines as possible.
     bool applyingContext = false;                  ///< Update does nothing while it is true
     SMState* globalState = nullptr;                ///< made by the first Start
     std::vector<SMState*>* currentStack = nullptr; ///< one of the two; null until Start
     std::vector<SMState*> stateStack;              ///< the main stack, bottom first
     ParameterTable* parameterTable = nullptr;      ///< in the arena; null without JSON_Parameters
 
-private:
-    std::unique_ptr<TickWalk> walk; ///< what an idle tick looks at
-    unsigned int changes = 1;       ///< grows with what may give a tick more to do than before
-
-protected:
     std::vector<SMState*> blipStack;          ///< the stack of a blip, bottom first
     Tessel::KVTable kvTable;                  ///< root of the tree; null until Init
     NodeDefTable* nodeDefTable = nullptr;     ///< in the arena; null when Create failed
@@ -195,27 +189,21 @@ protected:
     int blipStackLevel = 0;                   ///< top index at the last blip; never read
     int blipPriority = 1;                     ///< lowest priority that starts a blip
     StateSwitchCallback stateSwitchCallback = nullptr;
-    std::string fileName; ///< copy of filePath's text, taken by Create, for the tree
 
 private:
-    friend class SMState;
-    friend class TickWalk;
-
     int Subscribe(ListenerList& list, IBroadcastListener* listener);
     int Unsubscribe(ListenerList& list, IBroadcastListener* listener);
     int Notify();
     unsigned int ParseDocument();
     void ForgetArena();
-    void FinishTransition(const SMState& state, UpdateResult* result);
+    void TestGlobalState(UpdateResult* result, float timeStep);
     void StartBlip(UpdateResult* result);
-    const TickLevel* FindInWalk(std::size_t index, const SMState* state) const;
-    void CountChangesOf(BaseDef& def);
-    void TickGlobalState(UpdateResult* result, float timeStep);
     void ReportStateChange(SMState* previous, unsigned int nextId);
-    void ReportTransition(unsigned int transitionId);
     Tessel::KVTable GetContextTable() const;
+    Tessel::KVTable GetStackTable(const std::vector<SMState*>* stack) const;
+    int RemoveLastInTree(const std::vector<SMState*>* stack);
 
-    bool isUninitialised = false; ///< Uninit ran, and no Create since
+    std::unique_ptr<Internals> internals; ///< the library's own
 };
 
 } // namespace vell

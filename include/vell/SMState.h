@@ -3,6 +3,7 @@
 #pragma once
 
 #include <vell/Export.h>
+#include <vell/NotCopied.h>
 #include <vell/Types.h>
 
 #include <tessel/Tessel.h>
@@ -19,6 +20,7 @@ class HSM;
 class HSMAlloc;
 class SubstateState;
 class TransitionDef;
+struct Revision;
 struct UpdateResult;
 
 /// What sits on a machine's stack: runs its definition's actions and decides every tick whether one
@@ -28,6 +30,8 @@ struct UpdateResult;
 class VELL_API SMState
 {
 public:
+    struct VELL_LOCAL Internals; ///< the library's own
+
     SMState();
     SMState(const SMState& other);
     SMState& operator=(const SMState& other);
@@ -124,51 +128,16 @@ protected:
     HSM* hsm = nullptr;              ///< set on activation
 
 private:
-    friend class HSM;
     friend class EnterState;
     friend class ExitState;
     friend class GlobalState;
     friend class SubstateState;
-    friend class TickWalk;
 
-    /// Places a T in the arena and gives it its id; null when there is no room.
-    template <class T>
-    static T* Place(unsigned int stateId, HSMAlloc* alloc);
-
-    /// What a tick may take for granted about a state: that it is of one of the library's own
-    /// classes, made by its machine, which outlives it. A copy is none of that.
-    struct Role
-    {
-        enum Value : unsigned char
-        {
-            UnknownState,
-            PlainState,
-            ExitNode,
-            Level
-        };
-
-        Role() = default;
-        Role(const Role&)
-        {
-        }
-        Role& operator=(const Role&)
-        {
-            return *this;
-        }
-
-        Value value = UnknownState;
-    };
-
-    /// Notes what kind of state this is, once it is activated.
-    void TakeRole();
-    /// Gives the first transition that holds, or null.
     TransitionDef* FindTransition(HSM* machine);
-    /// Tells the machine that a tick of it may have more to do than before.
-    void CountChange();
     void TellParent();
-    void RequestAnimation();
+    void RequestAnimation(BaseDef* entered);
 
-    Role role;
+    NotCopied<Revision> revision; ///< the library's; null until a machine ticks the state
 };
 
 } // namespace vell

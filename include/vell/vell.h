@@ -5,6 +5,8 @@
 #include <vell/Action.h>
 #include <vell/AttribBase.h>
 #include <vell/BaseDef.h>
+#include <vell/Callbacks.h>
+#include <vell/ConditionDef.h>
 #include <vell/Events.h>
 #include <vell/Export.h>
 #include <vell/Factories.h>
@@ -16,10 +18,13 @@
 #include <vell/IHSM.h>
 #include <vell/IParameterTable.h>
 #include <vell/Json.h>
+#include <vell/NotCopied.h>
 #include <vell/ParamBroadcast.h>
 #include <vell/ParameterDef.h>
 #include <vell/ParameterValues.h>
 #include <vell/Parameters.h>
 #include <vell/SMState.h>
+#include <vell/SubstateState.h>
+#include <vell/TransitionDef.h>
 #include <vell/Types.h>
 #include <vell/UpdateResult.h>

@@ -484,4 +484,142 @@ TEST_F(BaseDefActions, MayThrowAndBeRemovedAfterwards)
     EXPECT_EQ(Run(), (Lines{Performed("b")}));
 }
 
+TEST_F(BaseDefActions, PerformInTheSameRunWhenLinkedBehindTheOneThatPerforms)
+{
+    ScriptedAction* first = Execute("a");
+    ScriptedAction* linked = NewAction("b");
+    first->onPerform = [first, linked]
+    {
+        first->next = linked;
+    };
+
+    EXPECT_EQ(Run(), (Lines{Performed("a"), Performed("b")}));
+}
+
+TEST_F(BaseDefActions, PerformWhenTheyFollowARemovedOneThatIsStillLinked)
+{
+    ScriptedAction* first = Execute("a");
+    ScriptedAction* second = Execute("b");
+    ScriptedAction* third = Execute("c");
+    first->onPerform = [this, first, second, third]
+    {
+        def.RemoveAction(second); // its `prev` is null, so the first one stays linked to it
+        first->prev = nullptr;
+        third->prev = nullptr;
+    };
+
+    EXPECT_EQ(Run(), (Lines{Performed("a"), "delete b", Performed("c")}));
+    first->next = third;
+}
+
+TEST_F(BaseDefActions, EndTheirRunWhenTheyDestroyTheList)
+{
+    const Lines destroyed = {Performed("a"), "delete a", "delete b"};
+    for (const bool isUninit : {false, true})
+    {
+        ScriptedAction* first = Execute("a");
+        Execute("b");
+        first->onPerform = [this, isUninit]
+        {
+            isUninit ? def.Uninit() : static_cast<void>(def.DestroyActions(&def.executeActions));
+        };
+
+        EXPECT_EQ(Run(), destroyed);
+        EXPECT_EQ(def.GetActions(), nullptr);
+    }
+}
+
+TEST_F(BaseDefActions, EndTheRunOfEveryListWhenTheyUninitialiseTheirDefinition)
+{
+    ScriptedAction* outer = NewAction("outer");
+    def.RegisterEnter(outer);
+    def.RegisterEnter(NewAction("after"));
+    ScriptedAction* inner = Execute("inner");
+    inner->onPerform = [this]
+    {
+        def.Uninit();
+    };
+    outer->onPerform = [this]
+    {
+        SMState state;
+        state.Init(&def);
+        state.Execute(0.5);
+    };
+    SMState state;
+    state.Init(&def);
+    events.clear();
+
+    state.Enter();
+
+    EXPECT_EQ(events, (Lines{"perform outer 1 0.000000", Performed("inner"), "delete inner",
+                             "delete outer", "delete after"}));
+}
+
+namespace
+{
+
+/// Does something when it is deleted.
+class LastWishAction : public ScriptedAction
+{
+public:
+    using ScriptedAction::ScriptedAction;
+    ~LastWishAction() override
+    {
+        onDelete();
+    }
+
+    std::function<void()> onDelete;
+};
+
+} // namespace
+
+TEST_F(BaseDefActions, MayRemoveTheirCompanionWhenTheListIsDestroyed)
+{
+    auto* first = new LastWishAction("a", events);
+    def.RegisterExecute(first);
+    ScriptedAction* companion = Execute("b");
+    Execute("c");
+    first->onDelete = [this, companion]
+    {
+        def.RemoveAction(companion);
+    };
+    events.clear();
+
+    def.Uninit();
+
+    EXPECT_EQ(events, (Lines{"delete b", "delete a", "delete c"}));
+    EXPECT_EQ(def.numExecute, 0u);
+}
+
+TEST_F(BaseDefActions, AreAllDeletedWhenOneRegistersItsSuccessorAsItGoes)
+{
+    auto* first = new LastWishAction("a", events);
+    def.RegisterExecute(first);
+    first->onDelete = [this]
+    {
+        Execute("successor");
+    };
+    events.clear();
+
+    def.Uninit();
+
+    EXPECT_EQ(events, (Lines{"owner successor", "delete a", "delete successor"}));
+    EXPECT_EQ(def.GetActions(), nullptr);
+}
+
+TEST_F(BaseDefActions, MayRegisterTheirSuccessorWhenTheyAreRemoved)
+{
+    auto* first = new LastWishAction("a", events);
+    def.RegisterExecute(first);
+    first->onDelete = [this]
+    {
+        Execute("successor");
+    };
+
+    EXPECT_EQ(def.RemoveAction(first), 1);
+
+    EXPECT_EQ(Names(def.GetActions()), (Lines{"successor"}));
+    EXPECT_EQ(def.numExecute, 1u);
+}
+
 } // namespace vell::test

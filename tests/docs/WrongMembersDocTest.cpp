@@ -5,7 +5,8 @@
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Scene.h"
 #include "tests/support/TestMachine.h"
-#include "transitions/TransitionDef.h"
+
+#include <vell/TransitionDef.h>
 
 #include <gtest/gtest.h>
 

@@ -9,7 +9,8 @@
 #include "transitions/ConditionDefInteger.h"
 #include "transitions/ConditionDefMessage.h"
 #include "transitions/ConditionFloatDef.h"
-#include "transitions/TransitionDef.h"
+
+#include <vell/TransitionDef.h>
 
 #include <gtest/gtest.h>
 

@@ -3,12 +3,12 @@
 #include "tests/support/Scene.h"
 
 #include "definitions/NodeDefTable.h"
-#include "states/SubstateState.h"
-#include "transitions/ConditionDef.h"
-#include "transitions/TransitionDef.h"
 
+#include <vell/ConditionDef.h>
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
+#include <vell/SubstateState.h>
+#include <vell/TransitionDef.h>
 #include <vell/UpdateResult.h>
 
 #include <gtest/gtest.h>

@@ -5,13 +5,13 @@
 #include "states/EnterState.h"
 #include "states/ExitState.h"
 #include "states/GlobalState.h"
-#include "states/SubstateState.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
 
 #include <vell/HSMAlloc.h>
 #include <vell/SMState.h>
+#include <vell/SubstateState.h>
 
 #include <gtest/gtest.h>
 

@@ -7,7 +7,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
+#include <ostream>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace vell::test
@@ -361,6 +364,146 @@ TEST_F(HSMStack, RewriteLeavesANullEntryWithoutALine)
     EXPECT_EQ(scene.log.Take(), Left("Mid"));
     ASSERT_EQ(machine.stateStack.size(), 2u);
     EXPECT_EQ(machine.stateStack[1], nullptr);
+}
+
+namespace
+{
+
+/// Calls a function once, when its state is left.
+class OnceOnExit : public Action
+{
+public:
+    explicit OnceOnExit(std::function<void()> wanted) : call(std::move(wanted))
+    {
+    }
+    int Perform(__ActType__, float) override
+    {
+        const std::function<void()> once = std::exchange(call, nullptr);
+        if (once)
+        {
+            once();
+        }
+        return 1;
+    }
+
+private:
+    std::function<void()> call;
+};
+
+struct StackChange
+{
+    const char* name;
+    std::function<void(TestMachine&)> change;
+    const char* mainStack;
+    const char* blipStack;
+};
+
+std::ostream& operator<<(std::ostream& out, const StackChange& change)
+{
+    return out << change.name;
+}
+
+} // namespace
+
+/// What is done while Mid is being left, by PopState of the stack Low/Mid.
+class PopStateDuring : public HSMStack, public testing::WithParamInterface<StackChange>
+{
+};
+
+TEST_P(PopStateDuring, RemovesTheStateThatWasLeftAndNoOther)
+{
+    machine.FindDef(11u)->RegisterExit(new OnceOnExit(
+        [this]
+        {
+            GetParam().change(machine);
+        }));
+    SMState* const mid = machine.GetCurrentState();
+
+    EXPECT_EQ(machine.PopState(), mid);
+
+    EXPECT_EQ(machine.MainStack(), GetParam().mainStack);
+    EXPECT_EQ(machine.BlipStack(), GetParam().blipStack);
+}
+
+INSTANTIATE_TEST_SUITE_P(HSMStack, PopStateDuring,
+                         testing::Values(StackChange{"a push",
+                                                     [](TestMachine& machine)
+                                                     {
+                                                         machine.PushState(12u);
+                                                     },
+                                                     "Low/High", "-"},
+                                         StackChange{"a pop of the same state",
+                                                     [](TestMachine& machine)
+                                                     {
+                                                         machine.PopState();
+                                                     },
+                                                     "Low", "-"},
+                                         StackChange{"two pops",
+                                                     [](TestMachine& machine)
+                                                     {
+                                                         machine.PopState();
+                                                         machine.PopState();
+                                                     },
+                                                     "-", "-"},
+                                         StackChange{"a pop and a push of the same state",
+                                                     [](TestMachine& machine)
+                                                     {
+                                                         machine.PopState();
+                                                         machine.PushState(11u);
+                                                     },
+                                                     "Low", "-"},
+                                         StackChange{"a revert without a blip",
+                                                     [](TestMachine& machine)
+                                                     {
+                                                         machine.RevertToPreviousState();
+                                                     },
+                                                     "Low", "-"},
+                                         StackChange{"the other stack becoming the current one",
+                                                     [](TestMachine& machine)
+                                                     {
+                                                         machine.currentStack = &machine.blipStack;
+                                                         machine.PushState(12u);
+                                                     },
+                                                     "Low", "High"},
+                                         StackChange{"an empty context",
+                                                     [](TestMachine& machine)
+                                                     {
+                                                         machine.SetContextInfo(Tessel::KVTable());
+                                                     },
+                                                     "-", "-"}));
+
+TEST_F(HSMStack, PopDuringABlipThatEndsMeanwhileTouchesTheStackAndTheArrayOfTheBlip)
+{
+    machine.currentStack = &machine.blipStack;
+    machine.blipActive = true;
+    machine.PushState(12u);
+    machine.FindDef(12u)->RegisterExit(new OnceOnExit(
+        [this]
+        {
+            machine.blipActive = false;
+            machine.currentStack = &machine.stateStack;
+        }));
+
+    machine.PopState();
+
+    EXPECT_EQ(machine.MainStack(), "Low/Mid");
+    EXPECT_EQ(machine.BlipStack(), "-");
+    EXPECT_EQ(machine.StackInTree("stackStates"), (std::vector<unsigned int>{10, 11}));
+    EXPECT_EQ(machine.StackInTree("stackBlip"), std::vector<unsigned int>());
+}
+
+TEST_F(HSMStack, PopLeavesTheArrayWhenTheStateIsGoneAlready)
+{
+    machine.FindDef(11u)->RegisterExit(new OnceOnExit(
+        [this]
+        {
+            machine.stateStack.pop_back();
+        }));
+
+    machine.PopState();
+
+    EXPECT_EQ(machine.MainStack(), "Low");
+    EXPECT_EQ(machine.StackInTree("stackStates"), (std::vector<unsigned int>{10, 11}));
 }
 
 } // namespace vell::test

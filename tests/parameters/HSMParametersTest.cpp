@@ -5,13 +5,13 @@
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/WriteCounter.h"
-#include "transitions/ConditionDef.h"
-#include "transitions/TransitionDef.h"
 
 #include <vell/Action.h>
+#include <vell/ConditionDef.h>
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
 #include <vell/SMState.h>
+#include <vell/TransitionDef.h>
 
 #include <gtest/gtest.h>
 

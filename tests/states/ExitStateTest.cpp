@@ -5,7 +5,11 @@
 #include "definitions/ExitDef.h"
 #include "states/ExitState.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include <gtest/gtest.h>
+
+#include <utility>
 
 namespace vell::test
 {
@@ -99,6 +103,39 @@ TEST(ExitState, ExecutesWithoutAMachine)
     EXPECT_EQ(state.Execute(0.5), 1);
 
     EXPECT_EQ(log.Take(), Lines{});
+}
+
+namespace
+{
+
+SMState* givenAway = nullptr;
+
+/// A log callback that takes the machine away from a state on the first line.
+void GiveAwayOnALine(int, const char*)
+{
+    if (givenAway != nullptr)
+    {
+        std::exchange(givenAway, nullptr)->SetHSM(nullptr);
+    }
+}
+
+} // namespace
+
+TEST(ExitState, EndsTheBlipOfTheMachineThatItHadBeforeItsLine)
+{
+    DocumentBuilder document;
+    document.Start(10).Nodes({Generic("Stand", 10), Exit("Out", 12)});
+    Scene scene(document);
+    scene.Run(0);
+    SMState* const out = scene.machine.ActivateState(12, 0.0f);
+    scene.machine.blipActive = true;
+    SetLogCallBackBase(GiveAwayOnALine);
+    givenAway = out;
+
+    EXPECT_EQ(out->Execute(0.5), 1);
+
+    EXPECT_EQ(out->GetHSM(), nullptr);
+    EXPECT_FALSE(scene.machine.blipActive);
 }
 
 } // namespace vell::test

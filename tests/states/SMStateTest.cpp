@@ -2,17 +2,21 @@
 // tests/states/SMStateTest.cpp: entering, updating and leaving a state, and its identity.
 #include "tests/support/Definitions.h"
 #include "tests/support/Scene.h"
+#include "tests/support/ScriptedAction.h"
 
 #include "definitions/AnimClipDef.h"
-#include "states/SubstateState.h"
-#include "transitions/TransitionDef.h"
 
 #include <vell/Action.h>
+#include <vell/SubstateState.h>
+#include <vell/TransitionDef.h>
+
+#include <durm/DURMBaseLib.h>
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace vell::test
@@ -439,6 +443,96 @@ TEST(SMState, HandleInputTestsTheExitConnector)
     EXPECT_EQ(lost->HandleInput(&scene.machine), 0);
     EXPECT_EQ(scene.log.Take(),
               (Lines{"3 Failed to find node definition ID: 999", In("HandleInput")}));
+}
+
+namespace
+{
+
+enum class Loss
+{
+    NullDefinition,
+    Assignment
+};
+
+/// Takes its state's definition away, by SetDef or by the assignment of an empty state.
+class LoseDefinition : public Action
+{
+public:
+    LoseDefinition(SMState& ownState, Loss ownLoss) : state(ownState), loss(ownLoss)
+    {
+    }
+    int Perform(__ActType__, float) override
+    {
+        if (loss == Loss::NullDefinition)
+        {
+            state.SetDef(nullptr);
+        }
+        else
+        {
+            state = SMState();
+        }
+        return 1;
+    }
+
+private:
+    SMState& state;
+    Loss loss;
+};
+
+SMState* robbedState = nullptr;
+
+/// A log callback that takes the definition away on the first line.
+void RobOnALine(int, const char*)
+{
+    if (robbedState != nullptr)
+    {
+        std::exchange(robbedState, nullptr)->SetDef(nullptr);
+    }
+}
+
+} // namespace
+
+TEST(SMState, MayLoseItsDefinitionInItsOwnActions)
+{
+    for (const Loss loss : {Loss::NullDefinition, Loss::Assignment})
+    {
+        LogRecorder log;
+        OpenDef def{"Walk", 1, 0};
+        SMState state;
+        def.RegisterEnter(new LoseDefinition(state, loss));
+        def.RegisterExecute(new LoseDefinition(state, loss));
+        def.RegisterExit(new LoseDefinition(state, loss));
+
+        state.Init(&def);
+        EXPECT_EQ(state.Enter(), 1);
+        EXPECT_EQ(state.GetDef(), nullptr);
+        state.Init(&def);
+        EXPECT_EQ(state.Execute(0.5), 1);
+        state.Init(&def);
+        EXPECT_EQ(state.Exit(), 1);
+        EXPECT_EQ(log.Take(),
+                  (Lines{"6 [Enter] Walk - SMState.cpp : #", "6 [Exit] Walk - SMState.cpp : #"}));
+    }
+}
+
+TEST(SMState, MayLoseItsDefinitionOnItsOwnLogLine)
+{
+    LogRecorder log;
+    Lines lines;
+    OpenDef def{"Walk", 1, 0};
+    def.RegisterExit(new ScriptedAction("A", lines));
+    SMState state;
+    SetLogCallBackBase(RobOnALine);
+
+    state.Init(&def);
+    robbedState = &state;
+    EXPECT_EQ(state.Enter(), 1);
+    EXPECT_EQ(state.GetDef(), nullptr);
+    state.Init(&def);
+    robbedState = &state;
+    EXPECT_EQ(state.Exit(), 1);
+
+    EXPECT_EQ(lines, (Lines{"owner A", "perform A 3 0.000000"}));
 }
 
 } // namespace vell::test

@@ -3,8 +3,7 @@
 // choice.
 #include "tests/support/Scene.h"
 
-#include "transitions/TransitionDef.h"
-
+#include <vell/TransitionDef.h>
 #include <vell/UpdateResult.h>
 
 #include <gtest/gtest.h>
@@ -123,6 +122,49 @@ TEST(SMStateTransitions, NullEntryIsNeitherBeforeNorBehindAnother)
     list.state.SortTransitions();
 
     EXPECT_EQ(list.Order(), (Ids{2, 1, 0, 3}));
+}
+
+TEST(SMStateTransitions, LongListWithANullEntryIsSortedOnBothSidesOfIt)
+{
+    constexpr int kSide = 40;
+    TransitionList list;
+    Ids expected;
+    for (int i = 0; i < 2 * kSide; ++i)
+    {
+        if (i == kSide)
+        {
+            list.state.PushTransition(nullptr);
+        }
+        list.Add(-i);
+    }
+    for (int i = kSide; i > 0; --i)
+    {
+        expected.push_back(static_cast<unsigned int>(i));
+    }
+    expected.push_back(0);
+    for (int i = 2 * kSide; i > kSide; --i)
+    {
+        expected.push_back(static_cast<unsigned int>(i));
+    }
+
+    list.state.SortTransitions();
+
+    EXPECT_EQ(list.Order(), expected);
+}
+
+TEST(SMStateTransitions, NullConditionIsPassedOver)
+{
+    Scene scene(DocumentBuilder()
+                    .Start(10)
+                    .Parameter(BoolParameter("on", true))
+                    .Node(Generic("From", 10, {100}))
+                    .Node(Generic("To", 11))
+                    .Node(Transition("Go", 100, 10, 11, {Holds("on")})));
+    TransitionDef& transition = TransitionOf(scene, 100);
+    transition.conditions.insert(transition.conditions.begin(), nullptr);
+    scene.Run(1);
+
+    EXPECT_EQ(scene.machine.MainStack(), "To");
 }
 
 TEST(SMStateTransitions, SortingOfNoneAndOfOneChangesNothing)

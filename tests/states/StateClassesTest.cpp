@@ -10,7 +10,8 @@
 #include "states/EnterState.h"
 #include "states/ExitState.h"
 #include "states/GlobalState.h"
-#include "states/SubstateState.h"
+
+#include <vell/SubstateState.h>
 
 #include <gtest/gtest.h>
 

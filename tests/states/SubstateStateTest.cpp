@@ -5,7 +5,8 @@
 #include "definitions/EnterDef.h"
 #include "definitions/ExitDef.h"
 #include "definitions/SubstateDef.h"
-#include "states/SubstateState.h"
+
+#include <vell/SubstateState.h>
 
 #include <gtest/gtest.h>
 

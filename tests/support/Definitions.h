@@ -37,6 +37,7 @@ public:
     using BaseDef::CreateKVTable;
     using BaseDef::DestroyActions;
     using BaseDef::DestroyKVTable;
+    using BaseDef::executeActions;
     using BaseDef::exitConnector;
     using BaseDef::index;
     using BaseDef::Init_Attrib;

@@ -3,8 +3,8 @@
 #include "tests/tools/CommandRun.h"
 
 #include "tools/vell/CommandLine.h"
-#include "transitions/ConditionDef.h"
 
+#include <vell/ConditionDef.h>
 #include <vell/Types.h>
 
 #include <cstdlib>

@@ -1,8 +1,8 @@
 // VELL: data-driven hierarchical state machines.
 // tests/tools/ExplainTest.cpp: why transitions fire and do not fire.
 #include "tests/tools/CommandRun.h"
-#include "transitions/ConditionDef.h"
 
+#include <vell/ConditionDef.h>
 #include <vell/Types.h>
 
 #include <gtest/gtest.h>

@@ -4,7 +4,8 @@
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/LogRedirect.h"
 #include "tools/vell/Runner.h"
-#include "transitions/ConditionDef.h"
+
+#include <vell/ConditionDef.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,5 @@
 // VELL: data-driven hierarchical state machines.
 // tests/transitions/TransitionDefTest.cpp: loading of transitions, and when they hold.
-#include "transitions/TransitionDef.h"
 #include "definitions/NodeDefTable.h"
 #include "foundation/ArenaMemory.h"
 #include "tests/support/Definitions.h"
@@ -8,12 +7,13 @@
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/VirtualOrder.h"
-#include "transitions/ConditionDef.h"
 #include "transitions/ConditionDefBool.h"
 
+#include <vell/ConditionDef.h>
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
 #include <vell/SMState.h>
+#include <vell/TransitionDef.h>
 
 #include <gtest/gtest.h>
 

@@ -3,10 +3,10 @@
 #include "tools/vell/Explain.h"
 
 #include "tools/vell/ParameterText.h"
-#include "transitions/ConditionDef.h"
-#include "transitions/TransitionDef.h"
 
+#include <vell/ConditionDef.h>
 #include <vell/SMState.h>
+#include <vell/TransitionDef.h>
 
 #include <algorithm>
 

@@ -9,8 +9,9 @@
 #include "definitions/SubstateDef.h"
 #include "tools/vell/ObservedMachine.h"
 #include "tools/vell/ParameterText.h"
-#include "transitions/ConditionDef.h"
-#include "transitions/TransitionDef.h"
+
+#include <vell/ConditionDef.h>
+#include <vell/TransitionDef.h>
 
 #include <map>
 #include <set>

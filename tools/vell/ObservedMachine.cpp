@@ -7,10 +7,10 @@
 #include "states/EnterState.h"
 #include "states/ExitState.h"
 #include "states/GlobalState.h"
-#include "states/SubstateState.h"
-#include "transitions/TransitionDef.h"
 
 #include <vell/HSMAlloc.h>
+#include <vell/SubstateState.h>
+#include <vell/TransitionDef.h>
 #include <vell/UpdateResult.h>
 
 #include <rapidjson/error/en.h>

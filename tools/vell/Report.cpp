@@ -3,7 +3,8 @@
 #include "tools/vell/Report.h"
 
 #include "tools/vell/ObservedMachine.h"
-#include "transitions/TransitionDef.h"
+
+#include <vell/TransitionDef.h>
 
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>

@@ -4,10 +4,10 @@
 
 #include "definitions/NodeDefTable.h"
 #include "tools/vell/ParameterText.h"
-#include "transitions/TransitionDef.h"
 
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
+#include <vell/TransitionDef.h>
 
 #include <ostream>
 

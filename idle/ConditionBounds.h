@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// transitions/TransitionGuard.h: a condition as flat data.
+// idle/ConditionBounds.h: a condition as two bounds.
 #pragma once
 
 #include <cstring>
@@ -10,18 +10,17 @@ namespace vell
 
 class ConditionDef;
 
-/// One condition, ready to be tested without a call: where the value is, and the values at which
-/// the condition may hold. Conditions have no side effects, so nobody sees whether a guard or the
-/// condition itself was asked. A guard that does not hold settles the matter; behind one that holds
-/// stands the condition, which may still say no beside a bound.
-struct TransitionGuard
+/// Where a condition's value is, and between which bounds the condition may hold: a test without a
+/// call. If the bounds reject the value, the condition is false. If they accept it, evaluate the
+/// condition: they are slightly wide where its arithmetic rounds.
+struct ConditionBounds
 {
-    /// Tells which test is the guard's own.
+    /// Which of the tests is the right one.
     enum Kind : unsigned char
     {
         Float,   ///< a range of floats
-        Integer, ///< a range of integers or of a bool's, or all but one pattern of bits
-        Message, ///< a text
+        Integer, ///< a range of integers or of a bool's, or all patterns of bits but one
+        Text,    ///< one text
         Never,   ///< none: the condition never holds
         Unknown  ///< none: only the condition itself can tell
     };
@@ -41,16 +40,16 @@ struct TransitionGuard
         const char* text;
     };
 
-    bool IsInFloatRange() const
+    bool AcceptFloat() const
     {
         const auto present = Load<float>();
         return present >= operand.floats.low && present <= operand.floats.high;
     }
-    bool IsInIntegerRange() const
+    bool AcceptInteger() const
     {
         return Load<unsigned int>() - operand.integers.low <= operand.integers.span;
     }
-    bool HasText() const
+    bool AcceptText() const
     {
         const char* present = static_cast<const std::string*>(value)->c_str();
         const char* wanted = operand.text;
@@ -62,7 +61,7 @@ struct TransitionGuard
         return *present == *wanted;
     }
 
-    const void* value; ///< the parameter's value, of whatever alignment
+    const void* value; ///< the parameter's value, of any alignment
     Operand operand;
 
 private:
@@ -75,7 +74,7 @@ private:
     }
 };
 
-/// Makes the guard of a condition and tells its kind.
-TransitionGuard::Kind MakeGuard(const ConditionDef& condition, TransitionGuard* guard);
+/// Gives the bounds of a condition and tells their kind.
+ConditionBounds::Kind FindBounds(const ConditionDef& condition, ConditionBounds* bounds);
 
 } // namespace vell

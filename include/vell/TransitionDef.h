@@ -1,9 +1,9 @@
 // VELL: data-driven hierarchical state machines.
-// transitions/TransitionDef.h: from one state to another, when any one of its conditions holds.
+// include/vell/TransitionDef.h: from one state to another, when any one of its conditions holds.
 #pragma once
 
 #include <vell/BaseDef.h>
-#include <vell/IHSM.h>
+#include <vell/Callbacks.h>
 
 #include <vector>
 
@@ -14,8 +14,10 @@ class ConditionDef;
 class HSM;
 
 /// A transition. It holds when any one of its conditions or triggers does. It does not act: the
-/// state that lists it asks it, and the machine does the rest.
-class TransitionDef : public BaseDef
+/// state that lists it asks it, and the machine does the rest. A host reaches it by
+/// SMState::GetTransitionAt, IHSM::FindDef or UpdateResult::transition. What a host writes into the
+/// fields counts from the next tick on; `priority` counts when the transitions are sorted.
+class VELL_API TransitionDef : public BaseDef
 {
 public:
     /// The factory: places the definition in the arena, not yet initialised. Null with a log line
@@ -38,9 +40,6 @@ public:
     /// For the arena: gives heap memory back and returns the table that is left to close.
     Tessel::KVTable ReleaseStorage();
 
-    // A running machine takes `conditions` and `triggers` over when it ticks a state for the first
-    // time, and again after `Init` and `RegisterCondition`.
-
     bool disabled = false;           ///< never evaluated
     int tag = 0;                     ///< the host's; copied to UpdateResult::tag
     int tagArgument = 0;             ///< the host's
@@ -50,8 +49,8 @@ public:
     unsigned int targetID = 0;       ///< state to activate; 0 cannot fire
     unsigned int conditionCount = 0; ///< length of the document's condition array
     ConditionDef** conditionArray = nullptr; ///< in the arena, of no particular alignment
-    std::vector<ConditionDef*> conditions;   ///< in document order; the conditions lie in the arena
-    std::vector<Trigger> triggers;           ///< in the order of registration
+    std::vector<ConditionDef*> conditions; ///< in document order, in the arena; null is passed over
+    std::vector<Trigger> triggers;         ///< in the order of registration
 };
 
 } // namespace vell

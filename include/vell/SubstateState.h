@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// states/SubstateState.h: a state that holds a nested level.
+// include/vell/SubstateState.h: a state that holds a nested level.
 #pragma once
 
 #include <vell/SMState.h>
@@ -12,8 +12,10 @@ class ExitDef;
 class SubstateDef;
 
 /// Stands on the stack below the active state of its nested level. Its first update pushes that
-/// level's first state, or, when the level was active before, the state at which it was left.
-class SubstateState : public SMState
+/// level's first state, or, when the level was active before, the state at which it was left. A
+/// host reaches it by SMState::GetParent; what it writes into the fields counts from the next tick
+/// on.
+class VELL_API SubstateState : public SMState
 {
 public:
     /// The factory. Null with a log line when `alloc` is null or has no room.

@@ -1,13 +1,13 @@
 // VELL: data-driven hierarchical state machines.
-// tests/transitions/TransitionGuardTest.cpp: guards beside the conditions that they stand for.
-#include "transitions/TransitionGuard.h"
+// tests/idle/ConditionBoundsTest.cpp: bounds beside their conditions.
+#include "idle/ConditionBounds.h"
 
-#include "transitions/ConditionDef.h"
 #include "transitions/ConditionDefBool.h"
 #include "transitions/ConditionDefInteger.h"
 #include "transitions/ConditionDefMessage.h"
 #include "transitions/ConditionFloatDef.h"
 
+#include <vell/ConditionDef.h>
 #include <vell/Parameters.h>
 
 #include <gtest/gtest.h>
@@ -25,18 +25,18 @@ namespace
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
-bool Holds(TransitionGuard::Kind kind, const TransitionGuard& guard)
+bool Holds(ConditionBounds::Kind kind, const ConditionBounds& bounds)
 {
     switch (kind)
     {
-    case TransitionGuard::Float:
-        return guard.IsInFloatRange();
-    case TransitionGuard::Integer:
-        return guard.IsInIntegerRange();
-    case TransitionGuard::Message:
-        return guard.HasText();
+    case ConditionBounds::Float:
+        return bounds.AcceptFloat();
+    case ConditionBounds::Integer:
+        return bounds.AcceptInteger();
+    case ConditionBounds::Text:
+        return bounds.AcceptText();
     default:
-        return kind == TransitionGuard::Unknown;
+        return kind == ConditionBounds::Unknown;
     }
 }
 
@@ -62,11 +62,11 @@ class OtherCondition : public ConditionFloatDef
 {
 };
 
-/// What a condition and its guard say of one value.
+/// What a condition and its bounds say of one value.
 struct Answers
 {
     bool condition;
-    bool guard;
+    bool bounds;
 };
 
 template <class Condition, class Value>
@@ -77,14 +77,14 @@ Answers Ask(int evaluation, Value target, Value high, const Value& value)
     condition.target = target;
     condition.rangeHigh = high;
     condition.boundValue = &value;
-    TransitionGuard guard;
-    const auto kind = MakeGuard(condition, &guard);
-    return {condition.Evaluate(nullptr), Holds(kind, guard)};
+    ConditionBounds bounds;
+    const auto kind = FindBounds(condition, &bounds);
+    return {condition.Evaluate(nullptr), Holds(kind, bounds)};
 }
 
 } // namespace
 
-TEST(TransitionGuard, OfAFloatHoldsWhereverTheConditionDoes)
+TEST(ConditionBounds, OfAFloatHoldsWhereverTheConditionDoes)
 {
     int holding = 0;
     int beside = 0;
@@ -97,10 +97,10 @@ TEST(TransitionGuard, OfAFloatHoldsWhereverTheConditionDoes)
                 for (const float value : Floats())
                 {
                     const Answers answers = Ask<ConditionFloatDef>(evaluation, target, high, value);
-                    ASSERT_TRUE(answers.guard || !answers.condition)
+                    ASSERT_TRUE(answers.bounds || !answers.condition)
                         << evaluation << ' ' << target << ' ' << high << ' ' << value;
                     holding += answers.condition ? 1 : 0;
-                    beside += answers.guard && !answers.condition ? 1 : 0;
+                    beside += answers.bounds && !answers.condition ? 1 : 0;
                 }
             }
         }
@@ -109,7 +109,7 @@ TEST(TransitionGuard, OfAFloatHoldsWhereverTheConditionDoes)
     EXPECT_LT(beside, holding / 20) << "only beside a bound";
 }
 
-TEST(TransitionGuard, OfAnIntegerHoldsExactlyWhereTheConditionDoes)
+TEST(ConditionBounds, OfAnIntegerHoldsExactlyWhereTheConditionDoes)
 {
     const int numbers[] = {INT_MIN, INT_MIN + 1, -7, -1, 0, 1, 5, INT_MAX - 1, INT_MAX};
     for (int evaluation = 0; evaluation <= 11; ++evaluation)
@@ -122,7 +122,7 @@ TEST(TransitionGuard, OfAnIntegerHoldsExactlyWhereTheConditionDoes)
                 {
                     const Answers answers =
                         Ask<ConditionDefInteger>(evaluation, target, high, value);
-                    ASSERT_EQ(answers.guard, answers.condition)
+                    ASSERT_EQ(answers.bounds, answers.condition)
                         << evaluation << ' ' << target << ' ' << high << ' ' << value;
                 }
             }
@@ -130,29 +130,29 @@ TEST(TransitionGuard, OfAnIntegerHoldsExactlyWhereTheConditionDoes)
     }
 }
 
-TEST(TransitionGuard, OfABoolStandsForABoolParameterOnly)
+TEST(ConditionBounds, OfABoolStandsForABoolParameterOnly)
 {
     ParameterBoolDef flag;
     ParameterIntegerDef number;
     ConditionDefBool condition;
     condition.target = true;
-    TransitionGuard guard;
-    EXPECT_EQ(MakeGuard(condition, &guard), TransitionGuard::Never) << "unbound";
+    ConditionBounds bounds;
+    EXPECT_EQ(FindBounds(condition, &bounds), ConditionBounds::Never) << "unbound";
 
     condition.SetParameter(&flag);
     condition.ParameterBind();
-    ASSERT_EQ(MakeGuard(condition, &guard), TransitionGuard::Integer);
-    EXPECT_FALSE(guard.IsInIntegerRange());
+    ASSERT_EQ(FindBounds(condition, &bounds), ConditionBounds::Integer);
+    EXPECT_FALSE(bounds.AcceptInteger());
     flag.SetValue(true);
-    EXPECT_TRUE(guard.IsInIntegerRange());
+    EXPECT_TRUE(bounds.AcceptInteger());
 
     condition.SetParameter(&number);
-    EXPECT_EQ(MakeGuard(condition, &guard), TransitionGuard::Unknown) << "not bound to it yet";
+    EXPECT_EQ(FindBounds(condition, &bounds), ConditionBounds::Unknown) << "not bound to it yet";
     condition.ParameterBind();
-    EXPECT_EQ(MakeGuard(condition, &guard), TransitionGuard::Unknown);
+    EXPECT_EQ(FindBounds(condition, &bounds), ConditionBounds::Unknown);
 }
 
-TEST(TransitionGuard, OfATextComparesAllOfIt)
+TEST(ConditionBounds, OfATextComparesAllOfIt)
 {
     char wanted[] = "jump";
     const std::string texts[] = {"jump", "jum", "jumps", "", "Jump"};
@@ -161,21 +161,21 @@ TEST(TransitionGuard, OfATextComparesAllOfIt)
         ConditionDefMessage condition;
         condition.target = wanted;
         condition.boundValue = &text;
-        TransitionGuard guard;
-        ASSERT_EQ(MakeGuard(condition, &guard), TransitionGuard::Message);
-        EXPECT_EQ(guard.HasText(), condition.Evaluate(nullptr)) << text;
+        ConditionBounds bounds;
+        ASSERT_EQ(FindBounds(condition, &bounds), ConditionBounds::Text);
+        EXPECT_EQ(bounds.AcceptText(), condition.Evaluate(nullptr)) << text;
     }
 }
 
-TEST(TransitionGuard, OfAClassThatTheLibraryDoesNotKnowIsUnknown)
+TEST(ConditionBounds, OfAClassThatTheLibraryDoesNotKnowIsUnknown)
 {
     const float value = 0.0f;
     OtherCondition condition;
     condition.evaluation = EvaluateEqual;
     condition.boundValue = &value;
-    TransitionGuard guard;
+    ConditionBounds bounds;
 
-    EXPECT_EQ(MakeGuard(condition, &guard), TransitionGuard::Unknown);
+    EXPECT_EQ(FindBounds(condition, &bounds), ConditionBounds::Unknown);
 }
 
 } // namespace vell::test

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// transitions/ConditionDef.h: one test of one parameter against one constant.
+// include/vell/ConditionDef.h: one test of one parameter against one constant.
 #pragma once
 
 #include <vell/BaseDef.h>
@@ -23,8 +23,9 @@ enum Evaluation : int
 };
 
 /// The base of the four conditions. The class follows the condition's own type name, not its
-/// parameter's class. A condition belongs to its transition and stands in no table.
-class ConditionDef : public BaseDef
+/// parameter's class. A condition belongs to its transition and is in no table; a host reaches it
+/// by TransitionDef::conditions.
+class VELL_API ConditionDef : public BaseDef
 {
 public:
     /// The factory: places the condition that the type name of `node` asks for in the arena. Null
@@ -45,20 +46,11 @@ public:
     /// Stores the parameter; null is stored too, with a warning.
     void SetParameter(ParameterDef* newParameter);
 
-    // A running machine takes these over when it ticks a state for the first time, and again after
-    // `Init` and `ParameterBind`; `Evaluate` reads them each time.
-
     unsigned int reservedA = 0;        ///< nobody reads it
     int evaluation = 0;                ///< one of Evaluation, or a number that never holds
     unsigned int parameterID = 0;      ///< never 0 in a condition that loaded
     ParameterDef* parameter = nullptr; ///< not owned; null until bound
     void* reservedB = nullptr;         ///< nobody reads it
-
-protected:
-    /// Gives the value that the condition compares with, or null when the document gives none.
-    static const GenericValue* FindOperand(const GenericValue& node);
-    /// Reads a range text, the smaller number first. Returns 1, or 0.
-    static int ReadRange(const char* text, double* low, double* high);
 };
 
 } // namespace vell

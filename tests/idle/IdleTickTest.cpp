@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// tests/transitions/IdleTickTest.cpp: what a tick costs in which nothing fires.
+// tests/idle/IdleTickTest.cpp: what a tick costs in which nothing fires.
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/HeapWatch.h"
 #include "tests/support/LogRecorder.h"

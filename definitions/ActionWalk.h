@@ -1,0 +1,44 @@
+// VELL: data-driven hierarchical state machines.
+// definitions/ActionWalk.h: performing a list of actions that may change meanwhile.
+#pragma once
+
+namespace vell
+{
+
+class Action;
+class BaseDef;
+
+/// Goes through a chain of actions, one `TakeNext` for each. The link to the next action is read
+/// after the present one has performed, so an action that it links or registers behind itself is
+/// reached. An action may remove itself or any other, and may destroy the whole list.
+///
+/// The walks of a thread that are under way are known here: whoever deletes an action says so
+/// first, and no walk reads it afterwards.
+class ActionWalk
+{
+public:
+    /// Begins at `first`, which may be null. `def` may be null; it tells whose list the chain is.
+    ActionWalk(BaseDef* def, Action* first);
+    ~ActionWalk();
+    ActionWalk(const ActionWalk&) = delete;
+    ActionWalk& operator=(const ActionWalk&) = delete;
+
+    /// Gives the action to perform, or null at the end.
+    Action* TakeNext();
+
+    /// Lets the walks go on behind `removed`, which is off its list and about to be deleted.
+    static void StepOver(const Action* removed);
+    /// Ends the walks that are at `destroyed`, which is about to be deleted with its list.
+    static void End(const Action* destroyed);
+    /// Lets walks that have run out of actions go on with `added`, the last of the list `head`.
+    static void Reach(Action** head, Action* added);
+
+private:
+    Action** head = nullptr;         ///< the list; null when the chain is not a definition's list
+    Action* current = nullptr;       ///< the one that performs; null when it was removed
+    Action* next;                    ///< what follows when `current` does not tell
+    const Action* removed = nullptr; ///< deleted, and `current` may still link to it
+    ActionWalk* outer;               ///< the walk that this one interrupts
+};
+
+} // namespace vell

@@ -1,0 +1,30 @@
+// VELL: data-driven hierarchical state machines.
+// machine/HSMInternals.h: what a machine keeps for itself.
+#pragma once
+
+#include "idle/IdleCache.h"
+
+#include <vell/HSM.h>
+
+#include <string>
+
+namespace vell
+{
+
+struct HSM::Internals
+{
+    static bool IsTickRecord(const HSM& machine, const UpdateResult* result)
+    {
+        return machine.internals->idle.IsTickRecord(result);
+    }
+    static bool HasEventListeners(const HSM& machine)
+    {
+        return !machine.eventListeners.empty();
+    }
+
+    IdleCache idle;
+    std::string fileName;         ///< copy of filePath's text, taken by Create, for the tree
+    bool isUninitialised = false; ///< Uninit ran, and no Create since
+};
+
+} // namespace vell
