@@ -154,7 +154,8 @@ ConditionBounds::Kind FindBounds(const ConditionDef& condition, ConditionBounds*
     {
         const auto& typed = static_cast<const ConditionDefMessage&>(condition);
         bounds->operand.text = typed.target;
-        return WithValue(typed, ConditionBounds::Text, bounds);
+        const bool hasText = typed.target != nullptr;
+        return WithValue(typed, hasText ? ConditionBounds::Text : ConditionBounds::Never, bounds);
     }
     return ConditionBounds::Unknown;
 }

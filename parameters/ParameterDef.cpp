@@ -5,6 +5,7 @@
 #include "foundation/TableSync.h"
 #include "foundation/TreeKeys.h"
 #include "parameters/ParameterKeys.h"
+#include "parameters/ParameterTable.h"
 
 #include <durm/DURMBaseLib.h>
 
@@ -24,6 +25,22 @@ ParameterDef::ParameterDef(int newType) : paramType(newType)
 {
     type = DefTypeParameter;
     flags |= DefTypesParameter;
+}
+
+ParameterDef& ParameterDef::operator=(const ParameterDef& other)
+{
+    BaseDef::operator=(other);
+    IBroadcastListener::operator=(other);
+    syncState = other.syncState;
+    paramType = other.paramType;
+    assign = other.assign;
+    assignClass = other.assignClass;
+    resetEachFrame = other.resetEachFrame;
+    if (resetBy.pointer != nullptr)
+    {
+        resetBy.pointer->CollectResetting();
+    }
+    return *this;
 }
 
 int ParameterDef::UninitKVTable()

@@ -124,13 +124,11 @@ int ParameterTable::AddParameter(ParameterDef* def)
         // parameter's id.
         const bool newId = idToParam.emplace(id, def).second;
         ASSERT_BREAK(newId);
+        def->resetBy.pointer = this;
         if (def->resetEachFrame)
         {
-            const auto byId = [](ParameterDef* left, unsigned int right)
-            {
-                return left->GetID() < right;
-            };
-            resetting.insert(std::lower_bound(resetting.begin(), resetting.end(), id, byId), def);
+            const std::pair<unsigned int, ParameterDef*> entry{id, def};
+            resetting.insert(std::lower_bound(resetting.begin(), resetting.end(), entry), entry);
         }
 
         char key[64];
@@ -163,19 +161,44 @@ void ParameterTable::Uninit()
             entry.second->Uninit();
         }
     }
-    idToParam.clear();
-    resetting.clear();
+    ForgetParameters();
     if (table)
     {
         Tessel::CloseTable(table);
     }
 }
 
+void ParameterTable::CollectResetting()
+{
+    resetting.clear();
+    for (const auto& entry : idToParam)
+    {
+        if (entry.second->resetEachFrame)
+        {
+            resetting.push_back(entry);
+        }
+    }
+}
+
+/// A run-time parameter may outlive the table.
+void ParameterTable::ForgetParameters()
+{
+    for (const auto& entry : idToParam)
+    {
+        if (entry.second != nullptr)
+        {
+            entry.second->resetBy.pointer = nullptr;
+        }
+    }
+    idToParam.clear();
+    resetting.clear();
+}
+
 void ParameterTable::ResetAll()
 {
     for (std::size_t i = 0; i < resetting.size(); ++i)
     {
-        resetting[i]->ResetValue();
+        resetting[i].second->ResetValue();
     }
 }
 
@@ -206,9 +229,10 @@ Tessel::KVTable ParameterTable::GetKVTable() const
 
 Tessel::KVTable ParameterTable::ReleaseStorage()
 {
+    ForgetParameters();
     NameMap().swap(nameToId);
     ParameterMap().swap(idToParam);
-    std::vector<ParameterDef*>().swap(resetting);
+    ParameterList().swap(resetting);
     std::vector<std::unique_ptr<ParameterDef>>().swap(ownParameters);
     return table;
 }

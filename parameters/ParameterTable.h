@@ -12,6 +12,7 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace vell
@@ -35,6 +36,7 @@ public:
     };
     using NameMap = std::map<const char*, unsigned int, NameOrder>;
     using ParameterMap = std::map<unsigned int, ParameterDef*>;
+    using ParameterList = std::vector<std::pair<unsigned int, ParameterDef*>>;
 
     ParameterTable();
     /// Deletes the run-time parameters that no arena keeps. Never runs for a table in the arena.
@@ -84,6 +86,9 @@ public:
         }
     }
 
+    /// Finds the parameters to be reset again, after one of them was assigned.
+    void CollectResetting();
+
     /// Gives the table, or null.
     Tessel::KVTable GetKVTable() const;
 
@@ -96,14 +101,15 @@ public:
 
 private:
     void ResetAll();
+    void ForgetParameters();
     void PlaceValue(ParameterDef& def, int type);
     bool IsNewName(const char* name);
     void KeepRuntimeParameter(ParameterDef* def, const char* name);
     int PublishRuntimeParameter(ParameterDef* def);
 
-    ValueRoom values;                     ///< of the document's first scalar parameters
-    HSMAlloc* arena = nullptr;            ///< keeps run-time parameters to its end; null until Init
-    std::vector<ParameterDef*> resetting; ///< those that reset each frame, in ascending id order
+    ValueRoom values;          ///< of the document's first scalar parameters
+    HSMAlloc* arena = nullptr; ///< keeps run-time parameters to its end; null until Init
+    ParameterList resetting;   ///< those that reset each frame, in ascending id order
     std::vector<std::unique_ptr<ParameterDef>> ownParameters; ///< run-time ones without an arena
 };
 

@@ -43,7 +43,9 @@ void ConditionDefMessage::Uninit()
 
 bool ConditionDefMessage::Evaluate(HSM*)
 {
-    return boundValue != nullptr && std::strcmp(boundValue->c_str(), target) == 0;
+    // There is no target after an Init that found no room for it.
+    return boundValue != nullptr && target != nullptr &&
+           std::strcmp(boundValue->c_str(), target) == 0;
 }
 
 bool ConditionDefMessage::ParameterBind()

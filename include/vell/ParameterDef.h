@@ -8,6 +8,8 @@
 namespace vell
 {
 
+class ParameterTable;
+
 /// A named, typed, live value of a machine: the input that conditions test. It keeps a default and
 /// a current value, mirrors the current one in its table under "value", and takes a tool's write of
 /// that key back as its value.
@@ -47,6 +49,10 @@ public:
     /// Tells whether the machine resets the parameter at the end of every tick.
     bool IsResetEachFrame() const;
 
+    /// Copies the value with all else. What `other` says of `IsResetEachFrame` counts from now on.
+    ParameterDef& operator=(const ParameterDef& other);
+    ParameterDef(const ParameterDef& other) = default;
+
 protected:
     explicit ParameterDef(int type);
 
@@ -57,10 +63,12 @@ protected:
     int paramType = 0;           ///< parameter type number
     int assign = 0;              ///< binding number
     int assignClass = 0;         ///< class of the binding number
-    bool resetEachFrame = false; ///< written by the parameter table while loading, by nobody else
+    bool resetEachFrame = false; ///< written while loading and by assignment, by nobody else
 
 private:
     friend class ParameterTable;
+
+    NotCopied<ParameterTable> resetBy; ///< the library's; the table that resets it, or null
 };
 
 } // namespace vell

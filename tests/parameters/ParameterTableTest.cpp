@@ -3,6 +3,7 @@
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LoadedParameters.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/TestMachine.h"
 
 #include <vell/Parameters.h>
 
@@ -308,6 +309,42 @@ TEST(ParameterTable, UninitialisesItsParametersInAscendingIdOrder)
     table.Uninit();
 
     EXPECT_EQ(order, (std::vector<unsigned int>{2, 3, 4000000000u}));
+}
+
+TEST(ParameterTable, ResetsAParameterAsLongAsItSaysSoAlsoAfterAnAssignment)
+{
+    LogRecorder log;
+    TestMachine machine(DocumentBuilder()
+                            .Start(10)
+                            .Parameter(PulseParameter("pulse"))
+                            .Parameter(BoolParameter("flag", false))
+                            .Node(Generic("Stand", 10)));
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    IParameterTable& table = *machine.GetParameterTable();
+    auto& pulse = dynamic_cast<ParameterBoolDef&>(*table.FindParameter("pulse"));
+    auto& flag = dynamic_cast<ParameterBoolDef&>(*table.FindParameter("flag"));
+    IParameterBoolDef* created = nullptr;
+    ASSERT_EQ(table.CreateBoolParameter("created", false, &created), 1);
+    auto& runtime = dynamic_cast<ParameterBoolDef&>(*created);
+    const ParameterBoolDef wasFlag = flag;
+
+    flag = pulse;
+    runtime = pulse;
+    pulse = wasFlag;
+    for (ParameterBoolDef* parameter : {&pulse, &flag, &runtime})
+    {
+        parameter->SetValue(true);
+    }
+    machine.Update(0.5f);
+
+    EXPECT_TRUE(pulse.GetValue());
+    EXPECT_FALSE(flag.GetValue());
+    EXPECT_FALSE(runtime.GetValue());
+    // Each table belongs to one parameter again.
+    pulse = ParameterBoolDef();
+    flag = ParameterBoolDef();
+    runtime = ParameterBoolDef();
 }
 
 } // namespace vell::test
