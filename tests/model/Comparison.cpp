@@ -3,6 +3,7 @@
 
 #include "tests/model/Comparison.h"
 #include "tests/model/LibraryMachine.h"
+#include "tests/model/Shrinking.h"
 
 #include <algorithm>
 
@@ -11,8 +12,6 @@ namespace model
 
 namespace
 {
-
-constexpr int kMaxTrials = 6000;
 
 bool NeedsStart(InputKind kind)
 {
@@ -60,142 +59,47 @@ void Count(const Step& step, Counts* counts)
 }
 
 /// Takes things away from a case as long as its machines differ.
-class Shrinker
+class CaseShrinker
 {
 public:
-    Shrinker(Case startCase, Fault plantedFault) : best(std::move(startCase)), fault(plantedFault)
+    CaseShrinker(Case startCase, Fault plantedFault)
+        : shrinker(std::move(startCase),
+                   [plantedFault](const Case& candidate)
+                   {
+                       return Compare(candidate, plantedFault, nullptr).isFound;
+                   }),
+          fault(plantedFault)
     {
     }
 
     Case Run()
     {
         CutInputs();
-        bool isSmaller = true;
-        while (isSmaller && trials < kMaxTrials)
+        while (shrinker.HasTrials() && ShrinkOnce())
         {
-            isSmaller = ShrinkOnce();
         }
-        return best;
+        return shrinker.Best();
     }
 
 private:
     // What follows the first difference has no part in it.
     void CutInputs()
     {
+        Case& best = shrinker.Best();
         const Difference difference = Compare(best, fault, nullptr);
         best.inputs.resize(std::min(best.inputs.size(), difference.input + 1));
     }
 
     bool ShrinkOnce()
     {
-        bool isSmaller = ShrinkList([](Case & c) -> auto& { return c.inputs; });
-        for (std::size_t layer = 0; layer < best.document.layers.size(); ++layer)
-        {
-            isSmaller |=
-                ShrinkList([layer](Case & c) -> auto& { return c.document.layers[layer]; });
-        }
-        isSmaller |= ShrinkList([](Case & c) -> auto& { return c.document.layers; });
-        isSmaller |= ShrinkList([](Case & c) -> auto& { return c.document.globals; });
-        isSmaller |= ShrinkList([](Case & c) -> auto& { return c.document.parameters; });
-        isSmaller |= ShrinkList([](Case & c) -> auto& { return c.actions; });
-        for (std::size_t layer = 0; layer < best.document.layers.size(); ++layer)
-        {
-            isSmaller |=
-                ShrinkNodes([layer](Case & c) -> auto& { return c.document.layers[layer]; });
-        }
-        isSmaller |= ShrinkNodes([](Case & c) -> auto& { return c.document.globals; });
+        bool isSmaller = shrinker.ShrinkList([](Case & c) -> auto& { return c.inputs; });
+        isSmaller |= shrinker.ShrinkDocument();
+        isSmaller |= shrinker.ShrinkList([](Case & c) -> auto& { return c.actions; });
         return isSmaller;
     }
 
-    template <class Select>
-    bool ShrinkNodes(Select select)
-    {
-        bool isSmaller = false;
-        for (std::size_t index = 0; index < select(best).size(); ++index)
-        {
-            isSmaller |= ShrinkList([&](Case & c) -> auto& { return select(c)[index].children; });
-            isSmaller |= ShrinkList([&](Case & c) -> auto& { return select(c)[index].conditions; });
-            isSmaller |= Simplify(
-                [&](Case& c)
-                {
-                    select(c)[index].disabled = false;
-                },
-                select(best)[index].disabled);
-            isSmaller |= Simplify(
-                [&](Case& c)
-                {
-                    select(c)[index].hasPriority = false;
-                    select(c)[index].priority = 5;
-                },
-                select(best)[index].hasPriority);
-            isSmaller |= Simplify(
-                [&](Case& c)
-                {
-                    select(c)[index].builder = DURMBaseLib::BUILDER_Generic;
-                },
-                select(best)[index].builder == DURMBaseLib::BUILDER_AnimClip);
-        }
-        return isSmaller;
-    }
-
-    // Halves first, then ever smaller pieces down to single ones.
-    template <class Select>
-    bool ShrinkList(Select select)
-    {
-        bool isSmaller = false;
-        std::size_t piece = std::max<std::size_t>(select(best).size(), 1);
-        while (piece > 0)
-        {
-            std::size_t begin = 0;
-            while (begin < select(best).size() && trials < kMaxTrials)
-            {
-                Case candidate = best;
-                auto& list = select(candidate);
-                const auto at = [&list](std::size_t index)
-                {
-                    return list.begin() + static_cast<std::ptrdiff_t>(index);
-                };
-                list.erase(at(begin), at(std::min(begin + piece, list.size())));
-                if (Takes(std::move(candidate)))
-                {
-                    isSmaller = true;
-                }
-                else
-                {
-                    begin += piece;
-                }
-            }
-            piece /= 2;
-        }
-        return isSmaller;
-    }
-
-    template <class Change>
-    bool Simplify(Change change, bool isWorthIt)
-    {
-        if (!isWorthIt)
-        {
-            return false;
-        }
-        Case candidate = best;
-        change(candidate);
-        return Takes(std::move(candidate));
-    }
-
-    bool Takes(Case candidate)
-    {
-        ++trials;
-        if (!Compare(candidate, fault, nullptr).isFound)
-        {
-            return false;
-        }
-        best = std::move(candidate);
-        return true;
-    }
-
-    Case best;
+    Shrinker<Case> shrinker;
     Fault fault;
-    int trials = 0;
 };
 
 Lines EventsOf(const Step& step)
@@ -296,7 +200,7 @@ Difference Compare(const Case& modelCase, Fault fault, Counts* counts)
 
 Case Shrink(Case modelCase, Fault fault)
 {
-    return Shrinker(std::move(modelCase), fault).Run();
+    return CaseShrinker(std::move(modelCase), fault).Run();
 }
 
 std::string Report(const Case& modelCase, const Difference& difference)

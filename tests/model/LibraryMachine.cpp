@@ -3,15 +3,9 @@
 
 #include "tests/model/LibraryMachine.h"
 
-#include "tests/model/Sanitizer.h"
-
 #include <vell/vell.h>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cctype>
-#include <cstdio>
 #include <cstring>
 #include <deque>
 #include <stdexcept>
@@ -679,24 +673,6 @@ bool LibraryMachine::IsLoaded() const
 Step LibraryMachine::Apply(const Input& input)
 {
     return impl->Apply(input);
-}
-
-QuietStandardError::QuietStandardError()
-{
-    std::fflush(stderr);
-    saved = dup(STDERR_FILENO);
-    SendSanitizerReports(saved);
-    const int nowhere = open("/dev/null", O_WRONLY);
-    dup2(nowhere, STDERR_FILENO);
-    close(nowhere);
-}
-
-QuietStandardError::~QuietStandardError()
-{
-    std::fflush(stderr);
-    dup2(saved, STDERR_FILENO);
-    SendSanitizerReports(STDERR_FILENO);
-    close(saved);
 }
 
 } // namespace model

@@ -27,17 +27,4 @@ private:
     std::unique_ptr<Impl> impl;
 };
 
-/// Sends the process's standard error nowhere as long as it lives, but for what a sanitizer says.
-class QuietStandardError
-{
-public:
-    QuietStandardError();
-    ~QuietStandardError();
-    QuietStandardError(const QuietStandardError&) = delete;
-    QuietStandardError& operator=(const QuietStandardError&) = delete;
-
-private:
-    int saved;
-};
-
 } // namespace model

@@ -2,7 +2,7 @@
 // tests/model/ModelTest.cpp: random machines on the library and on a second, naive machine.
 
 #include "tests/model/Comparison.h"
-#include "tests/model/LibraryMachine.h"
+#include "tests/model/QuietStandardError.h"
 #include "tests/model/Sanitizer.h"
 
 #include <gtest/gtest.h>
