@@ -126,7 +126,7 @@ void ExchangeDefinitions(Side& side, const Operation& operation)
 {
     vell::BaseDef* left = PickTicked(side, operation.picks[0]);
     vell::BaseDef* right = side.PickDef(operation.picks[1]);
-    if (left == nullptr || left == right)
+    if (left == nullptr || right == nullptr || left == right)
     {
         return;
     }

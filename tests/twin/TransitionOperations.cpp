@@ -165,7 +165,7 @@ void ExchangeTransitions(Side& side, const Operation& operation)
 {
     vell::TransitionDef* left = PickTicked(side, operation.picks[0]);
     vell::TransitionDef* right = side.PickTransition(operation.picks[1]);
-    if (left == nullptr || left == right)
+    if (left == nullptr || right == nullptr || left == right)
     {
         return;
     }

@@ -63,6 +63,15 @@ bool IsChanged(vell::ParameterDef* def)
     return parameter != nullptr && !(parameter->GetValue() == parameter->GetDefaultValue());
 }
 
+template <class Parameter>
+bool HasOtherDefault(vell::ParameterDef* left, vell::ParameterDef* right)
+{
+    auto* one = dynamic_cast<Parameter*>(left);
+    auto* other = dynamic_cast<Parameter*>(right);
+    return one != nullptr && other != nullptr &&
+           !(one->GetDefaultValue() == other->GetDefaultValue());
+}
+
 } // namespace
 
 TwinMachine::TwinMachine(std::string documentText, bool usesShortcut)
@@ -119,25 +128,32 @@ void TwinMachine::SayWhatIsNotReset()
         const bool isChanged =
             IsChanged<vell::ParameterBoolDef>(def) || IsChanged<vell::ParameterIntegerDef>(def) ||
             IsChanged<vell::ParameterFloatDef>(def) || IsChanged<vell::ParameterMessageDef>(def);
-        if (isChanged && def->IsResetEachFrame() && !SharesTable(def))
+        if (isChanged && def->IsResetEachFrame() && !IsPulledElsewhere(def))
         {
             Say("not reset: parameter " + std::to_string(i));
         }
     }
 }
 
-/// Tells whether a write of another parameter comes back as a value of this one: the host has
-/// assigned one to the other.
-bool TwinMachine::SharesTable(vell::ParameterDef* parameter)
+/// Tells whether the host has assigned one parameter to another and given one of them a new default
+/// since: they share a table, and the reset of one writes what the other then takes over.
+bool TwinMachine::IsPulledElsewhere(vell::ParameterDef* parameter)
 {
     vell::IParameterTable* table = GetParameterTable();
-    int holders = 0;
     for (int i = 0; i < table->GetParameterCount(); ++i)
     {
         const unsigned int id = table->GetParameterIDByIndex(static_cast<unsigned int>(i));
-        holders += table->FindParameter(id)->GetKVTable() == parameter->GetKVTable() ? 1 : 0;
+        vell::ParameterDef* other = table->FindParameter(id);
+        if (other != parameter && other->GetKVTable() == parameter->GetKVTable() &&
+            (HasOtherDefault<vell::ParameterBoolDef>(parameter, other) ||
+             HasOtherDefault<vell::ParameterIntegerDef>(parameter, other) ||
+             HasOtherDefault<vell::ParameterFloatDef>(parameter, other) ||
+             HasOtherDefault<vell::ParameterMessageDef>(parameter, other)))
+        {
+            return true;
+        }
     }
-    return holders > 1;
+    return false;
 }
 
 vell::SMState* HostState::Create(unsigned int stateId, vell::HSMAlloc* alloc)

@@ -48,7 +48,7 @@ protected:
 
 private:
     void SayWhatIsNotReset();
-    bool SharesTable(vell::ParameterDef* parameter);
+    bool IsPulledElsewhere(vell::ParameterDef* parameter);
 
     std::string text;
     bool hasShortcut;

@@ -110,11 +110,6 @@ Difference Compare(const Case& twinCase, Look look)
     return difference;
 }
 
-const char* KindName(const Operation& operation)
-{
-    return AllOperations()[operation.kind].name;
-}
-
 Case Shrink(const Case& twinCase)
 {
     model::Shrinker<Case> shrinker(twinCase,

@@ -33,8 +33,6 @@ Case Shrink(const Case& twinCase);
 /// The document, the operations and the difference, for a person.
 std::string Report(const Case& twinCase);
 
-const char* KindName(const Operation& operation);
-
 /// How often each kind of operation was done, by its name.
 std::map<std::string, unsigned long>& Counts();
 

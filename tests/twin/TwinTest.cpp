@@ -37,14 +37,6 @@ TEST(Twin, DoesTheSameWithTheShortcutAsWithout)
         if (twin::Compare(twinCase, twin::Look::Often).isFound)
         {
             const twin::Case small = twin::Shrink(twinCase);
-            std::cout << "KINDS";
-            for (const auto& o : small.operations)
-            {
-                std::cout << " " << twin::KindName(o);
-                for (auto& i : o.inner)
-                    std::cout << "(" << twin::KindName(i) << ")";
-            }
-            std::cout << " SEED " << seed << std::endl;
             ADD_FAILURE() << "seed " << seed << "\n" << twin::Report(small);
             if (++failures == failuresWanted)
             {
