@@ -2,10 +2,9 @@
 // tests/twin/TwinMachine.h: a machine that passes over idle states, or its twin that asks them all.
 #pragma once
 
-#include "states/SubstateState.h"
-#include "transitions/ConditionDef.h"
-#include "transitions/TransitionDef.h"
-
+#include <vell/ConditionDef.h>
+#include <vell/SubstateState.h>
+#include <vell/TransitionDef.h>
 #include <vell/vell.h>
 
 #include <string>
