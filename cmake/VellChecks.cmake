@@ -10,7 +10,7 @@ if(NOT VELL_SANITIZE)
              COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-headers.sh ${CMAKE_CXX_COMPILER} 65
                      ${rapidjson_flags})
     set_tests_properties(check.headers PROPERTIES TIMEOUT 600 PROCESSORS 2)
-    add_test(NAME check.layers COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-layers.sh)
+    add_test(NAME check.layers COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-layers.py)
 endif()
 
 if(VELL_TEST_INSTALL AND VELL_INSTALL AND NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_PLATFORM)

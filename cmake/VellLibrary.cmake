@@ -2,7 +2,7 @@
 # directly, and the shared library that hosts load.
 find_path(VELL_RAPIDJSON_INCLUDE rapidjson/document.h REQUIRED)
 
-set(vell_folders machine idle states transitions definitions parameters introspection foundation)
+set(vell_folders machine document idle states transitions definitions parameters introspection foundation)
 set(vell_sources)
 foreach(folder IN LISTS vell_folders)
     file(GLOB folder_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)

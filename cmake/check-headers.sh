@@ -11,7 +11,7 @@ shift 2
 flags=(-std=c++17 -fsyntax-only -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror "$@")
 
 folders=()
-for folder in include machine states transitions definitions parameters introspection foundation \
+for folder in include machine document idle states transitions definitions parameters introspection foundation \
               platform tools tests/support bench; do
     [[ ! -d "${folder}" ]] || folders+=("${folder}")
 done

@@ -4,7 +4,7 @@
 #include "definitions/AnimClipDef.h"
 
 #include "definitions/DefPlacement.h"
-#include "definitions/JsonReader.h"
+#include "document/JsonReader.h"
 #include "foundation/Checks.h"
 
 namespace vell

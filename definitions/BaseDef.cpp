@@ -4,7 +4,7 @@
 
 #include "definitions/BaseDefInternals.h"
 #include "definitions/DefPlacement.h"
-#include "definitions/JsonReader.h"
+#include "document/JsonReader.h"
 #include "foundation/ArenaMemory.h"
 #include "foundation/Checks.h"
 

@@ -3,9 +3,9 @@
 #include <vell/BaseDef.h>
 
 #include "definitions/AttribDefs.h"
-#include "definitions/JsonReader.h"
+#include "document/JsonReader.h"
 #include "foundation/Checks.h"
-#include "foundation/NumberText.h"
+#include "document/NumberText.h"
 #include "foundation/TextCompare.h"
 #include "foundation/TreeKeys.h"
 

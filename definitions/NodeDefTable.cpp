@@ -2,25 +2,16 @@
 // definitions/NodeDefTable.cpp: building, filing and finding of definitions.
 #include "definitions/NodeDefTable.h"
 
-#include "definitions/AnimClipDef.h"
 #include "definitions/BaseDefInternals.h"
-#include "definitions/ConnectorDef.h"
-#include "definitions/EnterDef.h"
-#include "definitions/ExitDef.h"
-#include "definitions/GenericDef.h"
-#include "definitions/GlobalDef.h"
-#include "definitions/JsonReader.h"
-#include "definitions/SubstateDef.h"
+#include "definitions/StandardDefs.h"
+#include "document/JsonReader.h"
 #include "foundation/Checks.h"
 #include "foundation/TextCompare.h"
 
-#include <vell/ConditionDef.h>
 #include <vell/HSMAlloc.h>
-#include <vell/TransitionDef.h>
 
 #include <algorithm>
 #include <charconv>
-#include <iterator>
 
 namespace vell
 {
@@ -37,46 +28,24 @@ BuilderMap& Builders()
     return *builders;
 }
 
-BaseDef* CreateTransition(const GenericValue& node, HSMAlloc* alloc)
-{
-    return TransitionDef::Create(node, alloc);
-}
-
-struct StandardFactory
-{
-    __DURM_BUILDERS__ builder;
-    NodeDefFactory create;
-};
-
-constexpr StandardFactory kStandardFactories[] = {
-    {DURMBaseLib::BUILDER_Base, BaseDef::Create},
-    {DURMBaseLib::BUILDER_AnimClip, AnimClipDef::Create},
-    {DURMBaseLib::BUILDER_Generic, GenericDef::Create},
-    {DURMBaseLib::BUILDER_Connector, ConnectorDef::Create},
-    {DURMBaseLib::BUILDER_Transition, CreateTransition},
-    {DURMBaseLib::BUILDER_Enter, EnterDef::Create},
-    {DURMBaseLib::BUILDER_Exit, ExitDef::Create},
-    {DURMBaseLib::BUILDER_Condition, ConditionDef::Create},
-    {DURMBaseLib::BUILDER_Global, GlobalDef::Create},
-    {DURMBaseLib::BUILDER_Substate, SubstateDef::Create},
-};
-
 bool IsStandard(NodeDefFactory factory)
 {
-    const auto isFactory = [factory](const StandardFactory& standard)
+    const StandardDefs standard = GetStandardDefs();
+    const auto isFactory = [factory](const StandardDef& def)
     {
-        return standard.create == factory;
+        return def.create == factory;
     };
-    return std::any_of(std::begin(kStandardFactories), std::end(kStandardFactories), isFactory);
+    return std::any_of(standard.begin, standard.end, isFactory);
 }
 
 } // namespace
 
 NodeDefTable::NodeDefTable() : cursor(nodes.end())
 {
-    for (const StandardFactory& standard : kStandardFactories)
+    const StandardDefs standard = GetStandardDefs();
+    for (const StandardDef* def = standard.begin; def != standard.end; ++def)
     {
-        RegisterNodeDef(standard.builder, standard.create);
+        RegisterNodeDef(def->builder, def->create);
     }
 }
 

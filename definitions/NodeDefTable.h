@@ -3,7 +3,8 @@
 #pragma once
 
 #include <vell/BaseDef.h>
-#include <vell/IHSM.h>
+#include <vell/Callbacks.h>
+#include <vell/Types.h>
 
 #include <tessel/Tessel.h>
 

@@ -2,7 +2,7 @@
 // definitions/NodeDefTableImport.cpp: the head, skeleton and global sections of a document.
 #include "definitions/NodeDefTable.h"
 
-#include "definitions/JsonReader.h"
+#include "document/JsonReader.h"
 #include "foundation/ArenaMemory.h"
 #include "foundation/Checks.h"
 #include "foundation/TreeKeys.h"

@@ -3,7 +3,7 @@
 #include "definitions/SubstateDef.h"
 
 #include "definitions/DefPlacement.h"
-#include "definitions/JsonReader.h"
+#include "document/JsonReader.h"
 #include "foundation/Checks.h"
 
 namespace vell

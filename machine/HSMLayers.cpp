@@ -2,7 +2,7 @@
 // machine/HSMLayers.cpp: the layers of a document.
 #include <vell/HSM.h>
 
-#include "definitions/JsonReader.h"
+#include "document/JsonReader.h"
 #include "foundation/Checks.h"
 
 namespace vell

@@ -2,10 +2,10 @@
 // machine/HSMLoad.cpp: from a document's text to full tables.
 #include <vell/HSM.h>
 
-#include "definitions/JsonReader.h"
+#include "document/JsonReader.h"
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
-#include "machine/DocumentParser.h"
+#include "document/DocumentParser.h"
 #include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
 

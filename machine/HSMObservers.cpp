@@ -5,7 +5,7 @@
 #include "definitions/BaseDefInternals.h"
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
-#include "foundation/TreeKeys.h"
+#include "introspection/MachineTree.h"
 
 #include <vell/Action.h>
 #include <vell/IBroadcastListener.h>
@@ -87,13 +87,7 @@ int HSM::Notify()
     {
         return 0;
     }
-    StateChangeEvent change{0, 0, 0};
-    if (Tessel::KVTable context = GetContextTable())
-    {
-        change.nextID = context->GetUInt(kNextStateKey);
-        change.previousID = context->GetUInt(kPreviousStateKey);
-        change.transitionID = context->GetUInt(kTransitionKey);
-    }
+    const StateChangeEvent change = MachineTree(kvTable).ReadChange();
     int called = 0;
     for (std::size_t i = 0; i < stateChangeListeners.size(); ++i)
     {
@@ -105,12 +99,7 @@ int HSM::Notify()
             ++called;
         }
     }
-    if (Tessel::KVTable context = GetContextTable())
-    {
-        context->SetUInt(kNextStateKey, 0, 1);
-        context->SetUInt(kPreviousStateKey, 0, 1);
-        context->SetUInt(kTransitionKey, 0, 1);
-    }
+    MachineTree(kvTable).ClearChange();
     return called;
 }
 

@@ -1,9 +1,10 @@
 // VELL: data-driven hierarchical state machines.
-// machine/HSMServices.cpp: what the machine answers to its states.
+// machine/HSMServices.cpp: what the machine answers to the folders below it.
 #include "definitions/BaseDefInternals.h"
-#include "foundation/TreeKeys.h"
+#include "introspection/MachineTree.h"
 #include "machine/HSMInternals.h"
 #include "states/MachineServices.h"
+#include "transitions/TriggerCall.h"
 
 #include <vell/TransitionDef.h>
 #include <vell/Types.h>
@@ -54,11 +55,13 @@ void MachineServices::ReportTransition(HSM& machine, TransitionDef& transition,
         BaseDef::Internals::HandOut(transition);
     }
     // Required: the tree is the one that the machine's class shows.
-    Tessel::KVTable root = machine.GetKVTable();
-    if (Tessel::KVTable context = root ? root->GetTable(kContextKey) : Tessel::KVTable())
-    {
-        context->SetUInt(kTransitionKey, transition.GetID(), 1);
-    }
+    MachineTree(machine.GetKVTable()).WriteTransition(transition.GetID());
+}
+
+bool CallTrigger(Trigger trigger, HSM* machine)
+{
+    // Required: a trigger receives no state.
+    return trigger(machine, nullptr);
 }
 
 } // namespace vell

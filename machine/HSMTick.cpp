@@ -3,6 +3,7 @@
 #include <vell/HSM.h>
 
 #include "foundation/Checks.h"
+#include "introspection/MachineTree.h"
 #include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
 
@@ -215,7 +216,7 @@ SMState* HSM::PopState()
         if (entry != stack->rend())
         {
             stack->erase(std::next(entry).base());
-            RemoveLastInTree(stack);
+            MachineTree::RemoveLast(GetStackTable(stack));
         }
         popped = top;
     } while (false);

@@ -2,9 +2,9 @@
 // parameters/ParameterTableLoad.cpp: the parameters of a document.
 #include "parameters/ParameterTable.h"
 
-#include "definitions/JsonReader.h"
+#include "document/JsonReader.h"
 #include "foundation/Checks.h"
-#include "foundation/NumberText.h"
+#include "document/NumberText.h"
 
 #include <vell/HSMAlloc.h>
 #include <vell/Parameters.h>

@@ -26,7 +26,7 @@ while (($#)); do
     shift
 done
 
-folders=(machine states transitions definitions parameters introspection)
+folders=(machine document idle states transitions definitions parameters introspection)
 exceptions=tests/check-checks-exceptions.txt
 work=build/check-checks
 statements=${work}/statements.tsv # place, key

@@ -11,7 +11,7 @@ figures=0
 [[ "${1:-}" != "--figures" ]] || { figures=1 && shift; }
 build=${1:-build/coverage}
 page=docs/coverage.md
-folders='machine|states|transitions|definitions|parameters|introspection|foundation|platform|include'
+folders='machine|document|idle|states|transitions|definitions|parameters|introspection|foundation|platform|include'
 
 gcovr --root . --object-directory "${build}" --filter "(${folders})/" \
     --xml-pretty --output "${build}/coverage.xml" "${build}"

@@ -3,7 +3,7 @@
 #include <vell/ConditionDef.h>
 
 #include "definitions/DefPlacement.h"
-#include "definitions/JsonReader.h"
+#include "document/JsonReader.h"
 #include "foundation/Checks.h"
 #include "transitions/ConditionDefBool.h"
 #include "transitions/ConditionDefInteger.h"

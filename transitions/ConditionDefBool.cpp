@@ -2,7 +2,7 @@
 // transitions/ConditionDefBool.cpp: loading and evaluating of bool conditions.
 #include "transitions/ConditionDefBool.h"
 
-#include "definitions/JsonReader.h"
+#include "document/JsonReader.h"
 #include "foundation/Checks.h"
 #include "transitions/ConditionOperand.h"
 

@@ -2,10 +2,10 @@
 // transitions/ConditionDefInteger.cpp: loading and evaluating of integer conditions.
 #include "transitions/ConditionDefInteger.h"
 
-#include "definitions/JsonReader.h"
+#include "document/JsonReader.h"
 #include "foundation/Checks.h"
 #include "transitions/ConditionOperand.h"
-#include "foundation/NumberText.h"
+#include "document/NumberText.h"
 
 #include <vell/ParameterDef.h>
 

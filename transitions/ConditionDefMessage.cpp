@@ -2,7 +2,7 @@
 // transitions/ConditionDefMessage.cpp: loading and evaluating of message conditions.
 #include "transitions/ConditionDefMessage.h"
 
-#include "definitions/JsonReader.h"
+#include "document/JsonReader.h"
 #include "foundation/ArenaMemory.h"
 #include "foundation/Checks.h"
 #include "transitions/ConditionOperand.h"

@@ -2,7 +2,7 @@
 // transitions/ConditionFloatDef.cpp: loading and evaluating of float conditions.
 #include "transitions/ConditionFloatDef.h"
 
-#include "definitions/JsonReader.h"
+#include "document/JsonReader.h"
 #include "foundation/Checks.h"
 #include "transitions/ConditionOperand.h"
 

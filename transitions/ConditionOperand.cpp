@@ -2,8 +2,8 @@
 // transitions/ConditionOperand.cpp: reading what a condition compares with.
 #include "transitions/ConditionOperand.h"
 
-#include "definitions/JsonReader.h"
-#include "foundation/NumberText.h"
+#include "document/JsonReader.h"
+#include "document/NumberText.h"
 
 namespace vell
 {

@@ -4,12 +4,12 @@
 
 #include "definitions/BaseDefInternals.h"
 #include "definitions/DefPlacement.h"
-#include "definitions/JsonReader.h"
+#include "document/JsonReader.h"
 #include "foundation/ArenaMemory.h"
 #include "foundation/Checks.h"
+#include "transitions/TriggerCall.h"
 
 #include <vell/ConditionDef.h>
-#include <vell/HSM.h>
 
 namespace vell
 {
@@ -117,7 +117,7 @@ int TransitionDef::HandleConditions(HSM* hsm)
     for (std::size_t i = 0; i < triggers.size(); ++i)
     {
         ERROR_BREAK(triggers[i] != nullptr);
-        if (triggers[i](hsm, nullptr))
+        if (CallTrigger(triggers[i], hsm))
         {
             return 1;
         }

@@ -129,7 +129,7 @@ protected:
     void* reserved = nullptr;           ///< nobody reads it
 
 private:
-    void Append(Action** head, unsigned int* count, Action* action);
+    VELL_LOCAL void Append(Action** head, unsigned int* count, Action* action);
 
     NotCopied<Revision> revision; ///< the library's; null until a machine ticks the definition
 };

@@ -191,17 +191,15 @@ protected:
     StateSwitchCallback stateSwitchCallback = nullptr;
 
 private:
-    int Subscribe(ListenerList& list, IBroadcastListener* listener);
-    int Unsubscribe(ListenerList& list, IBroadcastListener* listener);
-    int Notify();
-    unsigned int ParseDocument();
-    void ForgetArena();
-    void TestGlobalState(UpdateResult* result, float timeStep);
-    void StartBlip(UpdateResult* result);
-    void ReportStateChange(SMState* previous, unsigned int nextId);
-    Tessel::KVTable GetContextTable() const;
-    Tessel::KVTable GetStackTable(const std::vector<SMState*>* stack) const;
-    int RemoveLastInTree(const std::vector<SMState*>* stack);
+    VELL_LOCAL int Subscribe(ListenerList& list, IBroadcastListener* listener);
+    VELL_LOCAL int Unsubscribe(ListenerList& list, IBroadcastListener* listener);
+    VELL_LOCAL int Notify();
+    VELL_LOCAL unsigned int ParseDocument();
+    VELL_LOCAL void ForgetArena();
+    VELL_LOCAL void TestGlobalState(UpdateResult* result, float timeStep);
+    VELL_LOCAL void StartBlip(UpdateResult* result);
+    VELL_LOCAL void ReportStateChange(SMState* previous, unsigned int nextId);
+    VELL_LOCAL Tessel::KVTable GetStackTable(const std::vector<SMState*>* stack) const;
 
     std::unique_ptr<Internals> internals; ///< the library's own
 };

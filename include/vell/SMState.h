@@ -133,9 +133,9 @@ private:
     friend class GlobalState;
     friend class SubstateState;
 
-    TransitionDef* FindTransition(HSM* machine);
-    void TellParent();
-    void RequestAnimation(BaseDef* entered);
+    VELL_LOCAL TransitionDef* FindTransition(HSM* machine);
+    VELL_LOCAL void TellParent();
+    VELL_LOCAL void RequestAnimation(BaseDef* entered);
 
     NotCopied<Revision> revision; ///< the library's; null until a machine ticks the state
 };

@@ -1,6 +1,6 @@
 // VELL: data-driven hierarchical state machines.
 // tests/robustness/DepthAndSizeTest.cpp: deep and large documents, and memory that grows with them.
-#include "machine/DocumentParser.h"
+#include "document/DocumentParser.h"
 #include "tests/robustness/Conditions.h"
 #include "tests/support/HeapWatch.h"
 

@@ -2,7 +2,7 @@
 // tests/robustness/RefusedMemory.cpp: machines whose arena or heap runs out.
 #include "tests/robustness/RefusedMemory.h"
 
-#include "machine/DocumentParser.h"
+#include "document/DocumentParser.h"
 #include "tests/support/HeapWatch.h"
 
 #include <vell/IParameterTable.h>

@@ -1,9 +1,10 @@
 // VELL: data-driven hierarchical state machines.
-// introspection/HSMContext.cpp: putting a machine into a recorded context.
+// machine/HSMContext.cpp: putting a machine into a recorded context.
 #include <vell/HSM.h>
 
 #include "foundation/Checks.h"
 #include "foundation/TreeKeys.h"
+#include "introspection/MachineTree.h"
 
 namespace vell
 {
@@ -86,13 +87,7 @@ int HSM::SetContextInfo_StackBlip(const Tessel::KVTable& table)
 
 int HSM::SetContextInfo_StateSwitching(const Tessel::KVTable& context)
 {
-    if (Tessel::KVTable own = GetContextTable())
-    {
-        for (const char* key : {kNextStateKey, kPreviousStateKey, kTransitionKey})
-        {
-            own->SetUInt(key, context ? context->GetUInt(key) : 0, 0);
-        }
-    }
+    MachineTree(kvTable).RestoreChange(context);
     Notify();
     return 1;
 }

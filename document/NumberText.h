@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// foundation/NumberText.h: the text form of vectors and ranges.
+// document/NumberText.h: the text form of vectors and ranges.
 #pragma once
 
 namespace vell

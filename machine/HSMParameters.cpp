@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// parameters/HSMParameters.cpp: how a machine's parameters reach conditions and the host.
+// machine/HSMParameters.cpp: how a machine's parameters reach conditions and the host.
 #include <vell/HSM.h>
 
 #include "definitions/AttribDefs.h"

@@ -1,6 +1,6 @@
 // VELL: data-driven hierarchical state machines.
-// tests/definitions/JsonReaderTest.cpp: the rules by which a document's members are read.
-#include "definitions/JsonReader.h"
+// tests/document/JsonReaderTest.cpp: the rules by which a document's members are read.
+#include "document/JsonReader.h"
 
 #include "tests/support/Json.h"
 

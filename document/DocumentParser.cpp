@@ -1,6 +1,6 @@
 // VELL: data-driven hierarchical state machines.
-// machine/DocumentParser.cpp: reading of files, and the guard against deep nesting.
-#include "machine/DocumentParser.h"
+// document/DocumentParser.cpp: reading of files, and the guard against deep nesting.
+#include "document/DocumentParser.h"
 
 #include <cstdint>
 #include <cstdio>

@@ -1,6 +1,6 @@
 // VELL: data-driven hierarchical state machines.
-// definitions/JsonReader.cpp: the one place that calls the parser's accessors.
-#include "definitions/JsonReader.h"
+// document/JsonReader.cpp: the one place that calls the parser's accessors.
+#include "document/JsonReader.h"
 
 #include <algorithm>
 #include <cstdint>

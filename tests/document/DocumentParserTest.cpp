@@ -1,6 +1,6 @@
 // VELL: data-driven hierarchical state machines.
-// tests/machine/DocumentParserTest.cpp: which texts are documents, and how others are reported.
-#include "machine/DocumentParser.h"
+// tests/document/DocumentParserTest.cpp: which texts are documents, and how others are reported.
+#include "document/DocumentParser.h"
 
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"

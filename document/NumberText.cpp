@@ -1,6 +1,6 @@
 // VELL: data-driven hierarchical state machines.
-// foundation/NumberText.cpp: reading of comma-separated numbers.
-#include "foundation/NumberText.h"
+// document/NumberText.cpp: reading of comma-separated numbers.
+#include "document/NumberText.h"
 
 #include <climits>
 #include <cmath>

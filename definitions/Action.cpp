@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// machine/Action.cpp: what an action does when the host overrides nothing.
+// definitions/Action.cpp: what an action does when the host overrides nothing.
 #include <vell/Action.h>
 
 namespace vell

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// machine/DocumentParser.h: from text to a parsed document.
+// document/DocumentParser.h: from text to a parsed document.
 #pragma once
 
 #include <vell/Json.h>

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// definitions/JsonReader.h: the rules by which a document's members are read.
+// document/JsonReader.h: the rules by which a document's members are read.
 #pragma once
 
 #include <vell/Json.h>

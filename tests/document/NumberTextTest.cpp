@@ -1,6 +1,6 @@
 // VELL: data-driven hierarchical state machines.
-// tests/foundation/NumberTextTest.cpp: reading of vectors and ranges, and comparing of texts.
-#include "foundation/NumberText.h"
+// tests/document/NumberTextTest.cpp: reading of vectors and ranges, and comparing of texts.
+#include "document/NumberText.h"
 
 #include "foundation/TextCompare.h"
 
