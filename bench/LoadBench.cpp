@@ -3,6 +3,7 @@
 #include "bench/Documents.h"
 #include "bench/Machines.h"
 
+#include <rapidjson/document.h>
 #include <benchmark/benchmark.h>
 
 #include <map>

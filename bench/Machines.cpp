@@ -2,6 +2,8 @@
 // bench/Machines.cpp: machines that are ready to be ticked, and where their log goes.
 #include "bench/Machines.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include <cstdio>
 #include <cstdlib>
 

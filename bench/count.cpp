@@ -4,6 +4,8 @@
 #include "bench/HeapCount.h"
 #include "bench/Machines.h"
 
+#include <rapidjson/document.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

@@ -8,6 +8,8 @@
 #include "foundation/ArenaMemory.h"
 #include "foundation/Checks.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include <cstring>
 
 namespace vell

@@ -7,6 +7,8 @@
 #include "foundation/Checks.h"
 #include "foundation/TextCompare.h"
 
+#include <durm/DURMBaseLib.h>
+
 namespace vell
 {
 namespace

@@ -5,6 +5,8 @@
 #include "definitions/DefPlacement.h"
 #include "foundation/Checks.h"
 
+#include <rapidjson/document.h>
+
 namespace vell
 {
 

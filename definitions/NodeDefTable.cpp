@@ -10,6 +10,8 @@
 
 #include <vell/HSMAlloc.h>
 
+#include <durm/DURMBaseLib.h>
+
 #include <algorithm>
 #include <charconv>
 

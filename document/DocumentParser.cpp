@@ -2,6 +2,8 @@
 // document/DocumentParser.cpp: reading of files, and the guard against deep nesting.
 #include "document/DocumentParser.h"
 
+#include <rapidjson/document.h>
+
 #include <cstdint>
 #include <cstdio>
 #include <cstring>

@@ -2,6 +2,8 @@
 // document/JsonReader.cpp: the one place that calls the parser's accessors.
 #include "document/JsonReader.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>

@@ -5,6 +5,8 @@
 #include <vell/Json.h>
 #include <vell/Types.h>
 
+#include <rapidjson/document.h>
+
 #include <cstdint>
 
 namespace vell

@@ -4,6 +4,8 @@
 
 #include <vell/HSM.h>
 
+#include <durm/DURMBaseLib.h>
+
 #include <iostream>
 
 namespace vell

@@ -9,6 +9,8 @@
 #include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
 
+#include <durm/DURMBaseLib.h>
+
 namespace vell
 {
 namespace

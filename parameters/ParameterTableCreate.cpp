@@ -8,6 +8,8 @@
 #include <vell/HSMAlloc.h>
 #include <vell/Parameters.h>
 
+#include <durm/DURMBaseLib.h>
+
 #include <algorithm>
 #include <new>
 #include <string>

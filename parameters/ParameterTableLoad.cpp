@@ -9,6 +9,8 @@
 #include <vell/HSMAlloc.h>
 #include <vell/Parameters.h>
 
+#include <durm/DURMBaseLib.h>
+
 namespace vell
 {
 namespace

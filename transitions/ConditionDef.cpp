@@ -10,6 +10,8 @@
 #include "transitions/ConditionDefMessage.h"
 #include "transitions/ConditionFloatDef.h"
 
+#include <durm/DURMBaseLib.h>
+
 namespace vell
 {
 

@@ -6,6 +6,8 @@
 #include <vell/HSMAlloc.h>
 #include <vell/IHSM.h>
 
+#include <rapidjson/document.h>
+
 #include <map>
 #include <memory>
 #include <vector>

@@ -2,7 +2,7 @@
 // include/vell/Types.h: node kinds, class masks, action kinds, event kinds and the vocabulary.
 #pragma once
 
-#include <durm/DURMBaseLib.h>
+#include <durm/VocabularyTypes.h>
 
 namespace vell
 {

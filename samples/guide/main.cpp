@@ -2,6 +2,8 @@
 // samples/guide/main.cpp: the pieces of docs/host-guide.md as one program that runs.
 #include <vell/vell.h>
 
+#include <rapidjson/document.h>
+
 #include <cstdio>
 #include <cstring>
 

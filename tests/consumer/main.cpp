@@ -2,6 +2,8 @@
 // tests/consumer/main.cpp: a host of an installed VELL that uses all three libraries.
 #include <vell/vell.h>
 
+#include <durm/DURMBaseLib.h>
+
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 

@@ -5,6 +5,8 @@
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include <gtest/gtest.h>
 
 #include <map>

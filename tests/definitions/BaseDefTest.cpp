@@ -7,6 +7,8 @@
 
 #include <vell/AttribBase.h>
 
+#include <durm/DURMBaseLib.h>
+
 #include <gtest/gtest.h>
 
 #include <cstring>

@@ -6,6 +6,8 @@
 
 #include "tests/support/TreeLines.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include <rapidjson/document.h>
 
 #include <cstdlib>

@@ -8,6 +8,8 @@
 #include "tests/support/TempFile.h"
 #include "tests/support/TestMachine.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include <gtest/gtest.h>
 
 #include <string>

@@ -11,6 +11,8 @@
 #include <vell/Parameters.h>
 #include <vell/SMState.h>
 
+#include <durm/DURMBaseLib.h>
+
 #include <gtest/gtest.h>
 
 #include <string>

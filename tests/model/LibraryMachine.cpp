@@ -5,6 +5,8 @@
 
 #include <vell/vell.h>
 
+#include <durm/DURMBaseLib.h>
+
 #include <cctype>
 #include <cstring>
 #include <deque>

@@ -3,6 +3,8 @@
 
 #include "tests/model/ModelCase.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 

@@ -3,6 +3,8 @@
 
 #include "tests/model/NaiveMachine.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include <algorithm>
 #include <climits>
 #include <cmath>

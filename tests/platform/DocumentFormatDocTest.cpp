@@ -3,6 +3,8 @@
 #include "platform/durm/Vocabulary.h"
 #include "tests/support/SourceDir.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
 

@@ -7,6 +7,8 @@
 #include <vell/BaseDef.h>
 #include <vell/HSMAlloc.h>
 
+#include <rapidjson/document.h>
+
 #include <string>
 #include <vector>
 

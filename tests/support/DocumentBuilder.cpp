@@ -4,6 +4,8 @@
 
 #include "platform/durm/Vocabulary.h"
 
+#include <durm/DURMBaseLib.h>
+
 namespace vell::test
 {
 namespace

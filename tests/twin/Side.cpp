@@ -5,6 +5,8 @@
 #include "tests/support/TreeLines.h"
 #include "tests/twin/OperationKinds.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include <cstdio>
 #include <cstring>
 #include <stdexcept>

@@ -8,6 +8,8 @@
 #include "states/GlobalState.h"
 #include "tests/twin/Side.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include <set>
 
 namespace twin

@@ -13,6 +13,8 @@
 #include <vell/TransitionDef.h>
 #include <vell/UpdateResult.h>
 
+#include <durm/DURMBaseLib.h>
+
 #include <rapidjson/error/en.h>
 
 #include <algorithm>
