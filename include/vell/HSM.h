@@ -128,36 +128,76 @@ public:
     int InitCond(NodeDefTable* table);
 
 protected:
-    // Loading.
+    // Loading. `Create` and `Init` call these; a subclass may call them again.
+
+    /// Reads the memory figure of the head, 0x100000 when there is none. The arena has a hundred
+    /// times as many bytes. Returns 0 with a log line when `head` is not an object.
     int GetMemoryRequirements(const GenericValue& head);
+    /// Gives the machine type's name in the head, or null; null with a log line when `head` is not
+    /// an object. The text belongs to the document.
     const char* GetHSMType(const GenericValue& head);
+    /// Builds the parameters of the member of `root`. Returns 1, also when there is no such member
+    /// and no table is made, or 0 with log lines.
     int InitParameterTable(const GenericValue& root, HSMAlloc* arena);
+    /// Builds the definitions of an array of nodes. Returns 1, or 0 with log lines and no node
+    /// left.
     int InitNodeDefTable(const GenericValue& nodes, HSMAlloc* arena);
+    /// Uninitialises the parameters, or the definitions. Returns 1. The library does not call these
+    /// but after a failed load.
     int UninitParameterTable(HSMAlloc* arena);
     int UninitNodeDefTable(HSMAlloc* arena);
+    /// Builds the nodes of all layers of the machine's own document; `root` tells only which
+    /// members there are. Returns 1, or 0 with log lines.
     int ImportLayers(const GenericValue& root, HSMAlloc* arena);
+    /// Builds the nodes of one layer. Returns 1, or 0 with log lines.
     int ImportStates(const GenericValue& layer, HSMAlloc* arena);
 
     // The tick.
+
+    /// Tests the transitions of `state`, which it does not update. When one holds, `result` says
+    /// which and what to pop. Returns 3 when one did, 2 when none did, and 0 with a log line for a
+    /// null argument.
     int UpdateState(SMState* state, UpdateResult* result, float timeStep);
+    /// Pops the current stack down to `result->popLevel`, then activates and pushes the target and
+    /// tells the listeners. A target of 0 pops only. Returns 1, or 0 with a log line when the
+    /// record is null or the target cannot be activated; what was popped stays popped.
     int UpdateStateStack(UpdateResult* result);
+    /// Activates `id` and, as long as it is a level, appends its id to `ids` and goes on with its
+    /// parent. Nothing is entered or pushed. The library does not call it.
     void StartState(unsigned int id, std::vector<unsigned int>& ids);
 
     // Activation.
+
+    /// Gives the state of node `id`, which is made at the first call, and calls the state-switch
+    /// callback with `switchArgument`. Null with log lines.
     SMState* ActivateState(unsigned int id, float switchArgument);
+    /// Gives `state` the transitions that its definition lists, sorted. Returns 1.
     int ActivateTransitions(SMState* state);
+    /// Gives the state of node `id` if it was activated before, else null.
     SMState* FindState(unsigned int id);
 
-    // The tree.
+    // The tree. Each returns 1, or 0 where it is said.
+
+    /// Creates the whole tree, once. 0 with a log line when there is one or a step fails.
     int CreateKVTable();
+    /// Closes the root table, if there is one.
     int DestroyKVTable();
+    /// The steps of `CreateKVTable`: the file name, "contextInfo", and the attaching of the two
+    /// tables. All but the second return 0 without a root table.
     int InitKVTable_Self();
     int InitKVTable_ContextTable();
     int InitKVTable_ParameterTable();
     int InitKVTable_NodeDefTable();
+    /// Gives the array that mirrors the current stack, or a null handle; 0, and `out` as it was,
+    /// when the current stack is neither of the two.
     int GetCurrentStackTable(Tessel::KVTable* out);
+    /// Appends the id of `state` to that array. 0 when there is none.
     int UpdateKVTable_OnPushState(SMState* state);
+    /// Removes the last id from that array. 0 when there is none.
     int UpdateKVTable_OnPopState();
+    /// The steps of `SetContextInfo`: each stack, then the last change of states, which the
+    /// listeners hear of. An unknown id ends a stack with a log line, and 1 is returned all the
+    /// same.
     int SetContextInfo_StackStates(const Tessel::KVTable& table);
     int SetContextInfo_StackBlip(const Tessel::KVTable& table);
     int SetContextInfo_StateSwitching(const Tessel::KVTable& context);
