@@ -79,7 +79,7 @@ public:
     /// As `GetFloat3Value`, for four floats.
     int GetFloat4Value(Float4* out) const;
 
-    /// Stores a plain value. The entry must not hold a long text or a table.
+    /// Stores a plain value. A long text or a table that the entry held is the caller's to release.
     template <class Value>
     void Store(Kind kind, const Value& value)
     {
@@ -89,8 +89,8 @@ public:
     }
 
     /// Stores a text that may lie in this very entry. `buffer` has room for it when it is neither
-    /// short nor fits into the long text that the entry holds, and is taken over then. The entry
-    /// must not hold a table.
+    /// short nor fits into the long text that the entry holds, and is taken over then. A table that
+    /// the entry held is the caller's to release.
     void StoreText(const char* text, std::size_t length, std::unique_ptr<char[]>& buffer);
 
     /// Frees a long text, if there is one. The kind is none then.
@@ -98,6 +98,12 @@ public:
 
     /// Tells whether the entry holds a long text in whose place one of `length` fits.
     bool HasRoomForLongText(std::size_t length) const;
+
+    /// Gives the long text that is stored, or null.
+    char* GetLongText() const
+    {
+        return GetKind() == KindLongText ? Load<LongText>().text : nullptr;
+    }
 
     /// Gives the handle that is stored, live or stale; null when the entry holds no table.
     KVTable GetStoredTable() const

@@ -5,6 +5,8 @@
 #include "platform/tessel/TableStore.h"
 
 #include <algorithm>
+#include <cstring>
+#include <memory>
 #include <new>
 #include <unordered_set>
 #include <vector>
@@ -46,6 +48,66 @@ const Key* AcquireKey(const char* text)
 }
 
 } // namespace
+
+/// The key of a write as listeners get it. It lives as long as this object, whatever the write and
+/// its listeners close meanwhile: the caller's own text may be in a table that is closed.
+class Table::HeldKey
+{
+public:
+    /// Takes a key that is not null. May throw `std::bad_alloc`, so it comes before the write.
+    explicit HeldKey(const char* key)
+    {
+        if (const Key* shared = Key::Recall(key))
+        {
+            text = shared->GetKeyText();
+            return;
+        }
+        const std::size_t length = std::strlen(key);
+        char* copy = inside;
+        if (length >= sizeof(inside))
+        {
+            outside.reset(new char[length + 1]);
+            copy = outside.get();
+        }
+        std::memcpy(copy, key, length + 1);
+        text = KeyText(copy, length);
+    }
+
+    KeyText GetText() const
+    {
+        return text;
+    }
+
+private:
+    KeyText text{nullptr, 0};
+    char inside[Key::kSharedSize];
+    std::unique_ptr<char[]> outside; ///< of a key that does not fit inside
+};
+
+/// What an entry held before a write, released at the end of its scope.
+class Table::OldValue
+{
+public:
+    explicit OldValue(const Entry& entry) : text(entry.GetLongText()), child(entry.GetStoredTable())
+    {
+    }
+
+    ~OldValue()
+    {
+        delete[] text;
+        if (child)
+        {
+            TableStore::ReleaseChild(child);
+        }
+    }
+
+    OldValue(const OldValue&) = delete;
+    OldValue& operator=(const OldValue&) = delete;
+
+private:
+    char* text;
+    KVTable child;
+};
 
 KVValue* Table::GetValueAt(unsigned index)
 {
@@ -136,22 +198,15 @@ int Table::SetString(const char* key, const char* text, int)
     {
         return 0;
     }
-    Entry* entry = Find(key);
-    std::unique_ptr<char[]> buffer;
-    if (length > Entry::kMaxShortText && !(entry != nullptr && entry->HasRoomForLongText(length)))
+    if (!IsHeard())
     {
-        buffer.reset(new char[length + 1]);
+        PutText(key, text, length);
+        return 1;
     }
-    if (entry == nullptr)
-    {
-        entry = Add(key);
-    }
-    if (entry->GetKind() == Entry::KindTable)
-    {
-        ReleaseValue(*entry);
-    }
-    entry->StoreText(text, length, buffer);
-    return NotifyWritten(key);
+    const HeldKey held(key);
+    PutText(key, text, length);
+    extras->listeners.Call(*this, held.GetText());
+    return 1;
 }
 
 int Table::SetFloat(const char* key, float value, int)
@@ -420,54 +475,70 @@ Table::Extras& Table::NeedExtras()
 template <class Value>
 inline int Table::Write(const char* key, Entry::Kind kind, const Value& value)
 {
-    Entry* entry = Find(key);
-    if (entry == nullptr)
+    if (key == nullptr)
     {
-        if (key == nullptr)
-        {
-            return 0;
-        }
-        entry = Add(key);
+        return 0;
     }
-    ReleaseValue(*entry);
-    entry->Store(kind, value);
-    return NotifyWritten(key);
-}
-
-inline int Table::NotifyWritten(const char* key)
-{
-    if (extras != nullptr && extras->listeners.IsAnyone())
+    if (IsHeard())
     {
-        CallListeners(key);
+        return WriteHeard(key, kind, value);
     }
+    Put(key, kind, value);
     return 1;
 }
 
-void Table::CallListeners(const char* key)
+template <class Value>
+int Table::WriteHeard(const char* key, Entry::Kind kind, const Value& value)
 {
-    extras->listeners.Call(*this, KeyText(key));
+    const HeldKey held(key);
+    Put(key, kind, value);
+    extras->listeners.Call(*this, held.GetText());
+    return 1;
+}
+
+// In what follows the old value goes last: the key, the text and the value to write may be in it.
+
+template <class Value>
+inline void Table::Put(const char* key, Entry::Kind kind, const Value& value)
+{
+    Entry* entry = Find(key);
+    if (entry == nullptr)
+    {
+        entry = Add(key);
+    }
+    const OldValue old(*entry);
+    entry->Store(kind, value);
+}
+
+void Table::PutText(const char* key, const char* text, std::size_t length)
+{
+    Entry* entry = Find(key);
+    std::unique_ptr<char[]> buffer;
+    if (length > Entry::kMaxShortText && !(entry != nullptr && entry->HasRoomForLongText(length)))
+    {
+        buffer.reset(new char[length + 1]);
+    }
+    if (entry == nullptr)
+    {
+        entry = Add(key);
+    }
+    const KVTable oldChild = entry->GetStoredTable();
+    entry->StoreText(text, length, buffer);
+    TableStore::ReleaseChild(oldChild);
 }
 
 /// Puts `child` into `entry`. The new hold comes first: the old value may hold `child` too.
 void Table::StoreChild(Entry& entry, Table& child)
 {
     child.SetLink(child.GetLink() + kOneParent);
-    ReleaseValue(entry);
-    entry.Store(Entry::KindTable, child.GetHandle());
     SetLink(GetLink() | kMayHaveChildren);
+    const OldValue old(entry);
+    entry.Store(Entry::KindTable, child.GetHandle());
 }
 
-inline void Table::ReleaseValue(Entry& entry)
+inline bool Table::IsHeard() const
 {
-    const Entry::Kind kind = entry.GetKind();
-    if (kind == Entry::KindLongText)
-    {
-        entry.ReleaseText();
-    }
-    else if (kind == Entry::KindTable)
-    {
-        TableStore::ReleaseChild(entry.GetStoredTable());
-    }
+    return extras != nullptr && extras->listeners.IsAnyone();
 }
 
 /// Tells whether this table stands below `top`. A table without a parent stands below none, and

@@ -135,12 +135,19 @@ private:
     Entry* GetBlockEntry(std::uint32_t index);
     Extras& NeedExtras();
 
+    class HeldKey;
+    class OldValue;
+
     template <class Value>
     int Write(const char* key, Entry::Kind kind, const Value& value);
-    int NotifyWritten(const char* key);
-    void CallListeners(const char* key);
+    // In line, each write without listeners would pay for the room that the key is held in.
+    template <class Value>
+    TESSEL_NOINLINE int WriteHeard(const char* key, Entry::Kind kind, const Value& value);
+    template <class Value>
+    void Put(const char* key, Entry::Kind kind, const Value& value);
+    void PutText(const char* key, const char* text, std::size_t length);
     void StoreChild(Entry& entry, Table& child);
-    void ReleaseValue(Entry& entry);
+    bool IsHeard() const;
     bool IsBelow(Table& top);
 
     std::uint32_t GetLink() const
