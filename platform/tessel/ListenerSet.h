@@ -7,7 +7,6 @@
 #include <tessel/Tessel.h>
 
 #include <cstdint>
-#include <memory>
 
 namespace Tessel
 {
@@ -16,6 +15,10 @@ class Table;
 
 /// The listeners of a table: those of its keys, in the order in which they were taken, and the
 /// table's own. A record that is removed is used again for a later listener.
+///
+/// Adding and calling cost the same however many listeners there are. So does removing one that is
+/// there: behind a number of records, a key gets an index. Only one that is not there makes the set
+/// look at all records of the key, because hosts may refill a record without a word.
 class ListenerSet
 {
 public:
@@ -40,7 +43,7 @@ public:
     /// Tells whether there is anyone to call, of whatever key.
     bool IsAnyone() const
     {
-        return recordCount != 0 || tableListener.function != nullptr;
+        return groupCount != 0 || tableListener.function != nullptr;
     }
 
     /// Calls the listeners of `name` that were there when the call began, then the table's own.
@@ -48,37 +51,45 @@ public:
     void Call(Table& table, const KeyText& name);
 
 private:
+    class CallScope;
+    class RecordIndex;
+
     struct Record
     {
         KVListener listener; ///< first, so that its address is the record's
         Record* next;
-        const Key* key;       ///< null when the record is not in use
+        Record* previous;
         std::uint64_t serial; ///< grows from record to record
-        bool removed;         ///< waits for the end of the calls under way
     };
 
-    class CallScope;
-
-    Record** GetBucket(const KeyText& name)
+    /// The records of one key, in their order; never empty but while it is made.
+    struct Group
     {
-        return bucketCount == 1 ? buckets : &buckets[name.ComputeHash() & (bucketCount - 1)];
-    }
+        const Key* key; ///< null when the group is not in use
+        Record* first;
+        Record* last;
+        RecordIndex* index; ///< owned; null until needed
+        Group* next;        ///< in its bucket
+    };
 
+    Group** FindLink(const KeyText& name);
+    Group& AddGroup(const KeyText& name);
+    void DropGroup(Group** link);
     void GrowBuckets();
-    void Sweep();
-    void Drop(Record** link);
-    static void Append(Record** bucket, Record* record);
+    void Drop(Group& group, Record& record);
+    static Record* Find(Group& group, const KVListener& listener);
+    static Record* FindByIndex(Group& group, const KVListener& listener);
     static void Free(Record* first);
 
     KVListener tableListener{};
-    Record* single = nullptr;   ///< the bucket of a set that has one
-    Record** buckets = &single; ///< each a list in order; owned when not `single`
+    Group home{};               ///< the first group; most tables have no further one
+    Group* single = nullptr;    ///< the bucket of a set that has one
+    Group** buckets = &single;  ///< each a list of groups; owned when not `single`
     Record* spare = nullptr;    ///< records to be used again
+    CallScope* calls = nullptr; ///< those under way, the innermost first
     std::uint64_t nextSerial = 0;
     std::uint32_t bucketCount = 1; ///< a power of two
-    std::uint32_t recordCount = 0; ///< records in the buckets
-    std::uint32_t callDepth = 0;   ///< calls under way, one within the other
-    bool mustSweep = false;        ///< there are removed records in the buckets
+    std::uint32_t groupCount = 0;
 };
 
 } // namespace Tessel
