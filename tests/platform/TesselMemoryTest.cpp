@@ -4,11 +4,15 @@
 
 #include "platform/tessel/Key.h"
 #include "platform/tessel/Table.h"
+#include "platform/tessel/TableHandle.h"
 #include "tests/support/HeapWatch.h"
+#include "tests/support/TreeLines.h"
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <cstdint>
+#include <cstdio>
 #include <new>
 #include <string>
 #include <vector>
@@ -236,36 +240,443 @@ TEST(TableKeys, ThatAreWorthItAreTheSameForAllTables)
     EXPECT_EQ(Key::Acquire(KeyText("id")), name);
 }
 
-TEST(TableMemory, ThatIsRefusedLeavesTheParentAsItWas)
+/// What a listener does inside its call: install others and remove them again.
+struct ComingAndGoing
 {
-    const std::string name = "a key too long to be shared " + std::string(200, 'x');
-    const KVTable table = CreateTable("parent");
-    const unsigned openBefore = GetOpenTableCount();
-    std::size_t refused = 0;
-    KVTable child;
+    static int Call(void* object, opResult, KVTable table, const char* key)
+    {
+        ComingAndGoing& self = *static_cast<ComingAndGoing*>(object);
+        if (!self.isInside)
+        {
+            self.isInside = true;
+            self.act(self, table, key);
+            self.isInside = false;
+        }
+        return 0;
+    }
 
-    for (std::size_t after = 0; !child; ++after)
+    static int Leave(void* object, opResult, KVTable table, const char* key)
+    {
+        const KVListener own{object, &Leave};
+        table->RemoveValueListener(key, &own);
+        return 0;
+    }
+
+    KVListener GetListener()
+    {
+        return KVListener{this, &Call};
+    }
+
+    void (*act)(ComingAndGoing& self, KVTable table, const char* key);
+    bool isInside = false;
+    unsigned round = 0;
+};
+
+struct ComingAndGoingCase
+{
+    const char* name;
+    void (*act)(ComingAndGoing& self, KVTable table, const char* key);
+};
+
+const ComingAndGoingCase kComingAndGoing[] = {
+    {"reinstalls itself",
+     [](ComingAndGoing& self, KVTable table, const char* key)
+     {
+         const KVListener own = self.GetListener();
+         table->RemoveValueListener(key, &own);
+         *table->GetValueListener(key) = own;
+     }},
+    {"installs another, which is gone before it is called",
+     [](ComingAndGoing& self, KVTable table, const char* key)
+     {
+         const KVListener other{&self, &Ignore};
+         *table->GetValueListener(key) = other;
+         table->RemoveValueListener(key, &other);
+     }},
+    {"installs another, which leaves in the next call",
+     [](ComingAndGoing& self, KVTable table, const char* key)
+     {
+         *table->GetValueListener(key) = KVListener{&self, &ComingAndGoing::Leave};
+     }},
+    {"installs a hundred, which go from the last on",
+     [](ComingAndGoing& self, KVTable table, const char* key)
+     {
+         ComingAndGoing others[100] = {};
+         for (ComingAndGoing& other : others)
+         {
+             *table->GetValueListener(key) = KVListener{&other, &Ignore};
+         }
+         for (std::size_t i = 100; i-- > 0;)
+         {
+             const KVListener other{&others[i], &Ignore};
+             table->RemoveValueListener(key, &other);
+         }
+         ++self.round;
+     }},
+    {"installs one on a key that was never seen",
+     [](ComingAndGoing& self, KVTable table, const char*)
+     {
+         char name[20];
+         std::snprintf(name, sizeof(name), "%u", 1000000 + self.round++);
+         const KVListener other{&self, &Ignore};
+         *table->GetValueListener(name) = other;
+         table->RemoveValueListener(name, &other);
+     }},
+    {"writes, and another leaves inside the inner call",
+     [](ComingAndGoing& self, KVTable table, const char* key)
+     {
+         *table->GetValueListener(key) = KVListener{&self, &ComingAndGoing::Leave};
+         table->SetInt(key, 1, 1);
+     }},
+    {"gives the table a listener of its own and takes it away",
+     [](ComingAndGoing& self, KVTable table, const char*)
+     {
+         const KVListener before = *table->GetTableListener();
+         *table->GetTableListener() = KVListener{&self, &Ignore};
+         *table->GetTableListener() = before;
+     }},
+    {"puts a table with a listener in place of the last one",
+     [](ComingAndGoing& self, KVTable table, const char*)
+     {
+         const KVTable child = table->AddTable("child", 1);
+         *child->GetValueListener("value") = KVListener{&self, &Ignore};
+         *child->GetTableListener() = KVListener{&self, &Ignore};
+     }},
+    {"throws with one gone",
+     [](ComingAndGoing& self, KVTable table, const char* key)
+     {
+         *table->GetValueListener(key) = KVListener{&self, &ComingAndGoing::Leave};
+         const KVListener other{&self, &ComingAndGoing::Leave};
+         table->RemoveValueListener(key, &other);
+         self.isInside = false;
+         throw 1;
+     }},
+};
+
+/// Writes a value of another kind each time.
+void WriteEachKind(KVTable table, unsigned round)
+{
+    const Float2 two{1, 2};
+    const Float3 three{1, 2, 3};
+    const Float4 four{1, 2, 3, 4};
+    switch (round % 8)
+    {
+    case 0:
+        table->SetInt("value", 1, 1);
+        break;
+    case 1:
+        table->SetUInt("value", 1, 1);
+        break;
+    case 2:
+        table->SetFloat("value", 1, 1);
+        break;
+    case 3:
+        table->SetFloat2("value", &two, 1);
+        break;
+    case 4:
+        table->SetFloat3("value", &three, 1);
+        break;
+    case 5:
+        table->SetFloat4("value", &four, 1);
+        break;
+    case 6:
+        table->SetString("value", "short", 1);
+        break;
+    default:
+        table->SetString("value", "a text that does not fit into its entry", 1);
+        break;
+    }
+}
+
+TEST(TableMemory, IsFlatWhileListenersComeAndGoInsideCalls)
+{
+    for (const ComingAndGoingCase& each : kComingAndGoing)
+    {
+        for (const bool isOfTable : {false, true})
+        {
+            SCOPED_TRACE(std::string(isOfTable ? "the table's: " : "a key's: ") + each.name);
+            const KVTable table = CreateTable("churn");
+            ComingAndGoing listener{each.act};
+            *(isOfTable ? table->GetTableListener() : table->GetValueListener("value")) =
+                listener.GetListener();
+            const auto write = [&](unsigned count)
+            {
+                for (unsigned i = 0; i < count; ++i)
+                {
+                    try
+                    {
+                        WriteEachKind(table, i);
+                    }
+                    catch (int)
+                    {
+                    }
+                }
+            };
+            write(80);
+
+            std::ptrdiff_t kept = 0;
+            std::size_t most = 0;
+            {
+                const vell::test::HeapWatch heap;
+                write(1000);
+                kept = heap.BlocksKept();
+                most = heap.MostBytes();
+            }
+
+            EXPECT_EQ(kept, 0);
+            EXPECT_LT(most, 32768u) << "the largest of them is the index of a hundred";
+            CloseTable(table);
+        }
+    }
+}
+
+const std::string kLongKey = "a key too long to be shared " + std::string(200, 'x');
+
+struct RefusedCase
+{
+    const char* name;
+    void (*make)(KVTable table, KVTable other);
+    std::size_t leastRefused;
+};
+
+const RefusedCase kRefused[] = {
+    {"CreateTable",
+     [](KVTable, KVTable)
+     {
+         CloseTable(CreateTable(kLongKey.c_str()));
+     },
+     1},
+    {"AddTable",
+     [](KVTable t, KVTable)
+     {
+         t->AddTable(kLongKey.c_str(), 1);
+     },
+     3},
+    {"AddTable, key there",
+     [](KVTable t, KVTable)
+     {
+         t->AddTable(t->GetKeyAt(0), 1);
+     },
+     1},
+    {"AttachTable",
+     [](KVTable t, KVTable o)
+     {
+         t->AttachTable(kLongKey.c_str(), o, 1);
+     },
+     2},
+    {"SetInt",
+     [](KVTable t, KVTable)
+     {
+         t->SetInt(kLongKey.c_str(), 1, 1);
+     },
+     2},
+    {"SetUInt",
+     [](KVTable t, KVTable)
+     {
+         t->SetUInt(kLongKey.c_str(), 1, 1);
+     },
+     2},
+    {"SetFloat",
+     [](KVTable t, KVTable)
+     {
+         t->SetFloat(kLongKey.c_str(), 1, 1);
+     },
+     2},
+    {"SetFloat2",
+     [](KVTable t, KVTable)
+     {
+         const Float2 two{1, 2};
+         t->SetFloat2(kLongKey.c_str(), &two, 1);
+     },
+     2},
+    {"SetFloat3",
+     [](KVTable t, KVTable)
+     {
+         const Float3 three{1, 2, 3};
+         t->SetFloat3(kLongKey.c_str(), &three, 1);
+     },
+     2},
+    {"SetFloat4",
+     [](KVTable t, KVTable)
+     {
+         const Float4 four{1, 2, 3, 4};
+         t->SetFloat4(kLongKey.c_str(), &four, 1);
+     },
+     2},
+    {"SetString",
+     [](KVTable t, KVTable)
+     {
+         t->SetString(kLongKey.c_str(), "short", 1);
+     },
+     2},
+    {"SetString, a long text",
+     [](KVTable t, KVTable)
+     {
+         t->SetString(kLongKey.c_str(), kLongKey.c_str(), 1);
+     },
+     3},
+    {"SetString over a table",
+     [](KVTable t, KVTable)
+     {
+         t->SetString("child", kLongKey.c_str(), 1);
+     },
+     1},
+    {"SetString over a text",
+     [](KVTable t, KVTable)
+     {
+         t->SetString("text", kLongKey.c_str(), 1);
+     },
+     1},
+    {"PushUInt",
+     [](KVTable t, KVTable)
+     {
+         t->PushUInt(5, 1);
+     },
+     2},
+    {"GetValueListener",
+     [](KVTable t, KVTable)
+     {
+         t->GetValueListener(kLongKey.c_str());
+     },
+     2},
+    {"GetTableListener",
+     [](KVTable, KVTable o)
+     {
+         o->GetTableListener();
+     },
+     1},
+};
+
+/// Counts its calls.
+int CountCall(void* object, opResult, KVTable, const char*)
+{
+    ++*static_cast<int*>(object);
+    return 0;
+}
+
+/// Gives the slot that the next table gets.
+std::uint32_t GetNextSlot()
+{
+    const KVTable next = CreateTable("a");
+    const std::uint32_t slot = TableHandle::GetSlot(next);
+    CloseTable(next);
+    return slot;
+}
+
+/// Runs `each` on a new table with its block of memory after the next `after` refused. False when
+/// it came through.
+bool IsRefused(const RefusedCase& each, std::size_t after, bool isHeard)
+{
+    const KVTable table = CreateTable("parent");
+    const KVTable other = CreateTable("other");
+    int calls = 0;
+    table->SetString(kLongKey.substr(1).c_str(), "short", 1);
+    table->AddTable("child", 1)->SetInt("id", 1, 1);
+    table->SetString("text", "a text that does not fit", 1);
+    for (unsigned i = 1; i <= 4; ++i)
+    {
+        table->PushUInt(i, 1);
+    }
+    if (isHeard)
+    {
+        *table->GetTableListener() = KVListener{&calls, &CountCall};
+    }
+    const vell::test::Lines before = vell::test::TreeLines(table);
+    const std::uint32_t slot = GetNextSlot();
+    const unsigned open = GetOpenTableCount();
+    bool isRefused = false;
     {
         vell::test::HeapWatch heap;
         heap.RefuseAfter(after);
         try
         {
-            child = table->AddTable(name.c_str(), 1);
-            break;
+            each.make(table, other);
         }
         catch (const std::bad_alloc&)
         {
-            ++refused;
+            isRefused = true;
         }
-        heap.RefuseNothing();
-        ASSERT_EQ(GetOpenTableCount(), openBefore);
-        ASSERT_EQ(table->GetKeyCount(), 0u);
-        ASSERT_LT(after, 20u);
+    }
+    if (isRefused)
+    {
+        EXPECT_EQ(vell::test::TreeLines(table), before);
+        EXPECT_EQ(GetNextSlot(), slot);
+        EXPECT_EQ(GetOpenTableCount(), open);
+        EXPECT_EQ(calls, 0);
+        each.make(table, other);
+    }
+    CloseTable(table);
+    EXPECT_EQ(other->SetInt("id", 1, 1), 1);
+    CloseTable(other);
+    return isRefused;
+}
+
+TEST(TableMemory, ThatIsRefusedLeavesTheTableAsItWasAndItsSlotInUse)
+{
+    for (const RefusedCase& each : kRefused)
+    {
+        for (const bool isHeard : {false, true})
+        {
+            std::size_t refused = 0;
+            for (std::size_t after = 0; after < 20; ++after)
+            {
+                SCOPED_TRACE(std::string(each.name) + ", block " + std::to_string(after));
+                refused += IsRefused(each, after, isHeard) ? 1 : 0;
+            }
+            EXPECT_GE(refused, each.leastRefused) << each.name;
+            EXPECT_LT(refused, 20u) << each.name;
+        }
+    }
+}
+
+TEST(TableMemory, ThatIsRefusedForTheKeyThatListenersGetLeavesTheValue)
+{
+    const KVTable table = CreateTable("heard");
+    int calls = 0;
+    table->SetInt(kLongKey.c_str(), 7, 1);
+    *table->GetValueListener(kLongKey.c_str()) = KVListener{&calls, &CountCall};
+    std::size_t refused = 0;
+    {
+        vell::test::HeapWatch heap;
+        heap.RefuseAfter(0);
+        EXPECT_THROW(table->SetInt(kLongKey.c_str(), 8, 1), std::bad_alloc);
+        refused = heap.Refused();
     }
 
-    EXPECT_GE(refused, 2u) << "the key of the child, and its place in the parent";
-    EXPECT_STREQ(GetTableName(child), name.c_str());
+    EXPECT_EQ(refused, 1u);
+    EXPECT_EQ(table->GetInt(kLongKey.c_str()), 7);
+    EXPECT_EQ(calls, 0);
     CloseTable(table);
+}
+
+TEST(TableMemory, ThatIsRefusedForAnIndexOfListenersLetsThemBeRemoved)
+{
+    for (std::size_t after = 0; after < 110; ++after)
+    {
+        const KVTable table = CreateTable("heard");
+        int calls[100] = {};
+        for (int& call : calls)
+        {
+            *table->GetValueListener("value") = KVListener{&call, &CountCall};
+        }
+        {
+            vell::test::HeapWatch heap;
+            heap.RefuseAfter(after);
+            for (const std::size_t i : {99, 50, 98})
+            {
+                const KVListener listener{&calls[i], &CountCall};
+                table->RemoveValueListener("value", &listener);
+            }
+        }
+
+        table->SetInt("value", 1, 1);
+
+        for (std::size_t i = 0; i < 100; ++i)
+        {
+            ASSERT_EQ(calls[i], i == 50 || i >= 98 ? 0 : 1) << i;
+        }
+        CloseTable(table);
+    }
 }
 
 } // namespace
