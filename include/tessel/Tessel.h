@@ -185,6 +185,9 @@ protected:
 /// were taken, then the table's own, each with `opResult_ValueChanged`, the table and the key.
 /// `AddTable`, `AttachTable`, `PushUInt` and `RemoveAt` call no listener. `flag` has no effect.
 ///
+/// The key and the text of a write may be in any table, also in one that the write closes. The key
+/// that a listener is given is valid until it returns.
+///
 /// A listener may write (also its own key), remove itself and others, take new records (they are
 /// called from the next write on), and close the table: no further listener is called then.
 ///
@@ -274,7 +277,8 @@ public:
     virtual KVListener* GetValueListener(const char* key) = 0;
 
     /// Removes the first record of `key` that has the object and the function of `listener`. Does
-    /// nothing when there is none, or when the function is null.
+    /// nothing when there is none, or when the function is null. Removing takes no longer when the
+    /// key has many records; looking for one that is not there does.
     virtual void RemoveValueListener(const char* key, const KVListener* listener) = 0;
 
     /// Gives 0: a table belongs to one thread at a time.

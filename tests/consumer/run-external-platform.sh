@@ -19,6 +19,16 @@ if find "$3/build" "$3/tree" -name 'libDURMBaseX64*' -o -name 'libTesselX64*' | 
     echo "ours were built although the site has its own" >&2
     exit 1
 fi
+
+# What the page says that a replacement must export is what the library asks for.
+library=$(find "$3/tree" -name libVELLLibX64.so)
+needed=$(nm -DC --undefined-only "${library}" | sed -nE 's/.* (Tessel::\w+)\(.*/\1/p' | LC_ALL=C sort)
+stated=$(sed -n 's/^| `TesselX64` |//p' "$(dirname "$0")/../../docs/platform-libraries.md" |
+    grep -o 'Tessel::[A-Za-z]*' | LC_ALL=C sort)
+if [[ -z "${needed}" ]] || ! diff <(echo "${stated}") <(echo "${needed}"); then
+    echo "docs/platform-libraries.md and what the library needs of TesselX64 differ" >&2
+    exit 1
+fi
 "$(dirname "$0")/run-find-package.sh" "$1" "$3/tree" "$3/consumer"
 for name in DURMBaseX64 TesselX64; do
     if ! ldd "$3/consumer/consumer" | grep -F "lib${name}.so" | grep -F "${site}"; then
