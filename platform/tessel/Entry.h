@@ -99,6 +99,12 @@ public:
     /// Tells whether the entry holds a long text in whose place one of `length` fits.
     bool HasRoomForLongText(std::size_t length) const;
 
+    /// Tells whether there is a long text or a table, which has to be released.
+    bool IsOwner() const
+    {
+        return ((1u << KindLongText | 1u << KindTable) >> GetKind() & 1) != 0;
+    }
+
     /// Gives the long text that is stored, or null.
     char* GetLongText() const
     {

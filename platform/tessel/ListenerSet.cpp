@@ -247,7 +247,7 @@ void ListenerSet::Call(Table& table, const KeyText& name)
 ListenerSet::Group** ListenerSet::FindLink(const KeyText& name)
 {
     Group** link = bucketCount == 1 ? buckets : &buckets[name.ComputeHash() & (bucketCount - 1)];
-    while (*link != nullptr && !(*link)->key->Is(name))
+    while (*link != nullptr && (*link)->key->GetText() != name.text && !(*link)->key->Is(name))
     {
         link = &(*link)->next;
     }

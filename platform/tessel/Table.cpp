@@ -49,39 +49,33 @@ const Key* AcquireKey(const char* text)
 
 } // namespace
 
-/// The key of a write as listeners get it. It lives as long as this object, whatever the write and
-/// its listeners close meanwhile: the caller's own text may be in a table that is closed.
+/// A key that is not shared, as the listeners of a write get it. It lives as long as this object,
+/// whatever the write and its listeners close meanwhile: the caller's own text may be in a table
+/// that is closed.
 class Table::HeldKey
 {
 public:
-    /// Takes a key that is not null. May throw `std::bad_alloc`, so it comes before the write.
-    explicit HeldKey(const char* key)
+    /// May throw `std::bad_alloc`, so it comes before the write.
+    explicit HeldKey(KeyText key) : copy(inside), length(key.length)
     {
-        if (const Key* shared = Key::Recall(key))
-        {
-            text = shared->GetKeyText();
-            return;
-        }
-        const std::size_t length = std::strlen(key);
-        char* copy = inside;
         if (length >= sizeof(inside))
         {
             outside.reset(new char[length + 1]);
             copy = outside.get();
         }
-        std::memcpy(copy, key, length + 1);
-        text = KeyText(copy, length);
+        std::memcpy(copy, key.text, length + 1);
     }
 
     KeyText GetText() const
     {
-        return text;
+        return KeyText(copy, length);
     }
 
 private:
-    KeyText text{nullptr, 0};
     char inside[Key::kSharedSize];
     std::unique_ptr<char[]> outside; ///< of a key that does not fit inside
+    char* copy;
+    std::size_t length;
 };
 
 /// What an entry held before a write, released at the end of its scope.
@@ -198,14 +192,15 @@ int Table::SetString(const char* key, const char* text, int)
     {
         return 0;
     }
-    if (!IsHeard())
+    if (IsHeard())
     {
-        PutText(key, text, length);
-        return 1;
+        return WriteHeard(key,
+                          [&](Entry* found)
+                          {
+                              PutText(found, key, text, length);
+                          });
     }
-    const HeldKey held(key);
-    PutText(key, text, length);
-    extras->listeners.Call(*this, held.GetText());
+    PutText(Find(key), key, text, length);
     return 1;
 }
 
@@ -473,25 +468,37 @@ Table::Extras& Table::NeedExtras()
 }
 
 template <class Value>
-inline int Table::Write(const char* key, Entry::Kind kind, const Value& value)
+inline int Table::Write(const char* key, Entry::Kind kind, Value value)
+{
+    return IsHeard() ? WriteValueHeard(key, kind, value) : Put(Find(key), key, kind, value);
+}
+
+template <class Value>
+int Table::WriteValueHeard(const char* key, Entry::Kind kind, Value value)
 {
     if (key == nullptr)
     {
         return 0;
     }
-    if (IsHeard())
-    {
-        return WriteHeard(key, kind, value);
-    }
-    Put(key, kind, value);
-    return 1;
+    return WriteHeard(key,
+                      [&](Entry* found)
+                      {
+                          Put(found, key, kind, value);
+                      });
 }
 
-template <class Value>
-int Table::WriteHeard(const char* key, Entry::Kind kind, const Value& value)
+/// Writes and calls the listeners. `putAt` is given what `Find` gives.
+template <class PutAt>
+inline int Table::WriteHeard(const char* key, const PutAt& putAt)
 {
-    const HeldKey held(key);
-    Put(key, kind, value);
+    if (const Key* shared = Key::Recall(key))
+    {
+        putAt(FindShared(*shared));
+        extras->listeners.Call(*this, shared->GetKeyText());
+        return 1;
+    }
+    const HeldKey held{KeyText(key)};
+    putAt(FindText(key));
     extras->listeners.Call(*this, held.GetText());
     return 1;
 }
@@ -499,29 +506,43 @@ int Table::WriteHeard(const char* key, Entry::Kind kind, const Value& value)
 // In what follows the old value goes last: the key, the text and the value to write may be in it.
 
 template <class Value>
-inline void Table::Put(const char* key, Entry::Kind kind, const Value& value)
+inline int Table::Put(Entry* found, const char* key, Entry::Kind kind, Value value)
 {
-    Entry* entry = Find(key);
+    Entry* entry = found;
     if (entry == nullptr)
     {
+        if (key == nullptr)
+        {
+            return 0;
+        }
         entry = Add(key);
     }
-    const OldValue old(*entry);
-    entry->Store(kind, value);
+    if (entry->IsOwner())
+    {
+        PutOver(*entry, kind, value);
+    }
+    else
+    {
+        entry->Store(kind, value);
+    }
+    return 1;
 }
 
-void Table::PutText(const char* key, const char* text, std::size_t length)
+template <class Value>
+void Table::PutOver(Entry& entry, Entry::Kind kind, Value value)
 {
-    Entry* entry = Find(key);
+    const OldValue old(entry);
+    entry.Store(kind, value);
+}
+
+void Table::PutText(Entry* found, const char* key, const char* text, std::size_t length)
+{
     std::unique_ptr<char[]> buffer;
-    if (length > Entry::kMaxShortText && !(entry != nullptr && entry->HasRoomForLongText(length)))
+    if (length > Entry::kMaxShortText && !(found != nullptr && found->HasRoomForLongText(length)))
     {
         buffer.reset(new char[length + 1]);
     }
-    if (entry == nullptr)
-    {
-        entry = Add(key);
-    }
+    Entry* entry = found != nullptr ? found : Add(key);
     const KVTable oldChild = entry->GetStoredTable();
     entry->StoreText(text, length, buffer);
     TableStore::ReleaseChild(oldChild);

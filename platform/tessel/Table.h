@@ -139,13 +139,18 @@ private:
     class OldValue;
 
     template <class Value>
-    int Write(const char* key, Entry::Kind kind, const Value& value);
+    int Write(const char* key, Entry::Kind kind, Value value);
     // In line, each write without listeners would pay for the room that the key is held in.
     template <class Value>
-    TESSEL_NOINLINE int WriteHeard(const char* key, Entry::Kind kind, const Value& value);
+    TESSEL_NOINLINE int WriteValueHeard(const char* key, Entry::Kind kind, Value value);
+    template <class PutAt>
+    int WriteHeard(const char* key, const PutAt& putAt);
     template <class Value>
-    void Put(const char* key, Entry::Kind kind, const Value& value);
-    void PutText(const char* key, const char* text, std::size_t length);
+    int Put(Entry* found, const char* key, Entry::Kind kind, Value value);
+    // Apart, so that a write over a plain value pays a test for it.
+    template <class Value>
+    TESSEL_NOINLINE void PutOver(Entry& entry, Entry::Kind kind, Value value);
+    void PutText(Entry* found, const char* key, const char* text, std::size_t length);
     void StoreChild(Entry& entry, Table& child);
     bool IsHeard() const;
     bool IsBelow(Table& top);
