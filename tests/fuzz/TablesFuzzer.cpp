@@ -20,11 +20,31 @@ namespace
 
 using namespace Tessel;
 
-const std::array<const char*, 8> kKeys = {
-    "a", "b", "value", "", "7", "1234567", "a key that is too long for any small buffer", "x y"};
+const std::array<const char*, 9> kKeys = {
+    "a",
+    "b",
+    "value",
+    "",
+    "7",
+    "1234567",
+    "a key that is too long for any small buffer",
+    "x y",
+    "a key that is too long for the row of those that all tables share, so that one table owns it"};
 constexpr unsigned int kMostTables = 60;
 constexpr int kDeepest = 3;
 constexpr int kNoTable = -1;
+
+/// A key or a text to write: at its address, which may be in a table that the write closes, and as
+/// a copy.
+struct Words
+{
+    explicit Words(const char* words) : address(words), copy(words)
+    {
+    }
+
+    const char* address;
+    std::string copy;
+};
 
 /// What a key holds, as plain as can be.
 struct ModelValue
@@ -47,6 +67,7 @@ struct ModelListener
 {
     std::string key;
     int id;
+    KVListener* record;
 };
 
 struct ModelTable
@@ -88,6 +109,12 @@ private:
     {
         return static_cast<int>(bytes.Byte() % tables.size());
     }
+    const char* PickKey()
+    {
+        return kKeys[bytes.Below(static_cast<unsigned int>(kKeys.size()))];
+    }
+    const char* Borrow(int table);
+    Words PickWords();
     ModelValue* Find(int table, const std::string& key);
     void Close(int table);
     void Release(int table);
@@ -97,14 +124,14 @@ private:
     void EndWrite();
     void Step();
     void MakeTable();
-    void SetNumber(int table, const std::string& key);
-    void SetFloats(int table, const std::string& key);
-    void SetText(int table, const std::string& key);
-    void AddTable(int table, const std::string& key);
-    void Attach(int table, const std::string& key);
+    void SetNumber(int table, const Words& key);
+    void SetFloats(int table, const Words& key);
+    void SetText(int table, const Words& key);
+    void AddTable(int table, const Words& key);
+    void Attach(int table, const Words& key);
     void ChangeArray(int table);
-    void Listen(int table, const std::string& key);
-    void Unlisten(int table, const std::string& key);
+    void Listen(int table, const Words& key);
+    void Unlisten(int table, const Words& key);
     void CompareAll();
     void CompareTable(const ModelTable& model) const;
     void CompareValue(const ModelTable& model, const ModelKey& key) const;
@@ -127,6 +154,32 @@ int Hear(void* object, opResult result, KVTable table, const char* key)
 KVListener Record(int id)
 {
     return KVListener{reinterpret_cast<void*>(static_cast<std::uintptr_t>(id)), &Hear};
+}
+
+/// Gives a text that is in the table's own memory, or null.
+const char* Pair::Borrow(int table)
+{
+    const KVTable handle = tables[static_cast<std::size_t>(table)].handle;
+    switch (bytes.Below(4))
+    {
+    case 0:
+        return handle->GetKeyAt(bytes.Below(16));
+    case 1:
+        return GetTableName(handle);
+    default:
+        return handle->GetString(PickKey());
+    }
+}
+
+Words Pair::PickWords()
+{
+    const char* key = PickKey();
+    if (tables.empty() || bytes.Below(3) == 0)
+    {
+        return Words(key);
+    }
+    const char* borrowed = Borrow(PickTable());
+    return Words(borrowed == nullptr ? key : borrowed);
 }
 
 ModelValue* Pair::Find(int table, const std::string& key)
@@ -236,7 +289,9 @@ void Pair::Heard(int id, KVTable table, const char* key)
     Require(expected == id, "listeners are called in their order");
     if (depth <= kDeepest && !bytes.Empty())
     {
+        const std::string before = key;
         Step();
+        Require(before == key, "the key of a write lives until the listener has returned");
     }
 }
 
@@ -265,16 +320,16 @@ void Pair::MakeTable()
     {
         return;
     }
-    const std::string name = kKeys[bytes.Below(8)];
+    const Words name = PickWords();
     ModelTable model;
-    model.handle = CreateTable(name.c_str());
+    model.handle = CreateTable(name.address);
     Require(static_cast<bool>(model.handle), "a table is made");
-    model.name = name;
+    model.name = name.copy;
     model.holds = 1;
     tables.push_back(model);
 }
 
-void Pair::SetNumber(int table, const std::string& key)
+void Pair::SetNumber(int table, const Words& key)
 {
     const KVTable handle = tables[static_cast<std::size_t>(table)].handle;
     const bool open = tables[static_cast<std::size_t>(table)].open;
@@ -283,12 +338,12 @@ void Pair::SetNumber(int table, const std::string& key)
     value.type = bytes.Below(2) == 0 ? ValueType_Int : ValueType_UInt;
     if (open)
     {
-        Put(table, key, value);
-        BeginWrite(table, key);
+        Put(table, key.copy, value);
+        BeginWrite(table, key.copy);
     }
     const int done = value.type == ValueType_Int
-                         ? handle->SetInt(key.c_str(), static_cast<int>(value.word), 1)
-                         : handle->SetUInt(key.c_str(), value.word, 0);
+                         ? handle->SetInt(key.address, static_cast<int>(value.word), 1)
+                         : handle->SetUInt(key.address, value.word, 0);
     Require((done != 0) == open, "a number is written to an open table");
     if (open)
     {
@@ -296,7 +351,7 @@ void Pair::SetNumber(int table, const std::string& key)
     }
 }
 
-void Pair::SetFloats(int table, const std::string& key)
+void Pair::SetFloats(int table, const Words& key)
 {
     const KVTable handle = tables[static_cast<std::size_t>(table)].handle;
     const bool open = tables[static_cast<std::size_t>(table)].open;
@@ -311,16 +366,16 @@ void Pair::SetFloats(int table, const std::string& key)
     }
     if (open)
     {
-        Put(table, key, value);
-        BeginWrite(table, key);
+        Put(table, key.copy, value);
+        BeginWrite(table, key.copy);
     }
     const Float2 two{value.floats[0], value.floats[1]};
     const Float3 three{value.floats[0], value.floats[1], value.floats[2]};
     const Float4 four{value.floats[0], value.floats[1], value.floats[2], value.floats[3]};
-    const int done = count == 1   ? handle->SetFloat(key.c_str(), value.floats[0], 1)
-                     : count == 2 ? handle->SetFloat2(key.c_str(), &two, 1)
-                     : count == 3 ? handle->SetFloat3(key.c_str(), &three, 1)
-                                  : handle->SetFloat4(key.c_str(), &four, 1);
+    const int done = count == 1   ? handle->SetFloat(key.address, value.floats[0], 1)
+                     : count == 2 ? handle->SetFloat2(key.address, &two, 1)
+                     : count == 3 ? handle->SetFloat3(key.address, &three, 1)
+                                  : handle->SetFloat4(key.address, &four, 1);
     Require((done != 0) == open, "floats are written to an open table");
     if (open)
     {
@@ -328,23 +383,21 @@ void Pair::SetFloats(int table, const std::string& key)
     }
 }
 
-void Pair::SetText(int table, const std::string& key)
+void Pair::SetText(int table, const Words& key)
 {
     const KVTable handle = tables[static_cast<std::size_t>(table)].handle;
     const bool open = tables[static_cast<std::size_t>(table)].open;
-    const std::string key2 = kKeys[bytes.Below(8)];
-    const char* own = handle->GetString(key2.c_str());
-    const bool useOwn = own != nullptr && bytes.Below(2) == 0;
+    const std::string fresh = bytes.Text(80);
+    const Words text = bytes.Below(2) == 0 ? PickWords() : Words(fresh.c_str());
     ModelValue value;
     value.type = ValueType_Text;
-    value.text = useOwn ? own : std::string(bytes.Text(40).c_str());
+    value.text = text.copy;
     if (open)
     {
-        Put(table, key, value);
-        BeginWrite(table, key);
+        Put(table, key.copy, value);
+        BeginWrite(table, key.copy);
     }
-    // A text of the table's own may stand where the new one goes.
-    const int done = handle->SetString(key.c_str(), useOwn ? own : value.text.c_str(), 1);
+    const int done = handle->SetString(key.address, text.address, 1);
     Require((done != 0) == open, "a text is written to an open table");
     if (open)
     {
@@ -352,7 +405,7 @@ void Pair::SetText(int table, const std::string& key)
     }
 }
 
-void Pair::AddTable(int table, const std::string& key)
+void Pair::AddTable(int table, const Words& key)
 {
     if (tables.size() >= kMostTables)
     {
@@ -360,7 +413,7 @@ void Pair::AddTable(int table, const std::string& key)
     }
     const KVTable handle = tables[static_cast<std::size_t>(table)].handle;
     const bool open = tables[static_cast<std::size_t>(table)].open;
-    const KVTable added = handle->AddTable(key.c_str(), 1);
+    const KVTable added = handle->AddTable(key.address, 1);
     Require(static_cast<bool>(added) == open, "a table is added to an open one");
     if (!open)
     {
@@ -368,23 +421,23 @@ void Pair::AddTable(int table, const std::string& key)
     }
     ModelTable model;
     model.handle = added;
-    model.name = key;
+    model.name = key.copy;
     model.holds = 1;
     tables.push_back(model);
     ModelValue value;
     value.type = ValueType_Table;
     value.table = static_cast<int>(tables.size()) - 1;
-    Put(table, key, value);
+    Put(table, key.copy, value);
 }
 
-void Pair::Attach(int table, const std::string& key)
+void Pair::Attach(int table, const Words& key)
 {
     const int child = PickTable();
     const KVTable handle = tables[static_cast<std::size_t>(table)].handle;
     const bool good = tables[static_cast<std::size_t>(table)].open &&
                       tables[static_cast<std::size_t>(child)].open && !Reaches(child, table);
     const int done =
-        handle->AttachTable(key.c_str(), tables[static_cast<std::size_t>(child)].handle, 0);
+        handle->AttachTable(key.address, tables[static_cast<std::size_t>(child)].handle, 0);
     Require((done != 0) == good, "an open table is attached where it makes no circle");
     if (good)
     {
@@ -392,7 +445,7 @@ void Pair::Attach(int table, const std::string& key)
         ModelValue value;
         value.type = ValueType_Table;
         value.table = child;
-        Put(table, key, value);
+        Put(table, key.copy, value);
     }
 }
 
@@ -418,7 +471,7 @@ void Pair::ChangeArray(int table)
     }
 }
 
-void Pair::Listen(int table, const std::string& key)
+void Pair::Listen(int table, const Words& key)
 {
     ModelTable& model = tables[static_cast<std::size_t>(table)];
     const bool own = bytes.Below(4) == 0;
@@ -428,7 +481,7 @@ void Pair::Listen(int table, const std::string& key)
     }
     const int id = nextListener++;
     KVListener* record =
-        own ? model.handle->GetTableListener() : model.handle->GetValueListener(key.c_str());
+        own ? model.handle->GetTableListener() : model.handle->GetValueListener(key.address);
     Require(record != nullptr, "an open table gives a record");
     *record = Record(id);
     if (own)
@@ -437,11 +490,11 @@ void Pair::Listen(int table, const std::string& key)
     }
     else
     {
-        model.listeners.push_back(ModelListener{key, id});
+        model.listeners.push_back(ModelListener{key.copy, id, record});
     }
 }
 
-void Pair::Unlisten(int table, const std::string& key)
+void Pair::Unlisten(int table, const Words& key)
 {
     ModelTable& model = tables[static_cast<std::size_t>(table)];
     if (model.own != 0 && bytes.Below(4) == 0)
@@ -451,14 +504,17 @@ void Pair::Unlisten(int table, const std::string& key)
         return;
     }
     const int id = nextListener <= 1 ? 1 : 1 + static_cast<int>(bytes.Byte()) % nextListener;
-    const KVListener record = Record(id);
-    model.handle->RemoveValueListener(key.c_str(), &record);
     const auto found = std::find_if(model.listeners.begin(), model.listeners.end(),
                                     [&](const ModelListener& listener)
                                     {
-                                        return listener.id == id && listener.key == key;
+                                        return listener.id == id;
                                     });
-    if (found != model.listeners.end())
+    const bool known = found != model.listeners.end();
+    // It may be told by its own record too, which goes.
+    const KVListener copy = Record(id);
+    model.handle->RemoveValueListener(key.address,
+                                      known && bytes.Below(2) == 0 ? found->record : &copy);
+    if (known && found->key == key.copy)
     {
         model.listeners.erase(found);
     }
@@ -473,7 +529,7 @@ void Pair::Step()
     }
     const unsigned int choice = bytes.Below(12);
     const int table = PickTable();
-    const std::string key = kKeys[bytes.Below(8)];
+    const Words key = PickWords();
     switch (choice)
     {
     case 0:
