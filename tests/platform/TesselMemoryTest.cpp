@@ -662,7 +662,7 @@ TEST(TableMemory, ThatIsRefusedForAnIndexOfListenersLetsThemBeRemoved)
         {
             vell::test::HeapWatch heap;
             heap.RefuseAfter(after);
-            for (const std::size_t i : {99, 50, 98})
+            for (const unsigned i : {99u, 50u, 98u})
             {
                 const KVListener listener{&calls[i], &CountCall};
                 table->RemoveValueListener("value", &listener);
