@@ -130,6 +130,13 @@ public:
         text->Append(value.data(), value.size());
         return *this;
     }
+    /// A character would come out as its number. A text of one character says what is meant.
+    LogStream& operator<<(char value) = delete;
+    LogStream& operator<<(signed char value) = delete;
+    LogStream& operator<<(unsigned char value) = delete;
+    LogStream& operator<<(wchar_t value) = delete;
+    LogStream& operator<<(char16_t value) = delete;
+    LogStream& operator<<(char32_t value) = delete;
     LogStream& operator<<(bool value);
     LogStream& operator<<(int value);
     LogStream& operator<<(unsigned int value);

@@ -13,6 +13,8 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <type_traits>
+#include <utility>
 
 namespace vell::test
 {
@@ -37,6 +39,17 @@ std::string Streamed(const Value& value)
     stream << value << std::endl;
     return stream.str();
 }
+
+template <class Value, class = void>
+struct IsInsertable : std::false_type
+{
+};
+template <class Value>
+struct IsInsertable<
+    Value, std::void_t<decltype(std::declval<LogStream&>() << std::declval<const Value&>())>>
+    : std::true_type
+{
+};
 
 const char* WriteInnerLine()
 {
@@ -97,6 +110,20 @@ TEST(LogStream, WritesNumbersLikeAStandardStream)
     }
 }
 
+TEST(LogStream, TakesNoSingleCharacter)
+{
+    EXPECT_FALSE(IsInsertable<char>::value);
+    EXPECT_FALSE(IsInsertable<signed char>::value);
+    EXPECT_FALSE(IsInsertable<unsigned char>::value);
+    EXPECT_FALSE(IsInsertable<wchar_t>::value);
+    EXPECT_FALSE(IsInsertable<char16_t>::value);
+    EXPECT_FALSE(IsInsertable<char32_t>::value);
+    EXPECT_TRUE(IsInsertable<int>::value);
+    EXPECT_TRUE(IsInsertable<bool>::value);
+    EXPECT_TRUE(IsInsertable<const char*>::value);
+    EXPECT_TRUE(IsInsertable<std::string>::value);
+}
+
 TEST(LogStream, WritesTruthAsANumber)
 {
     EXPECT_EQ(LineWith(true), "1\n");
@@ -125,6 +152,23 @@ TEST(LogStream, WritesTheSameLineToStandardErrorAndToTheLogger)
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_EQ(lines[0].level, 4);
     EXPECT_EQ(lines[0].text, "[WARNING]\t: number 5\n");
+}
+
+TEST(LogStream, WritesToStandardErrorBeforeItCallsTheLogger)
+{
+    static std::string captured;
+    captured.clear();
+    SetLogCallBackBase(
+        [](int, const char*)
+        {
+            captured = testing::internal::GetCapturedStderr();
+        });
+    testing::internal::CaptureStderr();
+
+    LogStream(LogInfo) << "first" << EndLine;
+    SetLogCallBackBase(nullptr);
+
+    EXPECT_EQ(captured, "[INFO]\t: first\n");
 }
 
 TEST(LogStream, WritesToStandardErrorAlsoWithoutACallback)
