@@ -28,17 +28,48 @@ void WriteThroughStream(const char* characters, std::size_t count)
 }
 
 #if defined(VELL_DIRECT_STANDARD_ERROR)
-using StderrBuffer = __gnu_cxx::stdio_sync_filebuf<char>;
+using StdioBuffer = __gnu_cxx::stdio_sync_filebuf<char>;
 
-/// Gives what stands behind std::cerr, or null when a host has changed it before this library was
-/// loaded: at first it is the unbuffered stderr itself.
-StderrBuffer* FindStderrBuffer()
+/// Gives what is behind `stream`, or null when a host has changed it before this library was
+/// loaded: at first it is `file` itself.
+StdioBuffer* FindBuffer(const std::ostream& stream, const std::FILE* file)
 {
-    auto* buffer = dynamic_cast<StderrBuffer*>(std::cerr.rdbuf());
-    return buffer != nullptr && buffer->file() == stderr ? buffer : nullptr;
+    auto* buffer = dynamic_cast<StdioBuffer*>(stream.rdbuf());
+    return buffer != nullptr && buffer->file() == file ? buffer : nullptr;
 }
 
-StderrBuffer* const kStderrBuffer = FindStderrBuffer();
+StdioBuffer* const kStderrBuffer = FindBuffer(std::cerr, stderr);
+StdioBuffer* const kStdoutBuffer = FindBuffer(std::cout, stdout);
+// The common parts of the two streams, which lie at an offset that is looked up at each use.
+const std::ios* const kErrorState = &std::cerr;
+const std::ios* const kOutputState = &std::cout;
+
+bool IsErrorUntouched()
+{
+    return kStderrBuffer != nullptr && kErrorState->rdbuf() == kStderrBuffer;
+}
+
+bool IsOutputUntouched()
+{
+    return kStdoutBuffer != nullptr && kOutputState->rdbuf() == kStdoutBuffer &&
+           kOutputState->tie() == nullptr;
+}
+
+/// Flushes what std::cerr is tied to, as each output to it does: std::cout, unless the host says
+/// otherwise. What the host has written before a line comes out before it.
+void FlushTiedStream()
+{
+    std::ostream* const tied = kErrorState->tie();
+    if (tied == nullptr)
+    {
+        return;
+    }
+    if (tied == &std::cout && IsOutputUntouched() && __fpending(kStdoutBuffer->file()) == 0)
+    {
+        return; // saves the way through both libraries when nothing waits
+    }
+    tied->flush();
+}
 
 void WriteToDescriptor(int descriptor, const char* characters, std::size_t count)
 {
@@ -66,8 +97,9 @@ void WriteToStandardError(const char* characters, std::size_t count)
 #if defined(VELL_DIRECT_STANDARD_ERROR)
     // The way through two stream libraries to an unbuffered descriptor costs more than the line
     // itself.
-    if (kStderrBuffer != nullptr && std::cerr.rdbuf() == kStderrBuffer)
+    if (IsErrorUntouched())
     {
+        FlushTiedStream();
         std::FILE* const file = kStderrBuffer->file();
         if (__fpending(file) != 0)
         {

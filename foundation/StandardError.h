@@ -7,8 +7,9 @@
 namespace vell
 {
 
-/// Writes the characters to the standard error stream at once. A buffer that the host has put
-/// behind std::cerr, and characters that wait in its stderr, are honoured.
+/// Writes the characters to the standard error stream at once, as std::cerr would: what std::cerr
+/// is tied to is flushed first, a buffer that the host has put behind std::cerr receives them, and
+/// characters that wait in stderr come out before them.
 void WriteToStandardError(const char* characters, std::size_t count);
 
 } // namespace vell
