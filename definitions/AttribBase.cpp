@@ -153,11 +153,6 @@ int AttribBase::DestroyKVTable()
     return 1;
 }
 
-Tessel::KVTable AttribBase::ReleaseStorage()
-{
-    return kvTable;
-}
-
 int AttribBase::InitKVTableListener()
 {
     int result = 0;

@@ -176,12 +176,6 @@ void BaseDef::Uninit()
     DestroyKVTable();
 }
 
-Tessel::KVTable BaseDef::ReleaseStorage()
-{
-    AttribMap().swap(attribs);
-    return kvTable;
-}
-
 const char* BaseDef::GetName()
 {
     return name;

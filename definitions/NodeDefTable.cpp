@@ -248,12 +248,12 @@ void NodeDefTable::ClearNodes()
     cursor = nodes.end();
 }
 
-Tessel::KVTable NodeDefTable::ReleaseStorage()
+Tessel::KVTable ReleaseStorage(NodeDefTable& table, ArenaObject::AtEnd)
 {
-    ClearNodes();
-    enterNodes.clear();
-    std::vector<unsigned int>().swap(nodeIds);
-    return kvTable;
+    table.ClearNodes();
+    table.enterNodes.clear();
+    std::vector<unsigned int>().swap(table.nodeIds);
+    return table.kvTable;
 }
 
 } // namespace vell

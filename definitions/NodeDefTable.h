@@ -18,7 +18,7 @@ namespace vell
 
 /// Turns the nodes of a document into definitions by way of the builder registry, and finds them
 /// again. Definitions lie in the arena and refer to each other by id only.
-class NodeDefTable
+class NodeDefTable : public ArenaObject
 {
     /// Where the entries of `nodes` lie, which go all at once.
     std::pmr::monotonic_buffer_resource nodePool{std::pmr::new_delete_resource()};
@@ -74,8 +74,7 @@ public:
     /// Uninitialises all definitions and forgets them.
     void Uninit();
 
-    /// For the arena: gives heap memory back and returns the table that is left to close.
-    Tessel::KVTable ReleaseStorage();
+    friend Tessel::KVTable ReleaseStorage(NodeDefTable& table, ArenaObject::AtEnd);
 
     static constexpr std::size_t kIdentitySize =
         70; ///< characters of a GUID or build id, terminated

@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 
 namespace vell
 {
@@ -14,7 +13,10 @@ HSMAlloc::~HSMAlloc()
     Release();
     for (const Kept& entry : kept)
     {
-        entry.duty->destroy(entry.object);
+        if (entry.duty != nullptr)
+        {
+            entry.duty->destroy(entry.object);
+        }
     }
 }
 
@@ -34,10 +36,10 @@ void HSMAlloc::Release()
 {
     for (Kept& entry : kept)
     {
-        if (entry.duty->release != nullptr)
+        if (entry.duty != nullptr && entry.duty->release != nullptr)
         {
             entry.object = entry.duty->release(entry.object);
-            entry.duty = TableDuty();
+            entry.duty = entry.object == nullptr ? nullptr : TableDuty();
         }
     }
     used = 0;
@@ -68,12 +70,22 @@ void HSMAlloc::CloseLater(Tessel::KVTable table)
     kept.push_back(Kept{TableToPointer(table), TableDuty()});
 }
 
-void HSMAlloc::MakeRoomToKeep()
+void HSMAlloc::KeepMore()
 {
-    if (kept.size() == kept.capacity())
+    // In small steps: what is kept is little, and there is an entry for each object.
+    kept.reserve(kept.size() + kept.size() / 4 + 64);
+}
+
+void HSMAlloc::Room::GiveBack()
+{
+    if (arena.kept.size() == entry + 1)
     {
-        // In small steps: what is kept is little, and there is an entry for each definition.
-        kept.reserve(kept.size() + kept.size() / 4 + 64);
+        arena.kept.pop_back();
+    }
+    // What the constructor has allocated lives on, and so does the room in front of it.
+    if (arena.used == end)
+    {
+        arena.used = start;
     }
 }
 
@@ -83,10 +95,16 @@ void HSMAlloc::Forget(const void* object)
     {
         if (entry->object == object)
         {
-            kept.erase(std::next(entry).base());
+            // The others know theirs by number.
+            *entry = Kept{nullptr, nullptr};
             return;
         }
     }
+}
+
+void ArenaObject::LeaveArena()
+{
+    owningArena->kept[entryInArena] = HSMAlloc::Kept{nullptr, nullptr};
 }
 
 void* HSMAlloc::TableToPointer(Tessel::KVTable table)

@@ -89,11 +89,4 @@ int ParameterMessageDef::OnBroadcastEvent(int, const void* record)
     return 1;
 }
 
-Tessel::KVTable ParameterMessageDef::ReleaseStorage()
-{
-    std::string().swap(defaultValue);
-    std::string().swap(value);
-    return BaseDef::ReleaseStorage();
-}
-
 } // namespace vell

@@ -227,14 +227,14 @@ Tessel::KVTable ParameterTable::GetKVTable() const
     return table;
 }
 
-Tessel::KVTable ParameterTable::ReleaseStorage()
+Tessel::KVTable ReleaseStorage(ParameterTable& params, ArenaObject::AtEnd)
 {
-    ForgetParameters();
-    NameMap().swap(nameToId);
-    ParameterMap().swap(idToParam);
-    ParameterList().swap(resetting);
-    std::vector<std::unique_ptr<ParameterDef>>().swap(ownParameters);
-    return table;
+    params.ForgetParameters();
+    ParameterTable::NameMap().swap(params.nameToId);
+    ParameterTable::ParameterMap().swap(params.idToParam);
+    ParameterTable::ParameterList().swap(params.resetting);
+    std::vector<std::unique_ptr<ParameterDef>>().swap(params.ownParameters);
+    return params.table;
 }
 
 } // namespace vell

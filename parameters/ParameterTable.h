@@ -4,6 +4,7 @@
 
 #include "parameters/ValueRoom.h"
 
+#include <vell/ArenaObject.h>
 #include <vell/IParameterTable.h>
 #include <vell/Json.h>
 
@@ -22,7 +23,7 @@ class HSMAlloc;
 
 /// Builds the document's parameters in the arena, makes further ones on the heap while the machine
 /// runs, and finds them by id and by name.
-class ParameterTable : public IParameterTable
+class ParameterTable : public IParameterTable, public ArenaObject
 {
 public:
     /// Orders names by their characters. A null name comes first.
@@ -92,8 +93,7 @@ public:
     /// Gives the table, or null.
     Tessel::KVTable GetKVTable() const;
 
-    /// For the arena: gives heap memory back and returns the table that is left to close.
-    Tessel::KVTable ReleaseStorage();
+    friend Tessel::KVTable ReleaseStorage(ParameterTable& table, ArenaObject::AtEnd);
 
     Tessel::KVTable table;  ///< null until CreateKVTable
     NameMap nameToId;       ///< keys are the parameters' own name pointers

@@ -125,11 +125,4 @@ int TransitionDef::HandleConditions(HSM* hsm)
     return result;
 }
 
-Tessel::KVTable TransitionDef::ReleaseStorage()
-{
-    std::vector<ConditionDef*>().swap(conditions);
-    std::vector<Trigger>().swap(triggers);
-    return BaseDef::ReleaseStorage();
-}
-
 } // namespace vell

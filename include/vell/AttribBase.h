@@ -2,6 +2,7 @@
 // include/vell/AttribBase.h: the common part of all attributes.
 #pragma once
 
+#include <vell/ArenaObject.h>
 #include <vell/IAttribDef.h>
 
 #include <tessel/Tessel.h>
@@ -12,7 +13,7 @@ namespace vell
 /// An attribute with its key/value table, named "attribBase". Every write of the value goes to the
 /// table's key "value", and a tool's write of that key comes back as a `SetValue`, but for four
 /// floats, which only the table takes.
-class VELL_API AttribBase : public IAttribDef
+class VELL_API AttribBase : public IAttribDef, public ArenaObject
 {
 public:
     AttribBase();
@@ -57,8 +58,10 @@ public:
     /// or `op` is not opResult_ValueChanged.
     void OnAttribValueModified(Tessel::opResult op, Tessel::KVTable table, const char* key);
 
-    /// For the arena: gives heap memory back and returns the table that is left to close.
-    Tessel::KVTable ReleaseStorage();
+    friend Tessel::KVTable ReleaseStorage(AttribBase& attrib, ArenaObject::AtEnd)
+    {
+        return attrib.kvTable;
+    }
 
 protected:
     /// The constructor of a concrete attribute: `type` is its parameter type number, whose name

@@ -2,6 +2,7 @@
 // include/vell/BaseDef.h: the base of every node definition.
 #pragma once
 
+#include <vell/ArenaObject.h>
 #include <vell/IBaseDef.h>
 #include <vell/Json.h>
 #include <vell/NotCopied.h>
@@ -19,7 +20,7 @@ struct Revision;
 /// The base of every definition class. A host that adds a kind of node derives from it, writes a
 /// factory that places the object with HSMAlloc::New and registers it (IHSM::RegisterNodeDef). Its
 /// `Init` calls BaseDef::Init first, and on failure runs the virtual `Uninit` and returns 0.
-class VELL_API BaseDef : public IBaseDef
+class VELL_API BaseDef : public IBaseDef, public ArenaObject
 {
 public:
     struct VELL_LOCAL Internals; ///< the library's own
@@ -85,8 +86,11 @@ public:
     /// Writes the key "dynamic", and for a non-zero `dynamic` the key "name". Returns 1.
     int TabSetDynamic(int dynamic);
 
-    /// For the arena: gives heap memory back and returns the table that is left to close.
-    Tessel::KVTable ReleaseStorage();
+    friend Tessel::KVTable ReleaseStorage(BaseDef& def, ArenaObject::AtEnd)
+    {
+        AttribMap().swap(def.attribs);
+        return def.kvTable;
+    }
 
 protected:
     int CreateKVTable() const;

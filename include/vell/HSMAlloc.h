@@ -2,10 +2,12 @@
 // include/vell/HSMAlloc.h: the one-block arena of a machine.
 #pragma once
 
+#include <vell/ArenaObject.h>
 #include <vell/Export.h>
 
 #include <tessel/Tessel.h>
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory_resource>
@@ -21,13 +23,14 @@ namespace vell
 /// machine's definitions, parameters, tables and run-time states lie in its arena in the order of
 /// loading.
 ///
-/// No destructor of an arena object ever runs. Memory that such an object holds on the ordinary
-/// heap (a map, a vector, a text) goes back when the block goes, and its key/value table is closed
-/// when the arena is destroyed: a class that has such memory offers `Tessel::KVTable
-/// ReleaseStorage()`, which gives the memory back and returns the table.
+/// The arena runs no destructor. Memory that an object holds on the ordinary heap (a map, a vector,
+/// a text) is freed with the block, and its key/value table is closed when the arena is destroyed,
+/// when its class derives from ArenaObject and has the function that ArenaObject.h describes.
 ///
-/// An object that follows a raw allocation of an odd size stands misaligned. A build with
-/// VELL_ARENA_ROUNDING rounds up to 8 after each raw allocation, for targets where that is a fault.
+/// Objects follow one another without a gap, so one that follows a raw allocation of an odd size is
+/// misaligned. Only a type that asks for more than 8 is placed where it is aligned. A build with
+/// VELL_ARENA_ROUNDING rounds up to 8 after each raw allocation and aligns every object, for
+/// targets where a misaligned object is a fault.
 class VELL_API HSMAlloc
 {
     /// Where the entries of `tracked` lie, which go all at once.
@@ -52,6 +55,8 @@ public:
 
     /// Constructs a T by its default constructor behind what was handed out last, and records it in
     /// `tracked`. Returns null, and constructs nothing, when there is no block or not enough room.
+    /// The constructor may allocate from the arena itself. When it throws, its room is handed out
+    /// again, unless it has allocated something that stays behind it.
     template <class T>
     T* New();
 
@@ -83,8 +88,10 @@ public:
     SizeMap tracked{&trackedPool};  ///< address and size of every typed allocation ever made
 
 private:
+    friend class ArenaObject;
+
     /// What to do about one object: `release` when the block goes, which turns the object into what
-    /// is left of it, and `destroy` when the arena goes. Either may be null.
+    /// is left of it, and `destroy` when the arena goes. `release` may be null.
     struct Duty
     {
         void* (*release)(void* object);
@@ -94,24 +101,94 @@ private:
     struct Kept
     {
         void* object;
-        const Duty* duty;
+        const Duty* duty; ///< null when there is nothing to do
     };
 
+    template <class T>
+    static constexpr bool kIsArenaObject = std::is_convertible_v<T*, ArenaObject*>;
+
+    /// A state is recognised by an operation of exactly this type.
+    template <class C>
+    static std::true_type IsRelease(Tessel::KVTable (C::*)());
     template <class T, class = void>
     struct HoldsStorage : std::false_type
     {
     };
     template <class T>
-    struct HoldsStorage<T, std::void_t<decltype(std::declval<T&>().ReleaseStorage())>>
-        : std::true_type
+    struct HoldsStorage<T, std::void_t<decltype(IsRelease(&T::ReleaseStorage))>> : std::true_type
     {
     };
 
-    bool HasRoom(unsigned int size) const
+    /// Gives what is to do about an object of the class at the end, or null.
+    template <class T>
+    static const Duty* DutyOf();
+
+    /// The room of one object while its constructor runs. Gives it back when that throws.
+    class Room
+    {
+    public:
+        Room(HSMAlloc& owner, unsigned int size)
+            : arena(owner), start(owner.used), end(owner.used + size), entry(owner.kept.size())
+        {
+            arena.MakeRoomToKeep();
+            arena.kept.push_back(Kept{nullptr, nullptr});
+            arena.used = end;
+        }
+        ~Room()
+        {
+            if (!isFilled)
+            {
+                GiveBack();
+            }
+        }
+        Room(const Room&) = delete;
+        Room& operator=(const Room&) = delete;
+
+        /// Says that the object is there. `duty` is what to do about it at the end, or null.
+        void Fill(void* object, const Duty* duty)
+        {
+            isFilled = true;
+            arena.kept[entry] = Kept{object, duty};
+        }
+        unsigned int Entry() const
+        {
+            return static_cast<unsigned int>(entry);
+        }
+
+    private:
+        void GiveBack();
+
+        HSMAlloc& arena;
+        const unsigned int start;
+        const unsigned int end;
+        const std::size_t entry; ///< in `kept`, taken before the object is there
+        bool isFilled = false;
+    };
+
+    /// Gives the bytes to leave free in front of an object.
+    unsigned int PaddingFor(std::size_t alignment) const
+    {
+#if !defined(VELL_ARENA_ROUNDING)
+        if (alignment <= 8)
+        {
+            return 0;
+        }
+#endif
+        const auto address = reinterpret_cast<std::uintptr_t>(block) + used;
+        return static_cast<unsigned int>((alignment - address % alignment) % alignment);
+    }
+    bool HasRoom(std::uint64_t size) const
     {
         return block != nullptr && size <= capacity - used;
     }
-    void MakeRoomToKeep();
+    void MakeRoomToKeep()
+    {
+        if (kept.size() == kept.capacity())
+        {
+            KeepMore();
+        }
+    }
+    void KeepMore();
     void Forget(const void* object);
     static void* TableToPointer(Tessel::KVTable table);
     static const Duty* TableDuty();
@@ -120,26 +197,53 @@ private:
 };
 
 template <class T>
-T* HSMAlloc::New()
+const HSMAlloc::Duty* HSMAlloc::DutyOf()
 {
-    static_assert(alignof(T) <= 8, "the arena keeps no more than 8-byte alignment");
-    if (!HasRoom(sizeof(T)))
+    if constexpr (kIsArenaObject<T>)
     {
-        return nullptr;
+        static const Duty duty{
+            [](void* held) -> void*
+            {
+                return TableToPointer(ReleaseStorage(*static_cast<T*>(held), ArenaObject::AtEnd()));
+            },
+            nullptr};
+        return &duty;
     }
-    MakeRoomToKeep();
-    T* object = new (block + used) T();
-    if constexpr (HoldsStorage<T>::value)
+    else if constexpr (HoldsStorage<T>::value)
     {
         static const Duty duty{[](void* held) -> void*
                                {
                                    return TableToPointer(static_cast<T*>(held)->ReleaseStorage());
                                },
                                nullptr};
-        kept.push_back(Kept{object, &duty});
+        return &duty;
     }
-    used += static_cast<unsigned int>(sizeof(T));
-    tracked.emplace_hint(tracked.end(), object, static_cast<unsigned int>(sizeof(T)));
+    else
+    {
+        return nullptr;
+    }
+}
+
+template <class T>
+T* HSMAlloc::New()
+{
+    const unsigned int padding = PaddingFor(alignof(T));
+    constexpr auto kSize = static_cast<unsigned int>(sizeof(T));
+    if (!HasRoom(std::uint64_t{padding} + kSize))
+    {
+        return nullptr;
+    }
+    unsigned char* const address = block + used + padding;
+    Room room(*this, padding + kSize);
+    T* object = new (address) T();
+    room.Fill(object, DutyOf<T>());
+    if constexpr (kIsArenaObject<T>)
+    {
+        ArenaObject& base = *object;
+        base.owningArena = this;
+        base.entryInArena = room.Entry();
+    }
+    tracked.emplace_hint(tracked.end(), object, kSize);
     return object;
 }
 

@@ -227,8 +227,12 @@ public:
     void PullValue() override;
     int OnBroadcastEvent(int event, const void* record) override;
 
-    /// For the arena: gives heap memory back and returns the table that is left to close.
-    Tessel::KVTable ReleaseStorage();
+    friend Tessel::KVTable ReleaseStorage(ParameterMessageDef& def, ArenaObject::AtEnd atEnd)
+    {
+        std::string().swap(def.defaultValue);
+        std::string().swap(def.value);
+        return ReleaseStorage(static_cast<BaseDef&>(def), atEnd);
+    }
 
 private:
     void WriteValue();

@@ -37,8 +37,12 @@ public:
     /// are called in every case.
     int HandleConditions(HSM* hsm);
 
-    /// For the arena: gives heap memory back and returns the table that is left to close.
-    Tessel::KVTable ReleaseStorage();
+    friend Tessel::KVTable ReleaseStorage(TransitionDef& def, ArenaObject::AtEnd atEnd)
+    {
+        std::vector<ConditionDef*>().swap(def.conditions);
+        std::vector<Trigger>().swap(def.triggers);
+        return ReleaseStorage(static_cast<BaseDef&>(def), atEnd);
+    }
 
     bool disabled = false;           ///< never evaluated
     int tag = 0;                     ///< the host's; copied to UpdateResult::tag

@@ -54,16 +54,71 @@ struct Throwing
 };
 
 /// Holds heap memory and a table, as definitions do.
-struct Holder
+struct Holder : ArenaObject
 {
     std::vector<std::string> texts = {std::string(100, 'x'), std::string(200, 'y')};
     Tessel::KVTable table = Tessel::CreateTable("holder");
 
-    Tessel::KVTable ReleaseStorage()
+    friend Tessel::KVTable ReleaseStorage(Holder& holder, ArenaObject::AtEnd)
     {
-        std::vector<std::string>().swap(texts);
-        return table;
+        std::vector<std::string>().swap(holder.texts);
+        return holder.table;
     }
+};
+
+template <std::size_t Alignment>
+struct alignas(Alignment) Aligned
+{
+    unsigned char bytes[Alignment] = {};
+};
+
+/// What the constructors of Maker and of ThrowingMaker allocate from, and what they got.
+HSMAlloc* constructorArena = nullptr;
+Small* madeSmall = nullptr;
+Holder* madeHolder = nullptr;
+void* madeBytes = nullptr;
+
+/// Allocates from the arena that it is being built in, as a host's class that reaches the machine.
+struct Maker : Holder
+{
+    Maker()
+    {
+        madeSmall = constructorArena->New<Small>();
+        madeHolder = constructorArena->New<Holder>();
+        madeBytes = constructorArena->AllocRaw(8);
+    }
+    std::uint64_t value = 5;
+};
+
+struct ThrowingMaker : Maker
+{
+    ThrowingMaker()
+    {
+        throw 1;
+    }
+};
+
+struct ThrowingHolder : Holder
+{
+    ThrowingHolder()
+    {
+        Tessel::CloseTable(table);
+        throw 1;
+    }
+};
+
+/// Has operations of its own by the name that the arena uses.
+struct Namesake : Holder
+{
+    void ReleaseStorage()
+    {
+        ++called;
+    }
+    int ReleaseStorage(int)
+    {
+        return ++called;
+    }
+    int called = 0;
 };
 
 struct Owned
@@ -261,6 +316,138 @@ TEST(HSMAlloc, ConstructsBeforeItRecords)
     EXPECT_TRUE(arena.tracked.empty());
 }
 
+TEST(HSMAlloc, GivesAConstructorThatAllocatesRoomBehindItsObject)
+{
+    HSMAlloc arena;
+    arena.Reserve(1024);
+    constructorArena = &arena;
+
+    const Maker* maker = arena.New<Maker>();
+
+    const auto size = static_cast<unsigned int>(sizeof(Maker));
+    constexpr auto kHolderSize = static_cast<unsigned int>(sizeof(Holder));
+    EXPECT_EQ(OffsetOf(maker, arena), 0);
+    EXPECT_EQ(OffsetOf(madeSmall, arena), size);
+    EXPECT_EQ(OffsetOf(madeHolder, arena), size + 8);
+    EXPECT_EQ(OffsetOf(madeBytes, arena), size + 8 + kHolderSize);
+    EXPECT_EQ(arena.used, size + 8 + kHolderSize + 8);
+    EXPECT_EQ(maker->value, 5u);
+    EXPECT_EQ(maker->texts.size(), 2u);
+    EXPECT_EQ(arena.tracked, (Sizes{{arena.block, size},
+                                    {arena.block + size, 8u},
+                                    {arena.block + size + 8, kHolderSize}}));
+}
+
+TEST(HSMAlloc, KeepsWhatAConstructorHasAllocatedBeforeItThrows)
+{
+    HSMAlloc arena;
+    arena.Reserve(1024);
+    constructorArena = &arena;
+
+    EXPECT_THROW(arena.New<ThrowingMaker>(), int);
+
+    const auto size = static_cast<unsigned int>(sizeof(ThrowingMaker));
+    constexpr auto kHolderSize = static_cast<unsigned int>(sizeof(Holder));
+    EXPECT_EQ(arena.used, size + 8 + kHolderSize + 8);
+    EXPECT_EQ(arena.tracked,
+              (Sizes{{arena.block + size, 8u}, {arena.block + size + 8, kHolderSize}}));
+    EXPECT_EQ(OffsetOf(arena.New<Small>(), arena), size + 8 + kHolderSize + 8);
+    EXPECT_EQ(madeSmall->value, 7u);
+    EXPECT_EQ(madeHolder->texts.size(), 2u);
+}
+
+TEST(HSMAlloc, FreesTheHeapMemoryOfAllThatAConstructorHasAllocated)
+{
+    HSMAlloc arena;
+    arena.Reserve(1024);
+    constructorArena = &arena;
+    arena.New<Maker>();
+    HeapWatch heap;
+
+    arena.Release();
+
+    // The block, and for each of two holders a vector and two texts.
+    EXPECT_EQ(heap.BlocksKept(), -7);
+}
+
+TEST(HSMAlloc, FreesOnlyWhatIsThereAfterAConstructorHasThrown)
+{
+    HSMAlloc arena;
+    arena.Reserve(1024);
+    constructorArena = &arena;
+    EXPECT_THROW(arena.New<ThrowingMaker>(), int);
+    EXPECT_THROW(arena.New<ThrowingHolder>(), int);
+    arena.New<Holder>();
+    HeapWatch heap;
+
+    arena.Release();
+
+    EXPECT_EQ(heap.BlocksKept(), -7);
+}
+
+TEST(HSMAlloc, HandsTheRoomOfAnObjectThatWasNotBuiltOutAgain)
+{
+    HSMAlloc arena;
+    arena.Reserve(sizeof(Holder));
+
+    EXPECT_THROW(arena.New<ThrowingHolder>(), int);
+
+    EXPECT_EQ(OffsetOf(arena.New<Holder>(), arena), 0);
+    EXPECT_EQ(arena.tracked.size(), 1u);
+}
+
+TEST(HSMAlloc, AlignsAnObjectThatAsksForMoreThanEight)
+{
+    const auto isAligned = [](const void* object, std::size_t alignment)
+    {
+        return reinterpret_cast<std::uintptr_t>(object) % alignment == 0;
+    };
+    for (const unsigned int before : {1u, 8u, 15u, 16u, 17u})
+    {
+        HSMAlloc arena;
+        arena.Reserve(1024);
+        arena.AllocRaw(before);
+        EXPECT_TRUE(isAligned(arena.New<Aligned<16>>(), 16)) << before;
+        arena.AllocRaw(before);
+        EXPECT_TRUE(isAligned(arena.New<Aligned<32>>(), 32)) << before;
+        arena.AllocRaw(before);
+        EXPECT_TRUE(isAligned(arena.New<Aligned<64>>(), 64)) << before;
+    }
+}
+
+TEST(HSMAlloc, LeavesNoMoreInFrontOfAnAlignedObjectThanItNeeds)
+{
+    HSMAlloc arena;
+    arena.Reserve(64);
+    ASSERT_EQ(reinterpret_cast<std::uintptr_t>(arena.block) % 16, 0u);
+    arena.New<Small>();
+
+    const void* aligned = arena.New<Aligned<16>>();
+    const void* small = arena.New<Small>();
+
+    EXPECT_EQ(OffsetOf(aligned, arena), 16);
+    EXPECT_EQ(OffsetOf(small, arena), 32);
+    EXPECT_EQ(arena.used, 40u);
+    EXPECT_EQ(arena.tracked,
+              (Sizes{{arena.block, 8u}, {arena.block + 16, 16u}, {arena.block + 32, 8u}}));
+}
+
+TEST(HSMAlloc, PlacesAnAlignedObjectThatEndsExactlyAtItsEndAndNoneBeyond)
+{
+    HSMAlloc exact;
+    exact.Reserve(32);
+    exact.New<Small>();
+    HSMAlloc tooSmall;
+    tooSmall.Reserve(31);
+    tooSmall.New<Small>();
+
+    EXPECT_EQ(OffsetOf(exact.New<Aligned<16>>(), exact), 16);
+    EXPECT_EQ(exact.used, 32u);
+    EXPECT_EQ(tooSmall.New<Aligned<16>>(), nullptr);
+    EXPECT_EQ(tooSmall.used, 8u);
+    EXPECT_EQ(tooSmall.tracked.size(), 1u);
+}
+
 TEST(HSMAlloc, HandsOutZeroedBytes)
 {
     HSMAlloc arena;
@@ -420,6 +607,61 @@ TEST(HSMAlloc, GivesBackTheHeapMemoryOfItsObjectsWhenReleased)
     arena.Release();
 
     // The block, the vector and its two texts.
+    EXPECT_EQ(heap.BlocksKept(), -4);
+}
+
+TEST(HSMAlloc, TakesNoOperationOfAHostsClassForItsOwn)
+{
+    HSMAlloc arena;
+    arena.Reserve(1024);
+    const Namesake* object = arena.New<Namesake>();
+    HeapWatch heap;
+    EXPECT_EQ(object->called, 0);
+
+    arena.Release();
+
+    // The block, and the vector and its two texts of the base.
+    EXPECT_EQ(heap.BlocksKept(), -4);
+}
+
+TEST(HSMAlloc, LeavesAnObjectAloneThatWasDestroyedByHand)
+{
+    int table = 0;
+    HeapWatch heap;
+    {
+        HSMAlloc arena;
+        arena.Reserve(1024);
+        arena.New<Holder>();
+        Holder* destroyed = arena.New<Holder>();
+        arena.New<Holder>();
+        table = destroyed->table->SetInt("key", 1, 1);
+        Tessel::CloseTable(destroyed->table);
+
+        destroyed->~Holder();
+        // Whoever takes the room for something else is not disturbed either.
+        std::memset(static_cast<void*>(destroyed), 0xff, sizeof(Holder));
+        arena.Release();
+    }
+
+    EXPECT_EQ(table, 1);
+    EXPECT_EQ(heap.BlocksKept(), 0);
+}
+
+TEST(HSMAlloc, ForgetsNothingAboutTheSourceOfACopyThatIsDestroyed)
+{
+    HSMAlloc arena;
+    arena.Reserve(1024);
+    const Holder* source = arena.New<Holder>();
+    {
+        Holder copy = *source;
+        Holder other;
+        other = *source;
+        Tessel::CloseTable(copy.table);
+    }
+    HeapWatch heap;
+
+    arena.Release();
+
     EXPECT_EQ(heap.BlocksKept(), -4);
 }
 

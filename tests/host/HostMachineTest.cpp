@@ -115,11 +115,10 @@ public:
 
     std::string colour;
 
-    Tessel::KVTable ReleaseStorage()
+    friend Tessel::KVTable ReleaseStorage(HostDef& def, ArenaObject::AtEnd atEnd)
     {
-        colour.clear();
-        colour.shrink_to_fit();
-        return BaseDef::ReleaseStorage();
+        std::string().swap(def.colour);
+        return ReleaseStorage(static_cast<BaseDef&>(def), atEnd);
     }
 };
 
