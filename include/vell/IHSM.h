@@ -19,28 +19,36 @@ class IParameterTable;
 /// `Init`, the only place where a failed load shows; registrations and subscriptions; `Start`,
 /// once; `Update`, once a frame; `Uninit`; `Destroy`; delete. A machine belongs to one thread at a
 /// time, and machines are made and deleted by one thread at a time.
+///
+/// A callback is whatever a machine calls of the host's: an action, a listener, a trigger, a
+/// factory, the state-switch or log callback, a virtual operation of a state or definition class.
+/// No callback may end, load or tick its own machine (`Uninit`, `Create`, `Init`, `Start`,
+/// `Update`, delete): the caller goes on with what would be gone. Set a flag there, and act on it
+/// after `Update` has returned. docs/host-guide.md has a table of what each kind of callback may
+/// call.
 class VELL_API IHSM
 {
 public:
     // The order of these is part of the interface.
 
+    /// Not from a callback.
     virtual ~IHSM() = default;
     /// Fills the tables from the document. Returns 1, or 0 with log lines.
     virtual int Init() = 0;
     /// Releases the definitions and the arena and closes the tree. After it only `Destroy` and
-    /// deletion are allowed. Returns 1.
+    /// deletion are allowed. Not from a callback. Returns 1.
     virtual int Uninit() = 0;
     /// Puts both stacks and the last state change into the state that `context` records, a table of
     /// the shape of another machine's "contextInfo". Returns 1, also when an id names no state,
     /// which only the log shows. States are neither left nor entered.
     virtual int SetContextInfo(const Tessel::KVTable& context) = 0;
     /// Reads the document. The constructors call it; a subclass built without a document calls it
-    /// itself. Returns 1, or 0 with log lines.
+    /// itself. Not from a callback. Returns 1, or 0 with log lines.
     virtual int Create() = 0;
     /// Empties the state-builder registry of the process. Returns 1.
     virtual int Destroy() = 0;
-    /// One tick; `timeStep` in the host's unit of time. Throws std::out_of_range when a blip that
-    /// ends leaves the walk above the main stack.
+    /// One tick; `timeStep` in the host's unit of time. Not from a callback. Throws
+    /// std::out_of_range when a blip that ends leaves the walk above the main stack.
     virtual void Update(float timeStep) = 0;
     /// Activates the global state and enters the start state. Failures go to the log.
     virtual void Start() = 0;

@@ -104,6 +104,23 @@ public:
 };
 // [action]
 
+// [flag]
+/// Ends the level: not here, but by a flag that the game looks at after the tick.
+class EndOfLevel : public vell::Action
+{
+public:
+    explicit EndOfLevel(bool& flag) : isLevelOver(flag)
+    {
+    }
+    int Perform(vell::__ActType__, float) override
+    {
+        isLevelOver = true;
+        return 1;
+    }
+    bool& isLevelOver;
+};
+// [flag]
+
 bool IsTired(vell::IHSM*, vell::SMState*)
 {
     return false;
@@ -144,6 +161,16 @@ void Tree(vell::IHSM* machine)
     std::snprintf(key, sizeof(key), "%u", speed);
     root->GetTable("parameterTable")->GetTable(key)->SetFloat("value", 0.0f, 1);
     // [tree-write]
+}
+
+void End(vell::IHSM* machine, Listener& listener)
+{
+    // [end]
+    machine->UnsubscribeStateChange(&listener);
+    machine->Uninit();
+    machine->Destroy();
+    delete machine;
+    // [end]
 }
 
 } // namespace
@@ -192,10 +219,13 @@ int main(int, char** arguments)
     twin->Destroy();
     delete twin;
 
-    // [end]
-    machine->UnsubscribeStateChange(&listener);
-    machine->Uninit();
-    machine->Destroy();
-    delete machine;
-    // [end]
+    // [after]
+    bool isLevelOver = false;
+    machine->FindDef("Walk")->RegisterExit(new EndOfLevel(isLevelOver));
+    while (!isLevelOver)
+    {
+        machine->Update(1.0f / 60.0f);
+    }
+    End(machine, listener); // Uninit, Destroy, delete
+    // [after]
 }
