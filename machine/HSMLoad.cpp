@@ -19,6 +19,7 @@ namespace
 /// Required: the arena is this many times the figure of the head.
 constexpr unsigned int kMemoryFactor = 100;
 constexpr int kDefaultMemory = 0x100000;
+constexpr int kRestingBlipPriority = 1;
 
 } // namespace
 
@@ -54,7 +55,8 @@ int HSM::Create()
     return result;
 }
 
-/// What an earlier Create and its machine left in the arena goes with the arena's block.
+/// What an earlier Create and its machine left in the arena goes with the arena's block, and so
+/// does a blip that ran on it.
 void HSM::ForgetArena()
 {
     internals->idle.revision.Raise();
@@ -66,6 +68,8 @@ void HSM::ForgetArena()
     currentStack = nullptr;
     stateStack.clear();
     blipStack.clear();
+    blipActive = false;
+    blipPriority = kRestingBlipPriority;
     states.clear();
 }
 
