@@ -91,8 +91,8 @@ int HSM::Notify()
     int called = 0;
     for (std::size_t i = 0; i < stateChangeListeners.size(); ++i)
     {
-        // Each listener gets a record of its own.
-        const StateChangeEvent record = change;
+        // Each listener gets a record of its own: one may write into it.
+        StateChangeEvent record = change;
         if (stateChangeListeners[i] != nullptr)
         {
             stateChangeListeners[i]->OnBroadcastEvent(HSMEventStateChange, &record);

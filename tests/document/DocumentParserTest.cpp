@@ -183,6 +183,35 @@ TEST(DocumentParser, CountsNoBracketsInTexts)
     EXPECT_EQ(CodeOfText("[\"" + brackets + "\\"), 10);
 }
 
+// Only a text that is malformed is looked at for its depth; one that is taken for shallow although
+// it is deep exhausts the stack.
+TEST(DocumentParser, SeesTheDepthOfAMalformedTextBehindEscapesInTexts)
+{
+    const std::string deep = Repeated("[", kMillion);
+    const std::string deepObjects = Repeated("{\"a\":", kMillion);
+
+    for (const char* text :
+         {"", "\\\"", "\\\\", "\\\\\\\"", "\\\\\\\\", "a\\\"b\\\"c", "\\u0022", "]]]}}}", "\\\"]"})
+    {
+        const std::string start = "[\"" + std::string(text) + "\",";
+        EXPECT_EQ(CodeOfText(start + deep), 3) << text;
+        EXPECT_EQ(CodeOfText(start + deepObjects), 3) << text;
+        EXPECT_EQ(CodeOfFile(start + deep), 3) << text;
+        EXPECT_EQ(CodeOfText("{\"" + std::string(text) + "\":" + deep), 3) << text;
+    }
+}
+
+// The way without recursion would call this error by another code.
+TEST(DocumentParser, ReportsAMalformedTextThatIsWideAndNotDeepByTheUsualCode)
+{
+    EXPECT_EQ(CodeOfText("]\"" + Repeated("[", 5000) + "\""), 3);
+    EXPECT_EQ(CodeOfText("]\"" + Repeated("{", 5000)), 3);
+    EXPECT_EQ(CodeOfText("]\"\\\"" + Repeated("[", 5000) + "\""), 3);
+    EXPECT_EQ(CodeOfText("]" + Repeated("[]", 5000)), 3);
+    EXPECT_EQ(CodeOfText("]" + Repeated("{}", 5000)), 3);
+    EXPECT_EQ(CodeOfText("]" + Repeated("]", 5000) + Nested(1000)), 3);
+}
+
 TEST(DocumentParser, LoadsADocumentWithADeepMemberThatNobodyReads)
 {
     LogRecorder log;

@@ -1,12 +1,14 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMBlipTest.cpp: interruptions, from their start to their end.
 #include "tests/support/Scene.h"
+#include "tests/support/ScriptedAction.h"
 
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <string>
 #include <tuple>
+#include <vector>
 
 namespace vell::test
 {
@@ -300,6 +302,73 @@ TEST(HSMBlip, FailsToStartAndIsNotRolledBackWhenItsStateWillNotBeEntered)
     EXPECT_EQ(scene.machine.GetCurrentState(), nullptr);
     EXPECT_EQ(scene.machine.MainStack() + scene.machine.BlipStack(), "Stand-");
     EXPECT_EQ(scene.machine.blipPriority, 5);
+}
+
+TEST(HSMBlip, IsSetUpWholeBeforeItsStateIsEntered)
+{
+    Lines lines;
+    Lines seen;
+    Scene scene(GoalsDocument({5, 7}));
+    scene.Run(1);
+    scene.machine.PushState(10u);
+    auto* action = new ScriptedAction("Goal1", lines);
+    action->onPerform = [&]
+    {
+        seen = {scene.machine.IsBlipState() ? "blip" : "no blip",
+                std::to_string(scene.machine.blipPriority),
+                std::to_string(scene.machine.blipStackLevel),
+                scene.machine.MainStack(),
+                scene.machine.currentStack == &scene.machine.blipStack ? "on the blip's stack"
+                                                                       : "on the main stack",
+                scene.machine.BlipStack()};
+    };
+    scene.machine.FindDef("Goal1")->RegisterEnter(action);
+
+    scene.TickWith("go1");
+    EXPECT_EQ(seen, (Lines{"blip", "7", "1", "Stand/Stand", "on the blip's stack", "-"}));
+
+    seen.clear();
+    scene.TickWith("go1");
+    EXPECT_EQ(seen, (Lines{"blip", "7", "0", "Stand/Stand", "on the blip's stack", "-"}));
+}
+
+TEST(HSMBlip, MayBeEndedByTheEnterActionOfItsState)
+{
+    struct Case
+    {
+        const char* what;
+        int (HSM::*end)();
+        int priority; ///< left behind
+        std::string stack;
+        bool startsAgain;
+    };
+    const std::vector<Case> cases = {
+        {"previous", &HSM::RevertToPreviousState, 1, "Stand/Goal1", true},
+        {"start", &HSM::RevertToStartState, 7, "Goal1", false},
+    };
+    for (const Case& one : cases)
+    {
+        Lines lines;
+        Scene scene(GoalsDocument({5, 7}));
+        scene.Run(1);
+        auto* action = new ScriptedAction("Goal1", lines);
+        action->onPerform = [&]
+        {
+            (scene.machine.*one.end)();
+        };
+        scene.machine.FindDef("Goal1")->RegisterEnter(action);
+
+        scene.TickWith("go1");
+
+        EXPECT_FALSE(scene.machine.IsBlipState()) << one.what;
+        EXPECT_EQ(scene.machine.blipPriority, one.priority) << one.what;
+        EXPECT_EQ(scene.machine.MainStack(), one.stack) << one.what;
+        EXPECT_EQ(scene.machine.BlipStack(), "-") << one.what;
+
+        // At rest a weaker one starts; what the ended one left behind keeps it out.
+        scene.TickWith("go0");
+        EXPECT_EQ(scene.machine.IsBlipState(), one.startsAgain) << one.what;
+    }
 }
 
 TEST(HSMBlip, DroppedTransitionLeavesItsTargetWithoutEffect)

@@ -5,12 +5,16 @@
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
+#include "transitions/ConditionDef.h"
+#include "transitions/TransitionDef.h"
 
 #include <vell/Parameters.h>
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
+#include <vector>
 
 namespace vell::test
 {
@@ -82,7 +86,123 @@ int InitOf(const DocumentBuilder& document, LogRecorder& log, Lines& lines)
     return result;
 }
 
+/// A document that gives each step of Init something to do.
+DocumentBuilder WholeDocument()
+{
+    DocumentBuilder document;
+    document.Start(10)
+        .Parameter(BoolParameter("alert", true))
+        .Node(Generic("Stand", 10, {100}))
+        .Node(Transition("Go", 100, 10, 10, {BoolCondition("alert", true)}))
+        .Skeleton(JsonObject()
+                      .Set(JSON_ModelFileName, "hero.mdl")
+                      .Set(JSON_SkeletonFileName, "hero.skel"))
+        .GlobalNode(Global("Anywhere", 5, {101}))
+        .GlobalNode(Transition("Flee", 101, 5, 10, {BoolCondition("alert", true)}));
+    return document;
+}
+
+bool IsBound(NodeDefTable* nodes, unsigned int transitionId)
+{
+    auto* transition =
+        nodes == nullptr ? nullptr : dynamic_cast<TransitionDef*>(nodes->Find(transitionId));
+    return transition != nullptr && transition->conditions.at(0)->parameter != nullptr;
+}
+
+/// What the steps of Init have left in a machine of the WholeDocument, in their order.
+Lines StepsDone(TestMachine& machine)
+{
+    Lines steps;
+    const auto note = [&steps](bool isDone, const char* step)
+    {
+        if (isDone)
+        {
+            steps.push_back(step);
+        }
+    };
+    note(machine.parameterTable != nullptr && machine.parameterTable->GetParameterCount() == 1,
+         "parameters");
+    NodeDefTable* nodes = machine.nodeDefTable;
+    note(nodes != nullptr && nodes->Find(100) != nullptr, "layers");
+    note(nodes != nullptr && nodes->enterNodeId == 10, "head");
+    note(nodes != nullptr && nodes->skeletonFileName != nullptr, "skeleton");
+    note(nodes != nullptr && nodes->globalNodeId == 5, "global nodes");
+    note(machine.startStateID == 10, "start state");
+    note(IsBound(nodes, 100) && IsBound(nodes, 101), "conditions");
+    note(static_cast<bool>(machine.kvTable), "tree");
+    return steps;
+}
+
 } // namespace
+
+TEST(HSMInit, TakesItsStepsInOneOrderAndEndsAtTheFirstThatFails)
+{
+    struct Case
+    {
+        const char* what;
+        std::function<void(DocumentBuilder&)> spoil;
+        Lines done;
+    };
+    const auto set = [](DURMBaseLib::__JSONTYPES__ member)
+    {
+        return [member](DocumentBuilder& document)
+        {
+            document.Root().Set(member, 5);
+        };
+    };
+    const std::vector<Case> cases = {
+        {"parameters", set(JSON_Parameters), {}},
+        {"layers", set(JSON_Layers), {"parameters"}},
+        {"head",
+         [](DocumentBuilder& document)
+         {
+             document.Head().Set(JSON_HeadEnterNode, 0);
+         },
+         {"parameters", "layers"}},
+        {"skeleton", set(JSON_Skeleton), {"parameters", "layers", "head"}},
+        {"global nodes", set(JSON_Global), {"parameters", "layers", "head", "skeleton"}},
+    };
+    for (const Case& one : cases)
+    {
+        LogRecorder log;
+        DocumentBuilder document = WholeDocument();
+        one.spoil(document);
+        TestMachine machine(document);
+
+        EXPECT_EQ(machine.Init(), 0) << one.what;
+
+        EXPECT_EQ(StepsDone(machine), one.done) << one.what;
+    }
+}
+
+TEST(HSMInit, BindsConditionsBeforeItMakesTheTree)
+{
+    LogRecorder log;
+    TestMachine machine(WholeDocument());
+    machine.kvTable = Tessel::CreateTable("in the way");
+
+    EXPECT_EQ(machine.Init(), 0);
+
+    EXPECT_EQ(StepsDone(machine), (Lines{"parameters", "layers", "head", "skeleton", "global nodes",
+                                         "start state", "conditions", "tree"}));
+    EXPECT_EQ(machine.kvTable->GetKeyCount(), 0u);
+}
+
+TEST(HSMInit, LogsTheSkeletonBetweenTheHeadAndTheGlobalNodes)
+{
+    LogRecorder log;
+    DocumentBuilder document = SmallDocument();
+    document.Skeleton(JsonObject()).GlobalNode(Global("Anywhere", 5));
+    Lines lines;
+
+    EXPECT_EQ(InitOf(document, log, lines), 1);
+
+    EXPECT_EQ(lines, Joined({kStandLayer,
+                             HeadLines(10, 10),
+                             {ErrorBreak("vell::NodeDefTable::ImportSkel_ModelFileName"),
+                              ErrorBreak("vell::NodeDefTable::ImportSkel_SkeletonFileName"),
+                              "6 Created new BaseDef: Anywhere"}}));
+}
 
 TEST(HSMInit, LogsAGoodLoadFromParametersToGlobalNodes)
 {

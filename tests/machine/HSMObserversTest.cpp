@@ -88,6 +88,27 @@ protected:
     ScriptedListener c{notes, "c"};
 };
 
+/// Notes the record of a state change and then writes into it.
+class SpoilingListener final : public IBroadcastListener
+{
+public:
+    explicit SpoilingListener(Lines& notes) : lines(notes)
+    {
+    }
+    int OnBroadcastEvent(int, const void* record) override
+    {
+        // The machine's records are no constants, so this is allowed, and rude.
+        auto* change = const_cast<StateChangeEvent*>(static_cast<const StateChangeEvent*>(record));
+        lines.push_back("spoils " + std::to_string(change->transitionID) + " " +
+                        std::to_string(change->previousID) + " " + std::to_string(change->nextID));
+        *change = {1, 2, 3};
+        return 0;
+    }
+
+private:
+    Lines& lines;
+};
+
 const Lines kNoSwitch{"transitionTriggered 0", "previousState 0", "nextState 0"};
 const Lines kWalkSwitch{"transitionTriggered 100", "previousState 10", "nextState 11"};
 
@@ -143,6 +164,35 @@ TEST_F(HSMObservers, AreCalledInTheOrderOfSubscription)
     Tick("go");
 
     EXPECT_EQ(notes, (Lines{"c 3 100 10 11", "a 3 100 10 11", "b 3 100 10 11"}));
+}
+
+TEST_F(HSMObservers, EachReceiveARecordOfTheirOwn)
+{
+    SpoilingListener spoiling(notes);
+    machine.SubscribeStateChange(&spoiling);
+    machine.SubscribeStateChange(&a);
+    machine.SubscribeStateChange(&b);
+
+    Tick("go");
+
+    EXPECT_EQ(notes, (Lines{"spoils 100 10 11", "a 3 100 10 11", "b 3 100 10 11"}));
+}
+
+TEST_F(HSMObservers, ReceiveTheSameRecordWhateverAnEarlierOneWritesIntoTheTree)
+{
+    a.then = [&]
+    {
+        Context()->SetUInt("transitionTriggered", 7, 1);
+        Context()->SetUInt("previousState", 8, 1);
+        Context()->SetUInt("nextState", 9, 1);
+    };
+    machine.SubscribeStateChange(&a);
+    machine.SubscribeStateChange(&b);
+
+    Tick("go");
+
+    EXPECT_EQ(notes, (Lines{"a 3 100 10 11", "b 3 100 10 11"}));
+    EXPECT_EQ(SwitchKeys(), kNoSwitch);
 }
 
 TEST_F(HSMObservers, KeepTheirOrderWhenOneOfThemGoes)
@@ -414,6 +464,71 @@ TEST_F(HSMObservers, OfEventsMayComeAndGoDuringACall)
     EXPECT_EQ(machine.FireEvent(static_cast<__HSMEventType__>(1), nullptr), 2);
 
     EXPECT_EQ(notes, (Lines{"a 1", "c 1"}));
+}
+
+TEST_F(HSMObservers, OfEventsAreCountedAsTheyAreCalledAndNotAsTheySubscribe)
+{
+    struct Case
+    {
+        const char* what;
+        std::function<void()> then; ///< what `c`, the last of three, does
+        int called;
+    };
+    const std::vector<Case> cases = {
+        {"leaves",
+         [&]
+         {
+             machine.UnsubscribeEvents(&c);
+         },
+         3},
+        {"takes an earlier one off",
+         [&]
+         {
+             machine.UnsubscribeEvents(&a);
+         },
+         3},
+        {"takes all off",
+         [&]
+         {
+             machine.UnsubscribeEvents(&a);
+             machine.UnsubscribeEvents(&b);
+             machine.UnsubscribeEvents(&c);
+         },
+         3},
+        {"adds a null",
+         [&]
+         {
+             machine.SubscribeEvents(nullptr);
+         },
+         3},
+        {"moves the first to the end",
+         [&]
+         {
+             machine.UnsubscribeEvents(&a);
+             machine.SubscribeEvents(&a);
+         },
+         3},
+    };
+    for (const Case& one : cases)
+    {
+        for (IBroadcastListener* listener : {&a, &b, &c})
+        {
+            machine.SubscribeEvents(listener);
+        }
+        c.then = one.then;
+
+        EXPECT_EQ(machine.FireEvent(static_cast<__HSMEventType__>(1), nullptr), one.called)
+            << one.what;
+        EXPECT_EQ(notes, (Lines{"a 1", "b 1", "c 1"})) << one.what;
+
+        notes.clear();
+        for (IBroadcastListener* listener :
+             {static_cast<IBroadcastListener*>(&a), static_cast<IBroadcastListener*>(&b),
+              static_cast<IBroadcastListener*>(&c), static_cast<IBroadcastListener*>(nullptr)})
+        {
+            machine.UnsubscribeEvents(listener);
+        }
+    }
 }
 
 TEST_F(HSMObservers, OfEventsAreAskedToPlayTheClipOfAnEnteredState)
