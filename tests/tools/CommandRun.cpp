@@ -15,7 +15,7 @@
 namespace vell::test
 {
 
-Outcome CallVell(const std::vector<std::string>& words)
+Outcome CallVell(const std::vector<std::string>& words, bool isTerminal)
 {
     std::vector<const char*> arguments{"vell"};
     for (const std::string& word : words)
@@ -26,9 +26,25 @@ Outcome CallVell(const std::vector<std::string>& words)
     std::ostringstream errors;
     Outcome outcome;
     outcome.code = tool::RunCommandLine(static_cast<int>(arguments.size()), arguments.data(), out,
-                                        errors, false);
+                                        errors, isTerminal);
     outcome.out = out.str();
     outcome.errors = errors.str();
+    return outcome;
+}
+
+Outcome RunScript(const DocumentBuilder& builder, const std::string& script,
+                  const std::vector<std::string>& options)
+{
+    const Folder folder;
+    std::vector<std::string> words{"run", folder.Write("a.json", builder.Text()), "--script",
+                                   folder.Write("a.script", script)};
+    words.insert(words.end(), options.begin(), options.end());
+    Outcome outcome = CallVell(words);
+    const std::string path = folder.PathOf("");
+    for (std::size_t at = 0; (at = outcome.errors.find(path)) != std::string::npos;)
+    {
+        outcome.errors.erase(at, path.size());
+    }
     return outcome;
 }
 

@@ -18,8 +18,13 @@ struct Outcome
     std::string errors;
 };
 
-/// Calls the command with these words behind its name.
-Outcome CallVell(const std::vector<std::string>& words);
+/// Calls the command with these words behind its name. `isTerminal` says that a person watches what
+/// it writes to standard error.
+Outcome CallVell(const std::vector<std::string>& words, bool isTerminal = false);
+
+/// Runs `builder` by `script`, and gives what happened. The script's name in it is "a.script".
+Outcome RunScript(const DocumentBuilder& builder, const std::string& script,
+                  const std::vector<std::string>& options = {});
 
 /// A folder of its own for files of a test, which goes with the object.
 class Folder

@@ -8,6 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <string>
+#include <vector>
+
 namespace vell::test
 {
 namespace
@@ -77,6 +81,128 @@ TEST(VellContext, NamesTheStateThatADocumentDoesNotHave)
 
     EXPECT_EQ(outcome.code, tool::ExitFailed);
     EXPECT_EQ(outcome.errors, folder.PathOf("record.json") + ": the document has no state 99\n");
+}
+
+TEST(VellContext, NamesTheFirstStateThatDidNotGetOntoEitherStack)
+{
+    struct Case
+    {
+        const char* main;
+        const char* blip;
+        const char* missing; ///< null when all got there
+    };
+    const std::vector<Case> cases = {
+        {"[]", "[]", nullptr},        {"[10, 12]", "[51]", nullptr},
+        {"[99]", "[]", "99"},         {"[10, 98, 99]", "[]", "98"},
+        {"[10, 12]", "[99]", "99"},   {"[10, 12]", "[51, 98]", "98"},
+        {"[98]", "[99]", "98"},       {"[10, 100]", "[]", "100"},
+        {"[10, 0, 12]", "[51]", "0"}, {"[]", "[51, 52, 4000000000]", "4000000000"},
+    };
+    const Folder folder;
+    const std::string document = folder.Write("a.json", Walker().Text());
+    for (const Case& one : cases)
+    {
+        const std::string record =
+            folder.Write("record.json", std::string("{\"stackStates\": ") + one.main +
+                                            ", \"stackBlip\": " + one.blip +
+                                            ", \"nextState\": 0, \"previousState\": 0, "
+                                            "\"transitionTriggered\": 0}");
+
+        const Outcome outcome = CallVell({"context", "restore", document, record});
+
+        EXPECT_EQ(outcome.code, one.missing == nullptr ? tool::ExitWell : tool::ExitFailed);
+        EXPECT_EQ(outcome.errors, one.missing == nullptr ? ""
+                                                         : record + ": the document has no state " +
+                                                               one.missing + "\n");
+        EXPECT_EQ(outcome.out.empty(), one.missing != nullptr) << outcome.out;
+    }
+}
+
+TEST(VellContext, LeavesNoTableOpen)
+{
+    const Folder folder;
+    const std::string document = folder.Write("a.json", Walker().Text());
+    std::string spoiled = kRecord;
+    spoiled.replace(spoiled.find("12"), 2, "99");
+    const unsigned open = Tessel::GetOpenTableCount();
+
+    for (const std::string& text : {std::string(kRecord), spoiled, std::string("{}")})
+    {
+        CallVell(
+            {"context", "restore", document, folder.Write("record.json", text), "--ticks", "3"});
+        EXPECT_EQ(Tessel::GetOpenTableCount(), open) << text;
+    }
+    CallVell({"context", "save", document, "--after", folder.Write("a.script", "tick\n")});
+    EXPECT_EQ(Tessel::GetOpenTableCount(), open);
+}
+
+TEST(VellContext, SaysWhyARecordCannotBeRead)
+{
+    const Folder folder;
+
+    const Outcome outcome = CallVell({"context", "restore", folder.Write("a.json", Walker().Text()),
+                                      folder.PathOf("none.json")});
+
+    EXPECT_EQ(outcome.code, tool::ExitFailed);
+    EXPECT_EQ(outcome.errors,
+              folder.PathOf("none.json") + ": cannot be read: No such file or directory\n");
+    EXPECT_EQ(outcome.out, "");
+}
+
+TEST(VellContext, SavesNothingAfterAnExpectationThatDoesNotHold)
+{
+    const Folder folder;
+
+    const Outcome outcome =
+        CallVell({"context", "save", folder.Write("a.json", Walker().Text()), "--after",
+                  folder.Write("a.script", "expect blip yes\n"), "-o", folder.PathOf("record")});
+
+    EXPECT_EQ(outcome.code, tool::ExitFailed);
+    EXPECT_EQ(outcome.errors, folder.PathOf("a.script") + ":1: expected a blip, none runs\n");
+    EXPECT_FALSE(std::filesystem::exists(folder.PathOf("record")));
+}
+
+TEST(VellContext, NeedsEachMemberOfARecordAndItsType)
+{
+    const std::vector<std::string> arrays = {"stackStates", "stackBlip"};
+    const std::vector<std::string> ids = {"nextState", "previousState", "transitionTriggered"};
+    const auto faultWith = [](const std::string& key, const std::string& value)
+    {
+        std::string record = kRecord;
+        const std::size_t begin = record.find("  \"" + key);
+        const std::size_t end = record.find('\n', begin);
+        record.replace(begin, end - begin,
+                       value.empty() ? "\"other\": 1," : "\"" + key + "\": " + value + ",");
+        const std::size_t last = record.rfind(",\n}");
+        if (last != std::string::npos)
+        {
+            record.erase(last, 1);
+        }
+        std::string fault;
+        const Tessel::KVTable table = tool::ContextFromJson(record, &fault);
+        EXPECT_FALSE(table) << record;
+        return fault;
+    };
+
+    for (const std::string& key : arrays)
+    {
+        for (const char* value : {"", "7", "{}", "null", "\"a\""})
+        {
+            EXPECT_EQ(faultWith(key, value), "\"" + key + "\" is missing or no array") << value;
+        }
+        for (const char* value : {"[-1]", "[10, 1.5]", "[\"10\"]", "[4294967296]", "[null]"})
+        {
+            EXPECT_EQ(faultWith(key, value), "\"" + key + "\" has an element that is no id")
+                << value;
+        }
+    }
+    for (const std::string& key : ids)
+    {
+        for (const char* value : {"", "-1", "1.5", "\"10\"", "4294967296", "null", "[]"})
+        {
+            EXPECT_EQ(faultWith(key, value), "\"" + key + "\" is missing or no id") << value;
+        }
+    }
 }
 
 TEST(VellContext, RefusesWhatIsNoContext)

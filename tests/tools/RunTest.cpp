@@ -16,23 +16,6 @@ namespace vell::test
 namespace
 {
 
-/// Runs `builder` by `script` and gives what happened.
-Outcome RunScript(const DocumentBuilder& builder, const std::string& script,
-                  const std::vector<std::string>& options = {})
-{
-    const Folder folder;
-    std::vector<std::string> words{"run", folder.Write("a.json", builder.Text()), "--script",
-                                   folder.Write("a.script", script)};
-    words.insert(words.end(), options.begin(), options.end());
-    Outcome outcome = CallVell(words);
-    const std::string path = folder.PathOf("");
-    for (std::size_t at = 0; (at = outcome.errors.find(path)) != std::string::npos;)
-    {
-        outcome.errors.erase(at, path.size());
-    }
-    return outcome;
-}
-
 constexpr const char* kWalkerScript = "tick\n"
                                       "expect stack Locomotion/Stand\n"
                                       "set speed 2\n"
@@ -422,27 +405,6 @@ TEST(VellRun, EndsWithAnErrorWhenATickBreaksOff)
     EXPECT_EQ(outcome.errors,
               "a.script:3: tick 4: the tick broke off: a blip ended at an exit node that stood "
               "higher on its stack than the main stack reaches\n");
-}
-
-TEST(VellRun, ShowsProgressOfLongRunsOnATerminalOnly)
-{
-    DocumentBuilder builder;
-    builder.Start(10).Node(Generic("A", 10));
-    const Folder folder;
-    const tool::LogRedirect quiet("");
-    tool::ObservedMachine machine;
-    ASSERT_EQ(machine.Load(folder.Write("a.json", builder.Text())), "");
-    tool::Report report;
-    std::ostringstream errors;
-    tool::RunOptions options;
-    options.showProgress = true;
-    tool::Runner runner(machine, report, errors, options);
-    runner.Start();
-
-    runner.Tick(999999);
-    EXPECT_EQ(errors.str(), "");
-    runner.Tick(1000000);
-    EXPECT_NE(errors.str().find("\r500000 of 1000000 ticks"), std::string::npos);
 }
 
 } // namespace

@@ -167,7 +167,10 @@ private:
     {
         command.add_option("--script", request.script, "File of instructions; - is standard input")
             ->type_name("FILE");
-        command.add_option("--ticks", request.ticks, ticksHelp)->type_name("N");
+        // Without the check a negative number becomes a very large one.
+        command.add_option("--ticks", request.ticks, ticksHelp)
+            ->check(CLI::NonNegativeNumber)
+            ->type_name("N");
         command.add_option("--dt", request.run.timeStep, "Seconds a tick; 1/60 when not given")
             ->type_name("SECONDS");
         AddFormat(command, "text: for people; jsonl: an object a line", {"text", "jsonl"});

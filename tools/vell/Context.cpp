@@ -57,11 +57,15 @@ std::string CheckContext(const rapidjson::Value& context)
     return "";
 }
 
-/// Gives the first id of a recorded stack that did not get onto the machine's, or 0.
-unsigned int FirstMissing(Tessel::KVTable recorded, const std::vector<SMState*>& stack)
+/// Says which id of a recorded stack is the first that did not get onto the machine's; an empty
+/// text when all did.
+std::string CheckStack(Tessel::KVTable recorded, const std::vector<SMState*>& stack)
 {
     const unsigned int count = static_cast<unsigned int>(stack.size());
-    return count < recorded->GetCount() ? recorded->GetValueAt(count)->GetUIntValue() : 0;
+    return count < recorded->GetCount()
+               ? "the document has no state " +
+                     std::to_string(recorded->GetValueAt(count)->GetUIntValue())
+               : "";
 }
 
 } // namespace
@@ -80,13 +84,13 @@ std::string RestoreContext(ObservedMachine& machine, const std::string& json)
         return fault;
     }
     machine.SetContextInfo(context);
-    unsigned int missing = FirstMissing(context->GetTable(kMainStackKey), machine.MainStack());
-    if (missing == 0)
+    fault = CheckStack(context->GetTable(kMainStackKey), machine.MainStack());
+    if (fault.empty())
     {
-        missing = FirstMissing(context->GetTable(kBlipStackKey), machine.BlipStack());
+        fault = CheckStack(context->GetTable(kBlipStackKey), machine.BlipStack());
     }
     Tessel::CloseTable(context);
-    return missing == 0 ? "" : "the document has no state " + std::to_string(missing);
+    return fault;
 }
 
 Tessel::KVTable ContextFromJson(const std::string& json, std::string* fault)
