@@ -7,6 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+#include <vector>
+
 namespace vell::test
 {
 namespace
@@ -108,6 +112,162 @@ TEST(VellExplain, TellsThatABlipIsTooWeak)
         "     1  refused  Weak (101) of Any, priority 0: go == true (saw true)\n"
         "     1  explain  A: no transitions\n"
         "     1  stack    A\n");
+}
+
+TEST(VellExplain, TellsOfTransitionsThatLeadNowhereBySiblings)
+{
+    DocumentBuilder builder;
+    builder.Start(10)
+        .Parameter(BoolParameter("go", true))
+        .Parameter(BoolParameter("stop", false))
+        .Node(Generic("A", 10, {101, 102, 103}))
+        .Node(Transition("Quiet", 101, 10, 0, {BoolCondition("stop", true)})
+                  .Set(JSON_TransitionPriority, 1))
+        .Node(Transition("Off", 102, 10, 0, {BoolCondition("go", true)})
+                  .Set(JSON_TransitionPriority, 2)
+                  .Set(JSON_TransitionDisabled, true))
+        .Node(
+            Transition("Half", 103, 10, 0, {BoolCondition("stop", true), BoolCondition("go", true)})
+                .Set(JSON_TransitionPriority, 3));
+
+    EXPECT_EQ(ExplainTick(builder, "tick\n", "1"),
+              "     1  explain  A:\n"
+              "     1  explain      Quiet (101), priority 1: no condition holds: stop == true (saw "
+              "false)\n"
+              "     1  explain      Off (102), priority 2: disabled: go == true (saw true)\n"
+              "     1  explain      Half (103), priority 3: holds and has no target, so nothing "
+              "fires: stop == true (saw false), go == true (saw true)\n"
+              "     1  stack    A\n");
+}
+
+TEST(VellExplain, ShowsTheFirstConditionThatHoldsAsTheOneThatFired)
+{
+    DocumentBuilder builder;
+    builder.Start(10)
+        .Parameter(IntParameter("a", 1))
+        .Parameter(IntParameter("b", 2))
+        .Parameter(IntParameter("c", 3))
+        .Node(Generic("A", 10, {101}))
+        .Node(Generic("B", 11))
+        .Node(Transition("Go", 101, 10, 11,
+                         {IntCondition("a", EvaluateEqual, 9), IntCondition("b", EvaluateEqual, 2),
+                          IntCondition("c", EvaluateEqual, 3)}));
+
+    EXPECT_EQ(ExplainTick(builder, "tick\n", "1"),
+              "     1  explain  A:\n"
+              "     1  explain      Go (101), priority 5: fires: a == 9 (saw 1), b == 2 (saw 2), "
+              "c == 3 (saw 3)\n"
+              "     1  fired    Go (101) of A, priority 5: b == 2 (saw 2)\n"
+              "     1  left     A\n"
+              "     1  entered  B\n"
+              "     1  stack    B\n");
+}
+
+TEST(VellExplain, TellsThatNothingBehindARefusedTransitionIsTested)
+{
+    DocumentBuilder builder;
+    builder.Start(10)
+        .Parameter(BoolParameter("go", true))
+        .Node(Generic("A", 10))
+        .Node(Transition("Weak", 101, 50, 10, {BoolCondition("go", true)})
+                  .Set(JSON_TransitionPriority, -1))
+        .Node(Transition("Strong", 102, 50, 10, {BoolCondition("go", true)}))
+        .GlobalNode(Global("Any", 50, {101, 102}));
+
+    EXPECT_EQ(ExplainTick(builder, "tick\n", "1"),
+              "     1  explain  Any:\n"
+              "     1  explain      Weak (101), priority -1: refused, its priority is below 1, "
+              "which a blip needs now: go == true (saw true)\n"
+              "     1  explain      Strong (102), priority 5: not reached, an earlier one holds: "
+              "go == true (saw true)\n"
+              "     1  refused  Weak (101) of Any, priority -1: go == true (saw true)\n"
+              "     1  explain  A: no transitions\n"
+              "     1  stack    A\n");
+}
+
+/// Gives the words of one condition on a machine with a parameter of each class.
+std::string WordsOf(const Json& condition)
+{
+    DocumentBuilder builder;
+    builder.Start(10)
+        .Parameter(BoolParameter("flag", true))
+        .Parameter(IntParameter("count", 7))
+        .Parameter(FloatParameter("speed", 1.5))
+        .Parameter(MessageParameter("stance", "low"))
+        .Node(Generic("A", 10, {101}))
+        .Node(Transition("Go", 101, 10, 0, {condition}));
+    const std::string lines = ExplainTick(builder, "tick\n", "1");
+    const std::string start = "Go (101), priority 5: ";
+    std::size_t begin = lines.find(start) + start.size();
+    begin = lines.find(": ", begin) + 2;
+    return lines.substr(begin, lines.find('\n', begin) - begin);
+}
+
+TEST(VellExplain, HasWordsForEachConditionAndOperator)
+{
+    const auto number = [](int type, const char* name, int operation, const char* range)
+    {
+        return Condition(type, name, operation, range);
+    };
+    const std::vector<std::pair<Json, std::string>> cases = {
+        {BoolCondition("flag", true), "flag == true (saw true)"},
+        {BoolCondition("flag", false), "flag == false (saw true)"},
+        {IntCondition("count", EvaluateEqual, -3), "count == -3 (saw 7)"},
+        {IntCondition("count", EvaluateNotEqual, 3), "count != 3 (saw 7)"},
+        {IntCondition("count", EvaluateGreater, 3), "count > 3 (saw 7)"},
+        {IntCondition("count", EvaluateGreaterOrEqual, 3), "count >= 3 (saw 7)"},
+        {IntCondition("count", EvaluateLess, 3), "count < 3 (saw 7)"},
+        {IntCondition("count", EvaluateLessOrEqual, 3), "count <= 3 (saw 7)"},
+        {number(DURMBaseLib::PARAM_Integer, "count", EvaluateInRange, "9,-2"),
+         "count in -2..9 (saw 7)"},
+        {FloatCondition("speed", EvaluateEqual, 0.5), "speed == 0.5 (saw 1.5)"},
+        {FloatCondition("speed", EvaluateNotEqual, 0.5), "speed != 0.5 (saw 1.5)"},
+        {FloatCondition("speed", EvaluateGreater, 0.5), "speed > 0.5 (saw 1.5)"},
+        {FloatCondition("speed", EvaluateGreaterOrEqual, 0.5), "speed >= 0.5 (saw 1.5)"},
+        {FloatCondition("speed", EvaluateLess, 0.5), "speed < 0.5 (saw 1.5)"},
+        {FloatCondition("speed", EvaluateLessOrEqual, 0.5), "speed <= 0.5 (saw 1.5)"},
+        {number(DURMBaseLib::PARAM_Float, "speed", EvaluateInRange, "2.5,-0.5"),
+         "speed in -0.5..2.5 (saw 1.5)"},
+        {MessageCondition("stance", "high"), "stance == \"high\" (saw \"\")"},
+        // A condition sees the bytes of a parameter of another class.
+        {BoolCondition("count", true), "count == true (saw 7)"},
+    };
+    for (const auto& [condition, words] : cases)
+    {
+        EXPECT_EQ(WordsOf(condition), words);
+    }
+}
+
+TEST(VellExplain, HasWordsForConditionsWithoutAParameter)
+{
+    const std::string missing = "parameter " + std::to_string(ParameterId("nobody"));
+    const std::string unseen = " (its parameter is not there)";
+    const std::vector<std::pair<Json, std::string>> cases = {
+        {BoolCondition("nobody", true), missing + " == true" + unseen},
+        {IntCondition("nobody", EvaluateLess, 3), missing + " < 3" + unseen},
+        {FloatCondition("nobody", EvaluateLess, 0.5), missing + " < 0.5" + unseen},
+        {MessageCondition("nobody", "now"), missing + " == \"now\"" + unseen},
+    };
+    for (const auto& [condition, words] : cases)
+    {
+        EXPECT_EQ(WordsOf(condition), words);
+    }
+}
+
+TEST(VellExplain, HasWordsForAnOperatorThatNobodyKnows)
+{
+    for (const Json& condition : {Json(IntCondition("count", EvaluateEqual, 3)),
+                                  Json(FloatCondition("count", EvaluateEqual, 3.0))})
+    {
+        std::string text = condition.Text();
+        const std::string known = OperatorName(EvaluateEqual);
+        const std::size_t at = text.find("\"" + known + "\"");
+        ASSERT_NE(at, std::string::npos) << text;
+        text.replace(at + 1, known.size(), "around");
+
+        EXPECT_EQ(WordsOf(Json::Raw(text)).substr(0, 40),
+                  "count (unknown operator, never holds) 3 ");
+    }
 }
 
 // One object a line.

@@ -10,6 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <sstream>
 #include <string>
 
 namespace vell::test
@@ -169,30 +171,163 @@ TEST(VellGraph, CutsEdgesOffAtTheBorderOfALevelThatTheyDoNotStartIn)
                                                             "    n1_level -.-> n1_level\n");
 }
 
-/// Sets the environment's search path for as long as it lives.
-class SearchPath
+/// Gives the lines of the graph of `builder` that contain `part`.
+std::string LinesWith(const DocumentBuilder& builder, const std::string& part,
+                      const std::string& format = "dot")
+{
+    const Folder folder;
+    const Outcome outcome =
+        CallVell({"graph", folder.Write("a.json", builder.Text()), "--format", format});
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.code, tool::ExitWell);
+    std::istringstream lines(outcome.out);
+    std::string found;
+    for (std::string line; std::getline(lines, line);)
+    {
+        found += line.find(part) == std::string::npos ? "" : line + "\n";
+    }
+    return found;
+}
+
+TEST(VellGraph, DrawsTransitionsWithoutSourceOrTargetOfLevelsAndStates)
+{
+    DocumentBuilder builder;
+    builder.Start(20)
+        .Level("L", 20, 11, {100})
+        .Node(Generic("A", 11, {101}, 20))
+        .Node(Transition("LevelNowhere", 100, 20, 0))
+        .Node(Transition("StateNowhere", 101, 11, 0))
+        .Node(Transition("FromNobody", 102, 98, 20))
+        .Node(Transition("FromNothing", 103, 0, 20));
+
+    EXPECT_EQ(LinesWith(builder, " -> "),
+              "    start -> n20 [lhead=cluster_n20];\n"
+              "    n11 -> n0 [label=\" 5: a trigger \", tooltip=\"StateNowhere\"];\n"
+              "    n20 -> n0 [label=\" 5: a trigger \", tooltip=\"LevelNowhere\", "
+              "ltail=cluster_n20];\n"
+              "    n21 -> n11 [style=dotted];\n"
+              "    n98 -> n20 [label=\" 5: a trigger (no state lists it) \", "
+              "tooltip=\"FromNobody\", style=dashed, lhead=cluster_n20];\n"
+              "    n0 -> n20 [label=\" 5: a trigger (no state lists it) \", "
+              "tooltip=\"FromNothing\", style=dashed, lhead=cluster_n20];\n");
+    EXPECT_EQ(LinesWith(builder, "no node"),
+              "    n0 [label=\"no node\", style=dashed, color=red, fontcolor=red];\n"
+              "    n98 [label=\"no node 98\", style=dashed, color=red, fontcolor=red];\n");
+    EXPECT_EQ(LinesWith(builder, "n0", "mermaid"),
+              "    n0[\"no node\"]:::unknown\n"
+              "    n11 -->|\"5: a trigger\"| n0\n"
+              "    n20 -->|\"5: a trigger\"| n0\n"
+              "    n0 -.->|\"5: a trigger (no state lists it)\"| n20\n");
+}
+
+TEST(VellGraph, DrawsConnectorsApartFromStates)
+{
+    DocumentBuilder builder;
+    builder.Start(10).Node(Clip("A", 10, "a.anim")).Node(Connector("C", 11, "in"));
+
+    EXPECT_EQ(LinesWith(builder, "label="), "    n10 [label=\"A\"];\n"
+                                            "    n11 [label=\"C\", style=dotted];\n");
+    EXPECT_EQ(LinesWith(builder, "\"]", "mermaid") + LinesWith(builder, "\")", "mermaid"),
+              "    n11[\"C\"]\n"
+              "    n10(\"A\")\n"
+              "    start((\" \")) --> n10\n");
+}
+
+TEST(VellGraph, EscapesNamesOfStatesLevelsAndTransitions)
+{
+    const std::string name = "a\"b\\c\nd#e<f>g`h";
+    const std::string dot = "a\\\"b\\\\c\\nd#e<f>g`h";
+    const std::string mermaid = "a#quot;b\\c d#35;e#lt;f#gt;g#96;h";
+    DocumentBuilder builder;
+    builder.Start(20)
+        .Parameter(MessageParameter("m", ""))
+        .Level(name, 20, 10)
+        .Node(Generic(name, 10, {100}, 20))
+        .Node(Transition(name, 100, 10, 10, {MessageCondition("m", name)}));
+
+    EXPECT_EQ(LinesWith(builder, "d#e"),
+              "        label=\"" + dot + "\";\n        n10 [label=\"" + dot +
+                  "\"];\n        n21 [label=\"" + dot +
+                  "In\", shape=oval, style=filled, fillcolor=lightgrey];\n        n22 [label=\"" +
+                  dot +
+                  "Out\", shape=oval, peripheries=2, style=filled, fillcolor=lightgrey];\n"
+                  "    n10 -> n10 [label=\" 5: m == \\\"" +
+                  dot + "\\\" \", tooltip=\"" + dot + "\"];\n");
+    EXPECT_EQ(LinesWith(builder, "#35;", "mermaid"),
+              "    subgraph n20[\"" + mermaid + "\"]\n        n10(\"" + mermaid +
+                  "\")\n        n21((\"" + mermaid + "In\"))\n        n22(((\"" + mermaid +
+                  "Out\")))\n    n10 -->|\"5: m == #quot;" + mermaid + "#quot;\"| n10\n");
+}
+
+/// Sets a variable of the environment for as long as it lives.
+class Variable
 {
 public:
-    explicit SearchPath(const char* path) : saved(std::getenv("PATH"))
+    Variable(const char* variable, const std::string& value) : name(variable)
     {
-        setenv("PATH", path, 1);
+        const char* old = std::getenv(name);
+        wasSet = old != nullptr;
+        saved = wasSet ? old : "";
+        setenv(name, value.c_str(), 1);
     }
-    ~SearchPath()
+    ~Variable()
     {
-        setenv("PATH", saved.c_str(), 1);
+        wasSet ? setenv(name, saved.c_str(), 1) : unsetenv(name);
     }
-    SearchPath(const SearchPath&) = delete;
-    SearchPath& operator=(const SearchPath&) = delete;
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
 
 private:
+    const char* name;
+    bool wasSet = false;
     std::string saved;
 };
+
+/// Draws the Walker by a program `dot` of these lines.
+Outcome DrawBy(const Folder& folder, const std::string& lines)
+{
+    const std::string program = folder.Write("dot", "#!/bin/sh\n" + lines);
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    const std::string document = folder.Write("a.json", Walker().Text());
+    const Variable path("PATH", folder.PathOf("") + ":" + std::getenv("PATH"));
+    return CallVell({"graph", document, "--format", "svg"});
+}
+
+TEST(VellGraph, SaysThatGraphvizCouldNotDraw)
+{
+    for (const char* end : {"exit 1\n", "exit 2\n", "exit 126\n", "kill -9 $$\n"})
+    {
+        const Folder folder;
+
+        const Outcome outcome = DrawBy(folder, std::string("echo half a picture\n") + end);
+
+        EXPECT_EQ(outcome.code, tool::ExitFailed) << end;
+        EXPECT_EQ(outcome.errors,
+                  "Graphviz could not draw the picture; --log FILE keeps what it said\n");
+        EXPECT_EQ(outcome.out, "") << end;
+    }
+}
+
+TEST(VellGraph, TakesThePictureWholeAndLeavesNoFileBehind)
+{
+    const Folder folder;
+    const Folder temporary;
+    const Variable place("TMPDIR", temporary.PathOf(""));
+
+    const Outcome outcome = DrawBy(folder, "yes 0123456789 | head -n 5000\n");
+    const Outcome failed = DrawBy(folder, "exit 1\n");
+
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.out.size(), 55000u);
+    EXPECT_EQ(failed.code, tool::ExitFailed);
+    EXPECT_TRUE(std::filesystem::is_empty(temporary.PathOf("")));
+}
 
 TEST(VellGraph, SaysThatGraphvizIsMissing)
 {
     const Folder folder;
     const std::string path = folder.Write("a.json", Walker().Text());
-    const SearchPath nothing("/nowhere");
+    const Variable nothing("PATH", "/nowhere");
 
     const Outcome outcome = CallVell({"graph", path, "--format", "svg"});
 
@@ -209,8 +344,8 @@ TEST(VellGraph, DrawsAPictureIntoAFile)
     // A program of the name stands in for Graphviz, which need not be here.
     const std::string program = folder.Write("dot", "#!/bin/sh\nprintf 'drawn from '\n"
                                                     "head -n 1 \"$2\"\n");
-    ASSERT_EQ(std::system(("chmod +x " + program).c_str()), 0);
-    const SearchPath path((folder.PathOf("") + ":" + std::getenv("PATH")).c_str());
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    const Variable path("PATH", folder.PathOf("") + ":" + std::getenv("PATH"));
 
     const Outcome outcome = CallVell({"graph", folder.Write("a.json", Walker().Text()), "--format",
                                       "svg", "-o", folder.PathOf("a.svg")});

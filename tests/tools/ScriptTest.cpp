@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace vell::tool
 {
@@ -111,6 +114,73 @@ TEST(Script, NamesFileAndLineOfEveryWrongLine)
         "a.script:9: a name and a value are missing; write: expect param NAME VALUE",
         "a.script:10: write: expect blip yes, or: expect blip no"};
     EXPECT_EQ(script.errors, expected);
+}
+
+TEST(Script, TakesAWholeNumberOfTicksAndNothingElse)
+{
+    EXPECT_EQ(ReadOne("tick 0").count, 0u);
+    EXPECT_EQ(ReadOne("tick\t7\t").count, 7u);
+    EXPECT_EQ(ReadOne("tick \"8\"").count, 8u);
+    EXPECT_EQ(ReadOne("tick 18446744073709551615").count, 18446744073709551615u);
+    for (const char* count : {"5x", "5 6", "5.0", "1e3", "+5", "0x5", "-5", "x5", "5,",
+                              "18446744073709551616", "99999999999999999999999"})
+    {
+        const Script script = Read(std::string("tick ") + count);
+
+        EXPECT_TRUE(script.instructions.empty()) << count;
+        EXPECT_EQ(script.errors,
+                  std::vector<std::string>{"a.script:1: '" + std::string(count) +
+                                           "' is no number of ticks; write: tick [N]"});
+    }
+}
+
+TEST(Script, CutsALineIntoWordsAtBlanksTabsAndItsEnd)
+{
+    for (const char* line : {"set speed 1.5", "set\tspeed\t1.5", "  set  speed  1.5  ",
+                             "\tset speed 1.5\t\r", "set speed 1.5\r", "set speed \"1.5\"\r",
+                             "\"set\" \"speed\" 1.5", "set speed 1.5 # 2", "set speed 1.5\t#2"})
+    {
+        const Instruction instruction = ReadOne(line);
+
+        EXPECT_EQ(instruction.operation, Operation::Set) << line;
+        EXPECT_EQ(instruction.name, "speed") << line;
+        EXPECT_EQ(instruction.value, "1.5") << line;
+    }
+}
+
+TEST(Script, TakesQuotesThatAreNotClosedAsTheyStand)
+{
+    EXPECT_EQ(ReadOne("message \"jump").name, "jump");
+    EXPECT_EQ(ReadOne("message \"jump up ").name, "jump up ");
+    EXPECT_EQ(ReadOne("set name \"").value, "\"");
+    EXPECT_EQ(ReadOne("set name \"a").value, "\"a");
+    EXPECT_EQ(ReadOne("set name a\"").value, "a\"");
+    EXPECT_EQ(ReadOne("set name \"\"").value, "");
+}
+
+TEST(Script, SaysWhatIsMissingInEachInstruction)
+{
+    const std::string expectations = "there are: expect stack, expect param, expect blip";
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"set", "a name and a value are missing; write: set NAME VALUE"},
+        {"set speed", "a name and a value are missing; write: set NAME VALUE"},
+        {"set speed # 5", "a name and a value are missing; write: set NAME VALUE"},
+        {"message", "one name is wanted; write: message NAME"},
+        {"message a b", "one name is wanted; write: message NAME"},
+        {"expect", "nothing is known as '' to expect; " + expectations},
+        {"expect stacks", "nothing is known as 'stacks' to expect; " + expectations},
+        {"expect param", "a name and a value are missing; write: expect param NAME VALUE"},
+        {"expect param speed", "a name and a value are missing; write: expect param NAME VALUE"},
+        {"expect blip", "write: expect blip yes, or: expect blip no"},
+        {"expect blip true", "write: expect blip yes, or: expect blip no"},
+        {"expect blip yes no", "write: expect blip yes, or: expect blip no"},
+        {"Tick", "'Tick' is no instruction; there are: tick, set, message, expect"},
+        {"ticks", "'ticks' is no instruction; there are: tick, set, message, expect"},
+    };
+    for (const auto& [line, fault] : cases)
+    {
+        EXPECT_EQ(Read("\n" + line).errors, std::vector<std::string>{"a.script:2: " + fault});
+    }
 }
 
 TEST(Script, SaysWhyAFileCannotBeRead)

@@ -86,6 +86,55 @@ TEST(TreeJson, WritesALineForEachValueAsText)
     Tessel::CloseTable(table);
 }
 
+TEST(TreeJson, NamesTheWholePathOfAValue)
+{
+    const Tessel::KVTable table = Tessel::CreateTable("root");
+    Tessel::KVTable inner = table->AddTable("outer", 1)->AddTable("inner", 1);
+    inner->SetInt("value", 1, 1);
+    inner->AddTable(kBlipStackKey, 1);
+    inner->AddTable(kMainStackKey, 1)->PushUInt(7, 1);
+    inner->AddTable("deep", 1)->SetInt("value", 2, 1);
+
+    EXPECT_EQ(tool::TreeToText(table), "outer/inner/value = 1\n"
+                                       "outer/inner/stackBlip = []\n"
+                                       "outer/inner/stackStates = [7]\n"
+                                       "outer/inner/deep/value = 2\n");
+    EXPECT_EQ(tool::TreeToJson(table), "{\n"
+                                       "  \"outer\": {\n"
+                                       "    \"inner\": {\n"
+                                       "      \"value\": 1,\n"
+                                       "      \"stackBlip\": [],\n"
+                                       "      \"stackStates\": [7],\n"
+                                       "      \"deep\": {\n"
+                                       "        \"value\": 2\n"
+                                       "      }\n"
+                                       "    }\n"
+                                       "  }\n"
+                                       "}\n");
+    Tessel::CloseTable(table);
+}
+
+TEST(TreeJson, WritesWhatJsonHasNoWordForAsNull)
+{
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    constexpr float none = std::numeric_limits<float>::quiet_NaN();
+    const Tessel::Float2 two{none, 1.0f};
+    const Tessel::Float4 four{infinity, -infinity, none, 0.0f};
+    const Tessel::KVTable table = Tessel::CreateTable("root");
+    table->SetFloat("high", infinity, 1);
+    table->SetFloat("low", -infinity, 1);
+    table->SetFloat("none", none, 1);
+    table->SetFloat2("two", &two, 1);
+    table->SetFloat4("four", &four, 1);
+
+    EXPECT_EQ(tool::TreeToText(table), "high = null\n"
+                                       "low = null\n"
+                                       "none = null\n"
+                                       "two = [null,1]\n"
+                                       "four = [null,null,null,0]\n");
+    Tessel::CloseTable(table);
+}
+
 TEST(VellTree, PrintsTheTreeAfterAScript)
 {
     const Folder folder;
