@@ -248,7 +248,7 @@ void NodeDefTable::ClearNodes()
     cursor = nodes.end();
 }
 
-Tessel::KVTable ReleaseStorage(NodeDefTable& table, ArenaObject::AtEnd)
+Tessel::KVTable ReleaseStorage(NodeDefTable& table, ArenaLink::AtEnd)
 {
     table.ClearNodes();
     table.enterNodes.clear();

@@ -18,7 +18,7 @@ namespace vell
 
 /// Turns the nodes of a document into definitions by way of the builder registry, and finds them
 /// again. Definitions lie in the arena and refer to each other by id only.
-class NodeDefTable : public ArenaObject
+class NodeDefTable
 {
     /// Where the entries of `nodes` lie, which go all at once.
     std::pmr::monotonic_buffer_resource nodePool{std::pmr::new_delete_resource()};
@@ -74,7 +74,11 @@ public:
     /// Uninitialises all definitions and forgets them.
     void Uninit();
 
-    friend Tessel::KVTable ReleaseStorage(NodeDefTable& table, ArenaObject::AtEnd);
+    friend Tessel::KVTable ReleaseStorage(NodeDefTable& table, ArenaLink::AtEnd);
+    friend ArenaLink& GetArenaLink(NodeDefTable& object)
+    {
+        return object.arenaLink;
+    }
 
     static constexpr std::size_t kIdentitySize =
         70; ///< characters of a GUID or build id, terminated
@@ -102,6 +106,8 @@ private:
     void PrintHead(const GenericValue& head, unsigned int substateRoot) const;
     BaseDef* WalkFrom(NodeMap::iterator position, unsigned int mask);
     void ClearNodes();
+
+    ArenaLink arenaLink;
 };
 
 } // namespace vell

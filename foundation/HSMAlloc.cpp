@@ -102,9 +102,9 @@ void HSMAlloc::Forget(const void* object)
     }
 }
 
-void ArenaObject::LeaveArena()
+void ArenaLink::Leave()
 {
-    owningArena->kept[entryInArena] = HSMAlloc::Kept{nullptr, nullptr};
+    arena->kept[entry] = HSMAlloc::Kept{nullptr, nullptr};
 }
 
 void* HSMAlloc::TableToPointer(Tessel::KVTable table)

@@ -227,7 +227,7 @@ Tessel::KVTable ParameterTable::GetKVTable() const
     return table;
 }
 
-Tessel::KVTable ReleaseStorage(ParameterTable& params, ArenaObject::AtEnd)
+Tessel::KVTable ReleaseStorage(ParameterTable& params, ArenaLink::AtEnd)
 {
     params.ForgetParameters();
     ParameterTable::NameMap().swap(params.nameToId);

@@ -4,7 +4,7 @@
 
 #include "parameters/ValueRoom.h"
 
-#include <vell/ArenaObject.h>
+#include <vell/ArenaLink.h>
 #include <vell/IParameterTable.h>
 #include <vell/Json.h>
 
@@ -23,7 +23,7 @@ class HSMAlloc;
 
 /// Builds the document's parameters in the arena, makes further ones on the heap while the machine
 /// runs, and finds them by id and by name.
-class ParameterTable : public IParameterTable, public ArenaObject
+class ParameterTable : public IParameterTable
 {
 public:
     /// Orders names by their characters. A null name comes first.
@@ -93,7 +93,11 @@ public:
     /// Gives the table, or null.
     Tessel::KVTable GetKVTable() const;
 
-    friend Tessel::KVTable ReleaseStorage(ParameterTable& table, ArenaObject::AtEnd);
+    friend Tessel::KVTable ReleaseStorage(ParameterTable& table, ArenaLink::AtEnd);
+    friend ArenaLink& GetArenaLink(ParameterTable& object)
+    {
+        return object.arenaLink;
+    }
 
     Tessel::KVTable table;  ///< null until CreateKVTable
     NameMap nameToId;       ///< keys are the parameters' own name pointers
@@ -111,6 +115,8 @@ private:
     HSMAlloc* arena = nullptr; ///< keeps run-time parameters to its end; null until Init
     ParameterList resetting;   ///< those that reset each frame, in ascending id order
     std::vector<std::unique_ptr<ParameterDef>> ownParameters; ///< run-time ones without an arena
+
+    ArenaLink arenaLink;
 };
 
 } // namespace vell

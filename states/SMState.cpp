@@ -316,10 +316,4 @@ void SMState::Internals::HandOutTransitions(const SMState& state)
     }
 }
 
-Tessel::KVTable SMState::ReleaseStorage()
-{
-    std::vector<TransitionDef*>().swap(transitions);
-    return Tessel::KVTable();
-}
-
 } // namespace vell

@@ -2,7 +2,7 @@
 // include/vell/AttribBase.h: the common part of all attributes.
 #pragma once
 
-#include <vell/ArenaObject.h>
+#include <vell/ArenaLink.h>
 #include <vell/IAttribDef.h>
 
 #include <tessel/Tessel.h>
@@ -13,7 +13,7 @@ namespace vell
 /// An attribute with its key/value table, named "attribBase". Every write of the value goes to the
 /// table's key "value", and a tool's write of that key comes back as a `SetValue`, but for four
 /// floats, which only the table takes.
-class VELL_API AttribBase : public IAttribDef, public ArenaObject
+class VELL_API AttribBase : public IAttribDef
 {
 public:
     AttribBase();
@@ -58,9 +58,13 @@ public:
     /// or `op` is not opResult_ValueChanged.
     void OnAttribValueModified(Tessel::opResult op, Tessel::KVTable table, const char* key);
 
-    friend Tessel::KVTable ReleaseStorage(AttribBase& attrib, ArenaObject::AtEnd)
+    friend Tessel::KVTable ReleaseStorage(AttribBase& attrib, ArenaLink::AtEnd)
     {
         return attrib.kvTable;
+    }
+    friend ArenaLink& GetArenaLink(AttribBase& object)
+    {
+        return object.arenaLink;
     }
 
 protected:
@@ -76,6 +80,8 @@ protected:
 private:
     int ListenToValue();
     int StopListeningToValue();
+
+    ArenaLink arenaLink; ///< the library's
 };
 
 } // namespace vell

@@ -2,7 +2,7 @@
 // include/vell/BaseDef.h: the base of every node definition.
 #pragma once
 
-#include <vell/ArenaObject.h>
+#include <vell/ArenaLink.h>
 #include <vell/IBaseDef.h>
 #include <vell/Json.h>
 #include <vell/NotCopied.h>
@@ -20,7 +20,7 @@ struct Revision;
 /// The base of every definition class. A host that adds a kind of node derives from it, writes a
 /// factory that places the object with HSMAlloc::New and registers it (IHSM::RegisterNodeDef). Its
 /// `Init` calls BaseDef::Init first, and on failure runs the virtual `Uninit` and returns 0.
-class VELL_API BaseDef : public IBaseDef, public ArenaObject
+class VELL_API BaseDef : public IBaseDef
 {
 public:
     struct VELL_LOCAL Internals; ///< the library's own
@@ -86,10 +86,14 @@ public:
     /// Writes the key "dynamic", and for a non-zero `dynamic` the key "name". Returns 1.
     int TabSetDynamic(int dynamic);
 
-    friend Tessel::KVTable ReleaseStorage(BaseDef& def, ArenaObject::AtEnd)
+    friend Tessel::KVTable ReleaseStorage(BaseDef& def, ArenaLink::AtEnd)
     {
         AttribMap().swap(def.attribs);
         return def.kvTable;
+    }
+    friend ArenaLink& GetArenaLink(BaseDef& object)
+    {
+        return object.arenaLink;
     }
 
 protected:
@@ -135,6 +139,7 @@ protected:
 private:
     VELL_LOCAL void Append(Action** head, unsigned int* count, Action* action);
 
+    ArenaLink arenaLink;          ///< the library's
     NotCopied<Revision> revision; ///< the library's; null until a machine ticks the definition
 };
 

@@ -2,7 +2,7 @@
 // include/vell/HSMAlloc.h: the one-block arena of a machine.
 #pragma once
 
-#include <vell/ArenaObject.h>
+#include <vell/ArenaLink.h>
 #include <vell/Export.h>
 
 #include <tessel/Tessel.h>
@@ -25,7 +25,7 @@ namespace vell
 ///
 /// The arena runs no destructor. Memory that an object holds on the ordinary heap (a map, a vector,
 /// a text) is freed with the block, and its key/value table is closed when the arena is destroyed,
-/// when its class derives from ArenaObject and has the function that ArenaObject.h describes.
+/// when its class has the functions that ArenaLink.h describes.
 ///
 /// Objects follow one another without a gap, so one that follows a raw allocation of an odd size is
 /// misaligned. Only a type that asks for more than 8 is placed where it is aligned. A build with
@@ -88,7 +88,7 @@ public:
     SizeMap tracked{&trackedPool};  ///< address and size of every typed allocation ever made
 
 private:
-    friend class ArenaObject;
+    friend class ArenaLink;
 
     /// What to do about one object: `release` when the block goes, which turns the object into what
     /// is left of it, and `destroy` when the arena goes. `release` may be null.
@@ -104,18 +104,12 @@ private:
         const Duty* duty; ///< null when there is nothing to do
     };
 
-    template <class T>
-    static constexpr bool kIsArenaObject = std::is_convertible_v<T*, ArenaObject*>;
-
-    /// A state is recognised by an operation of exactly this type.
-    template <class C>
-    static std::true_type IsRelease(Tessel::KVTable (C::*)());
     template <class T, class = void>
-    struct HoldsStorage : std::false_type
+    struct HasLink : std::false_type
     {
     };
     template <class T>
-    struct HoldsStorage<T, std::void_t<decltype(IsRelease(&T::ReleaseStorage))>> : std::true_type
+    struct HasLink<T, std::void_t<decltype(GetArenaLink(std::declval<T&>()))>> : std::true_type
     {
     };
 
@@ -199,21 +193,12 @@ private:
 template <class T>
 const HSMAlloc::Duty* HSMAlloc::DutyOf()
 {
-    if constexpr (kIsArenaObject<T>)
-    {
-        static const Duty duty{
-            [](void* held) -> void*
-            {
-                return TableToPointer(ReleaseStorage(*static_cast<T*>(held), ArenaObject::AtEnd()));
-            },
-            nullptr};
-        return &duty;
-    }
-    else if constexpr (HoldsStorage<T>::value)
+    if constexpr (HasLink<T>::value)
     {
         static const Duty duty{[](void* held) -> void*
                                {
-                                   return TableToPointer(static_cast<T*>(held)->ReleaseStorage());
+                                   return TableToPointer(
+                                       ReleaseStorage(*static_cast<T*>(held), ArenaLink::AtEnd()));
                                },
                                nullptr};
         return &duty;
@@ -237,11 +222,11 @@ T* HSMAlloc::New()
     Room room(*this, padding + kSize);
     T* object = new (address) T();
     room.Fill(object, DutyOf<T>());
-    if constexpr (kIsArenaObject<T>)
+    if constexpr (HasLink<T>::value)
     {
-        ArenaObject& base = *object;
-        base.owningArena = this;
-        base.entryInArena = room.Entry();
+        ArenaLink& link = GetArenaLink(*object);
+        link.arena = this;
+        link.entry = room.Entry();
     }
     tracked.emplace_hint(tracked.end(), object, kSize);
     return object;

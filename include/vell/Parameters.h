@@ -227,7 +227,7 @@ public:
     void PullValue() override;
     int OnBroadcastEvent(int event, const void* record) override;
 
-    friend Tessel::KVTable ReleaseStorage(ParameterMessageDef& def, ArenaObject::AtEnd atEnd)
+    friend Tessel::KVTable ReleaseStorage(ParameterMessageDef& def, ArenaLink::AtEnd atEnd)
     {
         std::string().swap(def.defaultValue);
         std::string().swap(def.value);

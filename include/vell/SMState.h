@@ -2,6 +2,7 @@
 // include/vell/SMState.h: the run-time object of a node.
 #pragma once
 
+#include <vell/ArenaLink.h>
 #include <vell/Export.h>
 #include <vell/NotCopied.h>
 #include <vell/Types.h>
@@ -111,8 +112,15 @@ public:
     /// types.
     int GetAttrib(const char* name, void* out) const;
 
-    /// For the arena: gives heap memory back; there is no table to close.
-    Tessel::KVTable ReleaseStorage();
+    friend Tessel::KVTable ReleaseStorage(SMState& state, ArenaLink::AtEnd)
+    {
+        std::vector<TransitionDef*>().swap(state.transitions);
+        return Tessel::KVTable();
+    }
+    friend ArenaLink& GetArenaLink(SMState& object)
+    {
+        return object.arenaLink;
+    }
 
 protected:
     /// Runs the chain from `first` and returns 1.
@@ -137,6 +145,7 @@ private:
     VELL_LOCAL void TellParent();
     VELL_LOCAL void RequestAnimation(BaseDef* entered);
 
+    ArenaLink arenaLink;          ///< the library's
     NotCopied<Revision> revision; ///< the library's; null until a machine ticks the state
 };
 

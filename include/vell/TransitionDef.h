@@ -37,7 +37,7 @@ public:
     /// are called in every case.
     int HandleConditions(HSM* hsm);
 
-    friend Tessel::KVTable ReleaseStorage(TransitionDef& def, ArenaObject::AtEnd atEnd)
+    friend Tessel::KVTable ReleaseStorage(TransitionDef& def, ArenaLink::AtEnd atEnd)
     {
         std::vector<ConditionDef*>().swap(def.conditions);
         std::vector<Trigger>().swap(def.triggers);

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <vell/Action.h>
-#include <vell/ArenaObject.h>
+#include <vell/ArenaLink.h>
 #include <vell/AttribBase.h>
 #include <vell/BaseDef.h>
 #include <vell/Callbacks.h>

@@ -54,12 +54,18 @@ struct Throwing
 };
 
 /// Holds heap memory and a table, as definitions do.
-struct Holder : ArenaObject
+struct Holder
 {
     std::vector<std::string> texts = {std::string(100, 'x'), std::string(200, 'y')};
     Tessel::KVTable table = Tessel::CreateTable("holder");
 
-    friend Tessel::KVTable ReleaseStorage(Holder& holder, ArenaObject::AtEnd)
+    ArenaLink arenaLink;
+
+    friend ArenaLink& GetArenaLink(Holder& holder)
+    {
+        return holder.arenaLink;
+    }
+    friend Tessel::KVTable ReleaseStorage(Holder& holder, ArenaLink::AtEnd)
     {
         std::vector<std::string>().swap(holder.texts);
         return holder.table;

@@ -115,7 +115,7 @@ public:
 
     std::string colour;
 
-    friend Tessel::KVTable ReleaseStorage(HostDef& def, ArenaObject::AtEnd atEnd)
+    friend Tessel::KVTable ReleaseStorage(HostDef& def, ArenaLink::AtEnd atEnd)
     {
         std::string().swap(def.colour);
         return ReleaseStorage(static_cast<BaseDef&>(def), atEnd);

@@ -5,10 +5,10 @@
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
-#include "transitions/ConditionDef.h"
-#include "transitions/TransitionDef.h"
 
+#include <vell/ConditionDef.h>
 #include <vell/Parameters.h>
+#include <vell/TransitionDef.h>
 
 #include <gtest/gtest.h>
 
