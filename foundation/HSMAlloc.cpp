@@ -89,19 +89,6 @@ void HSMAlloc::Room::GiveBack()
     }
 }
 
-void HSMAlloc::Forget(const void* object)
-{
-    for (auto entry = kept.rbegin(); entry != kept.rend(); ++entry)
-    {
-        if (entry->object == object)
-        {
-            // The others know theirs by number.
-            *entry = Kept{nullptr, nullptr};
-            return;
-        }
-    }
-}
-
 void ArenaLink::Leave()
 {
     arena->kept[entry] = HSMAlloc::Kept{nullptr, nullptr};

@@ -227,13 +227,25 @@ Tessel::KVTable ParameterTable::GetKVTable() const
     return table;
 }
 
+/// A run-time parameter stays; its table closes with the machine.
+void ParameterTable::CloseRuntimeTables()
+{
+    for (const auto& entry : idToParam)
+    {
+        if (entry.second != nullptr && arena != nullptr && !arena->Holds(entry.second))
+        {
+            entry.second->DestroyKVTable();
+        }
+    }
+}
+
 Tessel::KVTable ReleaseStorage(ParameterTable& params, ArenaLink::AtEnd)
 {
+    params.CloseRuntimeTables();
     params.ForgetParameters();
     ParameterTable::NameMap().swap(params.nameToId);
     ParameterTable::ParameterMap().swap(params.idToParam);
     ParameterTable::ParameterList().swap(params.resetting);
-    std::vector<std::unique_ptr<ParameterDef>>().swap(params.ownParameters);
     return params.table;
 }
 

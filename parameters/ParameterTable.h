@@ -21,8 +21,8 @@ namespace vell
 
 class HSMAlloc;
 
-/// Builds the document's parameters in the arena, makes further ones on the heap while the machine
-/// runs, and finds them by id and by name.
+/// Builds the document's parameters in the arena, creates further ones on the heap while the
+/// machine runs, which are never deleted, and finds them by id and by name.
 class ParameterTable : public IParameterTable
 {
 public:
@@ -40,7 +40,7 @@ public:
     using ParameterList = std::vector<std::pair<unsigned int, ParameterDef*>>;
 
     ParameterTable();
-    /// Deletes the run-time parameters that no arena keeps. Never runs for a table in the arena.
+    /// Never runs for a table in the arena.
     ~ParameterTable();
     ParameterTable(const ParameterTable&) = delete;
     ParameterTable& operator=(const ParameterTable&) = delete;
@@ -106,15 +106,16 @@ public:
 private:
     void ResetAll();
     void ForgetParameters();
+    void CloseRuntimeTables();
     void PlaceValue(ParameterDef& def, int type);
     bool IsNewName(const char* name);
-    void KeepRuntimeParameter(ParameterDef* def, const char* name);
-    int PublishRuntimeParameter(ParameterDef* def);
+    /// Takes a run-time parameter in, which then lives as long as the process. Returns 1, or 0 with
+    /// a log line, and deletes it, when its id or name is taken.
+    int Publish(std::unique_ptr<ParameterDef> owned);
 
     ValueRoom values;          ///< of the document's first scalar parameters
-    HSMAlloc* arena = nullptr; ///< keeps run-time parameters to its end; null until Init
+    HSMAlloc* arena = nullptr; ///< holds the document's parameters; null until Init
     ParameterList resetting;   ///< those that reset each frame, in ascending id order
-    std::vector<std::unique_ptr<ParameterDef>> ownParameters; ///< run-time ones without an arena
 
     ArenaLink arenaLink;
 };

@@ -4,19 +4,30 @@
 
 #include "foundation/Checks.h"
 #include "foundation/TreeKeys.h"
+#include "parameters/RuntimeParameters.h"
 
-#include <vell/HSMAlloc.h>
 #include <vell/Parameters.h>
 
 #include <durm/DURMBaseLib.h>
 
-#include <algorithm>
+#include <memory>
 #include <new>
 #include <string>
 #include <utility>
 
 namespace vell
 {
+namespace
+{
+
+void Name(ParameterDef& def, const char* name)
+{
+    std::string text(name);
+    def.SetName(name);
+    def.SetID(DURMBaseLib::ConvertStringToCRC(text));
+}
+
+} // namespace
 
 int ParameterTable::CreateFloatParameter(const char* name, float value, IParameterFloatDef** out)
 {
@@ -29,13 +40,14 @@ int ParameterTable::CreateFloatParameter(const char* name, float value, IParamet
             *out = nullptr;
             break;
         }
-        auto* def = new ParameterFloatDef;
-        KeepRuntimeParameter(def, name);
+        auto def = std::make_unique<ParameterFloatDef>();
+        Name(*def, name);
         def->SetDefaultValue(value);
         def->SetValue(value);
         ERROR_BREAK(def->InitKVTable());
-        result = PublishRuntimeParameter(def);
-        *out = result ? def : nullptr;
+        ParameterFloatDef* created = def.get();
+        result = Publish(std::move(def));
+        *out = result ? created : nullptr;
     } while (false);
     return result;
 }
@@ -51,13 +63,14 @@ int ParameterTable::CreateBoolParameter(const char* name, bool value, IParameter
             *out = nullptr;
             break;
         }
-        auto* def = new ParameterBoolDef;
-        KeepRuntimeParameter(def, name);
+        auto def = std::make_unique<ParameterBoolDef>();
+        Name(*def, name);
         def->SetDefaultValue(value);
         def->SetValue(value);
         ERROR_BREAK(def->InitKVTable());
-        result = PublishRuntimeParameter(def);
-        *out = result ? def : nullptr;
+        ParameterBoolDef* created = def.get();
+        result = Publish(std::move(def));
+        *out = result ? created : nullptr;
     } while (false);
     return result;
 }
@@ -73,13 +86,14 @@ int ParameterTable::CreateIntParameter(const char* name, int value, IParameterIn
             *out = nullptr;
             break;
         }
-        auto* def = new ParameterIntegerDef;
-        KeepRuntimeParameter(def, name);
+        auto def = std::make_unique<ParameterIntegerDef>();
+        Name(*def, name);
         def->SetDefaultValue(value);
         def->SetValue(value);
         ERROR_BREAK(def->InitKVTable());
-        result = PublishRuntimeParameter(def);
-        *out = result ? def : nullptr;
+        ParameterIntegerDef* created = def.get();
+        result = Publish(std::move(def));
+        *out = result ? created : nullptr;
     } while (false);
     return result;
 }
@@ -96,15 +110,16 @@ int ParameterTable::CreateMessageParameter(const char* name, const char* text,
             *out = nullptr;
             break;
         }
-        auto* def = new (std::nothrow) ParameterMessageDef;
-        ERROR_BREAK(def);
-        KeepRuntimeParameter(def, name);
+        std::unique_ptr<ParameterMessageDef> def(new (std::nothrow) ParameterMessageDef);
+        ERROR_BREAK(def.get());
+        Name(*def, name);
         // Required: unlike a message from a document, this one starts with its text.
         def->SetDefaultValue(text == nullptr ? "" : text);
         def->ResetValue();
         ERROR_BREAK(def->InitKVTable());
-        result = PublishRuntimeParameter(def);
-        *out = result ? def : nullptr;
+        ParameterMessageDef* created = def.get();
+        result = Publish(std::move(def));
+        *out = result ? created : nullptr;
     } while (false);
     return result;
 }
@@ -114,43 +129,32 @@ bool ParameterTable::IsNewName(const char* name)
     return name != nullptr && GetParameterID(name) == 0;
 }
 
-void ParameterTable::KeepRuntimeParameter(ParameterDef* def, const char* name)
+int ParameterTable::Publish(std::unique_ptr<ParameterDef> owned)
 {
-    std::unique_ptr<ParameterDef> owner(def);
-    std::string text(name);
-    def->SetName(name);
-    def->SetID(DURMBaseLib::ConvertStringToCRC(text));
-    if (arena == nullptr)
-    {
-        ownParameters.push_back(std::move(owner));
-        return;
-    }
-    arena->DeleteLater(def);
-    owner.release();
-}
-
-int ParameterTable::PublishRuntimeParameter(ParameterDef* def)
-{
-    if (Tessel::KVTable defTable = def->GetKVTable())
+    if (Tessel::KVTable defTable = owned->GetKVTable())
     {
         defTable->SetInt(kDynamicKey, 1, 1);
-        defTable->SetString(kNameKey, def->GetName(), 1);
+        defTable->SetString(kNameKey, owned->GetName(), 1);
     }
-    if (AddParameter(def))
+    ParameterDef* def = RuntimeParameters::Keep(std::move(owned));
+    int result = 0;
+    try
     {
-        return 1;
+        result = AddParameter(def);
     }
-    if (arena != nullptr)
+    catch (...)
     {
-        arena->DeleteNow(def);
-        return 0;
+        if (FindParameter(def->GetID()) != def)
+        {
+            RuntimeParameters::Delete(def);
+        }
+        throw;
     }
-    const auto isDef = [def](const std::unique_ptr<ParameterDef>& own)
+    if (!result)
     {
-        return own.get() == def;
-    };
-    ownParameters.erase(std::find_if(ownParameters.begin(), ownParameters.end(), isDef));
-    return 0;
+        RuntimeParameters::Delete(def);
+    }
+    return result;
 }
 
 } // namespace vell

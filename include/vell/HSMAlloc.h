@@ -74,14 +74,6 @@ public:
     /// Closes `table` when the arena is destroyed.
     void CloseLater(Tessel::KVTable table);
 
-    /// Deletes `object` when the arena is destroyed.
-    template <class T>
-    void DeleteLater(T* object);
-
-    /// Deletes `object`, which was given to `DeleteLater`, at once.
-    template <class T>
-    void DeleteNow(T* object);
-
     unsigned char* block = nullptr; ///< null while no block is held
     unsigned int used = 0;          ///< bytes handed out; offset of the next object
     unsigned int capacity = 0;      ///< bytes of the block
@@ -183,7 +175,6 @@ private:
         }
     }
     void KeepMore();
-    void Forget(const void* object);
     static void* TableToPointer(Tessel::KVTable table);
     static const Duty* TableDuty();
 
@@ -230,24 +221,6 @@ T* HSMAlloc::New()
     }
     tracked.emplace_hint(tracked.end(), object, kSize);
     return object;
-}
-
-template <class T>
-void HSMAlloc::DeleteLater(T* object)
-{
-    static const Duty duty{nullptr, [](void* held)
-                           {
-                               delete static_cast<T*>(held);
-                           }};
-    MakeRoomToKeep();
-    kept.push_back(Kept{object, &duty});
-}
-
-template <class T>
-void HSMAlloc::DeleteNow(T* object)
-{
-    Forget(object);
-    delete object;
 }
 
 } // namespace vell

@@ -38,10 +38,15 @@ public:
     virtual int GetParameterAssignClass(unsigned int id) = 0;
     /// Gives the parameter as a listener that the host may subscribe to its input, or null.
     virtual IBroadcastListener* GetBroadcastListener(unsigned int id) = 0;
-    /// Makes a parameter while the machine runs, with `value` as default and current value. Returns
-    /// 1 and the parameter; 0 and null when the name is null or taken. `name` is not copied and
-    /// must outlive the machine. The parameter belongs to the machine and lives until it is
-    /// deleted. Conditions that are already bound do not see it; HSM::BindParamCond binds again.
+    /// Creates a parameter while the machine runs, with `value` as default and current value.
+    /// Returns 1 and the parameter; 0 and null when the name is null or taken. Conditions that are
+    /// already bound do not see it; HSM::BindParamCond binds again.
+    ///
+    /// The parameter is never deleted, so the pointer stays valid when the machine is gone. Its
+    /// table closes with the machine; writing its value then only stores it. Each one costs the
+    /// process some hundred bytes and its texts for good: a host that creates machines all day
+    /// declares such parameters in the document. `name` is not copied: it must outlive the machine,
+    /// and the last call of the parameter's `GetName`.
     virtual int CreateFloatParameter(const char* name, float value, IParameterFloatDef** out) = 0;
     virtual int CreateBoolParameter(const char* name, bool value, IParameterBoolDef** out) = 0;
     virtual int CreateIntParameter(const char* name, int value, IParameterIntDef** out) = 0;

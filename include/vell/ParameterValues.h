@@ -12,8 +12,8 @@ namespace vell
 {
 
 // The order of the operations in each interface is part of it. None has a destructor of its own: a
-// parameter belongs to its machine and stays valid until IHSM::Uninit, one made at run time until
-// the machine is deleted.
+// parameter belongs to its machine and stays valid until IHSM::Uninit, one created at run time as
+// long as the process.
 
 /// The value operations that all seven interfaces share. `SetDefaultValue` stores the default and
 /// does nothing else. `SetValue` stores the current value and writes it to the parameter's table.

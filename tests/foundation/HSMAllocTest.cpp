@@ -127,18 +127,6 @@ struct Namesake : Holder
     int called = 0;
 };
 
-struct Owned
-{
-    explicit Owned(int& counter) : deleted(counter)
-    {
-    }
-    ~Owned()
-    {
-        ++deleted;
-    }
-    int& deleted;
-};
-
 bool IsZero(const void* bytes, std::size_t size)
 {
     const auto* first = static_cast<const unsigned char*>(bytes);
@@ -699,35 +687,6 @@ TEST(HSMAlloc, ClosesAtItsEndWhatItWasToldToCloseLater)
     }
 
     EXPECT_EQ(table->GetInt("key"), 0);
-}
-
-TEST(HSMAlloc, DeletesAtItsEndWhatItWasToldToDeleteLater)
-{
-    int deleted = 0;
-    {
-        HSMAlloc arena;
-        arena.DeleteLater(new Owned(deleted));
-        arena.Release();
-        EXPECT_EQ(deleted, 0);
-    }
-
-    EXPECT_EQ(deleted, 1);
-}
-
-TEST(HSMAlloc, DeletesAtOnceAndOnlyOnceWhatIsNoLongerToWait)
-{
-    int deleted = 0;
-    {
-        HSMAlloc arena;
-        auto* first = new Owned(deleted);
-        arena.DeleteLater(first);
-        arena.DeleteLater(new Owned(deleted));
-
-        arena.DeleteNow(first);
-
-        EXPECT_EQ(deleted, 1);
-    }
-    EXPECT_EQ(deleted, 2);
 }
 
 } // namespace vell::test

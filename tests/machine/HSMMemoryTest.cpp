@@ -201,10 +201,15 @@ TEST(HSMMemory, IsGivenBackByMachinesThatAreOnlyDeleted)
     EXPECT_EQ(BlocksLeftBy(CreateOnly, FullDocument().Text()), 0);
 }
 
-TEST(HSMMemory, IsGivenBackWithRuntimeParametersAndActions)
+TEST(HSMMemory, IsGivenBackWithActions)
 {
-    EXPECT_EQ(BlocksLeftBy(RunWithRuntimeParameters, FullDocument().Text()), 0);
     EXPECT_EQ(BlocksLeftBy(RunWithAnAction, FullDocument().Text()), 0);
+}
+
+TEST(HSMMemory, IsGivenBackButForRuntimeParametersAndTheirTexts)
+{
+    // Each run leaves a float parameter, and a message with its default and its current text.
+    EXPECT_EQ(BlocksLeftBy(RunWithRuntimeParameters, FullDocument().Text()), 1000 * (1 + 3));
 }
 
 TEST(HSMMemory, IsGivenBackAfterARepeatedInit)

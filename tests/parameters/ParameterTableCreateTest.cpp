@@ -4,12 +4,13 @@
 #include "tests/support/HeapWatch.h"
 #include "tests/support/LoadedParameters.h"
 #include "tests/support/LogRecorder.h"
-#include "tests/support/TestMachine.h"
 
+#include <vell/HSM.h>
 #include <vell/Parameters.h>
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 
 namespace vell::test
@@ -82,6 +83,8 @@ struct Maker<ParameterMessageDef>
         return table.CreateMessageParameter(name, Value().c_str(), out);
     }
 };
+
+const std::string kStand = DocumentBuilder().Start(10).Node(Generic("Stand", 10)).Text();
 
 /// A loaded table with the parameter "taken", of class float and with the value 9.
 template <class Class>
@@ -258,20 +261,48 @@ TYPED_TEST(RuntimeParameter, TakesWhatAToolWrites)
     }
 }
 
-TYPED_TEST(RuntimeParameter, StaysUsableAfterUninitUntilTheMachineIsDeleted)
+TYPED_TEST(RuntimeParameter, StaysUsableAfterTheMachineIsGone)
 {
-    TestMachine machine(DocumentBuilder().Start(10).Node(Generic("Stand", 10)));
-    ASSERT_EQ(machine.Init(), 1);
-    ASSERT_EQ(Maker<TypeParam>::Make(*machine.GetParameterTable(), "fresh", &this->out), 1);
-    const void* address = this->out->GetValuePtr();
+    for (const bool uninit : {false, true})
+    {
+        auto machine = std::make_unique<HSM>(kStand.c_str());
+        ASSERT_EQ(machine->Init(), 1);
+        ASSERT_EQ(Maker<TypeParam>::Make(*machine->GetParameterTable(), "fresh", &this->out), 1);
+        auto* def = dynamic_cast<ParameterDef*>(this->out);
+        const Tessel::KVTable child = def->GetKVTable();
+        const void* address = this->out->GetValuePtr();
 
-    machine.Uninit();
-    machine.Destroy();
-    this->out->SetValue({});
-    this->out->ResetValue();
+        if (uninit)
+        {
+            machine->Uninit();
+            machine->Destroy();
+        }
+        machine.reset();
+        this->out->SetValue({});
+        EXPECT_EQ(this->out->GetValue(), decltype(this->out->GetValue())());
+        this->out->ResetValue();
 
-    EXPECT_EQ(this->out->GetValue(), Maker<TypeParam>::Value());
-    EXPECT_EQ(this->out->GetValuePtr(), address);
+        EXPECT_EQ(this->out->GetValue(), Maker<TypeParam>::Value());
+        EXPECT_EQ(this->out->GetValuePtr(), address);
+        EXPECT_STREQ(def->GetName(), "fresh");
+        EXPECT_EQ(Tessel::GetTableName(child), nullptr) << "the table closes with the machine";
+    }
+}
+
+TYPED_TEST(RuntimeParameter, IsDeletedWhenItIsRefused)
+{
+    const HeapWatch heap;
+
+    EXPECT_EQ(Maker<TypeParam>::Make(this->table, "", &this->out), 0);
+    this->log.Clear();
+    const std::ptrdiff_t kept = heap.BlocksKept();
+    for (int i = 0; i < 100; ++i)
+    {
+        EXPECT_EQ(Maker<TypeParam>::Make(this->table, "", &this->out), 0);
+        this->log.Clear();
+    }
+
+    EXPECT_EQ(heap.BlocksKept(), kept);
 }
 
 TEST(RuntimeMessage, HasAnEmptyTextForANullOne)
