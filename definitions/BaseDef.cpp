@@ -82,15 +82,13 @@ int BaseDef::Init(const GenericValue& node, HSMAlloc* alloc)
     Internals::CountChange(*this);
     // Required: a repeated Init makes a new table and leaves the old one open; whoever holds the
     // old handle still reads it. The arena closes it at its end.
-    if (kvTable && alloc != nullptr)
+    if (kvTable && tableState != TableState::Closed && alloc != nullptr)
     {
         alloc->CloseLater(kvTable);
     }
-    // Conditions stand in no tree, and there are as many as transitions: their tables are made only
-    // for those that ask.
     kvTable = Tessel::KVTable();
-    isTableDue = type == DefTypeCondition;
-    if (!isTableDue)
+    tableState = isTableLate ? TableState::Due : TableState::Open;
+    if (!isTableLate)
     {
         CreateKVTable();
     }
@@ -258,7 +256,7 @@ unsigned int BaseDef::GetNumChildren() const
 
 unsigned int BaseDef::GetChildID(unsigned int i) const
 {
-    return LoadElement(childIds, i);
+    return childIds == nullptr ? 0 : LoadElement(childIds, i);
 }
 
 } // namespace vell

@@ -9,7 +9,7 @@ namespace vell
 
 int BaseDef::CreateKVTable() const
 {
-    isTableDue = false;
+    tableState = TableState::Open;
     kvTable = Tessel::CreateTable("baseDef");
     if (kvTable)
     {
@@ -20,7 +20,7 @@ int BaseDef::CreateKVTable() const
 
 int BaseDef::DestroyKVTable()
 {
-    isTableDue = false;
+    tableState = TableState::Closed;
     if (kvTable)
     {
         Tessel::CloseTable(kvTable);
@@ -71,7 +71,7 @@ int BaseDef::TabSetDynamic(int dynamic)
 
 Tessel::KVTable BaseDef::GetKVTable() const
 {
-    if (isTableDue)
+    if (tableState == TableState::Due)
     {
         CreateKVTable();
     }

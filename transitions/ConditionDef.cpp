@@ -17,24 +17,35 @@ namespace vell
 
 BaseDef* ConditionDef::Create(const GenericValue& node, HSMAlloc* alloc)
 {
+    ConditionDef* def = nullptr;
     do
     {
         ASSERT_BREAK(node.IsObject() && alloc != nullptr);
         switch (DURMBaseLib::GetParameterTypeByName(ReadText(node, JSON_ConditionType)))
         {
         case DURMBaseLib::PARAM_Bool:
-            return PlaceDef<ConditionDefBool>(alloc, DefTypeCondition, DefTypesCondition);
+            def = PlaceDef<ConditionDefBool>(alloc, DefTypeCondition, DefTypesCondition);
+            break;
         case DURMBaseLib::PARAM_Integer:
-            return PlaceDef<ConditionDefInteger>(alloc, DefTypeCondition, DefTypesCondition);
+            def = PlaceDef<ConditionDefInteger>(alloc, DefTypeCondition, DefTypesCondition);
+            break;
         case DURMBaseLib::PARAM_Float:
-            return PlaceDef<ConditionFloatDef>(alloc, DefTypeCondition, DefTypesCondition);
+            def = PlaceDef<ConditionFloatDef>(alloc, DefTypeCondition, DefTypesCondition);
+            break;
         case DURMBaseLib::PARAM_Message:
-            return PlaceDef<ConditionDefMessage>(alloc, DefTypeCondition, DefTypesCondition);
+            def = PlaceDef<ConditionDefMessage>(alloc, DefTypeCondition, DefTypesCondition);
+            break;
         default:
             break;
         }
     } while (false);
-    return nullptr;
+    if (def != nullptr)
+    {
+        // Conditions are in no tree, and there are as many as transitions: their tables are created
+        // only for those that ask. A host's own class gets its table at once, whatever its type.
+        def->isTableLate = true;
+    }
+    return def;
 }
 
 int ConditionDef::Init(const GenericValue& node, HSMAlloc* alloc)

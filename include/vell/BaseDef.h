@@ -79,9 +79,11 @@ public:
     /// Gives the id of the connector taken on exit, or 0.
     unsigned int GetExitConnector() const;
     unsigned int GetNumChildren() const;
-    /// Gives the id of child `i`, which has to be below `GetNumChildren()`.
+    /// Gives the id of child `i`, which has to be below `GetNumChildren()`; 0 when the arena had no
+    /// room for the children.
     unsigned int GetChildID(unsigned int i) const;
-    /// Gives the node's table, or null. That of a condition is made when it is asked for.
+    /// Gives the node's table, or null. That of one of the library's conditions is created when it
+    /// is asked for.
     Tessel::KVTable GetKVTable() const;
     /// Writes the key "dynamic", and for a non-zero `dynamic` the key "name". Returns 1.
     int TabSetDynamic(int dynamic);
@@ -89,7 +91,7 @@ public:
     friend Tessel::KVTable ReleaseStorage(BaseDef& def, ArenaLink::AtEnd)
     {
         AttribMap().swap(def.attribs);
-        return def.kvTable;
+        return def.tableState == TableState::Closed ? Tessel::KVTable() : def.kvTable;
     }
     friend ArenaLink& GetArenaLink(BaseDef& object)
     {
@@ -113,6 +115,14 @@ protected:
 
     using AttribMap = std::map<const char*, AttribBase*>;
 
+    /// What is known of `kvTable`.
+    enum class TableState : unsigned char
+    {
+        Open,  ///< or null
+        Due,   ///< it is created when it is asked for
+        Closed ///< it keeps its handle
+    };
+
     mutable Tessel::KVTable kvTable;    ///< named "baseDef"; null until Init or InitKVTable
     const char* name = nullptr;         ///< belongs to the document
     eHSMDefTypes type = DefTypeBase;    ///< set by the factory
@@ -122,7 +132,8 @@ protected:
     int index = -1;                     ///< position in the order of insertion
     unsigned int exitConnector = 0;     ///< id of a connector, or 0
     unsigned int flags = 0;             ///< class mask
-    mutable bool isTableDue = false;    ///< `kvTable` is made when it is asked for
+    bool isTableLate = false;           ///< `Init` leaves `kvTable` to the first who asks for it
+    mutable TableState tableState = {}; ///< of `kvTable`
     char* scriptName = nullptr;         ///< in the arena; null when absent or empty
     unsigned int numChildren = 0;       ///< length of `childIds`
     unsigned int* childIds = nullptr;   ///< in the arena, of no particular alignment

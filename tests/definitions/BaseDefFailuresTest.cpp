@@ -126,6 +126,7 @@ TEST(BaseDefFailures, AnArrayOfChildrenAByteTooLongForTheArenaIsAFailure)
     EXPECT_EQ(tooSmall.lines, (Lines{ErrorBreak(kInit), FailedDef("Walk")}));
     EXPECT_EQ(tooSmall.def.childIds, nullptr);
     EXPECT_EQ(tooSmall.def.GetNumChildren(), 3u);
+    EXPECT_EQ(ChildIds(tooSmall.def), (Ids{0, 0, 0})) << "the count stays";
 }
 
 TEST(BaseDefFailures, AChildIdOfZeroStopsAtTheSecondElement)
