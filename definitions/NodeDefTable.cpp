@@ -229,12 +229,24 @@ int NodeDefTable::CreateKVTable()
 void NodeDefTable::Uninit()
 {
     numNodes = 0;
-    for (const auto& entry : nodes)
+    NodeMap::iterator next = nodes.begin();
+    try
     {
-        if (entry.second != nullptr)
+        while (next != nodes.end())
         {
-            entry.second->Uninit();
+            BaseDef* def = (next++)->second;
+            if (def != nullptr)
+            {
+                def->Uninit();
+            }
         }
+    }
+    catch (...)
+    {
+        // A host's definition threw: the next call goes on behind it.
+        nodes.erase(nodes.begin(), next);
+        cursor = nodes.end();
+        throw;
     }
     ClearNodes();
 }

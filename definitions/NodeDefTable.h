@@ -71,7 +71,8 @@ public:
 
     /// Makes the table "nodeDefTable". Returns 1, or 0 with a log line when there is one.
     int CreateKVTable();
-    /// Uninitialises all definitions and forgets them.
+    /// Uninitialises all definitions and forgets them. Where one throws, those up to it are
+    /// forgotten, and the next call goes on.
     void Uninit();
 
     friend Tessel::KVTable ReleaseStorage(NodeDefTable& table, ArenaLink::AtEnd);

@@ -9,8 +9,6 @@
 
 #include <vell/SMState.h>
 
-#include <utility>
-
 namespace vell
 {
 namespace
@@ -57,15 +55,24 @@ void HSM::Start()
 int HSM::Uninit()
 {
     internals->idle.revision.Raise();
-    // The tables go with the arena, while the pointers stay.
-    const bool hasTables = !std::exchange(internals->isUninitialised, true);
-    if (hasTables && parameterTable != nullptr)
+    UninitStep& step = internals->uninitStep;
+    // A step that a host's part threw out of goes on in the next call. After the last one the
+    // tables go with the arena, while the pointers stay.
+    if (step == UninitStep::None)
     {
-        parameterTable->Uninit();
+        if (parameterTable != nullptr)
+        {
+            parameterTable->Uninit();
+        }
+        step = UninitStep::Parameters;
     }
-    if (hasTables && nodeDefTable != nullptr)
+    if (step == UninitStep::Parameters)
     {
-        nodeDefTable->Uninit();
+        if (nodeDefTable != nullptr)
+        {
+            nodeDefTable->Uninit();
+        }
+        step = UninitStep::Nodes;
     }
     alloc.Release();
     DestroyKVTable();

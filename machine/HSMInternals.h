@@ -11,6 +11,14 @@
 namespace vell
 {
 
+/// What HSM::Uninit has done. A host's part may throw out of the next step.
+enum class UninitStep
+{
+    None,
+    Parameters,
+    Nodes
+};
+
 struct HSM::Internals
 {
     static bool IsTickRecord(const HSM& machine, const UpdateResult* result)
@@ -23,8 +31,9 @@ struct HSM::Internals
     }
 
     IdleCache idle;
-    std::string fileName;         ///< copy of filePath's text, taken by Create, for the tree
-    bool isUninitialised = false; ///< Uninit ran, and no Create since
+    std::string fileName;       ///< copy of filePath's text, taken by Create, for the tree
+    UninitStep uninitStep = {}; ///< since the last Create
+    bool isTreeClosed = false;  ///< `kvTable` is closed; it keeps its handle
 };
 
 } // namespace vell

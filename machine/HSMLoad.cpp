@@ -60,7 +60,7 @@ int HSM::Create()
 void HSM::ForgetArena()
 {
     internals->idle.revision.Raise();
-    internals->isUninitialised = false;
+    internals->uninitStep = UninitStep::None;
     parameterTable = nullptr;
     nodeDefTable = nullptr;
     previousState = nullptr;

@@ -20,6 +20,7 @@ int HSM::CreateKVTable()
     {
         ERROR_BREAK(!kvTable);
         kvTable = Tessel::CreateTable("HSM");
+        internals->isTreeClosed = false;
         ERROR_BREAK(static_cast<bool>(kvTable));
         InitKVTable_Self();
         ERROR_BREAK(InitKVTable_ContextTable());
@@ -40,8 +41,9 @@ int HSM::CreateKVTable()
 
 int HSM::DestroyKVTable()
 {
-    if (kvTable)
+    if (kvTable && !internals->isTreeClosed)
     {
+        internals->isTreeClosed = true;
         Tessel::CloseTable(kvTable);
     }
     return 1;

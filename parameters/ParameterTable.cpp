@@ -104,6 +104,7 @@ int ParameterTable::CreateKVTable()
     {
         ERROR_BREAK(!table);
         table = Tessel::CreateTable("parameterTable");
+        isTableClosed = false;
         ERROR_BREAK(static_cast<bool>(table));
         result = 1;
     } while (false);
@@ -154,17 +155,30 @@ int ParameterTable::AddParameter(ParameterDef* def)
 
 void ParameterTable::Uninit()
 {
-    for (const auto& entry : idToParam)
+    ParameterMap::iterator next = idToParam.begin();
+    try
     {
-        if (entry.second != nullptr)
+        while (next != idToParam.end())
         {
-            entry.second->Uninit();
+            ParameterDef* def = (next++)->second;
+            if (def != nullptr)
+            {
+                def->Uninit();
+            }
         }
     }
-    ForgetParameters();
+    catch (...)
+    {
+        // A parameter threw: the next call goes on behind it.
+        ForgetUpTo(next);
+        throw;
+    }
+    ForgetUpTo(idToParam.end());
     if (table)
     {
+        // Required: a second Uninit closes the table again, as a load that failed does.
         Tessel::CloseTable(table);
+        isTableClosed = true;
     }
 }
 
@@ -181,17 +195,17 @@ void ParameterTable::CollectResetting()
 }
 
 /// A run-time parameter may outlive the table.
-void ParameterTable::ForgetParameters()
+void ParameterTable::ForgetUpTo(ParameterMap::iterator end)
 {
-    for (const auto& entry : idToParam)
+    for (auto entry = idToParam.begin(); entry != end; ++entry)
     {
-        if (entry.second != nullptr)
+        if (entry->second != nullptr)
         {
-            entry.second->resetBy.pointer = nullptr;
+            entry->second->resetBy.pointer = nullptr;
         }
     }
-    idToParam.clear();
-    resetting.clear();
+    idToParam.erase(idToParam.begin(), end);
+    CollectResetting();
 }
 
 void ParameterTable::ResetAll()
@@ -242,11 +256,11 @@ void ParameterTable::CloseRuntimeTables()
 Tessel::KVTable ReleaseStorage(ParameterTable& params, ArenaLink::AtEnd)
 {
     params.CloseRuntimeTables();
-    params.ForgetParameters();
+    params.ForgetUpTo(params.idToParam.end());
     ParameterTable::NameMap().swap(params.nameToId);
     ParameterTable::ParameterMap().swap(params.idToParam);
     ParameterTable::ParameterList().swap(params.resetting);
-    return params.table;
+    return params.isTableClosed ? Tessel::KVTable() : params.table;
 }
 
 } // namespace vell

@@ -75,7 +75,8 @@ public:
     ParameterDef* CreateParameterDef(const GenericValue& node, HSMAlloc* alloc);
     /// Makes the table "parameterTable". Returns 1, or 0 with a log line when there is one.
     int CreateKVTable();
-    /// Uninitialises all parameters, forgets them but for their names, and closes the table.
+    /// Uninitialises all parameters, forgets them but for their names, and closes the table. Where
+    /// one throws, those up to it are forgotten, and the next call goes on.
     void Uninit();
 
     /// Resets the parameters that ask for it, in ascending id order: the end of a tick.
@@ -105,7 +106,7 @@ public:
 
 private:
     void ResetAll();
-    void ForgetParameters();
+    void ForgetUpTo(ParameterMap::iterator end);
     void CloseRuntimeTables();
     void PlaceValue(ParameterDef& def, int type);
     bool IsNewName(const char* name);
@@ -113,9 +114,10 @@ private:
     /// a log line, and deletes it, when its id or name is taken.
     int Publish(std::unique_ptr<ParameterDef> owned);
 
-    ValueRoom values;          ///< of the document's first scalar parameters
-    HSMAlloc* arena = nullptr; ///< holds the document's parameters; null until Init
-    ParameterList resetting;   ///< those that reset each frame, in ascending id order
+    ValueRoom values;           ///< of the document's first scalar parameters
+    HSMAlloc* arena = nullptr;  ///< holds the document's parameters; null until Init
+    ParameterList resetting;    ///< those that reset each frame, in ascending id order
+    bool isTableClosed = false; ///< `table` keeps its handle
 
     ArenaLink arenaLink;
 };
