@@ -15,6 +15,63 @@ namespace vell
 namespace
 {
 
+/// Every member that a document may have for this library. The vocabulary is asked for these alone.
+constexpr __JSONTYPES__ kMembers[] = {
+    JSON_Name,
+    JSON_ID,
+    JSON_ParentID,
+    JSON_BuilderType,
+    JSON_GUID,
+    JSON_Attributes,
+    JSON_ClipName,
+    JSON_ClipFlag,
+    JSON_ConditionType,
+    JSON_ConditionParameter,
+    JSON_ConditionEvaluation,
+    JSON_ConditionValue,
+    JSON_ConnectorType,
+    JSON_ParameterType,
+    JSON_ParameterDefault,
+    JSON_ParameterAssign,
+    JSON_ParameterResetEachFrame,
+    JSON_TransitionSwitchArgument,
+    JSON_Conditions,
+    JSON_TransitionSource,
+    JSON_TransitionTarget,
+    JSON_TransitionUnread,
+    JSON_TransitionTagArgument,
+    JSON_TransitionTag,
+    JSON_TransitionPriority,
+    JSON_TransitionDisabled,
+    JSON_Parameters,
+    JSON_Nodes,
+    JSON_Skeleton,
+    JSON_Layers,
+    JSON_Value,
+    JSON_AttributeType,
+    JSON_SkeletonFileName,
+    JSON_ModelFileName,
+    JSON_Children,
+    JSON_EntryTarget,
+    JSON_ExitConnector,
+    JSON_ScriptName,
+    JSON_Head,
+    JSON_HeadEnterLayer,
+    JSON_HeadEnterNode,
+    JSON_HeadMachineType,
+    JSON_HeadVersion,
+    JSON_HeadValue84,
+    JSON_HeadSubstateRoot,
+    JSON_HeadMemory,
+    JSON_Global,
+    JSON_SkeletonValue89,
+    JSON_SubstateEnter,
+    JSON_SubstateExit,
+    JSON_HeadBuildID,
+    JSON_ClipSecondaryB,
+    JSON_ClipSecondaryA,
+};
+
 template <class Word>
 Word LoadWord(const char* from)
 {
@@ -97,12 +154,12 @@ private:
     {
         std::fill(std::begin(next), std::end(next), std::int16_t{kNone});
         std::fill(std::begin(slots), std::end(slots), std::int16_t{kNone});
-        for (int number = 0; number < kVocabularySize; ++number)
+        for (const __JSONTYPES__ member : kMembers)
         {
-            if (const char* text = DURMBaseLib::GetJsonName(static_cast<__JSONTYPES__>(number)))
+            if (const char* text = DURMBaseLib::GetJsonName(member))
             {
-                names[number] = text;
-                File(static_cast<std::int16_t>(number));
+                names[member] = text;
+                File(static_cast<std::int16_t>(member));
             }
         }
     }

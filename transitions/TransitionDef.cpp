@@ -28,6 +28,8 @@ TransitionDef* TransitionDef::Create(const GenericValue& node, HSMAlloc* alloc)
 
 int TransitionDef::Init(const GenericValue& node, HSMAlloc* alloc)
 {
+    // This member is looked up first, and nobody reads its value.
+    FindMember(node, JSON_TransitionUnread);
     do
     {
         ERROR_BREAK(node.IsObject());
