@@ -141,6 +141,7 @@ Tessel::KVTable AttribBase::GetKVTable() const
 int AttribBase::CreateKVTable()
 {
     kvTable = Tessel::CreateTable("attribBase");
+    listening.Clear();
     return 1;
 }
 
@@ -180,14 +181,12 @@ int AttribBase::UnInitKVTableListener()
 int AttribBase::ListenToValue()
 {
     TableLock lock(kvTable);
-    const Tessel::KVListener own{this, Forward};
-    kvTable->RemoveValueListener(kValueKey, &own); // listens once, however often it is asked to
     Tessel::KVListener* listener = kvTable->GetValueListener(kValueKey);
     if (listener == nullptr)
     {
         return 0;
     }
-    *listener = own;
+    listening.Fill(kvTable, listener, Tessel::KVListener{this, Forward});
     return 1;
 }
 
@@ -196,6 +195,7 @@ int AttribBase::StopListeningToValue()
     TableLock lock(kvTable);
     const Tessel::KVListener listener{this, Forward};
     kvTable->RemoveValueListener(kValueKey, &listener);
+    listening.Clear();
     return 1;
 }
 

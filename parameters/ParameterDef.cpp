@@ -19,6 +19,13 @@ int Forward(void* parameter, Tessel::opResult result, Tessel::KVTable table, con
     return static_cast<ParameterDef*>(parameter)->OnParamValueModified(result, table, key);
 }
 
+/// The lock is held for this test alone.
+bool HasValueKey(Tessel::KVTable table)
+{
+    TableLock lock(table);
+    return table->FindValue(kValueKey) != nullptr;
+}
+
 } // namespace
 
 ParameterDef::ParameterDef(int newType) : paramType(newType)
@@ -41,6 +48,12 @@ ParameterDef& ParameterDef::operator=(const ParameterDef& other)
         resetBy.pointer->CollectResetting();
     }
     return *this;
+}
+
+void ParameterDef::Uninit()
+{
+    BaseDef::Uninit();
+    listening.Clear();
 }
 
 int ParameterDef::UninitKVTable()
@@ -110,31 +123,26 @@ int ParameterDef::InitKVTableListener()
     {
         return 0;
     }
-    TableLock lock(kvTable);
-    if (kvTable->FindValue(kValueKey) == nullptr)
+    if (!HasValueKey(kvTable))
     {
         return 0;
     }
-    const Tessel::KVListener own{this, Forward};
-    kvTable->RemoveValueListener(kValueKey, &own); // listens once, however often it is asked to
+    TableLock lock(kvTable);
     if (Tessel::KVListener* listener = kvTable->GetValueListener(kValueKey))
     {
-        *listener = own;
+        listening.Fill(kvTable, listener, Tessel::KVListener{this, Forward});
     }
     return 1;
 }
 
 int ParameterDef::UnInitKVTableListener()
 {
-    if (!kvTable)
-    {
-        return 1;
-    }
-    TableLock lock(kvTable);
-    if (kvTable->FindValue(kValueKey) != nullptr)
+    if (kvTable && HasValueKey(kvTable))
     {
         const Tessel::KVListener listener{this, Forward};
+        TableLock lock(kvTable);
         kvTable->RemoveValueListener(kValueKey, &listener);
+        listening.Clear();
     }
     return 1;
 }

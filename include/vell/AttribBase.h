@@ -4,6 +4,7 @@
 
 #include <vell/ArenaLink.h>
 #include <vell/IAttribDef.h>
+#include <vell/ValueRecord.h>
 
 #include <tessel/Tessel.h>
 
@@ -81,6 +82,7 @@ private:
     int ListenToValue();
     int StopListeningToValue();
 
+    ValueRecord listening;
     ArenaLink arenaLink; ///< the library's
 };
 

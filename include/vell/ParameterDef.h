@@ -4,6 +4,7 @@
 
 #include <vell/BaseDef.h>
 #include <vell/IBroadcastListener.h>
+#include <vell/ValueRecord.h>
 
 namespace vell
 {
@@ -18,6 +19,7 @@ class VELL_API ParameterDef : public BaseDef, public IBroadcastListener
 public:
     // The order of these is part of the interface; they follow those of BaseDef.
 
+    void Uninit() override;
     int UninitKVTable() override;
     /// Gives the parameter type number.
     virtual int GetParamType();
@@ -69,6 +71,7 @@ private:
     friend class ParameterTable;
 
     NotCopied<ParameterTable> resetBy; ///< the library's; the table that resets it, or null
+    ValueRecord listening;             ///< the library's; by which the value is heard of
 };
 
 } // namespace vell

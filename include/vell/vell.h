@@ -29,3 +29,4 @@
 #include <vell/TransitionDef.h>
 #include <vell/Types.h>
 #include <vell/UpdateResult.h>
+#include <vell/ValueRecord.h>
