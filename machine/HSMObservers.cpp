@@ -83,11 +83,12 @@ int HSM::Unsubscribe(ListenerList& list, IBroadcastListener* listener)
 
 int HSM::Notify()
 {
+    // Required: the tree is read also when nobody listens.
+    const StateChangeEvent change = MachineTree(kvTable).ReadChange();
     if (stateChangeListeners.empty())
     {
         return 0;
     }
-    const StateChangeEvent change = MachineTree(kvTable).ReadChange();
     int called = 0;
     for (std::size_t i = 0; i < stateChangeListeners.size(); ++i)
     {
