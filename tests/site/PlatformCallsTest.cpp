@@ -1,0 +1,265 @@
+// VELL: data-driven hierarchical state machines.
+// tests/site/PlatformCallsTest.cpp: what a site's own platform libraries see of the library.
+#include "tests/introspection/RichDocument.h"
+#include "tests/site/PlatformWatch.h"
+#include "tests/support/DocumentBuilder.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/TestMachine.h"
+
+#include <vell/AttribBase.h>
+#include <vell/Factories.h>
+#include <vell/IHSM.h>
+#include <vell/IParameterTable.h>
+#include <vell/Parameters.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace vell::test
+{
+namespace
+{
+
+using MachinePointer = std::unique_ptr<IHSM>;
+
+/// An attribute whose table a test may look at.
+class WatchedAttrib : public AttribBase
+{
+public:
+    WatchedAttrib() : AttribBase(DURMBaseLib::PARAM_Integer)
+    {
+    }
+    using AttribBase::SetValue;
+    void SetValue(int) override
+    {
+        ++taken;
+    }
+
+    int taken = 0;
+};
+
+/// One state with an attribute, one parameter, and a transition with two conditions.
+DocumentBuilder SmallDocument()
+{
+    DocumentBuilder document;
+    document.Start(10)
+        .Parameter(BoolParameter("go", false))
+        .Node(Generic("Idle", 10, {100})
+                  .Set(JSON_Attributes, Json::Array({Attribute("surface", "QString", "stone")})))
+        .Node(Generic("Away", 20))
+        .Node(Transition("Leave", 100, 10, 20,
+                         {BoolCondition("go", true), BoolCondition("go", true)}));
+    return document;
+}
+
+Lines Sorted(Lines lines)
+{
+    std::sort(lines.begin(), lines.end());
+    return lines;
+}
+
+/// One access to a table that asks for its lock.
+Lines Locked(const std::string& access)
+{
+    return {"NeedsLock", "Lock", access, "NeedsLock", "Unlock"};
+}
+
+Lines operator+(Lines left, const Lines& right)
+{
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+
+} // namespace
+
+TEST(PlatformCalls, AskTheVocabularyForTheListedMembersAlone)
+{
+    LogRecorder log;
+    const std::string text = SmallDocument().Text();
+    const MachinePointer machine(CreateHSMJson(text.c_str()));
+
+    EXPECT_EQ(PlatformWatch::MembersAskedFor(), PlatformWatch::MembersListed());
+    EXPECT_EQ(PlatformWatch::MembersListed().size(), 53u);
+}
+
+TEST(PlatformCalls, TakeAParametersListenerRecordInABracketOfItsOwn)
+{
+    ParameterIntegerDef parameter;
+    PlatformWatch watch;
+    watch.NeedLocks();
+
+    parameter.InitKVTable();
+
+    EXPECT_EQ(watch.TakeOf("baseDef"),
+              (Lines{"AddTable attribs", "SetUInt id", "GetTable attribs", "SetString type",
+                     "SetInt value"} +
+               Locked("FindValue value") + Locked("GetValueListener value")));
+}
+
+TEST(PlatformCalls, AreTheSameWhenAParameterIsToldToListenAgain)
+{
+    ParameterIntegerDef parameter;
+    parameter.InitKVTable();
+    PlatformWatch watch;
+    watch.NeedLocks();
+
+    EXPECT_EQ(parameter.InitKVTableListener(), 1);
+
+    EXPECT_EQ(watch.TakeOf("baseDef"),
+              Locked("FindValue value") + Locked("GetValueListener value"));
+}
+
+TEST(PlatformCalls, EndListeningInABracketOfItsOwn)
+{
+    ParameterIntegerDef parameter;
+    parameter.InitKVTable();
+    PlatformWatch watch;
+    watch.NeedLocks();
+
+    EXPECT_EQ(parameter.UnInitKVTableListener(), 1);
+
+    EXPECT_EQ(watch.TakeOf("baseDef"),
+              Locked("FindValue value") + Locked("RemoveValueListener value"));
+}
+
+TEST(PlatformCalls, OfAnAttributeTakeItsRecordAndRemoveIt)
+{
+    WatchedAttrib attrib;
+    PlatformWatch watch;
+    watch.NeedLocks();
+
+    EXPECT_EQ(attrib.InitKVTableListener(), 1);
+    EXPECT_EQ(attrib.InitKVTableListener(), 1);
+    EXPECT_EQ(attrib.UnInitKVTableListener(), 1);
+
+    EXPECT_EQ(watch.TakeOf("attribBase"), Locked("GetValueListener value") +
+                                              Locked("GetValueListener value") +
+                                              Locked("RemoveValueListener value"));
+}
+
+TEST(PlatformCalls, FillTheOneRecordOfAKeyEachTime)
+{
+    PlatformWatch watch;
+    watch.KeepOneRecordForEachKey();
+    ParameterIntegerDef parameter;
+    parameter.InitKVTable();
+    WatchedAttrib attrib;
+    attrib.InitKVTableListener();
+    *parameter.GetKVTable()->GetValueListener("value") = Tessel::KVListener{};
+    *attrib.GetKVTable()->GetValueListener("value") = Tessel::KVListener{};
+
+    parameter.InitKVTableListener();
+    attrib.InitKVTableListener();
+    parameter.GetKVTable()->SetInt("value", 7, 1);
+    attrib.GetKVTable()->SetInt("value", 7, 1);
+
+    EXPECT_EQ(parameter.GetValue(), 7);
+    EXPECT_EQ(attrib.taken, 1);
+}
+
+TEST(PlatformCalls, ReadTheSwitchKeysAlsoWhenNobodyListens)
+{
+    LogRecorder log;
+    TestMachine machine(SmallDocument());
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    PlatformWatch watch;
+
+    machine.ChangeState(20);
+
+    EXPECT_EQ(watch.TakeOf("contextInfo"),
+              (Lines{"GetTable stackStates", "GetTable stackStates", "SetUInt previousState",
+                     "SetUInt nextState", "GetUInt nextState", "GetUInt previousState",
+                     "GetUInt transitionTriggered"}));
+}
+
+TEST(PlatformCalls, CloseEachTableOnceInUninitAndTheRestAtTheDeletion)
+{
+    LogRecorder log;
+    const std::string text = SmallDocument().Text();
+    MachinePointer machine(CreateHSMJson(text.c_str()));
+    ASSERT_EQ(machine->Init(), 1);
+    IParameterIntDef* late = nullptr;
+    ASSERT_EQ(machine->GetParameterTable()->CreateIntParameter("late", 1, &late), 1);
+    machine->Start();
+    machine->Update(0.1f);
+    PlatformWatch watch;
+
+    machine->Uninit();
+    EXPECT_EQ(watch.TakeClosed(), (Lines{"baseDef", "baseDef", "parameterTable", "baseDef",
+                                         "baseDef", "baseDef", "HSM"}));
+
+    machine->Destroy();
+    machine.reset();
+    EXPECT_EQ(Sorted(watch.TakeClosed()), (Lines{"attribBase", "nodeDefTable"}));
+}
+
+TEST(PlatformCalls, CloseEachTableOnceWhenTheMachineIsOnlyDeleted)
+{
+    LogRecorder log;
+    const std::string text = SmallDocument().Text();
+    MachinePointer machine(CreateHSMJson(text.c_str()));
+    ASSERT_EQ(machine->Init(), 1);
+    IParameterIntDef* late = nullptr;
+    ASSERT_EQ(machine->GetParameterTable()->CreateIntParameter("late", 1, &late), 1);
+    PlatformWatch watch;
+
+    machine.reset();
+
+    EXPECT_EQ(Sorted(watch.TakeClosed()),
+              (Lines{"HSM", "attribBase", "baseDef", "baseDef", "baseDef", "baseDef", "baseDef",
+                     "nodeDefTable", "parameterTable"}));
+}
+
+TEST(PlatformCalls, CloseNothingAgainInASecondUninit)
+{
+    LogRecorder log;
+    TestMachine machine(SmallDocument());
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Uninit();
+    PlatformWatch watch;
+
+    machine.Uninit();
+
+    EXPECT_EQ(watch.TakeClosed(), Lines());
+}
+
+TEST(PlatformCalls, NeverCloseANullHandleOrAClosedTableInAGoodLife)
+{
+    LogRecorder log;
+    PlatformWatch watch;
+    for (const bool uninit : {false, true})
+    {
+        const std::string text = RichDocument().Text();
+        MachinePointer machine(CreateHSMJson(text.c_str()));
+        ASSERT_EQ(machine->Init(), 1);
+        machine->Start();
+        machine->Update(0.1f);
+        if (uninit)
+        {
+            machine->Uninit();
+            machine->Destroy();
+        }
+        machine.reset();
+        const Lines closed = watch.TakeClosed();
+
+        EXPECT_GT(closed.size(), 20u);
+        EXPECT_EQ(std::count(closed.begin(), closed.end(), "(null)"), 0) << uninit;
+        EXPECT_EQ(std::count(closed.begin(), closed.end(), "(closed)"), 0) << uninit;
+    }
+}
+
+TEST(PlatformCalls, CloseTheParameterTableThreeTimesWhenItsLoadFails)
+{
+    LogRecorder log;
+    TestMachine machine(SmallDocument().Parameter(5));
+    PlatformWatch watch;
+
+    EXPECT_EQ(machine.InitParameterTable(machine.document, &machine.alloc), 0);
+
+    EXPECT_EQ(watch.TakeClosed(), (Lines{"baseDef", "parameterTable", "(closed)", "(closed)"}));
+}
+
+} // namespace vell::test
