@@ -287,6 +287,67 @@ TEST(BaseDef, SucceedsWithAnEmptyArrayOfChildren)
     EXPECT_EQ(alloc.used, 0u);
 }
 
+TEST(BaseDef, HasNoScriptNameAfterASecondInitWithoutOne)
+{
+    for (const char* second : {static_cast<const char*>(nullptr), ""})
+    {
+        LogRecorder log;
+        Arena alloc;
+        OpenDef def;
+        const ParsedJson first(PlainNode("Walk", 1).Set(JSON_ScriptName, "walk.lua"));
+        JsonObject without = PlainNode("Run", 2);
+        if (second != nullptr)
+        {
+            without.Set(JSON_ScriptName, second);
+        }
+        const ParsedJson other(without);
+        ASSERT_EQ(def.Init(*first, &alloc), 1);
+
+        EXPECT_EQ(def.Init(*other, &alloc), 1);
+
+        EXPECT_STREQ(def.GetName(), "Run");
+        EXPECT_EQ(def.GetScriptName(), nullptr);
+    }
+}
+
+TEST(BaseDef, HasNoNameNorIdsAfterASecondInitWithoutThem)
+{
+    LogRecorder log;
+    Arena alloc;
+    OpenDef def;
+    const ParsedJson first(PlainNode("Walk", 1, 4));
+    const ParsedJson second(JsonObject{});
+    ASSERT_EQ(def.Init(*first, &alloc), 1);
+
+    EXPECT_EQ(def.Init(*second, &alloc), 1);
+
+    EXPECT_EQ(def.GetName(), nullptr);
+    EXPECT_EQ(def.GetID(), 0u);
+    EXPECT_EQ(def.GetParentID(), 0u);
+}
+
+TEST(BaseDef, KeepsOptionalMembersThatASecondInitDoesNotHave)
+{
+    LogRecorder log;
+    Arena alloc;
+    auto* def = alloc.New<OpenDef>();
+    const ParsedJson first(PlainNode("Walk", 1)
+                               .Set(JSON_ExitConnector, 8)
+                               .Set(JSON_BuilderType, BuilderName(10))
+                               .Set(JSON_Attributes, Json::Array({Attribute("a", "int", 5)}))
+                               .Set(JSON_Children, Json::Array({3, 1})));
+    const ParsedJson second(PlainNode("Run", 2));
+    ASSERT_EQ(def->Init(*first, &alloc), 1);
+
+    EXPECT_EQ(def->Init(*second, &alloc), 1);
+
+    EXPECT_EQ(def->GetExitConnector(), 8u);
+    EXPECT_EQ(static_cast<int>(def->GetBuilderType()), 10);
+    EXPECT_NE(def->GetAttrib("a"), nullptr);
+    EXPECT_EQ(def->numAttribs, 1u);
+    EXPECT_EQ(ChildIds(*def), (Ids{3, 1}));
+}
+
 TEST(BaseDef, KeepsItsChildIdsInTheArenaAlsoBehindAnOddScriptName)
 {
     LogRecorder log;
@@ -454,6 +515,22 @@ TEST(BaseDefTable, IsMadeByInitWithAnEmptyTableOfAttributes)
     EXPECT_EQ(table->GetKeyCount(), 1u);
     ASSERT_TRUE(table->GetTable("attribs"));
     EXPECT_EQ(table->GetTable("attribs")->GetKeyCount(), 0u);
+}
+
+TEST(BaseDefTable, IsMadeByInitForAHostsClassThatCallsItselfACondition)
+{
+    LogRecorder log;
+    Arena alloc;
+    const ParsedJson node(PlainNode("Own", 12));
+    auto* def = alloc.New<OpenDef>();
+    def->SetType(DefTypeCondition);
+
+    EXPECT_EQ(def->Init(*node, nullptr), 0);
+    EXPECT_STREQ(Tessel::GetTableName(def->kvTable), "baseDef");
+    EXPECT_EQ(def->Init(*node, &alloc), 1);
+
+    EXPECT_STREQ(Tessel::GetTableName(def->kvTable), "baseDef");
+    EXPECT_TRUE(static_cast<bool>(def->kvTable->GetTable("attribs")));
 }
 
 TEST(BaseDefTable, IsReplacedByInitAndTheOldOneStaysOpen)

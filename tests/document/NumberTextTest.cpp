@@ -65,6 +65,11 @@ TEST(NumberText, TakesAPieceThatIsNoNumberAsZero)
 {
     EXPECT_EQ(Floats("one,2", 2), (Numbers{0.0f, 2.0f}));
     EXPECT_EQ(Floats("3metres,2", 2), (Numbers{3.0f, 2.0f}));
+    EXPECT_EQ(Floats("2,two,-", 3), (Numbers{2.0f, 0.0f, 0.0f}));
+    double numbers[2] = {7.0, 7.0};
+    EXPECT_EQ(ReadNumbers("one,2x", numbers, 2), 1);
+    EXPECT_EQ(numbers[0], 0.0);
+    EXPECT_EQ(numbers[1], 2.0);
 }
 
 TEST(NumberText, RefusesATextOf128Characters)

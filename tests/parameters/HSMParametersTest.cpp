@@ -180,6 +180,43 @@ TEST(ConditionBinding, DoesNotSeeARuntimeParameterUntilItBindsAgain)
     EXPECT_EQ(machine.MainStack(), "Walk");
 }
 
+TEST(ConditionBinding, ByHandCountsInTheNextTickOfAMachineThatHasSettled)
+{
+    const Json conditions[] = {BoolCondition("bool", true), IntCondition("int", 1, 7),
+                               FloatCondition("float", 3, 0.5), MessageCondition("text", "now")};
+    const char* const others[] = {"other bool", "other int", "other float", "other text"};
+    for (std::size_t i = 0; i < 4; ++i)
+    {
+        LogRecorder log;
+        TestMachine machine(StandAndWalk(conditions[i])
+                                .Parameter(BoolParameter("bool", false))
+                                .Parameter(IntParameter("int", 0))
+                                .Parameter(FloatParameter("float", 0.0))
+                                .Parameter(MessageParameter("text", "later"))
+                                .Parameter(BoolParameter("other bool", true))
+                                .Parameter(IntParameter("other int", 7))
+                                .Parameter(FloatParameter("other float", 1.0))
+                                .Parameter(MessageParameter("other text", "now")));
+        ASSERT_EQ(machine.Init(), 1);
+        machine.BroadcastMessage("other text");
+        machine.Start();
+        for (int tick = 0; tick < 6; ++tick)
+        {
+            machine.Update(0.1f);
+        }
+        ASSERT_EQ(machine.MainStack(), "Stand") << others[i];
+
+        ConditionDef& condition = *FindTransition(machine, 100)->conditions.front();
+        condition.SetParameter(machine.GetParameterTable()->FindParameter(others[i]));
+        machine.Update(0.1f);
+        EXPECT_EQ(machine.MainStack(), "Stand") << others[i] << " is not bound yet";
+        condition.ParameterBind();
+        machine.Update(0.1f);
+
+        EXPECT_EQ(machine.MainStack(), "Walk") << others[i];
+    }
+}
+
 TEST(ConditionBinding, NeedsNeitherTables)
 {
     LogRecorder log;
@@ -543,6 +580,29 @@ TEST(FrameReset, TakesADefaultThatTheHostHasChanged)
 
     EXPECT_EQ(stick->GetValue().x, 6.0f);
     EXPECT_EQ(stick->GetMagnitude(), 10.0f);
+}
+
+TEST(FrameReset, EndsWithUninitParameterTable)
+{
+    LogRecorder log;
+    DocumentBuilder document;
+    document.Start(10).Node(Generic("Stand", 10));
+    document.Parameter(Resetting(FloatParameter("push", 0.0)))
+        .Parameter(Resetting(BoolParameter("hit", false)));
+    TestMachine machine(document);
+    ASSERT_EQ(machine.Init(), 1);
+    auto* push = Find<ParameterFloatDef>(machine, "push");
+    auto* hit = Find<ParameterBoolDef>(machine, "hit");
+    machine.Start();
+
+    machine.UninitParameterTable(&machine.alloc);
+    push->SetValue(1.0f);
+    hit->SetValue(true);
+    machine.Update(0.1f);
+
+    EXPECT_EQ(machine.GetParameterTable()->GetParameterCount(), 0);
+    EXPECT_EQ(push->GetValue(), 1.0f);
+    EXPECT_TRUE(hit->GetValue());
 }
 
 TEST(FrameReset, HappensBeforeStartTooButNotWhileAContextIsApplied)

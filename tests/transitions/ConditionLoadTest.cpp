@@ -283,6 +283,27 @@ TEST(ConditionLoad, ReadsTheFirstElementAlone)
     EXPECT_EQ(built->target, 4);
 }
 
+TEST(ConditionLoad, CreatesATableOnlyWhenItIsAskedForOne)
+{
+    LogRecorder log;
+    for (const Example& example : Examples())
+    {
+        const unsigned int open = Tessel::GetOpenTableCount();
+        Attempt attempt(example.json);
+        ASSERT_EQ(attempt.result, 1) << example.init;
+        EXPECT_EQ(Tessel::GetOpenTableCount(), open) << example.init;
+        ASSERT_EQ(attempt.def->Init(*attempt.node, &attempt.alloc), 1) << example.init;
+        EXPECT_EQ(Tessel::GetOpenTableCount(), open) << example.init;
+
+        const Tessel::KVTable table = attempt.def->GetKVTable();
+
+        EXPECT_STREQ(Tessel::GetTableName(table), "baseDef") << example.init;
+        EXPECT_TRUE(static_cast<bool>(table->GetTable("attribs"))) << example.init;
+        EXPECT_EQ(attempt.def->GetKVTable(), table) << example.init;
+        EXPECT_EQ(Tessel::GetOpenTableCount(), open + 2) << example.init;
+    }
+}
+
 TEST(BoolConditionLoad, WantsTrueForTheLiteralAlone)
 {
     LogRecorder log;
@@ -331,7 +352,12 @@ TEST(IntegerConditionLoad, TruncatesTheBoundsOfARange)
                  {"-0.5,0.5", 0, 0},
                  {"1e20,-1e20", INT_MIN, INT_MAX},
                  {"2147483647.9,16777217", 16777217, INT_MAX},
-                 {"3,3", 3, 3}};
+                 {"3,3", 3, 3},
+                 {"up,2", 0, 2},
+                 {"2,down", 0, 2},
+                 {"-2,down", -2, 0},
+                 {"up,down", 0, 0},
+                 {"3metres,2", 2, 3}};
     for (const auto& example : cases)
     {
         Built<ConditionDefInteger> built(Condition(PARAM_Integer, "x", 10, example.text));
@@ -373,7 +399,9 @@ TEST(FloatConditionLoad, ReadsTheBoundsOfARangeInEitherOrder)
         float low;
         float high;
     } cases[] = {{"0.1,0.9", 0.1f, 0.9f}, {"0.9,0.1", 0.1f, 0.9f},   {"-1,1,5,7", -1.0f, 1.0f},
-                 {"up,2", 0.0f, 2.0f},    {" 2 ,,-3 ", -3.0f, 2.0f}, {",1,2", 1.0f, 2.0f}};
+                 {"up,2", 0.0f, 2.0f},    {" 2 ,,-3 ", -3.0f, 2.0f}, {",1,2", 1.0f, 2.0f},
+                 {"2,down", 0.0f, 2.0f},  {"-2,down", -2.0f, 0.0f},  {"up,down", 0.0f, 0.0f},
+                 {"0.5m,-1", -1.0f, 0.5f}};
     for (const auto& example : cases)
     {
         Built<ConditionFloatDef> built(Condition(PARAM_Float, "x", 10, example.text));
