@@ -28,14 +28,13 @@ TransitionDef* TransitionDef::Create(const GenericValue& node, HSMAlloc* alloc)
 
 int TransitionDef::Init(const GenericValue& node, HSMAlloc* alloc)
 {
-    // This member is looked up first, and nobody reads its value.
-    FindMember(node, JSON_TransitionUnread);
+    const Members members(node);
+    members.Find(JSON_TransitionUnread); // looked up first, and nobody reads its value
     do
     {
         ERROR_BREAK(node.IsObject());
         const int baseResult = BaseDef::Init(node, alloc);
         ERROR_BREAK(baseResult);
-        const Members members(node);
         if (!InitConditions(members.Get(JSON_Conditions), alloc))
         {
             LogStream(LogWarning)

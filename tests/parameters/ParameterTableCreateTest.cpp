@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <new>
 #include <string>
 
 namespace vell::test
@@ -303,6 +304,34 @@ TYPED_TEST(RuntimeParameter, IsDeletedWhenItIsRefused)
     }
 
     EXPECT_EQ(heap.BlocksKept(), kept);
+}
+
+TYPED_TEST(RuntimeParameter, IsEitherThereOrGoneWhenMemoryRunsOut)
+{
+    bool isMade = false;
+    std::size_t refusals = 0;
+    for (; !isMade; ++refusals)
+    {
+        ASSERT_LT(refusals, 100u);
+        LoadedParameters fresh{std::vector<Json>()};
+        typename TestFixture::Interface* made = nullptr;
+        const unsigned int open = Tessel::GetOpenTableCount();
+        try
+        {
+            HeapWatch heap;
+            heap.RefuseAfter(refusals);
+            isMade = Maker<TypeParam>::Make(fresh.table, "fresh", &made) != 0;
+        }
+        catch (const std::bad_alloc&)
+        {
+            EXPECT_EQ(made, nullptr) << refusals;
+        }
+
+        ParameterDef* def = fresh.table.FindParameter(ParameterId("fresh"));
+        EXPECT_EQ(Tessel::GetOpenTableCount(), open + (def == nullptr ? 0 : 2)) << refusals;
+        EXPECT_EQ(fresh.table.GetParameterCount(), def == nullptr ? 0 : 1) << refusals;
+    }
+    EXPECT_GT(refusals, 4u);
 }
 
 TEST(RuntimeMessage, HasAnEmptyTextForANullOne)
