@@ -229,6 +229,23 @@ TYPED_TEST(EveryDef, ClosesItsTableWhenTheBaseFails)
     EXPECT_EQ(Tessel::GetTableName(bad.def->GetKVTable()), nullptr);
 }
 
+TYPED_TEST(EveryDef, MayBeDestroyedByHandBeforeTheArenaGoes)
+{
+    const LogRecorder log;
+    const ParsedJson node(Kind<TypeParam>::Node().Set(
+        JSON_Attributes, Json::Array({Attribute("surface", "QString", "mud")})));
+    Arena alloc;
+    auto* def = alloc.New<TypeParam>();
+    ASSERT_EQ(def->Init(*node, &alloc), 1);
+    ASSERT_NE(def->GetAttrib("surface"), nullptr);
+    const Tessel::KVTable table = def->GetKVTable();
+
+    def->~TypeParam();
+    alloc.Release();
+
+    EXPECT_EQ(Tessel::GetTableName(table), nullptr);
+}
+
 template <class T>
 class MostDefs : public testing::Test
 {

@@ -70,7 +70,7 @@ private:
     Lines lines;
 };
 
-/// Stand goes to Walk above a speed of a half; the global node goes to Hit above 10.
+/// Stand goes to Walk above a speed of a half; the global node goes to Hit below -10.
 DocumentBuilder Document()
 {
     DocumentBuilder document;
@@ -79,7 +79,7 @@ DocumentBuilder Document()
         .Nodes({Generic("Stand", 10, {100}), Generic("Walk", 11), Generic("Hit", 12)})
         .Nodes({Generic("Other", 13), Generic("Third", 14)})
         .Node(Transition("Go", 100, 10, 11, {FloatCondition("speed", 3, 0.5)}))
-        .Node(Transition("ToHit", 101, 50, 12, {FloatCondition("speed", 3, 10.0)}))
+        .Node(Transition("ToHit", 101, 50, 12, {FloatCondition("speed", 5, -10.0)}))
         .GlobalNode(Global("Global", 50, {101}));
     return document;
 }
@@ -133,7 +133,7 @@ TEST(HostCallbacks, AnEnterActionThatEndsAnInterruptionPutsItsStateOnTheMainStac
                                 started.machine.RevertToPreviousState();
                             });
 
-    started.machine.Speed().SetValue(11.0f);
+    started.machine.Speed().SetValue(-11.0f);
     started.machine.Update(0.1f);
 
     EXPECT_FALSE(started.machine.IsBlipState());
