@@ -43,7 +43,7 @@ T* Find(TestMachine& machine, const char* name)
 
 TransitionDef* FindTransition(TestMachine& machine, unsigned int id)
 {
-    return dynamic_cast<TransitionDef*>(machine.nodeDefTable->Find(id));
+    return dynamic_cast<TransitionDef*>(machine.FindDef(id));
 }
 
 /// A machine with one parameter of each kind that answers to texts or does not.
