@@ -12,13 +12,9 @@ namespace vell
 
 BaseDef* AnimClipDef::Create(const GenericValue& node, HSMAlloc* alloc)
 {
-    AnimClipDef* def = nullptr;
-    do
-    {
-        ERROR_BREAK(node.IsObject());
-        def = PlaceDef<AnimClipDef>(alloc, DefTypeAnimClip, DefTypesState);
-        ERROR_BREAK(def);
-    } while (false);
+    ERROR_RETURN(node.IsObject(), nullptr);
+    AnimClipDef* def = PlaceDef<AnimClipDef>(alloc, DefTypeAnimClip, DefTypesState);
+    ERROR_RETURN(def, nullptr);
     return def;
 }
 

@@ -156,26 +156,16 @@ int AttribBase::DestroyKVTable()
 
 int AttribBase::InitKVTableListener()
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(static_cast<bool>(kvTable));
-        ERROR_BREAK(ListenToValue());
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(static_cast<bool>(kvTable), 0);
+    ERROR_RETURN(ListenToValue(), 0);
+    return 1;
 }
 
 int AttribBase::UnInitKVTableListener()
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(static_cast<bool>(kvTable));
-        ERROR_BREAK(StopListeningToValue());
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(static_cast<bool>(kvTable), 0);
+    ERROR_RETURN(StopListeningToValue(), 0);
+    return 1;
 }
 
 int AttribBase::ListenToValue()

@@ -68,12 +68,8 @@ BaseDef::~BaseDef()
 
 BaseDef* BaseDef::Create(const GenericValue&, HSMAlloc* alloc)
 {
-    BaseDef* def = nullptr;
-    do
-    {
-        def = PlaceDef<BaseDef>(alloc, DefTypeBase, DefTypeBase);
-        ERROR_BREAK(def);
-    } while (false);
+    BaseDef* def = PlaceDef<BaseDef>(alloc, DefTypeBase, DefTypeBase);
+    ERROR_RETURN(def, nullptr);
     return def;
 }
 

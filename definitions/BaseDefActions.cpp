@@ -13,39 +13,24 @@ namespace vell
 
 int BaseDef::RegisterEnter(Action* action)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(action);
-        Append(&enterActions, &numEnter, action);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(action, 0);
+    Append(&enterActions, &numEnter, action);
+    return 1;
 }
 
 int BaseDef::RegisterExit(Action* action)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(action);
-        Append(&exitActions, &numExit, action);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(action, 0);
+    Append(&exitActions, &numExit, action);
+    return 1;
 }
 
 int BaseDef::RegisterExecute(Action* action)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(action);
-        Append(&executeActions, &numExecute, action);
-        Internals::CountChange(*this);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(action, 0);
+    Append(&executeActions, &numExecute, action);
+    Internals::CountChange(*this);
+    return 1;
 }
 
 void BaseDef::Append(Action** head, unsigned int* count, Action* action)

@@ -104,78 +104,65 @@ void SetFirstValue(AttribBase& attrib, const GenericValue& value, const float* v
 
 int BaseDef::Init_Attribs(const GenericValue& node, HSMAlloc* alloc)
 {
-    int result = 0;
-    do
+    const GenericValue* array = FindMember(node, JSON_Attributes);
+    if (array == nullptr)
     {
-        const GenericValue* array = FindMember(node, JSON_Attributes);
-        if (array == nullptr)
-        {
-            result = 1;
-            break;
-        }
-        ERROR_BREAK(array->IsArray());
-        numAttribs = array->Size();
+        return 1;
+    }
+    ERROR_RETURN(array->IsArray(), 0);
+    numAttribs = array->Size();
+    int result = 1;
+    for (const GenericValue& element : array->GetArray())
+    {
+        result = 0;
+        ERROR_BREAK(Init_Attrib(element, alloc));
         result = 1;
-        for (const GenericValue& element : array->GetArray())
-        {
-            result = 0;
-            ERROR_BREAK(Init_Attrib(element, alloc));
-            result = 1;
-        }
-    } while (false);
+    }
     return result;
 }
 
 int BaseDef::Init_Attrib(const GenericValue& element, HSMAlloc* alloc)
 {
-    int result = 0;
-    do
+    ERROR_RETURN(element.IsObject(), 0);
+    const GenericValue* array = FindMember(element, kDataMember);
+    if (array == nullptr)
     {
-        ERROR_BREAK(element.IsObject());
-        const GenericValue* array = FindMember(element, kDataMember);
-        if (array == nullptr)
-        {
-            result = 1;
-            break;
-        }
-        ERROR_BREAK(array->IsArray());
-        const GenericValue& data = GetFirstElement(*array);
-        ERROR_BREAK(data.IsObject());
-        const GenericValue* typeMember = FindMember(data, JSON_AttributeType);
-        if (typeMember == nullptr)
-        {
-            result = 1;
-            break;
-        }
-        const char* typeName = ReadText(*typeMember);
-        const int attribType = FindAttribType(typeName);
-        if (attribType == 0)
-        {
-            LogStream(LogError) << typeName << " isn't implemented for this sprint (yet)"
-                                << EndLine;
-            break;
-        }
-        AttribBase* attrib = alloc == nullptr ? nullptr : PlaceAttrib(attribType, *alloc);
-        ERROR_BREAK(attrib);
+        return 1;
+    }
+    ERROR_RETURN(array->IsArray(), 0);
+    const GenericValue& data = GetFirstElement(*array);
+    ERROR_RETURN(data.IsObject(), 0);
+    const GenericValue* typeMember = FindMember(data, JSON_AttributeType);
+    if (typeMember == nullptr)
+    {
+        return 1;
+    }
+    const char* typeName = ReadText(*typeMember);
+    const int attribType = FindAttribType(typeName);
+    if (attribType == 0)
+    {
+        LogStream(LogError) << typeName << " isn't implemented for this sprint (yet)" << EndLine;
+        return 0;
+    }
+    AttribBase* attrib = alloc == nullptr ? nullptr : PlaceAttrib(attribType, *alloc);
+    ERROR_RETURN(attrib, 0);
 
-        const int width = VectorWidth(attribType);
-        float vector[4] = {};
-        if (width != 0)
-        {
-            const GenericValue* text = FindMember(data, JSON_Value);
-            ERROR_BREAK(text != nullptr);
-            ERROR_BREAK(ReadNumbers(ReadText(*text), vector, width));
-        }
-        SetFirstValue(*attrib, GetMember(data, JSON_Value), vector);
+    const int width = VectorWidth(attribType);
+    float vector[4] = {};
+    if (width != 0)
+    {
+        const GenericValue* text = FindMember(data, JSON_Value);
+        ERROR_RETURN(text != nullptr, 0);
+        ERROR_RETURN(ReadNumbers(ReadText(*text), vector, width), 0);
+    }
+    SetFirstValue(*attrib, GetMember(data, JSON_Value), vector);
 
-        attrib->SetName(ReadText(element, JSON_Name));
-        attrib->InitKVTableListener();
-        const bool inserted = attribs.emplace(attrib->GetName(), attrib).second;
-        ERROR_BREAK(inserted);
-        ERROR_BREAK(TabAddAttrib(attrib));
-        result = 1;
-    } while (false);
-    return result;
+    attrib->SetName(ReadText(element, JSON_Name));
+    attrib->InitKVTableListener();
+    const bool inserted = attribs.emplace(attrib->GetName(), attrib).second;
+    ERROR_RETURN(inserted, 0);
+    ERROR_RETURN(TabAddAttrib(attrib), 0);
+    return 1;
 }
 
 int BaseDef::Uninit_Attribs()

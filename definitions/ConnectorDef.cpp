@@ -48,13 +48,9 @@ unsigned int FindConnectorKind(const char* text)
 
 BaseDef* ConnectorDef::Create(const GenericValue& node, HSMAlloc* alloc)
 {
-    ConnectorDef* def = nullptr;
-    do
-    {
-        ERROR_BREAK(node.IsObject());
-        def = PlaceDef<ConnectorDef>(alloc, DefTypeConnector, DefTypesConnector);
-        ERROR_BREAK(def);
-    } while (false);
+    ERROR_RETURN(node.IsObject(), nullptr);
+    ConnectorDef* def = PlaceDef<ConnectorDef>(alloc, DefTypeConnector, DefTypesConnector);
+    ERROR_RETURN(def, nullptr);
     return def;
 }
 

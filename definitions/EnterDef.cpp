@@ -11,13 +11,9 @@ namespace vell
 
 BaseDef* EnterDef::Create(const GenericValue& node, HSMAlloc* alloc)
 {
-    EnterDef* def = nullptr;
-    do
-    {
-        ERROR_BREAK(node.IsObject());
-        def = PlaceDef<EnterDef>(alloc, DefTypeEnter, DefTypesState);
-        ERROR_BREAK(def);
-    } while (false);
+    ERROR_RETURN(node.IsObject(), nullptr);
+    EnterDef* def = PlaceDef<EnterDef>(alloc, DefTypeEnter, DefTypesState);
+    ERROR_RETURN(def, nullptr);
     return def;
 }
 

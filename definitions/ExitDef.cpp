@@ -11,13 +11,9 @@ namespace vell
 
 BaseDef* ExitDef::Create(const GenericValue& node, HSMAlloc* alloc)
 {
-    ExitDef* def = nullptr;
-    do
-    {
-        ERROR_BREAK(node.IsObject());
-        def = PlaceDef<ExitDef>(alloc, DefTypeExit, DefTypesState);
-        ERROR_BREAK(def);
-    } while (false);
+    ERROR_RETURN(node.IsObject(), nullptr);
+    ExitDef* def = PlaceDef<ExitDef>(alloc, DefTypeExit, DefTypesState);
+    ERROR_RETURN(def, nullptr);
     return def;
 }
 

@@ -12,13 +12,9 @@ namespace vell
 
 BaseDef* GenericDef::Create(const GenericValue& node, HSMAlloc* alloc)
 {
-    GenericDef* def = nullptr;
-    do
-    {
-        ERROR_BREAK(node.IsObject());
-        def = PlaceDef<GenericDef>(alloc, DefTypeGeneric, DefTypesState);
-        ERROR_BREAK(def);
-    } while (false);
+    ERROR_RETURN(node.IsObject(), nullptr);
+    GenericDef* def = PlaceDef<GenericDef>(alloc, DefTypeGeneric, DefTypesState);
+    ERROR_RETURN(def, nullptr);
     return def;
 }
 

@@ -12,13 +12,9 @@ namespace vell
 
 BaseDef* GlobalDef::Create(const GenericValue& node, HSMAlloc* alloc)
 {
-    GlobalDef* def = nullptr;
-    do
-    {
-        ERROR_BREAK(node.IsObject());
-        def = PlaceDef<GlobalDef>(alloc, DefTypeGlobal, DefTypesState);
-        ERROR_BREAK(def);
-    } while (false);
+    ERROR_RETURN(node.IsObject(), nullptr);
+    GlobalDef* def = PlaceDef<GlobalDef>(alloc, DefTypeGlobal, DefTypesState);
+    ERROR_RETURN(def, nullptr);
     return def;
 }
 

@@ -158,15 +158,10 @@ int NodeDefTable::InsertNode(BaseDef* def)
 
 int NodeDefTable::InsertEnterNode(BaseDef* def)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(def);
-        const bool inserted = enterNodes.emplace(def->GetParentID(), def).second;
-        ERROR_BREAK(inserted);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(def, 0);
+    const bool inserted = enterNodes.emplace(def->GetParentID(), def).second;
+    ERROR_RETURN(inserted, 0);
+    return 1;
 }
 
 BaseDef* NodeDefTable::Find(unsigned int id) const
@@ -215,15 +210,10 @@ BaseDef* NodeDefTable::WalkFrom(NodeMap::iterator position, unsigned int mask)
 
 int NodeDefTable::CreateKVTable()
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(!kvTable);
-        kvTable = Tessel::CreateTable("nodeDefTable");
-        ERROR_BREAK(static_cast<bool>(kvTable));
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(!kvTable, 0);
+    kvTable = Tessel::CreateTable("nodeDefTable");
+    ERROR_RETURN(static_cast<bool>(kvTable), 0);
+    return 1;
 }
 
 void NodeDefTable::Uninit()

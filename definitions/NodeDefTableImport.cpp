@@ -42,26 +42,21 @@ void WriteText(Tessel::KVTable table, const char* key, const char* text)
 
 int NodeDefTable::ImportHead(const GenericValue& head)
 {
-    int result = 0;
-    do
+    ERROR_RETURN(head.IsObject(), 0);
+    const unsigned int enterNode = ReadUInt(head, JSON_HeadEnterNode);
+    const unsigned int version = ReadUInt(head, JSON_HeadVersion);
+    if (version > 1)
     {
-        ERROR_BREAK(head.IsObject());
-        const unsigned int enterNode = ReadUInt(head, JSON_HeadEnterNode);
-        const unsigned int version = ReadUInt(head, JSON_HeadVersion);
-        if (version > 1)
-        {
-            ImportIdentity(head);
-        }
-        const unsigned int value84 = version > 2 ? ReadUInt(head, JSON_HeadValue84) : 0;
-        const unsigned int substateRoot = version > 2 ? ReadUInt(head, JSON_HeadSubstateRoot) : 0;
-        PrintHead(head, substateRoot);
-        ERROR_BREAK(enterNode);
-        SetEnterNode(enterNode);
-        substateRootId = substateRoot;
-        headValue84 = value84;
-        result = 1;
-    } while (false);
-    return result;
+        ImportIdentity(head);
+    }
+    const unsigned int value84 = version > 2 ? ReadUInt(head, JSON_HeadValue84) : 0;
+    const unsigned int substateRoot = version > 2 ? ReadUInt(head, JSON_HeadSubstateRoot) : 0;
+    PrintHead(head, substateRoot);
+    ERROR_RETURN(enterNode, 0);
+    SetEnterNode(enterNode);
+    substateRootId = substateRoot;
+    headValue84 = value84;
+    return 1;
 }
 
 void NodeDefTable::ImportIdentity(const GenericValue& head)
@@ -105,82 +100,63 @@ void NodeDefTable::SetEnterNode(unsigned int id)
 
 int NodeDefTable::ImportGlobal(const GenericValue& globals, HSMAlloc* alloc)
 {
-    int result = 0;
-    do
+    ERROR_RETURN(globals.IsArray(), 0);
+    // Required: a node that cannot be taken in ends the walk, not the load.
+    int result = 1;
+    for (const GenericValue& node : globals.GetArray())
     {
-        ERROR_BREAK(globals.IsArray());
-        // Required: a node that cannot be taken in ends the walk, not the load.
-        result = 1;
-        for (const GenericValue& node : globals.GetArray())
+        ERROR_BREAK(node.IsObject());
+        BaseDef* def = CreateNodeDef(node, alloc);
+        ERROR_BREAK(def);
+        ERROR_BREAK(InsertNode(def));
+        if (def->GetType() == DefTypeGlobal)
         {
-            ERROR_BREAK(node.IsObject());
-            BaseDef* def = CreateNodeDef(node, alloc);
-            ERROR_BREAK(def);
-            ERROR_BREAK(InsertNode(def));
-            if (def->GetType() == DefTypeGlobal)
-            {
-                globalNodeId = def->GetID();
-            }
+            globalNodeId = def->GetID();
         }
-    } while (false);
+    }
     return result;
 }
 
 int NodeDefTable::ImportSkel(const GenericValue& skeleton, HSMAlloc* alloc)
 {
-    int result = 0;
-    do
+    ERROR_RETURN(alloc, 0);
+    ERROR_RETURN(skeleton.IsObject(), 0);
+    // Required: a missing file name does not fail the section.
+    ImportSkel_ModelFileName(skeleton, alloc);
+    ImportSkel_SkeletonFileName(skeleton, alloc);
+    if (const GenericValue* value = FindMember(skeleton, JSON_SkeletonValue89))
     {
-        ERROR_BREAK(alloc);
-        ERROR_BREAK(skeleton.IsObject());
-        // Required: a missing file name does not fail the section.
-        ImportSkel_ModelFileName(skeleton, alloc);
-        ImportSkel_SkeletonFileName(skeleton, alloc);
-        if (const GenericValue* value = FindMember(skeleton, JSON_SkeletonValue89))
-        {
-            skelValue89 = ReadUInt(*value);
-        }
-        result = 1;
-    } while (false);
-    return result;
+        skelValue89 = ReadUInt(*value);
+    }
+    return 1;
 }
 
 int NodeDefTable::ImportSkel_ModelFileName(const GenericValue& skeleton, HSMAlloc* alloc)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(FindMember(skeleton, JSON_ModelFileName) != nullptr);
-        const char* text = ReadText(skeleton, JSON_ModelFileName);
-        ERROR_BREAK(text == nullptr || *text != '\0');
-        const std::size_t length = text == nullptr ? 0 : std::strlen(text);
-        modelFileName = alloc == nullptr ? nullptr : AllocText(*alloc, length);
-        ERROR_BREAK(modelFileName);
-        ERROR_BREAK(text);
-        std::memcpy(modelFileName, text, length);
-        WriteText(kvTable, kModelKey, modelFileName);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(FindMember(skeleton, JSON_ModelFileName) != nullptr, 0);
+    const char* text = ReadText(skeleton, JSON_ModelFileName);
+    ERROR_RETURN(text == nullptr || *text != '\0', 0);
+    const std::size_t length = text == nullptr ? 0 : std::strlen(text);
+    modelFileName = alloc == nullptr ? nullptr : AllocText(*alloc, length);
+    ERROR_RETURN(modelFileName, 0);
+    ERROR_RETURN(text, 0);
+    std::memcpy(modelFileName, text, length);
+    WriteText(kvTable, kModelKey, modelFileName);
+    return 1;
 }
 
 int NodeDefTable::ImportSkel_SkeletonFileName(const GenericValue& skeleton, HSMAlloc* alloc)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(FindMember(skeleton, JSON_SkeletonFileName) != nullptr);
-        const char* text = ReadText(skeleton, JSON_SkeletonFileName);
-        ERROR_BREAK(text == nullptr || *text != '\0');
-        const std::size_t length = text == nullptr ? 0 : std::strlen(text);
-        skeletonFileName = alloc == nullptr ? nullptr : AllocText(*alloc, length);
-        ERROR_BREAK(skeletonFileName);
-        ERROR_BREAK(text);
-        std::memcpy(skeletonFileName, text, length);
-        WriteText(kvTable, kSkeletonKey, skeletonFileName);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(FindMember(skeleton, JSON_SkeletonFileName) != nullptr, 0);
+    const char* text = ReadText(skeleton, JSON_SkeletonFileName);
+    ERROR_RETURN(text == nullptr || *text != '\0', 0);
+    const std::size_t length = text == nullptr ? 0 : std::strlen(text);
+    skeletonFileName = alloc == nullptr ? nullptr : AllocText(*alloc, length);
+    ERROR_RETURN(skeletonFileName, 0);
+    ERROR_RETURN(text, 0);
+    std::memcpy(skeletonFileName, text, length);
+    WriteText(kvTable, kSkeletonKey, skeletonFileName);
+    return 1;
 }
 
 } // namespace vell

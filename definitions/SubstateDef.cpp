@@ -11,13 +11,9 @@ namespace vell
 
 BaseDef* SubstateDef::Create(const GenericValue& node, HSMAlloc* alloc)
 {
-    SubstateDef* def = nullptr;
-    do
-    {
-        ERROR_BREAK(node.IsObject());
-        def = PlaceDef<SubstateDef>(alloc, DefTypeSubstate, DefTypesSubstate);
-        ERROR_BREAK(def);
-    } while (false);
+    ERROR_RETURN(node.IsObject(), nullptr);
+    SubstateDef* def = PlaceDef<SubstateDef>(alloc, DefTypeSubstate, DefTypesSubstate);
+    ERROR_RETURN(def, nullptr);
     return def;
 }
 

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// foundation/Checks.h: the four check statements. They are the only macros that change control
+// foundation/Checks.h: the check statements. They are the only macros that change control
 // flow.
 #pragma once
 
@@ -7,19 +7,25 @@
 #include "foundation/LogStream.h"
 
 // Each statement tests an expression, and when it is zero, null or false writes a line at error
-// level that names the function it stands in. A function with checks looks like this:
+// level that names the function it is in. A function with checks looks like this:
 //
-//     int result = 0;
+//     ERROR_RETURN(pointer, 0);     // returns 0 when null
+//     ERROR_RETURN(Step(), 0);      // returns 0 when Step gives 0; Step then ran twice
+//     return 1;
+//
+// Where code runs on the good and on the bad path, or a loop is left, the checks break:
+//
 //     do
 //     {
-//         ERROR_BREAK(pointer);     // leaves the block when null
-//         ERROR_BREAK(Step());      // leaves the block when 0; Step then ran twice
-//         result = 1;
+//         ERROR_BREAK(pointer);
+//         return 1;
 //     } while (false);
-//     return result;                // runs on the good and on the bad path
+//     Uninit();
+//     return 0;
 //
 // ERROR_BREAK and ASSERT_BREAK are a plain `break`: they leave the innermost loop, switch or
-// one-pass block. ERROR_GOTO jumps to a label of the function, ERROR_ASSERT goes on.
+// one-pass block. ERROR_RETURN writes the line of ERROR_BREAK and returns. ERROR_GOTO jumps to a
+// label of the function, ERROR_ASSERT goes on.
 
 // Writing the line is left to functions that no passing check enters.
 #if defined(__GNUC__)
@@ -50,6 +56,14 @@ VELL_COLD void LogErrorAssert(int line, const char* function);
     {                                                                                              \
         ::vell::LogErrorBreak((expr), __LINE__, VELL_FUNCTION);                                    \
         break;                                                                                     \
+    }                                                                                              \
+    static_assert(true, "a semicolon follows")
+
+#define ERROR_RETURN(expr, result)                                                                 \
+    if (!(expr))                                                                                   \
+    {                                                                                              \
+        ::vell::LogErrorBreak((expr), __LINE__, VELL_FUNCTION);                                    \
+        return result;                                                                             \
     }                                                                                              \
     static_assert(true, "a semicolon follows")
 

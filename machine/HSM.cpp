@@ -102,13 +102,8 @@ __STATE_MACHINE_TYPES__ HSM::GetHSMType() const
 
 int HSM::InitCond(NodeDefTable* table)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(table);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(table, 0);
+    return 1;
 }
 
 } // namespace vell

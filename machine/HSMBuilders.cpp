@@ -73,14 +73,9 @@ void HSM::UnRegisterBuilders()
 
 int HSM::RegisterNodeDef(__DURM_BUILDERS__ builder, NodeDefFactory factory)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(nodeDefTable);
-        ERROR_BREAK(nodeDefTable->RegisterNodeDef(builder, factory));
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(nodeDefTable, 0);
+    ERROR_RETURN(nodeDefTable->RegisterNodeDef(builder, factory), 0);
+    return 1;
 }
 
 } // namespace vell

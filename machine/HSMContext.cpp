@@ -46,15 +46,10 @@ unsigned int GetIdAt(Tessel::KVTable array, unsigned int index)
 int HSM::SetContextInfo(const Tessel::KVTable& context)
 {
     const Suspension suspension(applyingContext);
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(SetContextInfo_StackStates(GetChild(context, kMainStackKey)));
-        ERROR_BREAK(SetContextInfo_StackBlip(GetChild(context, kBlipStackKey)));
-        ERROR_BREAK(SetContextInfo_StateSwitching(context));
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(SetContextInfo_StackStates(GetChild(context, kMainStackKey)), 0);
+    ERROR_RETURN(SetContextInfo_StackBlip(GetChild(context, kBlipStackKey)), 0);
+    ERROR_RETURN(SetContextInfo_StateSwitching(context), 0);
+    return 1;
 }
 
 int HSM::SetContextInfo_StackStates(const Tessel::KVTable& table)

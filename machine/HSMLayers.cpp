@@ -43,15 +43,10 @@ int HSM::ImportLayers(const GenericValue& root, HSMAlloc*)
 
 int HSM::ImportStates(const GenericValue& layer, HSMAlloc*)
 {
-    int result = 0;
-    do
-    {
-        const GenericValue* nodes = FindMember(layer, JSON_Nodes);
-        ERROR_BREAK(nodes != nullptr);
-        ERROR_BREAK(InitNodeDefTable(*nodes, &alloc));
-        result = 1;
-    } while (false);
-    return result;
+    const GenericValue* nodes = FindMember(layer, JSON_Nodes);
+    ERROR_RETURN(nodes != nullptr, 0);
+    ERROR_RETURN(InitNodeDefTable(*nodes, &alloc), 0);
+    return 1;
 }
 
 } // namespace vell

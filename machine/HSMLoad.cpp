@@ -25,34 +25,29 @@ constexpr int kRestingBlipPriority = 1;
 
 int HSM::Create()
 {
-    int result = 0;
-    do
+    const unsigned int errorCode = ParseDocument();
+    if (document.HasParseError())
     {
-        const unsigned int errorCode = ParseDocument();
-        if (document.HasParseError())
-        {
-            LogStream(LogError)
-                << "JSON file has errors, please run a validator on it and correct issues: "
-                << errorCode << EndLine;
-            ERROR_BREAK(false);
-        }
-        ERROR_BREAK(FindMember(document, JSON_Head) != nullptr);
-        const GenericValue& head = GetMember(document, JSON_Head);
-        const unsigned int size =
-            static_cast<unsigned int>(GetMemoryRequirements(head)) * kMemoryFactor;
-        ForgetArena();
-        // Required: a refused block is asked for twice; the load fails also when the second attempt
-        // succeeds.
-        ERROR_BREAK(alloc.Reserve(size));
-        const char* typeName = GetHSMType(head);
-        ERROR_BREAK(typeName);
-        machineType = DURMBaseLib::GetStateMachineTypeByName(typeName);
-        RegisterBuilders();
-        nodeDefTable = alloc.New<NodeDefTable>();
-        ERROR_BREAK(nodeDefTable);
-        result = 1;
-    } while (false);
-    return result;
+        LogStream(LogError)
+            << "JSON file has errors, please run a validator on it and correct issues: "
+            << errorCode << EndLine;
+        ERROR_RETURN(false, 0);
+    }
+    ERROR_RETURN(FindMember(document, JSON_Head) != nullptr, 0);
+    const GenericValue& head = GetMember(document, JSON_Head);
+    const unsigned int size =
+        static_cast<unsigned int>(GetMemoryRequirements(head)) * kMemoryFactor;
+    ForgetArena();
+    // Required: a refused block is asked for twice; the load fails also when the second attempt
+    // succeeds.
+    ERROR_RETURN(alloc.Reserve(size), 0);
+    const char* typeName = GetHSMType(head);
+    ERROR_RETURN(typeName, 0);
+    machineType = DURMBaseLib::GetStateMachineTypeByName(typeName);
+    RegisterBuilders();
+    nodeDefTable = alloc.New<NodeDefTable>();
+    ERROR_RETURN(nodeDefTable, 0);
+    return 1;
 }
 
 /// What an earlier Create and its machine left in the arena goes with the arena's block, and so
@@ -92,25 +87,15 @@ unsigned int HSM::ParseDocument()
 
 int HSM::GetMemoryRequirements(const GenericValue& head)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(head.IsObject());
-        const GenericValue* memory = FindMember(head, JSON_HeadMemory);
-        result = memory == nullptr ? kDefaultMemory : ReadInt(*memory);
-    } while (false);
-    return result;
+    ERROR_RETURN(head.IsObject(), 0);
+    const GenericValue* memory = FindMember(head, JSON_HeadMemory);
+    return memory == nullptr ? kDefaultMemory : ReadInt(*memory);
 }
 
 const char* HSM::GetHSMType(const GenericValue& head)
 {
-    const char* result = nullptr;
-    do
-    {
-        ERROR_BREAK(head.IsObject());
-        result = ReadText(head, JSON_HeadMachineType);
-    } while (false);
-    return result;
+    ERROR_RETURN(head.IsObject(), nullptr);
+    return ReadText(head, JSON_HeadMachineType);
 }
 
 int HSM::Init()

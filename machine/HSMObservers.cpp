@@ -138,16 +138,11 @@ Action* HSM::FindAction(unsigned int id)
 
 int HSM::AssignTrigger(const char* name, Trigger trigger)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(nodeDefTable);
-        auto* transition = dynamic_cast<TransitionDef*>(nodeDefTable->FindByName(name));
-        ERROR_BREAK(transition);
-        ERROR_BREAK(transition->RegisterCondition(trigger));
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(nodeDefTable, 0);
+    auto* transition = dynamic_cast<TransitionDef*>(nodeDefTable->FindByName(name));
+    ERROR_RETURN(transition, 0);
+    ERROR_RETURN(transition->RegisterCondition(trigger), 0);
+    return 1;
 }
 
 int HSM::AssignDefaultAction(ActionFactory factory)
@@ -173,87 +168,54 @@ int HSM::AssignDefaultAction(ActionFactory factory)
 
 const char* HSM::GetMDLAsset()
 {
-    const char* asset = nullptr;
-    do
-    {
-        ERROR_BREAK(nodeDefTable);
-        const char* file = nodeDefTable->modelFileName;
-        asset = file == nullptr || *file == '\0' ? nullptr : file;
-    } while (false);
-    return asset;
+    ERROR_RETURN(nodeDefTable, nullptr);
+    const char* file = nodeDefTable->modelFileName;
+    return file == nullptr || *file == '\0' ? nullptr : file;
 }
 
 const char* HSM::GetSkelAsset()
 {
-    const char* asset = nullptr;
-    do
-    {
-        ERROR_BREAK(nodeDefTable);
-        asset = nodeDefTable->skeletonFileName;
-    } while (false);
-    return asset;
+    ERROR_RETURN(nodeDefTable, nullptr);
+    return nodeDefTable->skeletonFileName;
 }
 
 const char* HSM::GetGUID()
 {
-    const char* guid = nullptr;
-    do
-    {
-        ERROR_BREAK(nodeDefTable);
-        guid = nodeDefTable->guid;
-    } while (false);
-    return guid;
+    ERROR_RETURN(nodeDefTable, nullptr);
+    return nodeDefTable->guid;
 }
 
 IBaseDef* HSM::BeginDef(unsigned int mask)
 {
-    IBaseDef* def = nullptr;
-    do
-    {
-        ERROR_BREAK(nodeDefTable);
-        def = HandOut(nodeDefTable->FindFirst(mask));
-    } while (false);
-    return def;
+    ERROR_RETURN(nodeDefTable, nullptr);
+    return HandOut(nodeDefTable->FindFirst(mask));
 }
 
 IBaseDef* HSM::NextDef(unsigned int mask)
 {
-    IBaseDef* def = nullptr;
-    do
-    {
-        ERROR_BREAK(nodeDefTable);
-        def = HandOut(nodeDefTable->FindNext(mask));
-    } while (false);
-    return def;
+    ERROR_RETURN(nodeDefTable, nullptr);
+    return HandOut(nodeDefTable->FindNext(mask));
 }
 
 IBaseDef* HSM::FindDef(const char* name)
 {
-    IBaseDef* def = nullptr;
-    do
+    ERROR_RETURN(nodeDefTable, nullptr);
+    IBaseDef* def = HandOut(nodeDefTable->FindByName(name));
+    if (def == nullptr)
     {
-        ERROR_BREAK(nodeDefTable);
-        def = HandOut(nodeDefTable->FindByName(name));
-        if (def == nullptr)
-        {
-            LogStream(LogError) << "Failed to find node definition named: " << name << EndLine;
-        }
-    } while (false);
+        LogStream(LogError) << "Failed to find node definition named: " << name << EndLine;
+    }
     return def;
 }
 
 IBaseDef* HSM::FindDef(unsigned int id)
 {
-    IBaseDef* def = nullptr;
-    do
+    ERROR_RETURN(nodeDefTable, nullptr);
+    IBaseDef* def = HandOut(nodeDefTable->Find(id));
+    if (def == nullptr)
     {
-        ERROR_BREAK(nodeDefTable);
-        def = HandOut(nodeDefTable->Find(id));
-        if (def == nullptr)
-        {
-            LogStream(LogError) << "Failed to find node definition ID: " << id << EndLine;
-        }
-    } while (false);
+        LogStream(LogError) << "Failed to find node definition ID: " << id << EndLine;
+    }
     return def;
 }
 

@@ -109,59 +109,48 @@ void HSM::StartBlip(UpdateResult* result)
 
 int HSM::UpdateState(SMState* state, UpdateResult* result, float)
 {
-    int outcome = 0;
-    do
+    ERROR_RETURN(state, 0);
+    ERROR_RETURN(result, 0);
+    if (state->ProcessTransitions(this, result) == 0)
     {
-        ERROR_BREAK(state);
-        ERROR_BREAK(result);
-        outcome = kNoTransition;
-        if (state->ProcessTransitions(this, result) != 0)
-        {
-            LogStream(LogInfo) << "Transition satisfied: " << NameOf(*state) << EndLine;
-            result->popLevel = result->stackIndex;
-            outcome = kTransitionFired;
-        }
-    } while (false);
-    return outcome;
+        return kNoTransition;
+    }
+    LogStream(LogInfo) << "Transition satisfied: " << NameOf(*state) << EndLine;
+    result->popLevel = result->stackIndex;
+    return kTransitionFired;
 }
 
 int HSM::UpdateStateStack(UpdateResult* result)
 {
-    int outcome = 0;
-    do
+    ERROR_RETURN(result, 0);
+    SMState* previous = nullptr;
+    const int lowest = currentStack == nullptr ? 0 : result->popLevel;
+    for (int i = TopIndex(currentStack); i >= lowest; --i)
     {
-        ERROR_BREAK(result);
-        SMState* previous = nullptr;
-        const int lowest = currentStack == nullptr ? 0 : result->popLevel;
-        for (int i = TopIndex(currentStack); i >= lowest; --i)
+        if (currentStack->at(static_cast<std::size_t>(i)) == nullptr)
         {
-            if (currentStack->at(static_cast<std::size_t>(i)) == nullptr)
-            {
-                continue;
-            }
-            SMState* popped = PopState();
-            if (previous == nullptr)
-            {
-                previous = popped;
-                previousState = popped;
-            }
+            continue;
         }
-        const unsigned int target = result->targetID;
-        if (target == 0)
+        SMState* popped = PopState();
+        if (previous == nullptr)
         {
-            outcome = 1;
-            break;
+            previous = popped;
+            previousState = popped;
         }
-        SMState* state = ActivateState(target, result->switchArgument);
-        ERROR_BREAK(state);
-        result->Reset();
-        // Required: a state that would not be entered is reported as the next one all the same.
-        PushState(state);
-        ReportStateChange(previous, target);
-        Notify();
-        outcome = 1;
-    } while (false);
-    return outcome;
+    }
+    const unsigned int target = result->targetID;
+    if (target == 0)
+    {
+        return 1;
+    }
+    SMState* state = ActivateState(target, result->switchArgument);
+    ERROR_RETURN(state, 0);
+    result->Reset();
+    // Required: a state that would not be entered is reported as the next one all the same.
+    PushState(state);
+    ReportStateChange(previous, target);
+    Notify();
+    return 1;
 }
 
 SMState* HSM::PushState(SMState* state)
@@ -170,31 +159,22 @@ SMState* HSM::PushState(SMState* state)
     {
         return nullptr;
     }
-    SMState* pushed = nullptr;
-    do
-    {
-        // Required: a state that fails to be entered is asked twice.
-        ERROR_BREAK(state->Enter());
-        currentStack->push_back(state);
-        UpdateKVTable_OnPushState(state);
-        pushed = state;
-    } while (false);
-    return pushed;
+    // Required: a state that fails to be entered is asked twice.
+    ERROR_RETURN(state->Enter(), nullptr);
+    currentStack->push_back(state);
+    UpdateKVTable_OnPushState(state);
+    return state;
 }
 
 SMState* HSM::PushState(unsigned int id)
 {
-    SMState* pushed = nullptr;
-    do
+    SMState* state = ActivateState(id, 0.0f);
+    ERROR_RETURN(state, nullptr);
+    SMState* pushed = PushState(state);
+    if (pushed == nullptr)
     {
-        SMState* state = ActivateState(id, 0.0f);
-        ERROR_BREAK(state);
-        pushed = PushState(state);
-        if (pushed == nullptr)
-        {
-            LogStream(LogError) << "State failed to be pushed onto state stack: " << id << EndLine;
-        }
-    } while (false);
+        LogStream(LogError) << "State failed to be pushed onto state stack: " << id << EndLine;
+    }
     return pushed;
 }
 
@@ -204,23 +184,18 @@ SMState* HSM::PopState()
     {
         return nullptr;
     }
-    SMState* popped = nullptr;
-    do
+    std::vector<SMState*>* const stack = currentStack;
+    SMState* top = stack->back();
+    ERROR_RETURN(top, nullptr);
+    top->Exit();
+    // What it did on leaving may have pushed and popped others, and ended a blip.
+    const auto entry = std::find(stack->rbegin(), stack->rend(), top);
+    if (entry != stack->rend())
     {
-        SMState* top = currentStack->back();
-        ERROR_BREAK(top);
-        std::vector<SMState*>* const stack = currentStack;
-        top->Exit();
-        // What it did on leaving may have pushed and popped others, and ended a blip.
-        const auto entry = std::find(stack->rbegin(), stack->rend(), top);
-        if (entry != stack->rend())
-        {
-            stack->erase(std::next(entry).base());
-            MachineTree::RemoveLast(GetStackTable(stack));
-        }
-        popped = top;
-    } while (false);
-    return popped;
+        stack->erase(std::next(entry).base());
+        MachineTree::RemoveLast(GetStackTable(stack));
+    }
+    return top;
 }
 
 SMState* HSM::GetCurrentState()
@@ -240,17 +215,12 @@ int HSM::RevertToPreviousState()
         PopState();
         return 1;
     }
-    int result = 0;
-    do
-    {
-        UpdateResult blank = UpdateResult::Blank();
-        ERROR_BREAK(UpdateStateStack(&blank));
-        blipActive = false;
-        blipPriority = kRestingBlipPriority;
-        currentStack = &stateStack;
-        result = 1;
-    } while (false);
-    return result;
+    UpdateResult blank = UpdateResult::Blank();
+    ERROR_RETURN(UpdateStateStack(&blank), 0);
+    blipActive = false;
+    blipPriority = kRestingBlipPriority;
+    currentStack = &stateStack;
+    return 1;
 }
 
 int HSM::RevertToStartState()

@@ -15,28 +15,23 @@ namespace vell
 
 int HSM::CreateKVTable()
 {
-    int result = 0;
-    do
+    ERROR_RETURN(!kvTable, 0);
+    kvTable = Tessel::CreateTable("HSM");
+    internals->isTreeClosed = false;
+    ERROR_RETURN(static_cast<bool>(kvTable), 0);
+    InitKVTable_Self();
+    ERROR_RETURN(InitKVTable_ContextTable(), 0);
+    // Required: a machine without a parameter table is refused here; its document lacks the
+    // member.
+    if (parameterTable == nullptr || parameterTable->GetKVTable())
     {
-        ERROR_BREAK(!kvTable);
-        kvTable = Tessel::CreateTable("HSM");
-        internals->isTreeClosed = false;
-        ERROR_BREAK(static_cast<bool>(kvTable));
-        InitKVTable_Self();
-        ERROR_BREAK(InitKVTable_ContextTable());
-        // Required: a machine without a parameter table is refused here; its document lacks the
-        // member.
-        if (parameterTable == nullptr || parameterTable->GetKVTable())
-        {
-            ERROR_BREAK(InitKVTable_ParameterTable());
-        }
-        if (nodeDefTable != nullptr && nodeDefTable->kvTable)
-        {
-            ERROR_BREAK(InitKVTable_NodeDefTable());
-        }
-        result = 1;
-    } while (false);
-    return result;
+        ERROR_RETURN(InitKVTable_ParameterTable(), 0);
+    }
+    if (nodeDefTable != nullptr && nodeDefTable->kvTable)
+    {
+        ERROR_RETURN(InitKVTable_NodeDefTable(), 0);
+    }
+    return 1;
 }
 
 int HSM::DestroyKVTable()

@@ -79,30 +79,15 @@ void ParameterBoolDef::PullValue()
 
 int ParameterBoolDef::OnBroadcastEvent(int event, const void* record)
 {
-    int result = 0;
-    do
+    ERROR_RETURN(record, 0);
+    // Required: the switch event is taken whatever its binding.
+    const bool isInput = event == kEventInput && ReadBinding(record) == assign;
+    const bool isSwitch = event == kEventSwitch;
+    if (isSwitch || (isInput && ReadRecord<int>(record, 0) == 1))
     {
-        ERROR_BREAK(record);
-        if (event == kEventInput)
-        {
-            if (ReadBinding(record) != assign)
-            {
-                break;
-            }
-            if (ReadRecord<int>(record, 0) == 1)
-            {
-                SetValue(ReadRecord<int>(record, kVectorOffset) != 0);
-            }
-            result = 1;
-        }
-        else if (event == kEventSwitch)
-        {
-            // Required: this event is taken without a look at the binding.
-            SetValue(ReadRecord<int>(record, kVectorOffset) != 0);
-            result = 1;
-        }
-    } while (false);
-    return result;
+        SetValue(ReadRecord<int>(record, kVectorOffset) != 0);
+    }
+    return isInput || isSwitch ? 1 : 0;
 }
 
 } // namespace vell

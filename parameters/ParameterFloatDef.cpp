@@ -75,26 +75,21 @@ void ParameterFloatDef::PullValue()
 
 int ParameterFloatDef::OnBroadcastEvent(int event, const void* record)
 {
-    int result = 0;
-    do
+    ERROR_RETURN(record, 0);
+    // Required: a float takes input of any binding.
+    if (event == kEventInput)
     {
-        ERROR_BREAK(record);
-        // Required: a float takes input of any binding.
-        if (event == kEventInput)
-        {
-            SetValue(ReadRecord<float>(record, kScalarOffset));
-        }
-        else if (event == kEventValue)
-        {
-            SetValue(ReadRecord<float>(record, 0));
-        }
-        else if (event == kEventReset)
-        {
-            ResetValue();
-        }
-        result = 1;
-    } while (false);
-    return result;
+        SetValue(ReadRecord<float>(record, kScalarOffset));
+    }
+    else if (event == kEventValue)
+    {
+        SetValue(ReadRecord<float>(record, 0));
+    }
+    else if (event == kEventReset)
+    {
+        ResetValue();
+    }
+    return 1;
 }
 
 } // namespace vell

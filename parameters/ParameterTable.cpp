@@ -64,14 +64,9 @@ unsigned int ParameterTable::GetParameterIDByIndex(unsigned int index)
 
 ParameterDef* ParameterTable::FindParameter(const char* name)
 {
-    ParameterDef* def = nullptr;
-    do
-    {
-        const unsigned int id = GetParameterID(name);
-        ERROR_BREAK(id != 0);
-        def = FindParameter(id);
-    } while (false);
-    return def;
+    const unsigned int id = GetParameterID(name);
+    ERROR_RETURN(id != 0, nullptr);
+    return FindParameter(id);
 }
 
 ParameterDef* ParameterTable::FindParameter(unsigned int id)
@@ -99,16 +94,11 @@ IBroadcastListener* ParameterTable::GetBroadcastListener(unsigned int id)
 
 int ParameterTable::CreateKVTable()
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(!table);
-        table = Tessel::CreateTable("parameterTable");
-        isTableClosed = false;
-        ERROR_BREAK(static_cast<bool>(table));
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(!table, 0);
+    table = Tessel::CreateTable("parameterTable");
+    isTableClosed = false;
+    ERROR_RETURN(static_cast<bool>(table), 0);
+    return 1;
 }
 
 int ParameterTable::AddParameter(ParameterDef* def)

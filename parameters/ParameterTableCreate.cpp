@@ -31,96 +31,80 @@ void Name(ParameterDef& def, const char* name)
 
 int ParameterTable::CreateFloatParameter(const char* name, float value, IParameterFloatDef** out)
 {
-    int result = 0;
-    do
+    ERROR_RETURN(out, 0);
+    if (!IsNewName(name))
     {
-        ERROR_BREAK(out);
-        if (!IsNewName(name))
-        {
-            *out = nullptr;
-            break;
-        }
-        auto def = std::make_unique<ParameterFloatDef>();
-        Name(*def, name);
-        def->SetDefaultValue(value);
-        def->SetValue(value);
-        ERROR_BREAK(def->InitKVTable());
-        ParameterFloatDef* created = def.get();
-        result = Publish(std::move(def));
-        *out = result ? created : nullptr;
-    } while (false);
+        *out = nullptr;
+        return 0;
+    }
+    auto def = std::make_unique<ParameterFloatDef>();
+    Name(*def, name);
+    def->SetDefaultValue(value);
+    def->SetValue(value);
+    ERROR_RETURN(def->InitKVTable(), 0);
+    ParameterFloatDef* created = def.get();
+    const int result = Publish(std::move(def));
+    *out = result ? created : nullptr;
     return result;
 }
 
 int ParameterTable::CreateBoolParameter(const char* name, bool value, IParameterBoolDef** out)
 {
-    int result = 0;
-    do
+    ERROR_RETURN(out, 0);
+    if (!IsNewName(name))
     {
-        ERROR_BREAK(out);
-        if (!IsNewName(name))
-        {
-            *out = nullptr;
-            break;
-        }
-        auto def = std::make_unique<ParameterBoolDef>();
-        Name(*def, name);
-        def->SetDefaultValue(value);
-        def->SetValue(value);
-        ERROR_BREAK(def->InitKVTable());
-        ParameterBoolDef* created = def.get();
-        result = Publish(std::move(def));
-        *out = result ? created : nullptr;
-    } while (false);
+        *out = nullptr;
+        return 0;
+    }
+    auto def = std::make_unique<ParameterBoolDef>();
+    Name(*def, name);
+    def->SetDefaultValue(value);
+    def->SetValue(value);
+    ERROR_RETURN(def->InitKVTable(), 0);
+    ParameterBoolDef* created = def.get();
+    const int result = Publish(std::move(def));
+    *out = result ? created : nullptr;
     return result;
 }
 
 int ParameterTable::CreateIntParameter(const char* name, int value, IParameterIntDef** out)
 {
-    int result = 0;
-    do
+    ERROR_RETURN(out, 0);
+    if (!IsNewName(name))
     {
-        ERROR_BREAK(out);
-        if (!IsNewName(name))
-        {
-            *out = nullptr;
-            break;
-        }
-        auto def = std::make_unique<ParameterIntegerDef>();
-        Name(*def, name);
-        def->SetDefaultValue(value);
-        def->SetValue(value);
-        ERROR_BREAK(def->InitKVTable());
-        ParameterIntegerDef* created = def.get();
-        result = Publish(std::move(def));
-        *out = result ? created : nullptr;
-    } while (false);
+        *out = nullptr;
+        return 0;
+    }
+    auto def = std::make_unique<ParameterIntegerDef>();
+    Name(*def, name);
+    def->SetDefaultValue(value);
+    def->SetValue(value);
+    ERROR_RETURN(def->InitKVTable(), 0);
+    ParameterIntegerDef* created = def.get();
+    const int result = Publish(std::move(def));
+    *out = result ? created : nullptr;
     return result;
 }
 
 int ParameterTable::CreateMessageParameter(const char* name, const char* text,
                                            IParameterMessageDef** out)
 {
-    int result = 0;
-    do
+    ERROR_RETURN(out, 0);
+    if (!IsNewName(name))
     {
-        ERROR_BREAK(out);
-        if (!IsNewName(name))
-        {
-            *out = nullptr;
-            break;
-        }
-        std::unique_ptr<ParameterMessageDef> def(new (std::nothrow) ParameterMessageDef);
-        ERROR_BREAK(def.get());
-        Name(*def, name);
-        // Required: unlike a message from a document, this one starts with its text.
-        def->SetDefaultValue(text == nullptr ? "" : text);
-        def->ResetValue();
-        ERROR_BREAK(def->InitKVTable());
-        ParameterMessageDef* created = def.get();
-        result = Publish(std::move(def));
-        *out = result ? created : nullptr;
-    } while (false);
+        *out = nullptr;
+        return 0;
+    }
+    std::unique_ptr<ParameterMessageDef> def(new (std::nothrow) ParameterMessageDef);
+    ERROR_RETURN(def.get(), 0);
+    Name(*def, name);
+    // Required: unlike a message from a document, this one starts with its text.
+    def->SetDefaultValue(text == nullptr ? "" : text);
+    def->ResetValue();
+    ERROR_RETURN(def->InitKVTable(), 0);
+    ParameterMessageDef* created = def.get();
+    const int result = Publish(std::move(def));
+    *out = result ? created : nullptr;
     return result;
 }
 

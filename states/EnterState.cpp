@@ -11,28 +11,19 @@ namespace vell
 
 SMState* EnterState::Create(unsigned int stateId, HSMAlloc* alloc)
 {
-    EnterState* state = nullptr;
-    do
-    {
-        ERROR_BREAK(alloc);
-        state = Internals::Place<EnterState>(stateId, alloc);
-        ERROR_BREAK(state);
-    } while (false);
+    ERROR_RETURN(alloc, nullptr);
+    EnterState* state = Internals::Place<EnterState>(stateId, alloc);
+    ERROR_RETURN(state, nullptr);
     return state;
 }
 
 int EnterState::Init(BaseDef* newDef)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(newDef);
-        ERROR_BREAK(SMState::Init(newDef));
-        typedDef = dynamic_cast<EnterDef*>(newDef);
-        ERROR_BREAK(typedDef);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(newDef, 0);
+    ERROR_RETURN(SMState::Init(newDef), 0);
+    typedDef = dynamic_cast<EnterDef*>(newDef);
+    ERROR_RETURN(typedDef, 0);
+    return 1;
 }
 
 EnterState::~EnterState()
@@ -42,24 +33,14 @@ EnterState::~EnterState()
 
 int EnterState::Enter()
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(SMState::Enter());
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(SMState::Enter(), 0);
+    return 1;
 }
 
 int EnterState::Exit()
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(SMState::Exit());
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(SMState::Exit(), 0);
+    return 1;
 }
 
 } // namespace vell

@@ -12,28 +12,19 @@ namespace vell
 
 SMState* ExitState::Create(unsigned int stateId, HSMAlloc* alloc)
 {
-    ExitState* state = nullptr;
-    do
-    {
-        ERROR_BREAK(alloc);
-        state = Internals::Place<ExitState>(stateId, alloc);
-        ERROR_BREAK(state);
-    } while (false);
+    ERROR_RETURN(alloc, nullptr);
+    ExitState* state = Internals::Place<ExitState>(stateId, alloc);
+    ERROR_RETURN(state, nullptr);
     return state;
 }
 
 int ExitState::Init(BaseDef* newDef)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(newDef);
-        ERROR_BREAK(SMState::Init(newDef));
-        typedDef = dynamic_cast<ExitDef*>(newDef);
-        ERROR_BREAK(typedDef);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(newDef, 0);
+    ERROR_RETURN(SMState::Init(newDef), 0);
+    typedDef = dynamic_cast<ExitDef*>(newDef);
+    ERROR_RETURN(typedDef, 0);
+    return 1;
 }
 
 int ExitState::Enter()
@@ -50,33 +41,23 @@ int ExitState::Update(HSM* machine, float dt)
 
 int ExitState::Execute(double)
 {
-    int result = 0;
-    do
+    ERROR_RETURN(def, 0);
+    // Required: no execute action runs on an exit node.
+    HSM* const machine = hsm; // the log's callback may take the state away from it
+    if (machine != nullptr && MachineServices::IsBlipState(*machine))
     {
-        ERROR_BREAK(def);
-        // Required: no execute action runs on an exit node.
-        HSM* const machine = hsm; // the log's callback may take the state away from it
-        if (machine != nullptr && MachineServices::IsBlipState(*machine))
-        {
-            LogStream(LogInfo) << "Revert to Previous State" << EndLine;
-            MachineServices::RevertToPreviousState(*machine);
-        }
-        result = 1;
-    } while (false);
-    return result;
+        LogStream(LogInfo) << "Revert to Previous State" << EndLine;
+        MachineServices::RevertToPreviousState(*machine);
+    }
+    return 1;
 }
 
 int ExitState::Exit()
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(def);
-        // Required: no exit action runs on an exit node, and there is no "[Exit] " line.
-        LogStream(LogInfo) << DefName() << VELL_PLACE << EndLine;
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(def, 0);
+    // Required: no exit action runs on an exit node, and there is no "[Exit] " line.
+    LogStream(LogInfo) << DefName() << VELL_PLACE << EndLine;
+    return 1;
 }
 
 const char* ExitState::DefName() const

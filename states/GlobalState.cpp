@@ -11,28 +11,19 @@ namespace vell
 
 SMState* GlobalState::Create(unsigned int stateId, HSMAlloc* alloc)
 {
-    GlobalState* state = nullptr;
-    do
-    {
-        ERROR_BREAK(alloc);
-        state = Internals::Place<GlobalState>(stateId, alloc);
-        ERROR_BREAK(state);
-    } while (false);
+    ERROR_RETURN(alloc, nullptr);
+    GlobalState* state = Internals::Place<GlobalState>(stateId, alloc);
+    ERROR_RETURN(state, nullptr);
     return state;
 }
 
 int GlobalState::Init(BaseDef* newDef)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(newDef);
-        ERROR_BREAK(SMState::Init(newDef));
-        typedDef = dynamic_cast<GlobalDef*>(newDef);
-        ERROR_BREAK(typedDef);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(newDef, 0);
+    ERROR_RETURN(SMState::Init(newDef), 0);
+    typedDef = dynamic_cast<GlobalDef*>(newDef);
+    ERROR_RETURN(typedDef, 0);
+    return 1;
 }
 
 int GlobalState::Uninit()

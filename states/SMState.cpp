@@ -65,27 +65,18 @@ SMState::~SMState() = default;
 
 SMState* SMState::Create(unsigned int stateId, HSMAlloc* alloc)
 {
-    SMState* state = nullptr;
-    do
-    {
-        ERROR_BREAK(alloc);
-        state = Internals::Place<SMState>(stateId, alloc);
-        ERROR_BREAK(state);
-    } while (false);
+    ERROR_RETURN(alloc, nullptr);
+    SMState* state = Internals::Place<SMState>(stateId, alloc);
+    ERROR_RETURN(state, nullptr);
     return state;
 }
 
 int SMState::Init(BaseDef* newDef)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(newDef);
-        Internals::CountChange(*this);
-        def = newDef;
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(newDef, 0);
+    Internals::CountChange(*this);
+    def = newDef;
+    return 1;
 }
 
 int SMState::Uninit()
@@ -95,47 +86,32 @@ int SMState::Uninit()
 
 int SMState::HandleInput(HSM* machine)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(machine);
-        ERROR_BREAK(def);
-        const unsigned int connector = def->GetExitConnector();
-        ERROR_BREAK(connector != 0);
-        IBaseDef* connectorDef = MachineServices::FindDef(*machine, connector);
-        ERROR_BREAK(connectorDef);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(machine, 0);
+    ERROR_RETURN(def, 0);
+    const unsigned int connector = def->GetExitConnector();
+    ERROR_RETURN(connector != 0, 0);
+    IBaseDef* connectorDef = MachineServices::FindDef(*machine, connector);
+    ERROR_RETURN(connectorDef, 0);
+    return 1;
 }
 
 int SMState::Update(HSM*, float dt)
 {
-    int result = 0;
-    do
-    {
-        // Required: a failing Execute runs a second time, actions included.
-        ERROR_BREAK(Execute(static_cast<double>(dt)));
-        result = 1;
-    } while (false);
-    return result;
+    // Required: a failing Execute runs a second time, actions included.
+    ERROR_RETURN(Execute(static_cast<double>(dt)), 0);
+    return 1;
 }
 
 int SMState::Enter()
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(def);
-        // An action or the log's callback may give the state another definition, or none.
-        BaseDef* const entered = def;
-        PerformActions(ActTypeEntry, 0.0f, entered->GetEnterActions());
-        TellParent();
-        LogStream(LogInfo) << "[Enter] " << entered->GetName() << " - " << VELL_PLACE << EndLine;
-        RequestAnimation(entered);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(def, 0);
+    // An action or the log's callback may give the state another definition, or none.
+    BaseDef* const entered = def;
+    PerformActions(ActTypeEntry, 0.0f, entered->GetEnterActions());
+    TellParent();
+    LogStream(LogInfo) << "[Enter] " << entered->GetName() << " - " << VELL_PLACE << EndLine;
+    RequestAnimation(entered);
+    return 1;
 }
 
 void SMState::TellParent()
@@ -167,28 +143,18 @@ void SMState::RequestAnimation(BaseDef* entered)
 
 int SMState::Execute(double dt)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(def);
-        PerformActions(ActTypeExecution, static_cast<float>(dt), def->GetActions());
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(def, 0);
+    PerformActions(ActTypeExecution, static_cast<float>(dt), def->GetActions());
+    return 1;
 }
 
 int SMState::Exit()
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(def);
-        BaseDef* const left = def;
-        LogStream(LogInfo) << "[Exit] " << left->GetName() << " - " << VELL_PLACE << EndLine;
-        PerformActions(ActTypeExit, 0.0f, left->GetExitActions());
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(def, 0);
+    BaseDef* const left = def;
+    LogStream(LogInfo) << "[Exit] " << left->GetName() << " - " << VELL_PLACE << EndLine;
+    PerformActions(ActTypeExit, 0.0f, left->GetExitActions());
+    return 1;
 }
 
 SMState* SMState::GetStates()
@@ -288,16 +254,12 @@ int SMState::GetNumTransitions() const
 
 TransitionDef* SMState::GetTransitionAt(int index) const
 {
-    TransitionDef* transition = nullptr;
-    do
+    ERROR_RETURN(index < GetNumTransitions(), nullptr);
+    if (index < 0)
     {
-        ERROR_BREAK(index < GetNumTransitions());
-        if (index < 0)
-        {
-            break;
-        }
-        transition = transitions[static_cast<std::size_t>(index)];
-    } while (false);
+        return nullptr;
+    }
+    TransitionDef* transition = transitions[static_cast<std::size_t>(index)];
     if (transition != nullptr)
     {
         BaseDef::Internals::HandOut(*transition);

@@ -80,24 +80,14 @@ Action* SMState::GetExitAction() const
 
 unsigned int SMState::GetID() const
 {
-    unsigned int result = 0;
-    do
-    {
-        ERROR_BREAK(def);
-        result = def->GetID();
-    } while (false);
-    return result;
+    ERROR_RETURN(def, 0);
+    return def->GetID();
 }
 
 unsigned int SMState::GetParentID() const
 {
-    unsigned int result = 0;
-    do
-    {
-        ERROR_BREAK(def);
-        result = def->GetParentID();
-    } while (false);
-    return result;
+    ERROR_RETURN(def, 0);
+    return def->GetParentID();
 }
 
 unsigned int SMState::GetExitConnector() const

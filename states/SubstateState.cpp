@@ -14,13 +14,9 @@ namespace vell
 
 SMState* SubstateState::Create(unsigned int stateId, HSMAlloc* alloc)
 {
-    SubstateState* state = nullptr;
-    do
-    {
-        ERROR_BREAK(alloc);
-        state = Internals::Place<SubstateState>(stateId, alloc);
-        ERROR_BREAK(state);
-    } while (false);
+    ERROR_RETURN(alloc, nullptr);
+    SubstateState* state = Internals::Place<SubstateState>(stateId, alloc);
+    ERROR_RETURN(state, nullptr);
     return state;
 }
 
@@ -32,98 +28,63 @@ SubstateState::~SubstateState()
 
 int SubstateState::Init(BaseDef* newDef)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(newDef);
-        ERROR_BREAK(SMState::Init(newDef));
-        subDef = dynamic_cast<SubstateDef*>(newDef);
-        ERROR_BREAK(subDef);
-        ERROR_BREAK(InitEnterExit(newDef));
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(newDef, 0);
+    ERROR_RETURN(SMState::Init(newDef), 0);
+    subDef = dynamic_cast<SubstateDef*>(newDef);
+    ERROR_RETURN(subDef, 0);
+    ERROR_RETURN(InitEnterExit(newDef), 0);
+    return 1;
 }
 
 int SubstateState::InitEnterExit(BaseDef* newDef)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(newDef);
-        ERROR_BREAK(hsm);
-        exitDef = dynamic_cast<ExitDef*>(MachineServices::FindDef(*hsm, GetExitID()));
-        ERROR_BREAK(exitDef);
-        enterDef = dynamic_cast<EnterDef*>(MachineServices::FindDef(*hsm, GetEnterID()));
-        ERROR_BREAK(enterDef);
-        enterStateID = enterDef->targetId;
-        ERROR_BREAK(enterStateID);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(newDef, 0);
+    ERROR_RETURN(hsm, 0);
+    exitDef = dynamic_cast<ExitDef*>(MachineServices::FindDef(*hsm, GetExitID()));
+    ERROR_RETURN(exitDef, 0);
+    enterDef = dynamic_cast<EnterDef*>(MachineServices::FindDef(*hsm, GetEnterID()));
+    ERROR_RETURN(enterDef, 0);
+    enterStateID = enterDef->targetId;
+    ERROR_RETURN(enterStateID, 0);
+    return 1;
 }
 
 unsigned int SubstateState::GetEnterID() const
 {
-    unsigned int result = previousChildID;
-    do
-    {
-        ERROR_BREAK(subDef);
-        if (result == 0)
-        {
-            result = subDef->enterId;
-        }
-    } while (false);
-    return result;
+    ERROR_RETURN(subDef, previousChildID);
+    return previousChildID == 0 ? subDef->enterId : previousChildID;
 }
 
 unsigned int SubstateState::GetExitID() const
 {
-    unsigned int result = 0;
-    do
-    {
-        ERROR_BREAK(subDef);
-        result = subDef->exitId;
-    } while (false);
-    return result;
+    ERROR_RETURN(subDef, 0);
+    return subDef->exitId;
 }
 
 int SubstateState::Update(HSM* machine, float dt)
 {
-    int result = 0;
-    do
+    ERROR_RETURN(machine, 0);
+    if (currentChild != nullptr)
     {
-        ERROR_BREAK(machine);
-        if (currentChild != nullptr)
-        {
-            SMState::Update(machine, dt);
-            result = 1;
-            break;
-        }
-        SMState* child = previousChild == nullptr
-                             ? MachineServices::PushState(*machine, enterStateID)
-                             : MachineServices::PushState(*machine, previousChild);
-        ERROR_BREAK(child);
-        // Required: the child has recorded itself on entering; after a first start the previous
-        // child is therefore the child itself.
-        previousChild = currentChild;
-        currentChild = child;
-        previousChildID = currentChildID;
-        currentChildID = child->GetID();
-        result = 1;
-    } while (false);
-    return result;
+        SMState::Update(machine, dt);
+        return 1;
+    }
+    SMState* child = previousChild == nullptr ? MachineServices::PushState(*machine, enterStateID)
+                                              : MachineServices::PushState(*machine, previousChild);
+    ERROR_RETURN(child, 0);
+    // Required: the child has recorded itself on entering; after a first start the previous
+    // child is therefore the child itself.
+    previousChild = currentChild;
+    currentChild = child;
+    previousChildID = currentChildID;
+    currentChildID = child->GetID();
+    return 1;
 }
 
 int SubstateState::Enter()
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(SMState::Enter());
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(SMState::Enter(), 0);
+    return 1;
 }
 
 int SubstateState::Exit()
@@ -135,24 +96,14 @@ int SubstateState::Exit()
     previousChildID = currentChildID;
     currentChildID = 0;
 
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(SMState::Exit());
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(SMState::Exit(), 0);
+    return 1;
 }
 
 unsigned int SubstateState::ProcessTransitions(HSM* machine, UpdateResult* result)
 {
-    unsigned int target = 0;
-    do
-    {
-        ERROR_BREAK(result);
-        target = SMState::ProcessTransitions(machine, result);
-    } while (false);
-    return target;
+    ERROR_RETURN(result, 0);
+    return SMState::ProcessTransitions(machine, result);
 }
 
 } // namespace vell

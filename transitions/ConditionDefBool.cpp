@@ -15,17 +15,12 @@ namespace vell
 
 int ConditionDefBool::Init(const GenericValue& node, HSMAlloc* alloc)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(ConditionDef::Init(node, alloc));
-        ERROR_BREAK(GetMember(node, JSON_ConditionValue).IsArray());
-        const GenericValue* operand = FindOperand(node);
-        ERROR_BREAK(operand != nullptr);
-        target = ReadBool(*operand);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(ConditionDef::Init(node, alloc), 0);
+    ERROR_RETURN(GetMember(node, JSON_ConditionValue).IsArray(), 0);
+    const GenericValue* operand = FindOperand(node);
+    ERROR_RETURN(operand != nullptr, 0);
+    target = ReadBool(*operand);
+    return 1;
 }
 
 void ConditionDefBool::Uninit()

@@ -16,28 +16,23 @@ namespace vell
 
 int ConditionDefInteger::Init(const GenericValue& node, HSMAlloc* alloc)
 {
-    int result = 0;
-    do
+    ERROR_RETURN(ConditionDef::Init(node, alloc), 0);
+    ERROR_RETURN(GetMember(node, JSON_ConditionValue).IsArray(), 0);
+    const GenericValue* operand = FindOperand(node);
+    ERROR_RETURN(operand != nullptr, 0);
+    if (evaluation == EvaluateInRange)
     {
-        ERROR_BREAK(ConditionDef::Init(node, alloc));
-        ERROR_BREAK(GetMember(node, JSON_ConditionValue).IsArray());
-        const GenericValue* operand = FindOperand(node);
-        ERROR_BREAK(operand != nullptr);
-        if (evaluation == EvaluateInRange)
-        {
-            double low = 0.0;
-            double high = 0.0;
-            ERROR_BREAK(ReadRange(ReadText(*operand), &low, &high));
-            target = TruncateToInt(low);
-            rangeHigh = TruncateToInt(high);
-        }
-        else
-        {
-            target = ReadInt(*operand);
-        }
-        result = 1;
-    } while (false);
-    return result;
+        double low = 0.0;
+        double high = 0.0;
+        ERROR_RETURN(ReadRange(ReadText(*operand), &low, &high), 0);
+        target = TruncateToInt(low);
+        rangeHigh = TruncateToInt(high);
+    }
+    else
+    {
+        target = ReadInt(*operand);
+    }
+    return 1;
 }
 
 void ConditionDefInteger::Uninit()

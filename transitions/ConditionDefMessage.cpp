@@ -16,25 +16,20 @@ namespace vell
 
 int ConditionDefMessage::Init(const GenericValue& node, HSMAlloc* alloc)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(node.IsObject());
-        ERROR_BREAK(alloc);
-        ERROR_BREAK(ConditionDef::Init(node, alloc));
-        ERROR_BREAK(GetMember(node, JSON_ConditionValue).IsArray());
-        const GenericValue* operand = FindOperand(node);
-        ERROR_BREAK(operand != nullptr);
-        const char* text = ReadText(*operand);
-        ERROR_BREAK(text);
-        const std::size_t length = std::strlen(text);
-        ERROR_BREAK(length != 0);
-        target = AllocText(*alloc, length);
-        ERROR_BREAK(target);
-        std::memcpy(target, text, length + 1);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(node.IsObject(), 0);
+    ERROR_RETURN(alloc, 0);
+    ERROR_RETURN(ConditionDef::Init(node, alloc), 0);
+    ERROR_RETURN(GetMember(node, JSON_ConditionValue).IsArray(), 0);
+    const GenericValue* operand = FindOperand(node);
+    ERROR_RETURN(operand != nullptr, 0);
+    const char* text = ReadText(*operand);
+    ERROR_RETURN(text, 0);
+    const std::size_t length = std::strlen(text);
+    ERROR_RETURN(length != 0, 0);
+    target = AllocText(*alloc, length);
+    ERROR_RETURN(target, 0);
+    std::memcpy(target, text, length + 1);
+    return 1;
 }
 
 void ConditionDefMessage::Uninit()

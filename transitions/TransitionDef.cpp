@@ -16,13 +16,9 @@ namespace vell
 
 TransitionDef* TransitionDef::Create(const GenericValue& node, HSMAlloc* alloc)
 {
-    TransitionDef* def = nullptr;
-    do
-    {
-        ERROR_BREAK(node.IsObject());
-        def = PlaceDef<TransitionDef>(alloc, DefTypeTransition, DefTypesTransition);
-        ERROR_BREAK(def);
-    } while (false);
+    ERROR_RETURN(node.IsObject(), nullptr);
+    TransitionDef* def = PlaceDef<TransitionDef>(alloc, DefTypeTransition, DefTypesTransition);
+    ERROR_RETURN(def, nullptr);
     return def;
 }
 
@@ -92,15 +88,10 @@ failed:
 
 int TransitionDef::RegisterCondition(Trigger trigger)
 {
-    int result = 0;
-    do
-    {
-        ERROR_BREAK(trigger != nullptr);
-        triggers.push_back(trigger);
-        Internals::CountChange(*this);
-        result = 1;
-    } while (false);
-    return result;
+    ERROR_RETURN(trigger != nullptr, 0);
+    triggers.push_back(trigger);
+    Internals::CountChange(*this);
+    return 1;
 }
 
 int TransitionDef::HandleConditions(HSM* hsm)
