@@ -20,7 +20,13 @@ namespace vell
 namespace
 {
 
-using BuilderMap = std::map<__DURM_BUILDERS__, NodeDefFactory>;
+struct Builder
+{
+    NodeDefFactory create;
+    bool isStandard; ///< the library's own, which hands what it makes to no host
+};
+
+using BuilderMap = std::map<__DURM_BUILDERS__, Builder>;
 
 /// The one registry of the process. It is never destroyed, so that a machine may still be deleted
 /// while static objects are.
@@ -58,7 +64,7 @@ NodeDefTable::~NodeDefTable()
 
 int NodeDefTable::RegisterNodeDef(__DURM_BUILDERS__ builder, NodeDefFactory factory)
 {
-    Builders()[builder] = factory;
+    Builders()[builder] = Builder{factory, IsStandard(factory)};
     return 1;
 }
 
@@ -102,9 +108,10 @@ BaseDef* NodeDefTable::CreateNodeDef(const GenericValue& node, HSMAlloc* alloc)
         const int builder = DURMBaseLib::GetBuilderIndex(ReadText(node, JSON_BuilderType));
         const auto entry = Builders().find(static_cast<__DURM_BUILDERS__>(builder));
         ERROR_BREAK(entry != Builders().end());
-        BaseDef* def = entry->second == nullptr ? nullptr : entry->second(node, alloc);
+        BaseDef* def =
+            entry->second.create == nullptr ? nullptr : entry->second.create(node, alloc);
         ERROR_BREAK(def);
-        if (!IsStandard(entry->second))
+        if (!entry->second.isStandard)
         {
             BaseDef::Internals::HandOut(*def);
         }
