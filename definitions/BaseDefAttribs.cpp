@@ -6,6 +6,7 @@
 #include "document/JsonReader.h"
 #include "foundation/Checks.h"
 #include "document/NumberText.h"
+#include "document/VectorWidth.h"
 #include "foundation/TextCompare.h"
 #include "foundation/TreeKeys.h"
 
@@ -61,22 +62,6 @@ int FindAttribType(const char* typeName)
         }
     }
     return 0;
-}
-
-/// Gives how many floats a parameter type holds as a vector; 0 for the others.
-int VectorWidth(int type)
-{
-    switch (type)
-    {
-    case DURMBaseLib::PARAM_Float2:
-        return 2;
-    case DURMBaseLib::PARAM_Float3:
-        return 3;
-    case DURMBaseLib::PARAM_Float4:
-        return 4;
-    default:
-        return 0;
-    }
 }
 
 void SetFirstValue(AttribBase& attrib, const GenericValue& value, const float* vector)

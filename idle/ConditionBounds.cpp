@@ -2,6 +2,7 @@
 // idle/ConditionBounds.cpp: the bounds of each kind of condition.
 #include "idle/ConditionBounds.h"
 
+#include "transitions/Comparison.h"
 #include "transitions/ConditionDefBool.h"
 #include "transitions/ConditionDefInteger.h"
 #include "transitions/ConditionDefMessage.h"
@@ -47,64 +48,107 @@ ConditionBounds::Kind SetAllBut(unsigned int bits, ConditionBounds* bounds)
     return ConditionBounds::Integer;
 }
 
-/// The bounds are part of the range, and just outside it where the condition's arithmetic rounds.
+template <class T>
+struct Range
+{
+    T low;
+    T high;
+};
+
+/// The numbers next to a number, and those at the ends.
+struct FloatSteps
+{
+    static constexpr float kLowest = -kInfinity;
+    static constexpr float kHighest = kInfinity;
+    static float Above(float number)
+    {
+        return std::nextafter(number, kInfinity);
+    }
+    static float Below(float number)
+    {
+        return std::nextafter(number, -kInfinity);
+    }
+};
+
+struct IntegerSteps
+{
+    static constexpr long long kLowest = INT_MIN;
+    static constexpr long long kHighest = INT_MAX;
+    static long long Above(long long number)
+    {
+        return number + 1;
+    }
+    static long long Below(long long number)
+    {
+        return number - 1;
+    }
+};
+
+/// Gives the range in which an operator other than not-equal holds; both bounds belong to it. False
+/// for an operator that never does.
+template <class Steps, class T>
+bool FindRange(int evaluation, Range<T> target, Range<T>* range)
+{
+    switch (evaluation)
+    {
+    case EvaluateEqual:
+        *range = {target.low, target.low};
+        return true;
+    case EvaluateGreater:
+        *range = {Steps::Above(target.low), Steps::kHighest};
+        return true;
+    case EvaluateGreaterOrEqual:
+        *range = {target.low, Steps::kHighest};
+        return true;
+    case EvaluateLess:
+        *range = {Steps::kLowest, Steps::Below(target.low)};
+        return true;
+    case EvaluateLessOrEqual:
+        *range = {Steps::kLowest, target.low};
+        return true;
+    case EvaluateInRange:
+        *range = target;
+        return true;
+    default:
+        return false;
+    }
+}
+
 ConditionBounds::Kind FindFloatBounds(const ConditionFloatDef& condition, ConditionBounds* bounds)
 {
     const float target = condition.target;
-    unsigned int bits = 0;
-    switch (condition.evaluation)
+    if (condition.evaluation == EvaluateEqual)
     {
-    case EvaluateEqual:
-        return SetFloats(std::nextafter(target - ConditionFloatDef::kTolerance, -kInfinity),
-                         std::nextafter(target + ConditionFloatDef::kTolerance, kInfinity), bounds);
-    case EvaluateNotEqual:
-        std::memcpy(&bits, &target, sizeof(bits));
-        if (std::isnan(target))
-        {
-            // Every value differs from it, one of the same bits too.
-            bounds->operand.integers.low = 0;
-            bounds->operand.integers.span = UINT_MAX;
-            return ConditionBounds::Integer;
-        }
-        return SetAllBut(bits, bounds);
-    case EvaluateGreater:
-        return SetFloats(std::nextafter(target, kInfinity), kInfinity, bounds);
-    case EvaluateGreaterOrEqual:
-        return SetFloats(target, kInfinity, bounds);
-    case EvaluateLess:
-        return SetFloats(-kInfinity, std::nextafter(target, -kInfinity), bounds);
-    case EvaluateLessOrEqual:
-        return SetFloats(-kInfinity, target, bounds);
-    case EvaluateInRange:
-        return SetFloats(target, condition.rangeHigh, bounds);
-    default:
-        return ConditionBounds::Never;
+        // Just outside the tolerance, where the condition's arithmetic rounds.
+        return SetFloats(FloatSteps::Below(target - kFloatTolerance),
+                         FloatSteps::Above(target + kFloatTolerance), bounds);
     }
+    if (condition.evaluation == EvaluateNotEqual)
+    {
+        unsigned int bits = 0;
+        std::memcpy(&bits, &target, sizeof(bits));
+        // Every value differs from a NaN, one of the same bits too.
+        return std::isnan(target) ? SetIntegers(0, UINT_MAX, bounds) : SetAllBut(bits, bounds);
+    }
+    Range<float> range{};
+    return FindRange<FloatSteps>(condition.evaluation, Range<float>{target, condition.rangeHigh},
+                                 &range)
+               ? SetFloats(range.low, range.high, bounds)
+               : ConditionBounds::Never;
 }
 
 ConditionBounds::Kind FindIntegerBounds(const ConditionDefInteger& condition,
                                         ConditionBounds* bounds)
 {
-    const long long target = condition.target;
-    switch (condition.evaluation)
+    if (condition.evaluation == EvaluateNotEqual)
     {
-    case EvaluateEqual:
-        return SetIntegers(target, target, bounds);
-    case EvaluateNotEqual:
         return SetAllBut(static_cast<unsigned int>(condition.target), bounds);
-    case EvaluateGreater:
-        return SetIntegers(target + 1, INT_MAX, bounds);
-    case EvaluateGreaterOrEqual:
-        return SetIntegers(target, INT_MAX, bounds);
-    case EvaluateLess:
-        return SetIntegers(INT_MIN, target - 1, bounds);
-    case EvaluateLessOrEqual:
-        return SetIntegers(INT_MIN, target, bounds);
-    case EvaluateInRange:
-        return SetIntegers(target, condition.rangeHigh, bounds);
-    default:
-        return ConditionBounds::Never;
     }
+    Range<long long> range{};
+    return FindRange<IntegerSteps>(condition.evaluation,
+                                   Range<long long>{condition.target, condition.rangeHigh}, &range)
+               ? SetIntegers(range.low, range.high, bounds)
+               : ConditionBounds::Never;
 }
 
 /// A bool parameter keeps its byte in four, of which the others are zero; other parameters do not.

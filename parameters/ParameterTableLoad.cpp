@@ -5,6 +5,7 @@
 #include "document/JsonReader.h"
 #include "foundation/Checks.h"
 #include "document/NumberText.h"
+#include "document/VectorWidth.h"
 
 #include <vell/HSMAlloc.h>
 #include <vell/Parameters.h>
@@ -38,13 +39,6 @@ ParameterDef* PlaceParameter(int type, HSMAlloc& alloc)
     default:
         return alloc.New<ParameterMessageDef>();
     }
-}
-
-/// Gives how many floats a parameter type holds as a vector; 0 for the others.
-int VectorWidth(int type)
-{
-    const bool isVector = type >= DURMBaseLib::PARAM_Float2 && type <= DURMBaseLib::PARAM_Float4;
-    return isVector ? type - DURMBaseLib::PARAM_Float2 + 2 : 0;
 }
 
 template <class T, class Value>

@@ -15,19 +15,16 @@
 #include <vell/UpdateResult.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace vell
 {
 namespace
 {
 
-/// Lists up to this length are sorted by insertion.
-constexpr std::size_t kInsertionLimit = 32;
-
-/// Required: a null entry comes neither before nor after any other.
 bool ComesBefore(const TransitionDef* left, const TransitionDef* right)
 {
-    return left != nullptr && right != nullptr && left->priority < right->priority;
+    return left->priority < right->priority;
 }
 
 } // namespace
@@ -227,23 +224,13 @@ void SMState::PushTransition(TransitionDef* transition)
 void SMState::SortTransitions()
 {
     Internals::CountChange(*this);
-    const bool hasNull =
-        std::find(transitions.begin(), transitions.end(), nullptr) != transitions.end();
-    if (transitions.size() > kInsertionLimit && !hasNull)
+    // Required: a null entry compares with none, so it stays where it is and nothing passes it.
+    const auto end = transitions.end();
+    for (auto begin = transitions.begin(); begin != end;)
     {
-        std::stable_sort(transitions.begin(), transitions.end(), ComesBefore);
-        return;
-    }
-    // With a null among them the order is not one that a standard sort takes.
-    for (std::size_t i = 1; i < transitions.size(); ++i)
-    {
-        TransitionDef* moving = transitions[i];
-        std::size_t place = i;
-        for (; place > 0 && ComesBefore(moving, transitions[place - 1]); --place)
-        {
-            transitions[place] = transitions[place - 1];
-        }
-        transitions[place] = moving;
+        const auto null = std::find(begin, end, nullptr);
+        std::stable_sort(begin, null, ComesBefore);
+        begin = null == end ? end : std::next(null);
     }
 }
 

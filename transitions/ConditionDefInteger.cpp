@@ -4,6 +4,7 @@
 
 #include "document/JsonReader.h"
 #include "foundation/Checks.h"
+#include "transitions/Comparison.h"
 #include "transitions/ConditionOperand.h"
 #include "document/NumberText.h"
 
@@ -49,25 +50,7 @@ bool ConditionDefInteger::Evaluate(HSM*)
     // The parameter may be of another class; its first bytes are then compared as they are.
     int value;
     std::memcpy(&value, boundValue, sizeof(value));
-    switch (evaluation)
-    {
-    case EvaluateEqual:
-        return value == target;
-    case EvaluateNotEqual:
-        return value != target;
-    case EvaluateGreater:
-        return value > target;
-    case EvaluateGreaterOrEqual:
-        return value >= target;
-    case EvaluateLess:
-        return value < target;
-    case EvaluateLessOrEqual:
-        return value <= target;
-    case EvaluateInRange:
-        return value >= target && value <= rangeHigh;
-    default:
-        return false;
-    }
+    return Compare(evaluation, value, target, rangeHigh);
 }
 
 bool ConditionDefInteger::ParameterBind()

@@ -4,11 +4,11 @@
 
 #include "document/JsonReader.h"
 #include "foundation/Checks.h"
+#include "transitions/Comparison.h"
 #include "transitions/ConditionOperand.h"
 
 #include <vell/ParameterDef.h>
 
-#include <cmath>
 #include <cstring>
 
 namespace vell
@@ -49,27 +49,7 @@ bool ConditionFloatDef::Evaluate(HSM*)
     // The parameter may be of another class; its first bytes are then compared as they are.
     float value;
     std::memcpy(&value, boundValue, sizeof(value));
-    switch (evaluation)
-    {
-    // Required: the tolerance belongs to equality alone, so a value close to the target and not
-    // equal to it is both equal and not equal.
-    case EvaluateEqual:
-        return std::fabs(target - value) < kTolerance;
-    case EvaluateNotEqual:
-        return value != target;
-    case EvaluateGreater:
-        return value > target;
-    case EvaluateGreaterOrEqual:
-        return value >= target;
-    case EvaluateLess:
-        return value < target;
-    case EvaluateLessOrEqual:
-        return value <= target;
-    case EvaluateInRange:
-        return value >= target && value <= rangeHigh;
-    default:
-        return false;
-    }
+    return Compare(evaluation, value, target, rangeHigh);
 }
 
 bool ConditionFloatDef::ParameterBind()

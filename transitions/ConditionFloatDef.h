@@ -16,9 +16,6 @@ public:
     bool Evaluate(HSM* hsm) override;
     bool ParameterBind() override;
 
-    /// How far apart equal floats may be, exclusive.
-    static constexpr float kTolerance = 0.01f;
-
     const float* boundValue = nullptr; ///< the parameter's value; null until bound
     float target = 0.0f;               ///< lower bound of a range
     float rangeHigh = 0.0f;            ///< upper bound of a range
