@@ -34,7 +34,15 @@ if ((EUID != 0)); then
     as_root=(sudo)
 fi
 
-echo "Installing ${missing[*]}"
-as_root+=(env DEBIAN_FRONTEND=noninteractive)
-"${as_root[@]}" apt-get update -qq </dev/null
-"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" </dev/null
+# apt's own output is shown only when it fails, and then in full.
+log=$(mktemp)
+trap 'rm -f "${log}"' EXIT
+apt_get()
+{
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get "$@" </dev/null >>"${log}" 2>&1 ||
+        { cat "${log}" >&2 && exit 1; }
+}
+
+echo "Installing ${#missing[@]} packages: ${missing[*]}"
+apt_get update
+apt_get install -y --no-install-recommends "${missing[@]}"
