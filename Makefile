@@ -24,8 +24,7 @@ setup:
 run: setup
 	cmake --preset dev
 	cmake --build build/dev -j $(JOBS) --target run_programs
-	@if [ -x samples/run.sh ]; then samples/run.sh; \
-	else build/dev/bin/vell run samples/character.json --ticks 10; fi
+	@samples/run.sh
 
 test: setup
 	cmake --preset $(PRESET)
@@ -35,8 +34,7 @@ test: setup
 bench: setup
 	cmake --preset release
 	cmake --build build/release -j $(JOBS) --target bench_programs
-	@if [ -x bench/run.sh ]; then bench/run.sh; \
-	else echo "bench/run.sh is not there: nothing to measure"; exit 1; fi
+	@bench/run.sh
 
 install: setup
 	cmake --preset install
