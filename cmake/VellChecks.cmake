@@ -1,19 +1,35 @@
 # The tests that are not C++: checks of the sources, of what the libraries export, and of what an
 # installed tree is good for.
 
-if(NOT VELL_SANITIZE)
-    set(rapidjson_flags)
-    if(NOT VELL_RAPIDJSON_INCLUDE IN_LIST CMAKE_CXX_IMPLICIT_INCLUDE_DIRECTORIES)
-        set(rapidjson_flags -isystem ${VELL_RAPIDJSON_INCLUDE})
-    endif()
-    add_test(NAME check.headers
-             COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-headers.sh ${CMAKE_CXX_COMPILER} 65
-                     ${rapidjson_flags})
-    set_tests_properties(check.headers PROPERTIES TIMEOUT 600 PROCESSORS 2)
+# The headers of `ARGN`, relative to the folder `base`, each compiled in a source of its own by the target
+# all_verify_interface_header_sets.
+function(vell_headers_compile_alone name base)
+    add_library(${name} INTERFACE)
+    target_sources(${name} INTERFACE FILE_SET HEADERS BASE_DIRS ${base} FILES ${ARGN})
+    set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+endfunction()
+
+if(VELL_CHECKS AND VELL_BUILD_TOOLS AND NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_PLATFORM)
+    # Public headers see include/ and nothing else of ours.
+    file(GLOB public_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/*/*.h)
+    vell_headers_compile_alone(public_headers ${PROJECT_SOURCE_DIR}/include ${public_headers})
+    target_link_libraries(public_headers INTERFACE VELLLibX64)
+
+    list(TRANSFORM vell_folders REPLACE ".+" "${PROJECT_SOURCE_DIR}/\\0/*.h" OUTPUT_VARIABLE patterns)
+    foreach(folder platform tools tests)
+        list(APPEND patterns ${PROJECT_SOURCE_DIR}/${folder}/*/*.h)
+    endforeach()
+    file(GLOB private_headers CONFIGURE_DEPENDS ${patterns} ${PROJECT_SOURCE_DIR}/bench/*.h)
+    vell_headers_compile_alone(private_headers ${PROJECT_SOURCE_DIR} ${private_headers})
+    target_link_libraries(private_headers INTERFACE vell_tool_objects GTest::gmock)
+
+    add_test(NAME check.headers COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-headers.sh
+                                        ${PROJECT_BINARY_DIR})
+    set_tests_properties(check.headers PROPERTIES TIMEOUT 900 PROCESSORS 2)
     add_test(NAME check.layers COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-layers.py)
 endif()
 
-if(VELL_TEST_INSTALL AND VELL_INSTALL AND NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_PLATFORM)
+if(VELL_CHECKS AND VELL_INSTALL AND NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_PLATFORM)
     add_test(NAME check.symbols COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-symbols.sh
                                         ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 

@@ -19,7 +19,6 @@ target_compile_definitions(vell_objects PRIVATE VELL_BUILDING)
 if(VELL_ARENA_ROUNDING)
     target_compile_definitions(vell_objects PUBLIC VELL_ARENA_ROUNDING)
 endif()
-vell_compile_options(vell_objects)
 
 vell_shared_library(VELLLibX64 vell_objects)
 target_link_libraries(VELLLibX64 PUBLIC VELL::DURMBaseX64 VELL::TesselX64)

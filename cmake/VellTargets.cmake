@@ -18,18 +18,16 @@ if(VELL_SANITIZE)
     endif()
 endif()
 
-# Strict warnings, where the presets ask for them.
-function(vell_compile_options target)
-    if(VELL_WARNINGS_AS_ERRORS)
-        target_compile_options(
-            ${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
-        # What sanitizers put in between makes g++ see uninitialised values in the standard library;
-        # the other presets watch for real ones.
-        if(VELL_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-            target_compile_options(${target} PRIVATE -Wno-maybe-uninitialized)
-        endif()
+# Strict warnings, where the presets ask for them: for every target of this project, the headers that
+# compile alone included.
+if(VELL_WARNINGS_AS_ERRORS)
+    add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+    # What sanitizers put in between makes g++ see uninitialised values in the standard library; the
+    # other presets watch for real ones.
+    if(VELL_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+        add_compile_options(-Wno-maybe-uninitialized)
     endif()
-endfunction()
+endif()
 
 # Calls inside a library go straight to their target, and may be inlined: a host does not replace single
 # functions of it.

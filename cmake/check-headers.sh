@@ -1,28 +1,10 @@
 #!/usr/bin/env bash
-# Compiles every header alone, with the project's warnings: check-headers.sh COMPILER FLOOR [FLAG...]
-# Public headers see include/ and nothing else of ours. Fails when it finds fewer headers than FLOOR,
-# or when <vell/vell.h> leaves a public header of its folder out.
+# Compiles every header alone, with the project's warnings, and checks that <vell/vell.h> includes each
+# public header of its folder: check-headers.sh BUILD_FOLDER
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-compiler=$1
-floor=$2
-shift 2
-flags=(-std=c++17 -fsyntax-only -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror "$@")
-
-folders=()
-for folder in include machine document idle states transitions definitions parameters introspection foundation \
-              platform tools tests/support bench; do
-    [[ ! -d "${folder}" ]] || folders+=("${folder}")
-done
-mapfile -t headers < <(find "${folders[@]}" -name '*.h' | sort)
-
 failed=0
-if ((${#headers[@]} < floor)); then
-    echo "check-headers: found ${#headers[@]} headers; at least ${floor} were to be here" >&2
-    failed=1
-fi
-
 for header in include/vell/*.h; do
     name=vell/$(basename "${header}")
     if [[ "${name}" != vell/vell.h ]] && ! grep -qF "#include <${name}>" include/vell/vell.h; then
@@ -31,20 +13,19 @@ for header in include/vell/*.h; do
     fi
 done
 
-compile()
-{
-    local header=$1
-    shift
-    if [[ "${header}" == include/* ]]; then
-        printf '#include <%s>\n' "${header#include/}" | "$@" -Iinclude -x c++ -
-    else
-        printf '#include "%s"\n' "${header}" | "$@" -Iinclude -I. -x c++ -
-    fi || { echo "${header}: does not compile alone" >&2; return 1; }
-}
-export -f compile
-printf '%s\0' "${headers[@]}" |
-    xargs -0 -I{} -P "$(nproc)" bash -c 'compile "$@"' compile {} "${compiler}" "${flags[@]}" ||
-    failed=1
+cmake --build "$1" --target all_verify_interface_header_sets || failed=1
 
-((failed == 0)) && echo "${#headers[@]} headers compile alone"
+# A folder that cmake/VellChecks.cmake does not know shows up here.
+list_headers()
+{
+    find . \( -path ./build -o -path './.*' \) -prune -o -name '*.h' -print | sed 's|^\./||' | LC_ALL=C sort
+}
+list_compiled()
+{
+    sed -nE 's|^ *"file": ".*/(public\|private)_headers_verify_interface_header_sets/(.*)\.cxx".*|\1/\2|p' \
+        "$1/compile_commands.json" | sed -e 's|^public/|include/|' -e 's|^private/||' | LC_ALL=C sort
+}
+diff --label headers --label compiled -u <(list_headers) <(list_compiled "$1") || failed=1
+
+((failed == 0)) && echo "$(list_headers | wc -l) headers compile alone"
 exit "${failed}"
