@@ -56,9 +56,8 @@ coverage:
 	cmake --build build/coverage -j $(JOBS)
 	find build/coverage -name '*.gcda' -delete
 	ctest --preset coverage -j $(JOBS)
-	gcovr --root . --object-directory build/coverage --filter '(machine|document|idle|states|transitions|definitions|parameters|introspection|foundation|platform|include)/' --txt build/coverage/coverage.txt --html-details build/coverage/coverage.html
-	@tail -n 4 build/coverage/coverage.txt
-	tests/check-coverage.sh
+	gcovr --print-summary --txt build/coverage/coverage.txt --html-details build/coverage/coverage.html
+	tests/check_coverage.py
 
 clean:
 	rm -rf build
