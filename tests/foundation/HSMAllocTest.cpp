@@ -620,6 +620,10 @@ TEST(HSMAlloc, TakesNoOperationOfAHostsClassForItsOwn)
 
 TEST(HSMAlloc, LeavesAnObjectAloneThatWasDestroyedByHand)
 {
+    // Makes what the process keeps of the key.
+    const Tessel::KVTable first = Tessel::CreateTable("first");
+    first->SetInt("key", 1, 1);
+    Tessel::CloseTable(first);
     int table = 0;
     HeapWatch heap;
     {
