@@ -179,11 +179,19 @@ BaseDef* NodeDefTable::Find(unsigned int id) const
 
 BaseDef* NodeDefTable::FindByName(const char* name) const
 {
+    const unsigned int before = timesCleared;
     for (const auto& entry : nodes)
     {
-        if (entry.second != nullptr && EqualsText(entry.second->GetName(), name))
+        BaseDef* def = entry.second;
+        const bool isFound = def != nullptr && EqualsText(def->GetName(), name);
+        // A host's GetName may have emptied the table.
+        if (timesCleared != before)
         {
-            return entry.second;
+            return nullptr;
+        }
+        if (isFound)
+        {
+            return def;
         }
     }
     return nullptr;
@@ -201,11 +209,16 @@ BaseDef* NodeDefTable::FindNext(unsigned int mask)
 
 BaseDef* NodeDefTable::WalkFrom(NodeMap::iterator position, unsigned int mask)
 {
+    const unsigned int before = timesCleared;
     for (; position != nodes.end(); ++position)
     {
         BaseDef* def = position->second;
         const bool accepted =
             def != nullptr && (mask == 0xffffffffu || (def->GetFlags() & mask) != 0);
+        if (timesCleared != before)
+        {
+            return nullptr;
+        }
         if (accepted)
         {
             cursor = ++position;
@@ -226,6 +239,7 @@ int NodeDefTable::CreateKVTable()
 void NodeDefTable::Uninit()
 {
     numNodes = 0;
+    const unsigned int before = timesCleared;
     NodeMap::iterator next = nodes.begin();
     try
     {
@@ -236,13 +250,21 @@ void NodeDefTable::Uninit()
             {
                 def->Uninit();
             }
+            // An action's destructor or a host's Uninit may have done all this already.
+            if (timesCleared != before)
+            {
+                return;
+            }
         }
     }
     catch (...)
     {
         // A host's definition threw: the next call goes on behind it.
-        nodes.erase(nodes.begin(), next);
-        cursor = nodes.end();
+        if (timesCleared == before)
+        {
+            nodes.erase(nodes.begin(), next);
+            cursor = nodes.end();
+        }
         throw;
     }
     ClearNodes();
@@ -250,6 +272,7 @@ void NodeDefTable::Uninit()
 
 void NodeDefTable::ClearNodes()
 {
+    ++timesCleared;
     // A map may keep something of its pool even when it is empty.
     nodes.~NodeMap();
     nodePool.release();

@@ -99,8 +99,9 @@ public:
     std::map<__DURM_BUILDERS__, NodeDefFactory> spareBuilders; ///< nobody fills it
     char* modelFileName = nullptr;                             ///< in the arena
     char* skeletonFileName = nullptr;                          ///< in the arena
-    unsigned int skelValue89 = 0; ///< from the skeleton; nobody reads it
-    NodeMap::iterator cursor;     ///< position of the one walk over `nodes`
+    unsigned int skelValue89 = 0;  ///< from the skeleton; nobody reads it
+    unsigned int timesCleared = 0; ///< a walk that finds it changed stands on a node that is gone
+    NodeMap::iterator cursor;      ///< position of the one walk over `nodes`
 
 private:
     void ImportIdentity(const GenericValue& head);

@@ -28,6 +28,19 @@ ParameterMessageDef* FindMessage(ParameterTable* table, unsigned int id)
     return dynamic_cast<ParameterMessageDef*>(def);
 }
 
+void BindConditions(TransitionDef& transition, ParameterTable& table)
+{
+    for (std::size_t i = 0; i < transition.conditions.size(); ++i)
+    {
+        ConditionDef* condition = transition.conditions[i];
+        if (condition != nullptr && condition->parameterID != 0)
+        {
+            condition->SetParameter(table.FindParameter(condition->parameterID));
+            condition->ParameterBind();
+        }
+    }
+}
+
 } // namespace
 
 void HSM::BindParamCond()
@@ -37,6 +50,8 @@ void HSM::BindParamCond()
         return;
     }
     internals->idle.revision.Raise();
+    // The log callback and a host's definitions may change the lists, and empty the table.
+    const unsigned int before = nodeDefTable->timesCleared;
     const std::size_t count = nodeDefTable->nodeIds.size();
     const NodeDefTable::NodeMap& nodes = nodeDefTable->nodes;
     NodeDefTable::NodeMap::const_iterator next = nodes.begin();
@@ -46,7 +61,12 @@ void HSM::BindParamCond()
         const unsigned int id = nodeDefTable->nodeIds[i];
         const bool isNext = next != nodes.end() && next->first == id;
         BaseDef* def = isNext ? (next++)->second : nodeDefTable->Find(id);
-        if (def == nullptr || def->GetType() != DefTypeTransition)
+        const bool isTransition = def != nullptr && def->GetType() == DefTypeTransition;
+        if (nodeDefTable->timesCleared != before)
+        {
+            return;
+        }
+        if (!isTransition)
         {
             continue;
         }
@@ -55,13 +75,10 @@ void HSM::BindParamCond()
         {
             continue;
         }
-        for (ConditionDef* condition : transition->conditions)
+        BindConditions(*transition, *parameterTable);
+        if (nodeDefTable->timesCleared != before)
         {
-            if (condition != nullptr && condition->parameterID != 0)
-            {
-                condition->SetParameter(parameterTable->FindParameter(condition->parameterID));
-                condition->ParameterBind();
-            }
+            return;
         }
     }
 }

@@ -97,8 +97,10 @@ int TransitionDef::RegisterCondition(Trigger trigger)
 int TransitionDef::HandleConditions(HSM* hsm)
 {
     int result = 0;
-    for (ConditionDef* condition : conditions)
+    // By index, as the triggers: a host's condition may change the list.
+    for (std::size_t i = 0; i < conditions.size(); ++i)
     {
+        ConditionDef* condition = conditions[i];
         if (condition != nullptr && condition->Evaluate(hsm))
         {
             result = 1;
