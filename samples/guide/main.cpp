@@ -105,19 +105,19 @@ public:
 // [action]
 
 // [flag]
-/// Ends the level: not here, but by a flag that the game looks at after the tick.
-class EndOfLevel : public vell::Action
+/// Ends the match: not here, but with a flag that the game checks after the tick.
+class EndOfMatch : public vell::Action
 {
 public:
-    explicit EndOfLevel(bool& flag) : isLevelOver(flag)
+    explicit EndOfMatch(bool& flag) : isMatchOver(flag)
     {
     }
     int Perform(vell::__ActType__, float) override
     {
-        isLevelOver = true;
+        isMatchOver = true;
         return 1;
     }
-    bool& isLevelOver;
+    bool& isMatchOver;
 };
 // [flag]
 
@@ -138,7 +138,7 @@ void Parameters(vell::IHSM* machine)
 
     auto* hsm = static_cast<vell::HSM*>(machine);
     hsm->BroadcastMessage("use"); // the message takes its default text
-    hsm->SetParameterMessage(table->GetParameterID("use"), ""); // and is emptied by the host alone
+    hsm->SetParameterMessage(table->GetParameterID("use"), ""); // only the host empties it
     // [parameters]
     std::printf("debug %d\n", debug->GetValue() ? 1 : 0);
 }
@@ -213,16 +213,16 @@ int main(int, char** arguments)
     twin->Init();
     twin->Start();
     twin->SetContextInfo(machine->GetKVTable()->GetTable("contextInfo"));
-    std::printf("the twin stands at %s\n", twin->GetCurrentState()->GetDef()->GetName());
+    std::printf("the twin is in %s\n", twin->GetCurrentState()->GetDef()->GetName());
     // [context]
     twin->Uninit();
     twin->Destroy();
     delete twin;
 
     // [after]
-    bool isLevelOver = false;
-    machine->FindDef("Walk")->RegisterExit(new EndOfLevel(isLevelOver));
-    while (!isLevelOver)
+    bool isMatchOver = false;
+    machine->FindDef("Walk")->RegisterExit(new EndOfMatch(isMatchOver));
+    while (!isMatchOver)
     {
         machine->Update(1.0f / 60.0f);
     }

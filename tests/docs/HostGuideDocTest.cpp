@@ -189,7 +189,7 @@ Scenes CreateScenes()
          {
              return Loaded(Document().LeaveOut(JSON_Head));
          }},
-        {"A head that is no object",
+        {"A head that is not an object",
          []
          {
              DocumentBuilder document = Document();
@@ -226,7 +226,7 @@ Scenes InitScenes()
          {
              return Loaded(Document({}).LeaveOut(JSON_Parameters));
          }},
-        {"A parameter that cannot be made",
+        {"A parameter that cannot be created",
          [=]
          {
              return Loaded(Document().Parameter(noParameter));
@@ -241,7 +241,7 @@ Scenes InitScenes()
          {
              return Loaded(Document().Node(noNode));
          }},
-        {"Two nodes with one id",
+        {"Two nodes with the same id",
          []
          {
              return Loaded(Document().Node(Generic("Twin", 10)));
@@ -251,7 +251,7 @@ Scenes InitScenes()
          {
              return LoadedHead(JSON_HeadEnterNode, 0);
          }},
-        {"An entry node that is not there",
+        {"An entry node that does not exist",
          []
          {
              return LoadedHead(JSON_HeadEnterNode, 999);
@@ -261,7 +261,7 @@ Scenes InitScenes()
          {
              return Loaded(Document({Json(5)}));
          }},
-        {"A bool condition on a parameter that is not there",
+        {"A bool condition on a parameter that does not exist",
          []
          {
              return Loaded(Document({Holds("none")}));
@@ -332,8 +332,8 @@ Scenes RunScenes()
              document.Head().Remove(JSON_HeadSubstateRoot);
              return AfterStart(document);
          }},
-        {"A target that is not there or cannot run", TargetThatIsNotThere},
-        {"A level whose enter or exit node is not there",
+        {"A target that does not exist or cannot run", TargetThatIsNotThere},
+        {"A substate whose enter or exit node does not exist",
          []
          {
              return AfterStart(Document().Node(Substate("Level", 20, 998, 999)).Start(20));
@@ -343,7 +343,7 @@ Scenes RunScenes()
          {
              return AfterStart(Document().Node(Node(kOwnBuilder, "Shut", 12)).Start(12));
          }},
-        {"A name that no parameter has",
+        {"An unknown parameter name",
          []
          {
              return After(Document(),
@@ -352,7 +352,7 @@ Scenes RunScenes()
                               machine.GetParameterTable()->FindParameter("none");
                           });
          }},
-        {"A name that no node has",
+        {"An unknown node name",
          []
          {
              return After(Document(),
@@ -361,7 +361,7 @@ Scenes RunScenes()
                               machine.FindDef("None");
                           });
          }},
-        {"An id that no node has",
+        {"An unknown node id",
          []
          {
              return After(Document(),
@@ -370,7 +370,7 @@ Scenes RunScenes()
                               machine.FindDef(999u);
                           });
          }},
-        {"A trigger for a name that no transition has",
+        {"A trigger for an unknown transition name",
          [=]
          {
              return After(Document(),
@@ -379,8 +379,8 @@ Scenes RunScenes()
                               machine.AssignTrigger("None", trigger);
                           });
          }},
-        {"A second action of one id", SecondActionOfOneId},
-        {"A context with an id that no state has", ContextWithAnUnknownId},
+        {"A second action with the same id", SecondActionOfOneId},
+        {"A context with an unknown state id", ContextWithAnUnknownId},
     };
 }
 
