@@ -200,7 +200,8 @@ TEST(VellCommand, SaysWhichFileItCannotWrite)
         const Outcome outcome = CallVell(words + Words{"--log", nowhere});
 
         EXPECT_EQ(outcome.code, tool::ExitUsage) << Join(words);
-        EXPECT_EQ(outcome.errors, nowhere + ": cannot be written; name another file by --log\n");
+        EXPECT_EQ(outcome.errors,
+                  nowhere + ": cannot write the file; choose another one with --log\n");
         EXPECT_EQ(outcome.out, "") << Join(words);
     }
     const std::string script = folder.PathOf("a.script");
@@ -213,7 +214,8 @@ TEST(VellCommand, SaysWhichFileItCannotWrite)
             const Outcome outcome = CallVell(words + Words{"-o", file});
 
             EXPECT_EQ(outcome.code, tool::ExitUsage) << Join(words);
-            EXPECT_EQ(outcome.errors, file + ": cannot be written; name another file by -o\n");
+            EXPECT_EQ(outcome.errors,
+                      file + ": cannot write the file; choose another one with -o\n");
             EXPECT_EQ(outcome.out, "") << Join(words);
         }
     }
@@ -228,12 +230,12 @@ TEST(VellCommand, WritesNothingOfADocumentThatDoesNotLoad)
     {
         const Outcome absent = CallVell(command.words + Words{missing} + command.options);
         EXPECT_EQ(absent.code, tool::ExitFailed) << Join(command.words);
-        EXPECT_EQ(absent.errors, missing + ": cannot be read: No such file or directory\n");
+        EXPECT_EQ(absent.errors, missing + ": cannot read the file: No such file or directory\n");
         EXPECT_EQ(absent.out, "") << Join(command.words);
 
         const Outcome unread = CallVell(command.words + Words{malformed} + command.options);
         EXPECT_EQ(unread.code, tool::ExitFailed) << Join(command.words);
-        EXPECT_EQ(unread.errors, malformed + ":1:2: is no JSON: Invalid value.\n");
+        EXPECT_EQ(unread.errors, malformed + ":1:2: invalid JSON: Invalid value.\n");
         EXPECT_EQ(unread.out, "") << Join(command.words);
     }
 }
@@ -269,7 +271,7 @@ TEST(VellCommand, SaysLineAndColumnOfASyntaxError)
 
         const Outcome outcome = CallVell({"graph", path});
 
-        EXPECT_EQ(outcome.errors, path + ":" + one.place + ": is no JSON: " + one.what + "\n")
+        EXPECT_EQ(outcome.errors, path + ":" + one.place + ": invalid JSON: " + one.what + "\n")
             << one.text;
     }
 }
@@ -289,8 +291,8 @@ TEST(VellCommand, ShowsWhatTheLibraryComplainsOf)
         EXPECT_EQ(outcome.out, "") << Join(words);
         EXPECT_THAT(outcome.errors,
                     testing::MatchesRegex(
-                        headless + ": is no machine document: its head is missing or incomplete\n"
-                                   "The library's log says \\(all of it by --log FILE\\):\n"
+                        headless + ": not a machine document: its head is missing or incomplete\n"
+                                   "From the library's log \\(use --log FILE for all of it\\):\n"
                                    "  ERROR_BREAK\\(0\\) at [0-9]+ in vell::HSM::Create\n"))
             << Join(words);
     }
@@ -303,10 +305,11 @@ TEST(VellCommand, ShowsWhatTheLibraryComplainsOf)
 
         EXPECT_EQ(outcome.code, tool::ExitFailed) << Join(words);
         EXPECT_EQ(outcome.out, "") << Join(words);
-        EXPECT_THAT(outcome.errors,
-                    testing::HasSubstr("nothing runs: the start state, node 77, cannot be entered\n"
-                                       "The library's log says (all of it by --log FILE):\n"
-                                       "  Entry Node doesn't exist: 77\n"))
+        EXPECT_THAT(
+            outcome.errors,
+            testing::HasSubstr("nothing to run: the start state, node 77, cannot be entered\n"
+                               "From the library's log (use --log FILE for all of it):\n"
+                               "  Entry Node doesn't exist: 77\n"))
             << Join(words);
     }
 }
@@ -318,8 +321,8 @@ TEST(VellCommand, ShowsTenComplaintsAtMost)
 
     const Outcome outcome = CallVell({"run", path, "--log", folder.PathOf("log")});
 
-    std::string expected = path + ": the machine cannot be built\n"
-                                  "The library's log says \\(all of it by --log FILE\\):\n";
+    std::string expected = path + ": cannot build the machine\n"
+                                  "From the library's log \\(use --log FILE for all of it\\):\n";
     for (int i = 0; i < 5; ++i)
     {
         expected += "  ERROR_BREAK\\(0\\) at [0-9]+ in vell::TransitionDef::InitConditions\n"
@@ -377,7 +380,7 @@ TEST(VellCommand, ReadsAScriptFromStandardInput)
         const Outcome outcome = call(words);
         EXPECT_EQ(outcome.code, tool::ExitFailed) << Join(words);
         EXPECT_EQ(outcome.errors,
-                  "standard input:2: expected stack Locomotion/Walk, it is Locomotion/Stand\n");
+                  "standard input:2: expected stack Locomotion/Walk, but it is Locomotion/Stand\n");
     }
 }
 
@@ -395,9 +398,10 @@ TEST(VellCommand, ShowsEveryWrongLineOfAScriptAndRunsNothing)
         EXPECT_EQ(outcome.code, tool::ExitUsage) << Join(words);
         EXPECT_EQ(outcome.out, "") << Join(words);
         EXPECT_EQ(outcome.errors,
-                  script + ":1: 'tock' is no instruction; there are: tick, set, message, expect\n" +
-                      script + ":2: '5x' is no number of ticks; write: tick [N]\n" + script +
-                      ":3: one name is wanted; write: message NAME\n")
+                  script +
+                      ":1: unknown instruction 'tock'; expected tick, set, message or expect\n" +
+                      script + ":2: '5x' is not a number of ticks; usage: tick [N]\n" + script +
+                      ":3: expected one name; usage: message NAME\n")
             << Join(words);
     }
 }

@@ -145,7 +145,7 @@ TEST(VellContext, SaysWhyARecordCannotBeRead)
 
     EXPECT_EQ(outcome.code, tool::ExitFailed);
     EXPECT_EQ(outcome.errors,
-              folder.PathOf("none.json") + ": cannot be read: No such file or directory\n");
+              folder.PathOf("none.json") + ": cannot read the file: No such file or directory\n");
     EXPECT_EQ(outcome.out, "");
 }
 
@@ -158,7 +158,8 @@ TEST(VellContext, SavesNothingAfterAnExpectationThatDoesNotHold)
                   folder.Write("a.script", "expect blip yes\n"), "-o", folder.PathOf("record")});
 
     EXPECT_EQ(outcome.code, tool::ExitFailed);
-    EXPECT_EQ(outcome.errors, folder.PathOf("a.script") + ":1: expected a blip, none runs\n");
+    EXPECT_EQ(outcome.errors,
+              folder.PathOf("a.script") + ":1: expected a blip, but none is running\n");
     EXPECT_FALSE(std::filesystem::exists(folder.PathOf("record")));
 }
 
@@ -188,11 +189,11 @@ TEST(VellContext, NeedsEachMemberOfARecordAndItsType)
     {
         for (const char* value : {"", "7", "{}", "null", "\"a\""})
         {
-            EXPECT_EQ(faultWith(key, value), "\"" + key + "\" is missing or no array") << value;
+            EXPECT_EQ(faultWith(key, value), "\"" + key + "\" is missing or not an array") << value;
         }
         for (const char* value : {"[-1]", "[10, 1.5]", "[\"10\"]", "[4294967296]", "[null]"})
         {
-            EXPECT_EQ(faultWith(key, value), "\"" + key + "\" has an element that is no id")
+            EXPECT_EQ(faultWith(key, value), "\"" + key + "\" has an element that is not an id")
                 << value;
         }
     }
@@ -200,7 +201,7 @@ TEST(VellContext, NeedsEachMemberOfARecordAndItsType)
     {
         for (const char* value : {"", "-1", "1.5", "\"10\"", "4294967296", "null", "[]"})
         {
-            EXPECT_EQ(faultWith(key, value), "\"" + key + "\" is missing or no id") << value;
+            EXPECT_EQ(faultWith(key, value), "\"" + key + "\" is missing or not an id") << value;
         }
     }
 }
@@ -214,15 +215,15 @@ TEST(VellContext, RefusesWhatIsNoContext)
         return fault;
     };
 
-    EXPECT_EQ(faultOf("{"), "it is no JSON: Missing a name for object member.");
-    EXPECT_EQ(faultOf("[]"), "it is no object");
-    EXPECT_EQ(faultOf("{}"), "\"stackStates\" is missing or no array");
+    EXPECT_EQ(faultOf("{"), "invalid JSON: Missing a name for object member.");
+    EXPECT_EQ(faultOf("[]"), "not a JSON object");
+    EXPECT_EQ(faultOf("{}"), "\"stackStates\" is missing or not an array");
     EXPECT_EQ(faultOf(R"({"stackStates":[1,-2],"stackBlip":[]})"),
-              "\"stackStates\" has an element that is no id");
+              "\"stackStates\" has an element that is not an id");
     EXPECT_EQ(faultOf(R"({"stackStates":[],"stackBlip":7})"),
-              "\"stackBlip\" is missing or no array");
+              "\"stackBlip\" is missing or not an array");
     EXPECT_EQ(faultOf(R"({"stackStates":[],"stackBlip":[],"nextState":"a"})"),
-              "\"nextState\" is missing or no id");
+              "\"nextState\" is missing or not an id");
 }
 
 } // namespace

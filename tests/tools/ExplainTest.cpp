@@ -64,9 +64,9 @@ TEST(VellExplain, TellsWhatFiresAndWhatIsNotReached)
               "     1  explain  A:\n"
               "     1  explain      Missing (104), priority 0: no condition holds: parameter " +
                   missing +
-                  " == 1 (its parameter is not there)\n"
+                  " == 1 (its parameter does not exist)\n"
                   "     1  explain      Bare (102), priority 1: has no conditions, only a trigger "
-                  "fires it\n"
+                  "can fire it\n"
                   "     1  explain      Soon (103), priority 2: fires: stance in 1..3 (saw 2)\n"
                   "     1  explain      Late (101), priority 9: not reached, an earlier one holds: "
                   "stance != 1 (saw 2)\n"
@@ -87,8 +87,8 @@ TEST(VellExplain, TellsOfATransitionThatHoldsAndLeadsNowhere)
 
     EXPECT_EQ(ExplainTick(builder, "tick\n", "1"),
               "     1  explain  A:\n"
-              "     1  explain      Stuck (101), priority 5: holds and has no target, so nothing "
-              "fires: go == true (saw true)\n"
+              "     1  explain      Stuck (101), priority 5: holds but has no target: go == true "
+              "(saw true)\n"
               "     1  explain      Behind (102), priority 5: not reached, an earlier one holds: "
               "go == true (saw true)\n"
               "     1  stack    A\n");
@@ -104,14 +104,13 @@ TEST(VellExplain, TellsThatABlipIsTooWeak)
                   .Set(JSON_TransitionPriority, 0))
         .GlobalNode(Global("Any", 50, {101}));
 
-    EXPECT_EQ(
-        ExplainTick(builder, "tick\n", "1"),
-        "     1  explain  Any:\n"
-        "     1  explain      Weak (101), priority 0: refused, its priority is below 1, which "
-        "a blip needs now: go == true (saw true)\n"
-        "     1  refused  Weak (101) of Any, priority 0: go == true (saw true)\n"
-        "     1  explain  A: no transitions\n"
-        "     1  stack    A\n");
+    EXPECT_EQ(ExplainTick(builder, "tick\n", "1"),
+              "     1  explain  Any:\n"
+              "     1  explain      Weak (101), priority 0: refused, a blip needs at least "
+              "priority 1: go == true (saw true)\n"
+              "     1  refused  Weak (101) of Any, priority 0: go == true (saw true)\n"
+              "     1  explain  A: no transitions\n"
+              "     1  stack    A\n");
 }
 
 TEST(VellExplain, TellsOfTransitionsThatLeadNowhereBySiblings)
@@ -135,8 +134,8 @@ TEST(VellExplain, TellsOfTransitionsThatLeadNowhereBySiblings)
               "     1  explain      Quiet (101), priority 1: no condition holds: stop == true (saw "
               "false)\n"
               "     1  explain      Off (102), priority 2: disabled: go == true (saw true)\n"
-              "     1  explain      Half (103), priority 3: holds and has no target, so nothing "
-              "fires: stop == true (saw false), go == true (saw true)\n"
+              "     1  explain      Half (103), priority 3: holds but has no target: stop == true "
+              "(saw false), go == true (saw true)\n"
               "     1  stack    A\n");
 }
 
@@ -176,8 +175,8 @@ TEST(VellExplain, TellsThatNothingBehindARefusedTransitionIsTested)
 
     EXPECT_EQ(ExplainTick(builder, "tick\n", "1"),
               "     1  explain  Any:\n"
-              "     1  explain      Weak (101), priority -1: refused, its priority is below 1, "
-              "which a blip needs now: go == true (saw true)\n"
+              "     1  explain      Weak (101), priority -1: refused, a blip needs at least "
+              "priority 1: go == true (saw true)\n"
               "     1  explain      Strong (102), priority 5: not reached, an earlier one holds: "
               "go == true (saw true)\n"
               "     1  refused  Weak (101) of Any, priority -1: go == true (saw true)\n"
@@ -241,7 +240,7 @@ TEST(VellExplain, HasWordsForEachConditionAndOperator)
 TEST(VellExplain, HasWordsForConditionsWithoutAParameter)
 {
     const std::string missing = "parameter " + std::to_string(ParameterId("nobody"));
-    const std::string unseen = " (its parameter is not there)";
+    const std::string unseen = " (its parameter does not exist)";
     const std::vector<std::pair<Json, std::string>> cases = {
         {BoolCondition("nobody", true), missing + " == true" + unseen},
         {IntCondition("nobody", EvaluateLess, 3), missing + " < 3" + unseen},

@@ -303,7 +303,7 @@ TEST(VellGraph, SaysThatGraphvizCouldNotDraw)
 
         EXPECT_EQ(outcome.code, tool::ExitFailed) << end;
         EXPECT_EQ(outcome.errors,
-                  "Graphviz could not draw the picture; --log FILE keeps what it said\n");
+                  "Graphviz could not draw the picture; use --log FILE to see its messages\n");
         EXPECT_EQ(outcome.out, "") << end;
     }
 }
@@ -333,8 +333,8 @@ TEST(VellGraph, SaysThatGraphvizIsMissing)
 
     EXPECT_EQ(outcome.code, tool::ExitFailed);
     EXPECT_EQ(outcome.errors,
-              "svg is drawn by Graphviz, whose program dot is not installed; install the package "
-              "graphviz, or write --format dot or mermaid\n");
+              "svg needs Graphviz's program dot, which is not installed; install the package "
+              "graphviz, or use --format dot or mermaid\n");
     EXPECT_EQ(outcome.out, "");
 }
 

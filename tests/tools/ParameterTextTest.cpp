@@ -63,7 +63,7 @@ TEST(VellValues, AreExpectedInEachComponent)
             const Outcome bad =
                 RunScript(EachClass(), set + "expect param " + value.name + " " + other + "\n");
             EXPECT_EQ(bad.errors, "a.script:2: expected param " + value.name + " " +
-                                      (other == "\"\"" ? "" : other) + ", it is " + value.text +
+                                      (other == "\"\"" ? "" : other) + ", but it is " + value.text +
                                       "\n");
             EXPECT_EQ(bad.code, tool::ExitFailed) << set << other;
         }
@@ -126,8 +126,8 @@ TEST(VellValues, AreRefusedWithTheFormThatTheParameterTakes)
 
                 EXPECT_EQ(outcome.code, tool::ExitFailed) << one.name << " " << text;
                 EXPECT_EQ(outcome.errors, "a.script:1: '" + text +
-                                              "' is no value for the parameter '" + one.name +
-                                              "', which takes " + one.form + "\n");
+                                              "' is not a valid value for the parameter '" +
+                                              one.name + "', which takes " + one.form + "\n");
                 EXPECT_EQ(outcome.out, "     0  entered  A\n"
                                        "     0  stack    A\n");
             }

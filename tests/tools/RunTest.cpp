@@ -181,7 +181,7 @@ TEST(VellRun, ShowsATargetThatIsNotThere)
                            "     0  stack    A\n"
                            "     1  fired    Away (100) of A, priority 5: go == true (saw true)\n"
                            "     1  left     A\n"
-                           "     1  failed   no node has the target's id 99\n"
+                           "     1  failed   the target does not exist: no node has the id 99\n"
                            "     1  stack    -\n");
 }
 
@@ -239,15 +239,17 @@ TEST(VellRun, SaysFileAndLineOfWhatDoesNotHoldAndGoesOn)
                                                 "expect stack Locomotion/Stand\n");
 
     EXPECT_EQ(outcome.code, tool::ExitFailed);
-    EXPECT_EQ(outcome.errors,
-              "a.script:2: expected stack Locomotion/Walk, it is Locomotion/Stand\n"
-              "a.script:3: expected stack -, it is Locomotion/Stand\n"
-              "a.script:4: expected a blip, none runs\n"
-              "a.script:5: expected param speed 3, it is 0\n"
-              "a.script:6: 'fast' is no value for the parameter 'speed', which takes a number\n"
-              "a.script:7: '1,2' is no value for the parameter 'speed', which takes a number\n"
-              "a.script:8: 'maybe' is no value for the parameter 'hit', which takes true or false\n"
-              "a.script:9: 'speed' is no message; write: set speed VALUE\n");
+    EXPECT_EQ(
+        outcome.errors,
+        "a.script:2: expected stack Locomotion/Walk, but it is Locomotion/Stand\n"
+        "a.script:3: expected stack -, but it is Locomotion/Stand\n"
+        "a.script:4: expected a blip, but none is running\n"
+        "a.script:5: expected param speed 3, but it is 0\n"
+        "a.script:6: 'fast' is not a valid value for the parameter 'speed', which takes a number\n"
+        "a.script:7: '1,2' is not a valid value for the parameter 'speed', which takes a number\n"
+        "a.script:8: 'maybe' is not a valid value for the parameter 'hit', which takes true or "
+        "false\n"
+        "a.script:9: 'speed' is not a message; use: set speed VALUE\n");
 }
 
 TEST(VellRun, NamesTheParametersWhenOneIsUnknown)
@@ -292,7 +294,7 @@ TEST(VellRun, SaysWhereADocumentDoesNotParse)
 
     EXPECT_EQ(outcome.code, tool::ExitFailed);
     EXPECT_EQ(outcome.errors,
-              path + ":3:7: is no JSON: Missing a colon after a name of object member.\n");
+              path + ":3:7: invalid JSON: Missing a colon after a name of object member.\n");
     EXPECT_EQ(outcome.out, "");
 }
 
@@ -303,13 +305,13 @@ TEST(VellRun, SaysWhyADocumentDoesNotLoad)
     const Outcome missing = CallVell({"run", folder.PathOf("none.json")});
     EXPECT_EQ(missing.code, tool::ExitFailed);
     EXPECT_EQ(missing.errors,
-              folder.PathOf("none.json") + ": cannot be read: No such file or directory\n");
+              folder.PathOf("none.json") + ": cannot read the file: No such file or directory\n");
 
     const std::string path = folder.Write("a.json", DocumentBuilder().LeaveOut(JSON_Head).Text());
     const Outcome headless = CallVell({"run", path});
     EXPECT_EQ(headless.code, tool::ExitFailed);
     EXPECT_EQ(headless.errors.substr(0, headless.errors.find('\n')),
-              path + ": is no machine document: its head is missing or incomplete");
+              path + ": not a machine document: its head is missing or incomplete");
 
     DocumentBuilder noGlobal;
     noGlobal.Start(77).Node(Generic("A", 10));
@@ -317,7 +319,7 @@ TEST(VellRun, SaysWhyADocumentDoesNotLoad)
     const Outcome lifeless = CallVell({"run", dead});
     EXPECT_EQ(lifeless.code, tool::ExitFailed);
     EXPECT_EQ(lifeless.errors.substr(0, lifeless.errors.find('\n')),
-              dead + ": nothing runs: the start state, node 77, cannot be entered");
+              dead + ": nothing to run: the start state, node 77, cannot be entered");
 }
 
 TEST(VellRun, ExitsWithAUsageErrorForWhatItDoesNotUnderstand)
@@ -403,8 +405,8 @@ TEST(VellRun, EndsWithAnErrorWhenATickBreaksOff)
 
     EXPECT_EQ(outcome.code, tool::ExitFailed);
     EXPECT_EQ(outcome.errors,
-              "a.script:3: tick 4: the tick broke off: a blip ended at an exit node that stood "
-              "higher on its stack than the main stack reaches\n");
+              "a.script:3: tick 4: the tick was aborted: a blip ended at an exit node whose "
+              "index on the blip stack is greater than the size of the main stack\n");
 }
 
 } // namespace

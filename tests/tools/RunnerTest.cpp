@@ -229,7 +229,7 @@ TEST(VellRunner, ShowsABlipThatTakesThePlaceOfOneOfTheSamePriority)
     const Outcome outcome =
         RunScript(Fighter(), "set weak true\ntick\nset weak true\ntick\nexpect blip no\n");
 
-    EXPECT_EQ(outcome.errors, "a.script:5: expected no blip, one runs\n");
+    EXPECT_EQ(outcome.errors, "a.script:5: expected no blip, but one is running\n");
     EXPECT_EQ(outcome.code, tool::ExitFailed);
     EXPECT_EQ(outcome.out.substr(outcome.out.find("     2")),
               "     2  fired    Weak (101) of Any, priority 2: weak == true (saw true)\n"
@@ -269,7 +269,7 @@ constexpr const char* kEachEvent =
 {"tick":5,"event":"set","name":"lost","value":"true"}
 {"tick":6,"event":"fired","transition":"Lose","id":110,"state":"Rest","target":99,"priority":5,"held":"lost == true (saw true)"}
 {"tick":6,"event":"left","state":"Rest","id":10}
-{"tick":6,"event":"failed","what":"no node has the target's id 99"}
+{"tick":6,"event":"failed","what":"the target does not exist: no node has the id 99"}
 {"tick":6,"event":"stack","main":[],"isBlip":false}
 )json";
 
@@ -301,8 +301,9 @@ TEST(VellRunner, EndsTicksBehindTheScriptToo)
     const Outcome outcome = RunScript(builder, "set hit true\ntick\n", {"--ticks", "9"});
 
     EXPECT_EQ(outcome.code, tool::ExitFailed);
-    EXPECT_EQ(outcome.errors, "tick 4: the tick broke off: a blip ended at an exit node that stood "
-                              "higher on its stack than the main stack reaches\n");
+    EXPECT_EQ(outcome.errors,
+              "tick 4: the tick was aborted: a blip ended at an exit node whose "
+              "index on the blip stack is greater than the size of the main stack\n");
     EXPECT_EQ(outcome.out.substr(outcome.out.rfind('\n', outcome.out.size() - 2) + 1),
               "     4  stack    Rest\n");
 }

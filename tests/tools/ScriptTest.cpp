@@ -103,16 +103,15 @@ TEST(Script, NamesFileAndLineOfEveryWrongLine)
 
     EXPECT_EQ(script.instructions.size(), 1u);
     const std::vector<std::string> expected = {
-        "a.script:1: 'tock' is no instruction; there are: tick, set, message, expect",
-        "a.script:3: 'three' is no number of ticks; write: tick [N]",
-        "a.script:4: '-1' is no number of ticks; write: tick [N]",
-        "a.script:5: a name and a value are missing; write: set NAME VALUE",
-        "a.script:6: one name is wanted; write: message NAME",
-        "a.script:7: one name is wanted; write: message NAME",
-        "a.script:8: nothing is known as 'speed' to expect; there are: expect stack, expect param, "
-        "expect blip",
-        "a.script:9: a name and a value are missing; write: expect param NAME VALUE",
-        "a.script:10: write: expect blip yes, or: expect blip no"};
+        "a.script:1: unknown instruction 'tock'; expected tick, set, message or expect",
+        "a.script:3: 'three' is not a number of ticks; usage: tick [N]",
+        "a.script:4: '-1' is not a number of ticks; usage: tick [N]",
+        "a.script:5: expected a name and a value; usage: set NAME VALUE",
+        "a.script:6: expected one name; usage: message NAME",
+        "a.script:7: expected one name; usage: message NAME",
+        "a.script:8: unknown expectation 'speed'; expected stack, param or blip",
+        "a.script:9: expected a name and a value; usage: expect param NAME VALUE",
+        "a.script:10: expected yes or no; usage: expect blip yes|no"};
     EXPECT_EQ(script.errors, expected);
 }
 
@@ -130,7 +129,7 @@ TEST(Script, TakesAWholeNumberOfTicksAndNothingElse)
         EXPECT_TRUE(script.instructions.empty()) << count;
         EXPECT_EQ(script.errors,
                   std::vector<std::string>{"a.script:1: '" + std::string(count) +
-                                           "' is no number of ticks; write: tick [N]"});
+                                           "' is not a number of ticks; usage: tick [N]"});
     }
 }
 
@@ -160,22 +159,22 @@ TEST(Script, TakesQuotesThatAreNotClosedAsTheyStand)
 
 TEST(Script, SaysWhatIsMissingInEachInstruction)
 {
-    const std::string expectations = "there are: expect stack, expect param, expect blip";
+    const std::string expectations = "; expected stack, param or blip";
     const std::vector<std::pair<std::string, std::string>> cases = {
-        {"set", "a name and a value are missing; write: set NAME VALUE"},
-        {"set speed", "a name and a value are missing; write: set NAME VALUE"},
-        {"set speed # 5", "a name and a value are missing; write: set NAME VALUE"},
-        {"message", "one name is wanted; write: message NAME"},
-        {"message a b", "one name is wanted; write: message NAME"},
-        {"expect", "nothing is known as '' to expect; " + expectations},
-        {"expect stacks", "nothing is known as 'stacks' to expect; " + expectations},
-        {"expect param", "a name and a value are missing; write: expect param NAME VALUE"},
-        {"expect param speed", "a name and a value are missing; write: expect param NAME VALUE"},
-        {"expect blip", "write: expect blip yes, or: expect blip no"},
-        {"expect blip true", "write: expect blip yes, or: expect blip no"},
-        {"expect blip yes no", "write: expect blip yes, or: expect blip no"},
-        {"Tick", "'Tick' is no instruction; there are: tick, set, message, expect"},
-        {"ticks", "'ticks' is no instruction; there are: tick, set, message, expect"},
+        {"set", "expected a name and a value; usage: set NAME VALUE"},
+        {"set speed", "expected a name and a value; usage: set NAME VALUE"},
+        {"set speed # 5", "expected a name and a value; usage: set NAME VALUE"},
+        {"message", "expected one name; usage: message NAME"},
+        {"message a b", "expected one name; usage: message NAME"},
+        {"expect", "unknown expectation ''" + expectations},
+        {"expect stacks", "unknown expectation 'stacks'" + expectations},
+        {"expect param", "expected a name and a value; usage: expect param NAME VALUE"},
+        {"expect param speed", "expected a name and a value; usage: expect param NAME VALUE"},
+        {"expect blip", "expected yes or no; usage: expect blip yes|no"},
+        {"expect blip true", "expected yes or no; usage: expect blip yes|no"},
+        {"expect blip yes no", "expected yes or no; usage: expect blip yes|no"},
+        {"Tick", "unknown instruction 'Tick'; expected tick, set, message or expect"},
+        {"ticks", "unknown instruction 'ticks'; expected tick, set, message or expect"},
     };
     for (const auto& [line, fault] : cases)
     {
@@ -187,8 +186,9 @@ TEST(Script, SaysWhyAFileCannotBeRead)
 {
     const Script script = ReadScriptFile("no/such/file.script");
 
-    EXPECT_EQ(script.errors, std::vector<std::string>{
-                                 "no/such/file.script: cannot be read: No such file or directory"});
+    EXPECT_EQ(script.errors,
+              std::vector<std::string>{
+                  "no/such/file.script: cannot read the file: No such file or directory"});
 }
 
 } // namespace

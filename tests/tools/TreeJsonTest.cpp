@@ -186,7 +186,7 @@ TEST(VellTree, FailsWhenItsScriptDoes)
 
     EXPECT_EQ(outcome.code, tool::ExitFailed);
     EXPECT_EQ(outcome.errors,
-              folder.PathOf("a.script") + ":1: expected stack X, it is Locomotion\n");
+              folder.PathOf("a.script") + ":1: expected stack X, but it is Locomotion\n");
     EXPECT_EQ(outcome.out, "");
 }
 

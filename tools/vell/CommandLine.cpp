@@ -33,39 +33,41 @@ constexpr std::size_t kComplaintsShown = 10;
 
 constexpr const char* kFooter = R"(
 Examples:
-  vell run hero.json                          what happens in the first ten ticks
-  vell run hero.json --script jump.script     drive it and check what it does
-  vell run hero.json --script - --explain     why a transition did not fire
+  vell run hero.json                          show the first ten ticks
+  vell run hero.json --script jump.script     drive the machine and check what it does
+  vell run hero.json --script - --explain     show why a transition did not fire
   vell graph hero.json --format svg -o hero.svg
-  vell tree hero.json --after jump.script     its parameters, nodes and stacks as JSON
+  vell tree hero.json --after jump.script     print parameters, nodes and stacks as JSON
   vell context save hero.json --after jump.script -o jump.json
-  vell context restore hero.json jump.json    go on from there
-  vell COMMAND --help                         all about one command
+  vell context restore hero.json jump.json    continue from there
+  vell COMMAND --help                         the options of one command
 
-Exit code: 0 all went well; 1 a document did not load or an expectation did not hold; 2 the command
-line or a script is not understood.)";
+Exit codes:
+  0  success
+  1  a document could not be loaded, or an expectation failed
+  2  invalid command line or script)";
 
 constexpr const char* kLogHelp = R"(
-The library writes a log to standard error. It is kept off the terminal: --log puts it into a file.)";
+The library's log is not shown. Use --log to write it to a file.)";
 
 constexpr const char* kScriptHelp = R"(
-A script has an instruction a line; a # and what follows it is a comment:
-  tick [N]                    N ticks, or one
-  set NAME VALUE              a parameter: set speed 1.5, set grounded true, set stick 0.3,0.8,
-                              set stance crouched
+A script has one instruction per line. A comment starts with #.
+  tick [N]                    run N ticks, or one
+  set NAME VALUE              set a parameter: set speed 1.5, set grounded true,
+                              set stick 0.3,0.8, set stance crouched
   message NAME                fire a message
-  expect stack A/B/C          names from the bottom; - for an empty stack
-  expect param NAME VALUE
-  expect blip yes|no
-A name with blanks stands in quotes. An expectation that does not hold is shown as FILE:LINE: ...
+  expect stack A/B/C          the names on the stack, from the bottom; - for an empty stack
+  expect param NAME VALUE     the value of a parameter
+  expect blip yes|no          whether a blip is running
+Put names with spaces in quotes. A failed expectation is reported as FILE:LINE: ...
 )";
 
 constexpr const char* kContextHelp = R"(
-A context holds both stacks and the last change of state, by the ids of nodes. It does not hold:
-  - parameters: set them by a script after restoring;
-  - whether a blip runs, and its priority: a restored machine runs its main stack;
-  - which state each level had reached: a level that is restored starts anew on its first tick,
-    above the states that were restored.
+A context has both stacks and the last state change, by node id. It does not have:
+  - parameters: set them with a script after restoring;
+  - the blip flags: a restored machine runs its main stack;
+  - the child that each substate had reached: a restored substate pushes its first child in its
+    first tick, above the states that were restored.
 )";
 
 /// What the command line asks for.
@@ -93,7 +95,7 @@ public:
 
     int Run(int argc, const char* const* argv)
     {
-        CLI::App app("Looks into and drives machine documents.", "vell");
+        CLI::App app("Inspects and runs machine documents.", "vell");
         app.set_version_flag("--version", "vell " VELL_VERSION);
         app.require_subcommand(1);
         app.footer(kFooter);
@@ -117,7 +119,7 @@ public:
         const LogRedirect redirect(request.log);
         if (!redirect.IsActive())
         {
-            errors << request.log << ": cannot be written; name another file by --log\n";
+            errors << request.log << ": cannot write the file; choose another one with --log\n";
             return ExitUsage;
         }
         Script script;
@@ -137,7 +139,8 @@ private:
             });
         command->add_option("DOCUMENT", request.document, "The machine document, a JSON file")
             ->required();
-        command->add_option("--log", request.log, "File for the library's log")->type_name("FILE");
+        command->add_option("--log", request.log, "Write the library's log to this file")
+            ->type_name("FILE");
         return command;
     }
 
@@ -151,7 +154,9 @@ private:
 
     void AddOutput(CLI::App& command)
     {
-        command.add_option("-o,--output", request.output, "File to write instead of the terminal")
+        command
+            .add_option("-o,--output", request.output,
+                        "Write to this file instead of standard output")
             ->type_name("FILE");
     }
 
@@ -159,31 +164,31 @@ private:
     {
         return command
             .add_option("--after", request.script,
-                        "Script that is run first; - is standard input. See: vell run --help")
+                        "Script to run first; - is standard input. See: vell run --help")
             ->type_name("SCRIPT");
     }
 
     void AddRunOptions(CLI::App& command, const char* ticksHelp)
     {
-        command.add_option("--script", request.script, "File of instructions; - is standard input")
+        command.add_option("--script", request.script, "Script to run; - is standard input")
             ->type_name("FILE");
         // Without the check a negative number becomes a very large one.
         command.add_option("--ticks", request.ticks, ticksHelp)
             ->check(CLI::NonNegativeNumber)
             ->type_name("N");
-        command.add_option("--dt", request.run.timeStep, "Seconds a tick; 1/60 when not given")
+        command.add_option("--dt", request.run.timeStep, "Seconds per tick; default 1/60")
             ->type_name("SECONDS");
-        AddFormat(command, "text: for people; jsonl: an object a line", {"text", "jsonl"});
+        AddFormat(command, "text (default), or jsonl: one object per line", {"text", "jsonl"});
         command.add_flag("--explain", request.run.explain,
-                         "Show for each state that is tested each transition, what its conditions "
-                         "saw and why it did not fire");
+                         "Show each transition that is tested, the values its conditions saw, and "
+                         "why it did not fire");
     }
 
     void AddRun(CLI::App& app)
     {
         CLI::App* run =
             AddCommand(app, "run", "Runs a machine and shows what happens", &Command::RunMachine);
-        AddRunOptions(*run, "Ticks after the script; without either, 10 ticks");
+        AddRunOptions(*run, "Ticks after the script; default 10 without a script");
         run->footer(std::string(kScriptHelp) + kLogHelp);
     }
 
@@ -191,15 +196,13 @@ private:
     {
         CLI::App* graph =
             AddCommand(app, "graph", "Draws the states and transitions", &Command::DrawGraph);
-        AddFormat(*graph,
-                  "dot, which it is without this: for Graphviz; mermaid; svg: drawn by "
-                  "Graphviz's program dot",
+        AddFormat(*graph, "dot (default), mermaid, or svg: drawn by Graphviz",
                   {"dot", "mermaid", "svg"});
         AddOutput(*graph);
-        graph->footer("\nA transition shows its priority and its conditions, any one of which is "
-                      "enough. One that is\ndisabled is dashed; a target that no node has is red."
-                      "\n" +
-                      std::string(kLogHelp));
+        graph->footer(
+            "\nEach transition shows its priority and its conditions, any one of which is "
+            "enough.\nA disabled transition is dashed. A target that does not exist is red.\n" +
+            std::string(kLogHelp));
     }
 
     void AddTree(CLI::App& app)
@@ -207,27 +210,29 @@ private:
         CLI::App* tree = AddCommand(app, "tree", "Prints the tree of tables that mirrors a machine",
                                     &Command::PrintTree);
         AddAfter(*tree);
-        AddFormat(*tree, "json, or text: a line for each value", {"json", "text"});
+        AddFormat(*tree, "json (default), or text: one line per value", {"json", "text"});
         AddOutput(*tree);
-        tree->footer("\nWithout --after the machine is loaded and not started.\n" +
+        tree->footer("\nWithout --after, the machine is loaded but not started.\n" +
                      std::string(kLogHelp));
     }
 
     void AddContext(CLI::App& app)
     {
-        CLI::App* context =
-            app.add_subcommand("context", "Records a situation and goes on from it later");
+        CLI::App* context = app.add_subcommand(
+            "context", "Saves the stacks of a running machine and restores them");
         context->require_subcommand(1);
         context->footer(kContextHelp);
-        CLI::App* save = AddCommand(*context, "save", "Runs a script and records where it got to",
+        CLI::App* save = AddCommand(*context, "save", "Runs a script and saves the context",
                                     &Command::RecordContext);
         AddAfter(*save)->required();
         AddOutput(*save);
         save->footer(std::string(kContextHelp) + kLogHelp);
-        CLI::App* restore = AddCommand(*context, "restore", "Puts a machine where a record says",
-                                       &Command::GoOnFromContext);
-        restore->add_option("CONTEXT", request.context, "What context save wrote")->required();
-        AddRunOptions(*restore, "Ticks after the script; none when not given");
+        CLI::App* restore =
+            AddCommand(*context, "restore", "Restores a context and continues from it",
+                       &Command::GoOnFromContext);
+        restore->add_option("CONTEXT", request.context, "The file that context save wrote")
+            ->required();
+        AddRunOptions(*restore, "Ticks after the script; default 0");
         restore->footer(std::string(kContextHelp) + kScriptHelp + kLogHelp);
     }
 
@@ -304,7 +309,7 @@ private:
         std::ifstream in(request.context, std::ios::binary);
         if (!in)
         {
-            errors << request.context << ": cannot be read: " << std::strerror(errno) << '\n';
+            errors << request.context << ": cannot read the file: " << std::strerror(errno) << '\n';
             return ExitFailed;
         }
         const std::string json{std::istreambuf_iterator<char>(in),
@@ -358,7 +363,7 @@ private:
         file << text << std::flush;
         if (!file)
         {
-            errors << request.output << ": cannot be written; name another file by -o\n";
+            errors << request.output << ": cannot write the file; choose another one with -o\n";
             return ExitUsage;
         }
         return ExitWell;
@@ -396,7 +401,7 @@ private:
         {
             return;
         }
-        errors << "The library's log says (all of it by --log FILE):\n";
+        errors << "From the library's log (use --log FILE for all of it):\n";
         for (std::size_t i = 0; i < complaints.size() && i < kComplaintsShown; ++i)
         {
             errors << "  " << complaints[i] << '\n';

@@ -20,13 +20,13 @@ std::string CheckArray(const rapidjson::Value& context, const char* key)
     const auto member = context.FindMember(key);
     if (member == context.MemberEnd() || !member->value.IsArray())
     {
-        return std::string("\"") + key + "\" is missing or no array";
+        return std::string("\"") + key + "\" is missing or not an array";
     }
     for (const rapidjson::Value& element : member->value.GetArray())
     {
         if (!element.IsUint())
         {
-            return std::string("\"") + key + "\" has an element that is no id";
+            return std::string("\"") + key + "\" has an element that is not an id";
         }
     }
     return "";
@@ -36,7 +36,7 @@ std::string CheckContext(const rapidjson::Value& context)
 {
     if (!context.IsObject())
     {
-        return "it is no object";
+        return "not a JSON object";
     }
     for (const char* key : {kMainStackKey, kBlipStackKey})
     {
@@ -51,7 +51,7 @@ std::string CheckContext(const rapidjson::Value& context)
         const auto member = context.FindMember(key);
         if (member == context.MemberEnd() || !member->value.IsUint())
         {
-            return std::string("\"") + key + "\" is missing or no id";
+            return std::string("\"") + key + "\" is missing or not an id";
         }
     }
     return "";
@@ -97,7 +97,7 @@ Tessel::KVTable ContextFromJson(const std::string& json, std::string* fault)
 {
     rapidjson::Document context;
     context.Parse(json.c_str());
-    *fault = context.HasParseError() ? std::string("it is no JSON: ") +
+    *fault = context.HasParseError() ? std::string("invalid JSON: ") +
                                            rapidjson::GetParseError_En(context.GetParseError())
                                      : CheckContext(context);
     if (!fault->empty())

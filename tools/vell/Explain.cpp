@@ -41,7 +41,7 @@ Verdict Judge(const TransitionReading& reading, const TransitionDef* fired, bool
 std::string Text(const ConditionReading& reading)
 {
     return reading.text +
-           (reading.saw.empty() ? " (its parameter is not there)" : " (saw " + reading.saw + ")");
+           (reading.saw.empty() ? " (its parameter does not exist)" : " (saw " + reading.saw + ")");
 }
 
 } // namespace
@@ -101,15 +101,14 @@ std::string VerdictText(const TransitionReading& reading)
     case Verdict::Fires:
         return "fires";
     case Verdict::Refused:
-        return "refused, its priority is below " + std::to_string(reading.blipPriority) +
-               ", which a blip needs now";
+        return "refused, a blip needs at least priority " + std::to_string(reading.blipPriority);
     case Verdict::Disabled:
         return "disabled";
     case Verdict::NotHolding:
-        return reading.conditions.empty() ? "has no conditions, only a trigger fires it"
+        return reading.conditions.empty() ? "has no conditions, only a trigger can fire it"
                                           : "no condition holds";
     case Verdict::NoTarget:
-        return "holds and has no target, so nothing fires";
+        return "holds but has no target";
     case Verdict::NotReached:
         return "not reached, an earlier one holds";
     }

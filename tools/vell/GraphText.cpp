@@ -371,7 +371,7 @@ std::string DotToSvg(const std::string& dot, std::string* fault)
         file.Fill(dot) ? popen(("dot -Tsvg '" + file.path + "'").c_str(), "r") : nullptr;
     if (pipe == nullptr)
     {
-        *fault = "a picture cannot be drawn: no temporary file or no process could be made";
+        *fault = "cannot draw the picture: failed to create a temporary file or a process";
         return "";
     }
     std::string svg;
@@ -385,11 +385,10 @@ std::string DotToSvg(const std::string& dot, std::string* fault)
     {
         return svg;
     }
-    *fault =
-        WIFEXITED(status) && WEXITSTATUS(status) == kCommandNotFound
-            ? "svg is drawn by Graphviz, whose program dot is not installed; install the package "
-              "graphviz, or write --format dot or mermaid"
-            : "Graphviz could not draw the picture; --log FILE keeps what it said";
+    *fault = WIFEXITED(status) && WEXITSTATUS(status) == kCommandNotFound
+                 ? "svg needs Graphviz's program dot, which is not installed; install the package "
+                   "graphviz, or use --format dot or mermaid"
+                 : "Graphviz could not draw the picture; use --log FILE to see its messages";
     return "";
 }
 

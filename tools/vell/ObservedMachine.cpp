@@ -158,7 +158,7 @@ std::string ObservedMachine::Load(const std::string& newPath)
     path = newPath;
     if (!std::ifstream(path))
     {
-        return path + ": cannot be read: " + std::strerror(errno);
+        return path + ": cannot read the file: " + std::strerror(errno);
     }
     const ComplaintCollector collector(complaints);
     filePath = path.c_str();
@@ -170,11 +170,11 @@ std::string ObservedMachine::Load(const std::string& newPath)
     }
     if (!isCreated)
     {
-        return path + ": is no machine document: its head is missing or incomplete";
+        return path + ": not a machine document: its head is missing or incomplete";
     }
     if (Init() == 0)
     {
-        return path + ": the machine cannot be built";
+        return path + ": cannot build the machine";
     }
     return "";
 }
@@ -190,7 +190,7 @@ std::string ObservedMachine::ParseFault(const std::string& file)
     const std::size_t lineStart = offset == 0 ? std::string::npos : text.rfind('\n', offset - 1);
     const std::size_t column = lineStart == std::string::npos ? offset + 1 : offset - lineStart;
     return file + ":" + std::to_string(line) + ":" + std::to_string(column) +
-           ": is no JSON: " + rapidjson::GetParseError_En(document.GetParseError());
+           ": invalid JSON: " + rapidjson::GetParseError_En(document.GetParseError());
 }
 
 std::string ObservedMachine::StartRunning()
@@ -199,7 +199,7 @@ std::string ObservedMachine::StartRunning()
     Start();
     if (GetCurrentState() == nullptr && globalState == nullptr)
     {
-        return path + ": nothing runs: the start state, node " + std::to_string(startStateID) +
+        return path + ": nothing to run: the start state, node " + std::to_string(startStateID) +
                ", cannot be entered";
     }
     return "";
@@ -223,9 +223,9 @@ std::string ObservedMachine::Tick(float seconds)
     }
     catch (const std::exception&)
     {
-        return "the tick broke off: a blip ended at an exit node that stood higher on its stack "
-               "than "
-               "the main stack reaches";
+        return "the tick was aborted: a blip ended at an exit node whose index on the blip stack "
+               "is "
+               "greater than the size of the main stack";
     }
     CheckTarget();
     return "";

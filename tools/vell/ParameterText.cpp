@@ -94,7 +94,7 @@ std::string Fault(ParameterDef& parameter, const std::string& text)
     const std::string form = type >= DURMBaseLib::PARAM_Bool && type <= DURMBaseLib::PARAM_Float4
                                  ? forms[type]
                                  : "another kind of value";
-    return "'" + text + "' is no value for the parameter '" + parameter.GetName() +
+    return "'" + text + "' is not a valid value for the parameter '" + parameter.GetName() +
            "', which takes " + form;
 }
 

@@ -184,7 +184,8 @@ void Runner::OnBlipEnded()
 void Runner::OnTargetMissed(unsigned int target)
 {
     BaseDef* def = machine.Nodes() == nullptr ? nullptr : machine.Nodes()->Find(target);
-    report.Failed(tick, def == nullptr ? "no node has the target's id " + std::to_string(target)
+    report.Failed(tick, def == nullptr ? "the target does not exist: no node has the id " +
+                                             std::to_string(target)
                                        : "the target " + NameOf(*def) + " (" +
                                              std::to_string(target) + ") cannot be entered");
     hasHappened = true;
@@ -220,7 +221,7 @@ std::string Runner::CarryOut(const Instruction& instruction)
 std::string Runner::ExpectStack(const std::string& path) const
 {
     const std::string actual = machine.StackPath();
-    return actual == path ? "" : "expected stack " + OrDash(path) + ", it is " + OrDash(actual);
+    return actual == path ? "" : "expected stack " + OrDash(path) + ", but it is " + OrDash(actual);
 }
 
 std::string Runner::ExpectParameter(const Instruction& instruction)
@@ -235,7 +236,7 @@ std::string Runner::ExpectParameter(const Instruction& instruction)
     {
         return fault;
     }
-    return "expected param " + instruction.name + " " + instruction.value + ", it is " +
+    return "expected param " + instruction.name + " " + instruction.value + ", but it is " +
            ValueText(*parameter);
 }
 
@@ -245,7 +246,7 @@ std::string Runner::ExpectBlip(bool wanted) const
     {
         return "";
     }
-    return wanted ? "expected a blip, none runs" : "expected no blip, one runs";
+    return wanted ? "expected a blip, but none is running" : "expected no blip, but one is running";
 }
 
 std::string Runner::SetParameter(const Instruction& instruction)
@@ -272,7 +273,7 @@ std::string Runner::SendMessage(const std::string& name)
     }
     if (dynamic_cast<ParameterMessageDef*>(parameter) == nullptr)
     {
-        return "'" + name + "' is no message; write: set " + name + " VALUE";
+        return "'" + name + "' is not a message; use: set " + name + " VALUE";
     }
     machine.BroadcastMessage(name.c_str());
     report.Message(tick, name);

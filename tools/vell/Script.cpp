@@ -105,7 +105,7 @@ std::string ReadTick(Words& words, Instruction& instruction)
     const auto [stop, error] = std::from_chars(count.data(), end, instruction.count);
     return error == std::errc() && stop == end
                ? ""
-               : "'" + count + "' is no number of ticks; write: tick [N]";
+               : "'" + count + "' is not a number of ticks; usage: tick [N]";
 }
 
 std::string ReadNameAndValue(Words& words, Instruction& instruction, const char* usage)
@@ -119,7 +119,7 @@ std::string ReadNameAndValue(Words& words, Instruction& instruction, const char*
             return "";
         }
     }
-    return std::string("a name and a value are missing; write: ") + usage;
+    return std::string("expected a name and a value; usage: ") + usage;
 }
 
 std::string ReadMessage(Words& words, Instruction& instruction)
@@ -133,7 +133,7 @@ std::string ReadMessage(Words& words, Instruction& instruction)
             return "";
         }
     }
-    return "one name is wanted; write: message NAME";
+    return "expected one name; usage: message NAME";
 }
 
 std::string ReadExpectation(Words& words, Instruction& instruction)
@@ -160,10 +160,9 @@ std::string ReadExpectation(Words& words, Instruction& instruction)
         const std::string answer = words.Rest();
         instruction.flag = answer == "yes";
         return answer == "yes" || answer == "no" ? ""
-                                                 : "write: expect blip yes, or: expect blip no";
+                                                 : "expected yes or no; usage: expect blip yes|no";
     }
-    return "nothing is known as '" + subject +
-           "' to expect; there are: expect stack, expect param, expect blip";
+    return "unknown expectation '" + subject + "'; expected stack, param or blip";
 }
 
 std::string ReadInstruction(Words& words, Instruction& instruction)
@@ -186,7 +185,7 @@ std::string ReadInstruction(Words& words, Instruction& instruction)
     {
         return ReadExpectation(words, instruction);
     }
-    return "'" + verb + "' is no instruction; there are: tick, set, message, expect";
+    return "unknown instruction '" + verb + "'; expected tick, set, message or expect";
 }
 
 } // namespace
@@ -228,7 +227,7 @@ Script ReadScriptFile(const std::string& path)
     if (!in)
     {
         Script script;
-        script.errors.push_back(path + ": cannot be read: " + std::strerror(errno));
+        script.errors.push_back(path + ": cannot read the file: " + std::strerror(errno));
         return script;
     }
     return ReadScript(in, path);
