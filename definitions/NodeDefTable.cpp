@@ -108,10 +108,11 @@ BaseDef* NodeDefTable::CreateNodeDef(const GenericValue& node, HSMAlloc* alloc)
         const int builder = DURMBaseLib::GetBuilderIndex(ReadText(node, JSON_BuilderType));
         const auto entry = Builders().find(static_cast<__DURM_BUILDERS__>(builder));
         ERROR_BREAK(entry != Builders().end());
-        BaseDef* def =
-            entry->second.create == nullptr ? nullptr : entry->second.create(node, alloc);
+        // A copy: a host's factory may delete another machine, which empties the registry.
+        const Builder registered = entry->second;
+        BaseDef* def = registered.create == nullptr ? nullptr : registered.create(node, alloc);
         ERROR_BREAK(def);
-        if (!entry->second.isStandard)
+        if (!registered.isStandard)
         {
             BaseDef::Internals::HandOut(*def);
         }

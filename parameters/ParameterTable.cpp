@@ -145,6 +145,7 @@ int ParameterTable::AddParameter(ParameterDef* def)
 
 void ParameterTable::Uninit()
 {
+    const unsigned int before = timesForgotten;
     ParameterMap::iterator next = idToParam.begin();
     try
     {
@@ -155,12 +156,20 @@ void ParameterTable::Uninit()
             {
                 def->Uninit();
             }
+            // The destructor of an action on it may have done all this already.
+            if (timesForgotten != before)
+            {
+                return;
+            }
         }
     }
     catch (...)
     {
         // A parameter threw: the next call goes on behind it.
-        ForgetUpTo(next);
+        if (timesForgotten == before)
+        {
+            ForgetUpTo(next);
+        }
         throw;
     }
     ForgetUpTo(idToParam.end());
@@ -187,6 +196,7 @@ void ParameterTable::CollectResetting()
 /// A run-time parameter may outlive the table.
 void ParameterTable::ForgetUpTo(ParameterMap::iterator end)
 {
+    ++timesForgotten;
     for (auto entry = idToParam.begin(); entry != end; ++entry)
     {
         if (entry->second != nullptr)

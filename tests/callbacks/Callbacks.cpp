@@ -78,6 +78,8 @@ const std::vector<Callback>& Callbacks()
         {"host state's ProcessTransitions", 1},
         {"host state's HandleInput", 1},
         {"host state's Exit", 1},
+        {"host condition's ParameterBind", 1},
+        {"host condition's Evaluate", 1},
         {"SetValue of a host's parameter", 1},
         {"OnBroadcastEvent of a host's parameter", 1},
         // Tables.

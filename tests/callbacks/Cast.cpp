@@ -318,6 +318,18 @@ int HostDef::InitKVTable()
     return BaseDef::InitKVTable();
 }
 
+bool HostCondition::Evaluate(HSM*)
+{
+    Reach("host condition's Evaluate", HandOf(this));
+    return false;
+}
+
+bool HostCondition::ParameterBind()
+{
+    Reach("host condition's ParameterBind", HandOf(this));
+    return true;
+}
+
 HostMachine::HostMachine(const char* documentText)
 {
     if (currentCast != nullptr && currentCast->machine == nullptr)
@@ -360,11 +372,18 @@ Cast::~Cast()
     SetWatcher(nullptr);
     SetLogCallBackBase(nullptr);
     currentCast = nullptr;
+    UninitOwn();
     // What an operation took off a list by a public field is the host's again.
     while (!LivingActions().empty())
     {
         delete *LivingActions().begin();
     }
+}
+
+void Cast::UninitOwn()
+{
+    condition.Uninit();
+    parameter.Uninit();
 }
 
 Cast* CurrentCast()

@@ -2,6 +2,9 @@
 // tests/callbacks/Cast.h: the host's classes, each of which tells when the library calls it.
 #pragma once
 
+#include <vell/ConditionDef.h>
+#include <vell/SubstateState.h>
+#include <vell/TransitionDef.h>
 #include <vell/vell.h>
 
 #include <set>
@@ -109,6 +112,14 @@ public:
     int InitKVTable() override;
 };
 
+/// A condition of the host's own class, which never holds.
+class HostCondition : public ConditionDef
+{
+public:
+    bool Evaluate(HSM* machine) override;
+    bool ParameterBind() override;
+};
+
 /// A machine whose protected operations and fields can be reached.
 class HostMachine : public HSM
 {
@@ -168,10 +179,14 @@ struct Cast
     Cast(const Cast&) = delete;
     Cast& operator=(const Cast&) = delete;
 
+    /// Uninitialises the host's own definitions, on which an operation may have put actions.
+    void UninitOwn();
+
     HostMachine* machine = nullptr; ///< null before it is built and after it is deleted
     HostListener listener;
     HostListener second;
     HostParameter parameter;
+    HostCondition condition;
     Action registered;
     Action further;
 };

@@ -118,24 +118,6 @@ void InitAttributes(BaseDef& def, const Hand& hand)
     (def.*&OpenDef::Init_Attribs)(NodeValue(hand, kIdle), &hand.machine->alloc);
 }
 
-// Each Init adds conditions to those that are there: so many that the list is moved.
-
-void InitTransition(BaseDef& def, const Hand& hand)
-{
-    for (int i = 0; i < 10; ++i)
-    {
-        def.Init(NodeValue(hand, kGo), &hand.machine->alloc);
-    }
-}
-
-void InitLost(IBaseDef& found, const Hand& hand)
-{
-    if (auto* def = dynamic_cast<BaseDef*>(&found))
-    {
-        InitTransition(*def, hand);
-    }
-}
-
 void LinkBehind(Action& action)
 {
     HostAction* added = NewAction();
@@ -196,14 +178,6 @@ std::vector<Operation> DefinitionOperations()
         {"def: = a plain one", VELL_ON_DEF(AssignPlain(def)), kLeaves},
         {"def: a copy", VELL_ON_DEF(CopyAway(def))},
         {"def: numChildren = 0", VELL_ON_DEF(def.*&OpenDef::numChildren = 0)},
-        {"transition: Init again", VELL_ON_TRANSITION(InitTransition(def, hand))},
-        {"transition: Init(null value)",
-         VELL_ON_TRANSITION(def.Init(GenericValue(), &hand.machine->alloc))},
-        {"transition: Uninit", VELL_ON_TRANSITION(def.Uninit())},
-        {"transition: SetID", VELL_ON_TRANSITION(def.SetID(902))},
-        {"transition: = a plain one", VELL_ON_TRANSITION(AssignPlain(def)), kLeaves},
-        {"condition's transition: Init again",
-         VELL_ON(IBaseDef, def, hand.machine->FindDef("Lost"), InitLost(def, hand))},
         {"other def: RegisterEnter", VELL_ON_OTHER_DEF(def.RegisterEnter(NewAction()))},
         {"other def: RegisterExecute", VELL_ON_OTHER_DEF(def.RegisterExecute(NewAction()))},
         {"other def: RemoveAction(first)", VELL_ON_OTHER_DEF(def.RemoveAction(def.GetActions()))},

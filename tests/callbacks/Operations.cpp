@@ -15,8 +15,8 @@ const std::vector<Operation>& Operations()
         std::vector<Operation> all;
         for (const std::vector<Operation>& part :
              {MachineOperations(), ProtectedMachineOperations(), StateOperations(),
-              DefinitionOperations(), ActionOperations(), ParameterOperations(),
-              AttributeOperations(), TableOperations()})
+              DefinitionOperations(), TransitionOperations(), ActionOperations(),
+              ParameterOperations(), AttributeOperations(), TableOperations()})
         {
             all.insert(all.end(), part.begin(), part.end());
         }
@@ -90,6 +90,22 @@ BaseDef* OtherDef(const Hand& hand)
 {
     auto* walk = dynamic_cast<BaseDef*>(hand.machine->FindDef(kWalk));
     return walk != OwnDef(hand) ? walk : dynamic_cast<BaseDef*>(hand.machine->FindDef(kIdle));
+}
+
+SubstateState* FindLevel(const Hand& hand)
+{
+    return dynamic_cast<SubstateState*>(hand.machine->FindState(kCombat));
+}
+
+TransitionDef* FindTransition(const Hand& hand, const char* name)
+{
+    return dynamic_cast<TransitionDef*>(hand.machine->FindDef(name));
+}
+
+ConditionDef* FindCondition(const Hand& hand)
+{
+    const TransitionDef* go = FindTransition(hand, "Go");
+    return go == nullptr || go->conditions.empty() ? nullptr : go->conditions.front();
 }
 
 ParameterDef* OwnParameter(const Hand& hand)

@@ -42,6 +42,7 @@ std::vector<Operation> MachineOperations();
 std::vector<Operation> ProtectedMachineOperations();
 std::vector<Operation> StateOperations();
 std::vector<Operation> DefinitionOperations();
+std::vector<Operation> TransitionOperations();
 std::vector<Operation> ActionOperations();
 std::vector<Operation> ParameterOperations();
 std::vector<Operation> AttributeOperations();
@@ -57,6 +58,11 @@ SMState* OtherState(const Hand& hand);
 BaseDef* OwnDef(const Hand& hand);
 /// A definition of a state that is not the own one.
 BaseDef* OtherDef(const Hand& hand);
+/// The state of the scene's one level.
+SubstateState* FindLevel(const Hand& hand);
+/// The transition `name`, and the first condition of "Go".
+TransitionDef* FindTransition(const Hand& hand, const char* name);
+ConditionDef* FindCondition(const Hand& hand);
 /// The callback's own parameter, or "cue".
 ParameterDef* OwnParameter(const Hand& hand);
 /// The parameter `name`.
@@ -93,8 +99,9 @@ const GenericValue& NodeValue(const Hand& hand, unsigned int id);
 #define VELL_ON_OTHER_STATE(...) VELL_ON(SMState, state, OtherState(hand), __VA_ARGS__)
 #define VELL_ON_DEF(...) VELL_ON(BaseDef, def, OwnDef(hand), __VA_ARGS__)
 #define VELL_ON_OTHER_DEF(...) VELL_ON(BaseDef, def, OtherDef(hand), __VA_ARGS__)
-#define VELL_ON_TRANSITION(...)                                                                    \
-    VELL_ON(BaseDef, def, dynamic_cast<BaseDef*>(hand.machine->FindDef(kGo)), __VA_ARGS__)
+#define VELL_ON_TRANSITION(...) VELL_ON(TransitionDef, def, FindTransition(hand, "Go"), __VA_ARGS__)
+#define VELL_ON_CONDITION(...) VELL_ON(ConditionDef, condition, FindCondition(hand), __VA_ARGS__)
+#define VELL_ON_LEVEL(...) VELL_ON(SubstateState, level, FindLevel(hand), __VA_ARGS__)
 #define VELL_ON_ACTION(...) VELL_ON(HostAction, action, hand.action, __VA_ARGS__)
 #define VELL_ON_PARAMETERS(...)                                                                    \
     VELL_ON(IParameterTable, table, hand.machine->GetParameterTable(), __VA_ARGS__)

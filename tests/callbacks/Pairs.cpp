@@ -98,11 +98,13 @@ void PlayPair(Cast* cast, std::size_t first, const Operation& operation, PairNot
     waiting.operation = &operation;
     waiting.note = note;
     RunSteps(*cast, first, Steps().size());
-    // What is put on while the machine goes is nobody's: its definition may be gone before.
-    const std::size_t actions = first < FirstStepOfTheEnd() ? LivingActions().size() : 0;
+    cast->UninitOwn();
+    const std::size_t actions = LivingActions().size();
     delete cast;
     const unsigned int tables = Tessel::GetOpenTableCount();
-    if (!operation.leaves && (actions != 0 || tables != 0))
+    // What is put on or created while the machine goes is nobody's: its place may be gone already.
+    const bool mayLeave = operation.leaves || first >= FirstStepOfTheEnd();
+    if (!mayLeave && (actions != 0 || tables != 0))
     {
         FailProcess(std::to_string(actions) + " actions and " + std::to_string(tables) +
                     " tables are left");

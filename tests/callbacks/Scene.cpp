@@ -207,6 +207,16 @@ void RemoveAction(Cast& cast)
     }
 }
 
+void AddCondition(Cast& cast)
+{
+    if (auto* go = dynamic_cast<TransitionDef*>(cast.machine->FindDef(kGo)))
+    {
+        cast.condition.parameterID = ParameterId("cue");
+        go->conditions.push_back(&cast.condition);
+        cast.machine->BindParamCond();
+    }
+}
+
 void AssignHooks(Cast& cast)
 {
     cast.machine->AssignTrigger("Go", &StateTrigger);
@@ -349,6 +359,7 @@ const std::vector<Step> kOpening = {
     {"put actions", &PutActions},
     {"put an action on a parameter", &PutParameterAction},
     {"remove an action", &RemoveAction},
+    {"add a condition", &AddCondition},
     {"assign hooks", &AssignHooks},
     {"assign default actions", &AssignDefaults},
     {"subscribe", &SubscribeListeners},

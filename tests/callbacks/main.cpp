@@ -11,7 +11,7 @@ namespace
 {
 
 /// Fewer mean that the scene has lost callbacks, or the operations what they are run on.
-constexpr std::size_t kLeastFired = 1;
+constexpr std::size_t kLeastFired = 25000;
 
 int Usage()
 {

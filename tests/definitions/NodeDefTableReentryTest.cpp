@@ -21,6 +21,7 @@ class CallingDef : public BaseDef
 public:
     static BaseDef* Create(const GenericValue&, HSMAlloc* alloc)
     {
+        RunOnce(onCreate);
         return alloc->New<CallingDef>();
     }
     const char* GetName() override
@@ -40,6 +41,7 @@ public:
         BaseDef::Uninit();
     }
 
+    static inline std::function<void()> onCreate;
     static inline std::function<void()> onName;
     static inline std::function<void()> onFlags;
     static inline std::function<void()> onUninit;
@@ -104,6 +106,14 @@ TEST_F(NodeDefTableReentry, EndsAnUninitInsideOfWhichAnotherOneRan)
 
     EXPECT_EQ(CallingDef::uninits, 2);
     EXPECT_TRUE(table->nodes.empty());
+}
+
+TEST_F(NodeDefTableReentry, BuildsANodeWhoseFactoryEmptiedTheRegistry)
+{
+    CallingDef::onCreate = &NodeDefTable::ClearBuilders;
+
+    EXPECT_NE(Build(Node(kHostBuilder, "Lens", 20)), nullptr);
+    EXPECT_EQ(Build(Node(kHostBuilder, "Lens", 21)), nullptr);
 }
 
 TEST_F(NodeDefTableReentry, WalksOverNodesThatWereFiledMeanwhile)
