@@ -15,6 +15,7 @@ namespace vell
 /// there is no room.
 inline char* AllocText(HSMAlloc& alloc, std::size_t length)
 {
+    // Required: one byte for the terminator would do. A host sees two in `used`.
     return length > UINT_MAX - 2
                ? nullptr
                : static_cast<char*>(alloc.AllocRaw(static_cast<unsigned int>(length) + 2u));

@@ -49,8 +49,10 @@ VELL_COLD void LogErrorAssert(int line, const char* function);
 } // namespace vell
 
 // Required: a failing `expr` is evaluated again for the line, so a call in it runs twice, with all
-// its effects, and its own lines come out before this one; the value shown is that of the second
-// run. Hosts count such calls. Do not store the first result here.
+// its effects, and its own lines come out before this one. Hosts count such calls. Do not store the
+// first result here.
+// Required: the line shows the value of the second run, and the step fails even when that run
+// succeeds.
 #define ERROR_BREAK(expr)                                                                          \
     if (!(expr))                                                                                   \
     {                                                                                              \
@@ -67,6 +69,7 @@ VELL_COLD void LogErrorAssert(int line, const char* function);
     }                                                                                              \
     static_assert(true, "a semicolon follows")
 
+// Required: unlike ERROR_BREAK, this evaluates `expr` once and its line shows no value.
 #define ASSERT_BREAK(expr)                                                                         \
     if (!(expr))                                                                                   \
     {                                                                                              \
@@ -83,6 +86,7 @@ VELL_COLD void LogErrorAssert(int line, const char* function);
     }                                                                                              \
     static_assert(true, "a semicolon follows")
 
+// Required: the line is all that happens; the function continues with what failed the test.
 #define ERROR_ASSERT(expr)                                                                         \
     if (!(expr))                                                                                   \
     {                                                                                              \

@@ -42,6 +42,9 @@ void HSMAlloc::Release()
             entry.duty = entry.object == nullptr ? nullptr : TableDuty();
         }
     }
+    // Required: no destructor of an object in the block runs, neither here nor when the arena is
+    // destroyed.
+    // Required: `tracked` keeps its entries, although their objects are gone.
     used = 0;
     capacity = 0;
     std::free(block);

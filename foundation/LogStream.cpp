@@ -112,6 +112,8 @@ void LineBuffer::Grow(std::size_t count)
     capacity = larger;
 }
 
+// Required: each line has a buffer of its own. A line that is written while this one is being built
+// comes out first.
 LogStream::LogStream(int lineLevel)
     : buffers(threadBuffers != nullptr ? threadBuffers : MakeThreadBuffers()),
       text(buffers != nullptr ? buffers->Take() : new LineBuffer),
@@ -166,6 +168,7 @@ void LogStream::Flush()
     end[0] = '\n';
     end[1] = '\0';
     text->AppendUpTo(end + 1);
+    // Required: standard error gets the line even when a host has set a callback.
     WriteToStandardError(text->Characters(), text->Size());
     LogImpl(level, text->Characters());
 }

@@ -117,6 +117,7 @@ public:
         text->Append(value.data(), value.size());
         return *this;
     }
+    // Required: a null text leaves a gap, and the line continues.
     LogStream& operator<<(const char* value)
     {
         if (value != nullptr)

@@ -155,6 +155,7 @@ private:
     unsigned int PaddingFor(std::size_t alignment) const
     {
 #if !defined(VELL_ARENA_ROUNDING)
+        // Required: an object directly follows a raw allocation, so it may be misaligned.
         if (alignment <= 8)
         {
             return 0;
@@ -219,6 +220,7 @@ T* HSMAlloc::New()
         link.arena = this;
         link.entry = room.Entry();
     }
+    // Required: an entry of an earlier block for the same address keeps its size.
     tracked.emplace_hint(tracked.end(), object, kSize);
     return object;
 }
