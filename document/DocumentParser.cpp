@@ -30,6 +30,8 @@ std::string ReadWholeFile(const char* path)
     };
     std::string text;
     const std::unique_ptr<std::FILE, Close> file(std::fopen(path, "rb"));
+    // Required: a file that cannot be opened is parsed as an empty text, so the log reports an
+    // empty document, with the code 1.
     if (file == nullptr)
     {
         return text;

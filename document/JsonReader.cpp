@@ -306,6 +306,8 @@ unsigned int ReadUInt(const GenericValue& value)
     else if (value.IsDouble())
     {
         const double number = value.GetDouble();
+        // Required: a real number gives the low 32 bits of its double, not its integer part. 5.0
+        // reads as 0.
         std::memcpy(&bits, &number, sizeof(bits));
     }
     return static_cast<unsigned int>(bits & 0xffffffffu);
