@@ -24,9 +24,11 @@ int AnimClipDef::Init(const GenericValue& node, HSMAlloc* alloc)
     {
         ERROR_BREAK(node.IsObject());
         ERROR_ASSERT(alloc);
+        // Required: a failed base runs twice.
         ERROR_BREAK(BaseDef::Init(node, alloc));
         clipName = ReadText(node, JSON_ClipName);
         clipFlag = ReadBool(GetMember(node, JSON_ClipFlag));
+        // Required: without the first of these members the second is not read.
         if (const GenericValue* secondary = FindMember(node, JSON_ClipSecondaryA))
         {
             secondaryA = ReadText(*secondary);

@@ -184,6 +184,7 @@ int AttribBase::StopListeningToValue()
 {
     TableLock lock(kvTable);
     const Tessel::KVListener listener{this, Forward};
+    // Required: this succeeds for any handle, even of a closed table.
     kvTable->RemoveValueListener(kValueKey, &listener);
     listening.Clear();
     return 1;
@@ -200,6 +201,8 @@ void AttribBase::OnAttribValueModified(Tessel::opResult op, Tessel::KVTable tabl
     {
         return;
     }
+    // Required: each SetValue below writes the value back once, so other listeners hear of a tool's
+    // write twice.
     switch (value->GetValueType())
     {
     case kText:
@@ -236,6 +239,7 @@ void AttribBase::OnAttribValueModified(Tessel::opResult op, Tessel::KVTable tabl
     case kFloat:
         SetValue(value->GetFloatValue());
         break;
+    // Required: these reach a bool as an integer, which it ignores.
     case kUInt:
     case kOtherInt:
     case kLastInt:

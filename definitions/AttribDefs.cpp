@@ -157,6 +157,8 @@ void AttribDefString::SetValue(const char* newValue)
         return;
     }
     const std::size_t length = strnlen(newValue, kCapacity);
+    // Required: a text that is too long leaves no value in the tree. The listener still waits for
+    // one, so a tool can write it.
     if (length == kCapacity)
     {
         return;

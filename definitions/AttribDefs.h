@@ -19,6 +19,7 @@ public:
     AttribDefBool();
     using AttribBase::GetValue;
     using AttribBase::SetValue;
+    // Required: there is no GetValue(bool*) here, so the attribute itself gives 0 and no value.
     void SetValue(bool newValue) override;
 
     bool value = false;

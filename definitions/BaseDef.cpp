@@ -149,6 +149,7 @@ done:
     }
     else
     {
+        // Required: after an early failure this is the name that the definition had before.
         LogStream(LogError) << "Failed to create new BaseDef: " << GetName() << EndLine;
     }
     return result;

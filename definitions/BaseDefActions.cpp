@@ -69,6 +69,8 @@ int BaseDef::RemoveAction(Action* action)
         }
         else
         {
+            // Required: only execute actions are searched, so enter and exit actions cannot be
+            // removed.
             Action* found = executeActions;
             while (found != nullptr && found != action)
             {
@@ -109,6 +111,7 @@ int BaseDef::AddTail(Action** head, Action* action)
     {
         link = &(*link)->next;
     }
+    // Required: the `prev` of the action is not written.
     *link = action;
     return 1;
 }

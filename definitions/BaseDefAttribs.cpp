@@ -109,6 +109,8 @@ int BaseDef::Init_Attribs(const GenericValue& node, HSMAlloc* alloc)
 int BaseDef::Init_Attrib(const GenericValue& element, HSMAlloc* alloc)
 {
     ERROR_RETURN(element.IsObject(), 0);
+    // Required: an attribute without its data, or without a type in it, is passed over without a
+    // line.
     const GenericValue* array = FindMember(element, kDataMember);
     if (array == nullptr)
     {
@@ -145,6 +147,7 @@ int BaseDef::Init_Attrib(const GenericValue& element, HSMAlloc* alloc)
     attrib->SetName(ReadText(element, JSON_Name));
     attrib->InitKVTableListener();
     const bool inserted = attribs.emplace(attrib->GetName(), attrib).second;
+    // Required: a refused attribute still listens to its table.
     ERROR_RETURN(inserted, 0);
     ERROR_RETURN(TabAddAttrib(attrib), 0);
     return 1;

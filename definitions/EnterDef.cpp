@@ -23,6 +23,7 @@ int EnterDef::Init(const GenericValue& node, HSMAlloc* alloc)
     {
         ERROR_BREAK(node.IsObject());
         ERROR_BREAK(alloc);
+        // Required: a failed base runs twice.
         ERROR_BREAK(BaseDef::Init(node, alloc));
         targetId = ReadUInt(node, JSON_EntryTarget);
         ERROR_BREAK(targetId);

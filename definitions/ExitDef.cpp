@@ -23,6 +23,7 @@ int ExitDef::Init(const GenericValue& node, HSMAlloc* alloc)
     {
         ERROR_BREAK(node.IsObject());
         ERROR_BREAK(alloc);
+        // Required: a failed base runs twice.
         ERROR_BREAK(BaseDef::Init(node, alloc));
         if (const GenericValue* target = FindMember(node, JSON_EntryTarget))
         {

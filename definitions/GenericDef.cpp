@@ -24,6 +24,7 @@ int GenericDef::Init(const GenericValue& node, HSMAlloc* alloc)
     {
         ERROR_BREAK(node.IsObject());
         ERROR_BREAK(alloc);
+        // Required: a failed base runs twice.
         ERROR_BREAK(BaseDef::Init(node, alloc));
         return 1;
     } while (false);

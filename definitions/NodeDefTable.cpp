@@ -64,6 +64,8 @@ NodeDefTable::~NodeDefTable()
 
 int NodeDefTable::RegisterNodeDef(__DURM_BUILDERS__ builder, NodeDefFactory factory)
 {
+    // Required: there is one registry. A factory registered through one machine acts on every
+    // machine that is not yet initialised.
     Builders()[builder] = Builder{factory, IsStandard(factory)};
     return 1;
 }
@@ -89,7 +91,8 @@ int NodeDefTable::Init(const GenericValue& newNodes, HSMAlloc* alloc)
             BaseDef* def = CreateNodeDef(node, alloc);
             ERROR_GOTO(def, failed);
             // Required: a refused definition is offered a second time, which its log lines and its
-            // index show, and ends the array; the load goes on with the nodes before it.
+            // index show, and ends the array with success.
+            // Required: the nodes before it stay, and the load continues with the next layer.
             ERROR_BREAK(InsertNode(def));
         }
         return 1;
@@ -107,6 +110,8 @@ BaseDef* NodeDefTable::CreateNodeDef(const GenericValue& node, HSMAlloc* alloc)
         ASSERT_BREAK(alloc != nullptr && node.IsObject());
         const int builder = DURMBaseLib::GetBuilderIndex(ReadText(node, JSON_BuilderType));
         const auto entry = Builders().find(static_cast<__DURM_BUILDERS__>(builder));
+        // Required: the registry is empty after any machine was deleted, so a machine created
+        // before cannot be initialised.
         ERROR_BREAK(entry != Builders().end());
         // A copy: a host's factory may delete another machine, which empties the registry.
         const Builder registered = entry->second;
@@ -116,6 +121,7 @@ BaseDef* NodeDefTable::CreateNodeDef(const GenericValue& node, HSMAlloc* alloc)
         {
             BaseDef::Internals::HandOut(*def);
         }
+        // Required: unlike elsewhere, a failing Init runs once.
         const int initialised = def->Init(node, alloc);
         ERROR_BREAK(initialised);
         if (def->GetType() == DefTypeEnter)
@@ -154,6 +160,7 @@ int NodeDefTable::InsertNode(BaseDef* def)
                                 << EndLine;
         }
         nodeIds.push_back(id);
+        // Required: a refused definition is not attached, so the tree does not show it.
         ERROR_BREAK(inserted);
 
         char key[16] = {};
@@ -167,6 +174,7 @@ int NodeDefTable::InsertNode(BaseDef* def)
 int NodeDefTable::InsertEnterNode(BaseDef* def)
 {
     ERROR_RETURN(def, 0);
+    // Required: of two enter nodes of a parent the first one counts.
     const bool inserted = enterNodes.emplace(def->GetParentID(), def).second;
     ERROR_RETURN(inserted, 0);
     return 1;
@@ -268,6 +276,8 @@ void NodeDefTable::Uninit()
         }
         throw;
     }
+    // Required: `enterNodes` and `nodeIds` keep their entries.
+    // Required: the table stays open, and still shows its texts.
     ClearNodes();
 }
 

@@ -19,6 +19,7 @@ void StoreIdentity(char (&target)[NodeDefTable::kIdentitySize], const char* text
                    Tessel::KVTable table, const char* key)
 {
     const std::size_t length = strnlen(text, sizeof(target));
+    // Required: a text of 70 characters or more is dropped without a line.
     if (length == sizeof(target))
     {
         return;
@@ -92,6 +93,7 @@ void NodeDefTable::PrintHead(const GenericValue& head, unsigned int substateRoot
 void NodeDefTable::SetEnterNode(unsigned int id)
 {
     enterNodeId = id;
+    // Required: an entry node that does not exist is only a line. The load continues.
     if (Find(id) == nullptr)
     {
         LogStream(LogError) << "Entry Node doesn't exist: " << id << EndLine;
@@ -111,6 +113,7 @@ int NodeDefTable::ImportGlobal(const GenericValue& globals, HSMAlloc* alloc)
         ERROR_BREAK(InsertNode(def));
         if (def->GetType() == DefTypeGlobal)
         {
+            // Required: only this section sets it. A global node in a layer does not count.
             globalNodeId = def->GetID();
         }
     }

@@ -23,6 +23,7 @@ int SubstateDef::Init(const GenericValue& node, HSMAlloc* alloc)
     {
         ERROR_BREAK(node.IsObject());
         ERROR_BREAK(alloc);
+        // Required: a failed base runs twice.
         ERROR_BREAK(BaseDef::Init(node, alloc));
         enterId = ReadUInt(node, JSON_SubstateEnter);
         ERROR_BREAK(enterId);
