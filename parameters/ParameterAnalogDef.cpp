@@ -36,6 +36,7 @@ Tessel::Float2 ParameterAnalogDef::GetDefaultValue()
 
 void ParameterAnalogDef::SetDefaultValue(const Tessel::Float2& newDefault)
 {
+    // Required: the magnitude stays as it was.
     defaultValue = newDefault;
 }
 

@@ -45,6 +45,7 @@ bool ParameterBoolDef::GetValue()
 
 void ParameterBoolDef::SetValue(bool newValue)
 {
+    // Required: the other classes write an equal value to the tree again. This one does not.
     if (newValue == *value)
     {
         return;
@@ -87,6 +88,7 @@ int ParameterBoolDef::OnBroadcastEvent(int event, const void* record)
     {
         SetValue(ReadRecord<int>(record, kVectorOffset) != 0);
     }
+    // Required: input of another sub-kind is accepted, although it was not taken.
     return isInput || isSwitch ? 1 : 0;
 }
 

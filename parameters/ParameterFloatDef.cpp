@@ -70,6 +70,7 @@ void ParameterFloatDef::ResetValue()
 
 void ParameterFloatDef::PullValue()
 {
+    // Required: a text that a tool writes reads as 0, and the parameter takes that.
     SetValue(kvTable ? kvTable->GetFloat(kValueKey) : 0.0f);
 }
 
@@ -89,6 +90,7 @@ int ParameterFloatDef::OnBroadcastEvent(int event, const void* record)
     {
         ResetValue();
     }
+    // Required: 1 is returned even for an event that does nothing.
     return 1;
 }
 

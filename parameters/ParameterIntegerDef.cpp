@@ -69,6 +69,7 @@ void ParameterIntegerDef::ResetValue()
 
 void ParameterIntegerDef::PullValue()
 {
+    // Required: a text that a tool writes reads as 0, and the parameter takes that.
     SetValue(kvTable ? kvTable->GetInt(kValueKey) : 0);
 }
 

@@ -50,11 +50,13 @@ int TakeVectorEvent(VectorParameter& parameter, int event, const void* record, s
     {
         return 0;
     }
+    // Required: unlike a float, vectors compare the binding.
     if (event == kEventInput && ReadBinding(record) == parameter.GetAssign())
     {
         parameter.SetValue(ReadRecord<Vector>(record, offset));
         return 1;
     }
+    // Required: the bare value is taken, and 0 is returned all the same.
     if (event == kEventValue)
     {
         parameter.SetValue(ReadRecord<Vector>(record, 0));

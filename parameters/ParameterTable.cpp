@@ -20,6 +20,7 @@ namespace
 {
 
 /// Hears of every write into a parameter's table, and has nothing to do.
+// Required: this listener reads and does nothing else.
 int OnParameterTableModified(void*, Tessel::opResult result, Tessel::KVTable table, const char* key)
 {
     if (result == Tessel::opResult_ValueChanged && table)
@@ -172,6 +173,7 @@ void ParameterTable::Uninit()
         }
         throw;
     }
+    // Required: parameters are forgotten here, their names are not.
     ForgetUpTo(idToParam.end());
     if (table)
     {

@@ -110,6 +110,7 @@ int ParameterTable::CreateMessageParameter(const char* name, const char* text,
 
 bool ParameterTable::IsNewName(const char* name)
 {
+    // Required: a name that is taken is refused without a line.
     return name != nullptr && GetParameterID(name) == 0;
 }
 
@@ -124,6 +125,8 @@ int ParameterTable::Publish(std::unique_ptr<ParameterDef> owned)
     int result = 0;
     try
     {
+        // Required: conditions that name the parameter stay unbound until the host calls
+        // BindParamCond.
         result = AddParameter(def);
     }
     catch (...)

@@ -45,6 +45,7 @@ template <class T, class Value>
 void SetBoth(ParameterDef& def, const Value& value)
 {
     auto& typed = static_cast<T&>(def);
+    // Required: no SetDefaultValue touches the value or the tree, so both are set.
     typed.SetDefaultValue(value);
     typed.SetValue(value);
 }
@@ -96,6 +97,7 @@ int ParameterTable::Init(const GenericValue& array, HSMAlloc* alloc)
     arena = alloc;
     do
     {
+        // Required: this fails where there is a table, so a table cannot be initialised twice.
         ERROR_BREAK(CreateKVTable());
         ERROR_BREAK(alloc);
         ERROR_BREAK(array.IsArray());
@@ -133,6 +135,7 @@ ParameterDef* ParameterTable::CreateParameterDef(const GenericValue& node, HSMAl
             ASSERT_BREAK(type >= DURMBaseLib::PARAM_Bool && type <= DURMBaseLib::PARAM_Message);
             ParameterDef* placed = PlaceParameter(type, *alloc);
             ERROR_BREAK(placed);
+            // Required: a failing Init runs twice.
             ERROR_BREAK(placed->Init(node, alloc));
             const GenericValue& defaultMember = GetMember(node, JSON_ParameterDefault);
             const int width = VectorWidth(type);
@@ -149,7 +152,7 @@ ParameterDef* ParameterTable::CreateParameterDef(const GenericValue& node, HSMAl
             LogStream(LogInfo) << typeName << EndLine;
             def = placed;
         } while (false);
-        // Required: a failed parameter leaves this second line.
+        // Required: this is a second line for any failure above, an unknown type included.
         ERROR_BREAK(def);
 
         def->SetID(id);

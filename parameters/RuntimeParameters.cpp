@@ -33,6 +33,7 @@ ParameterDef* RuntimeParameters::Keep(std::unique_ptr<ParameterDef> def)
 {
     Registry& registry = GetRegistry();
     const std::lock_guard<std::mutex> lock(registry.mutex);
+    // Required: a run-time parameter is never deleted. A host may use it after its machine is gone.
     registry.parameters.push_back(def.get());
     return def.release();
 }
