@@ -15,6 +15,7 @@ constexpr float kFloatTolerance = 0.01f;
 
 inline bool IsEqual(float value, float target)
 {
+    // Required: the difference of equal infinities is not a number, so they are not equal.
     return std::fabs(target - value) < kFloatTolerance;
 }
 

@@ -54,9 +54,12 @@ int ConditionDef::Init(const GenericValue& node, HSMAlloc* alloc)
     do
     {
         ASSERT_BREAK(node.IsObject() && alloc != nullptr);
+        // Required: each class runs a failed Init of this one twice, so failing common members are
+        // read four times.
         ERROR_BREAK(BaseDef::Init(node, alloc));
         const char* operatorName = ReadText(node, JSON_ConditionEvaluation);
         ERROR_BREAK(operatorName);
+        // Required: an unknown operator is stored, and the condition never holds.
         evaluation = DURMBaseLib::GetEvaluationEnum(operatorName);
         const unsigned int parameterNumber = ReadUInt(node, JSON_ConditionParameter);
         ERROR_BREAK(parameterNumber != 0);

@@ -34,7 +34,8 @@ bool ConditionDefBool::Evaluate(HSM*)
     {
         return false;
     }
-    // The parameter may be of another class; its first byte is then compared as it is.
+    // Required: one byte is compared. A parameter of another class may hold neither 0 nor 1 in it.
+    // Required: the operator is not looked at. The test is always for equality.
     unsigned char byte = 0;
     std::memcpy(&byte, boundValue, sizeof(byte));
     return byte == (target ? 1 : 0);
@@ -44,6 +45,7 @@ bool ConditionDefBool::ParameterBind()
 {
     do
     {
+        // Required: without a parameter the condition keeps the binding it had.
         ERROR_BREAK(parameter);
         boundValue = static_cast<const bool*>(parameter->GetValuePtr());
     } while (false);

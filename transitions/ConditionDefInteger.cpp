@@ -47,7 +47,8 @@ bool ConditionDefInteger::Evaluate(HSM*)
     {
         return false;
     }
-    // The parameter may be of another class; its first bytes are then compared as they are.
+    // Required: the parameter may be of another class; its first bytes are then compared as they
+    // are.
     int value;
     std::memcpy(&value, boundValue, sizeof(value));
     return Compare(evaluation, value, target, rangeHigh);
@@ -57,6 +58,7 @@ bool ConditionDefInteger::ParameterBind()
 {
     do
     {
+        // Required: without a parameter the condition keeps the binding it had.
         ERROR_BREAK(parameter);
         boundValue = static_cast<const int*>(parameter->GetValuePtr());
     } while (false);

@@ -32,12 +32,15 @@ int ConditionDefMessage::Init(const GenericValue& node, HSMAlloc* alloc)
     return 1;
 }
 
+// Required: unlike the other classes, this one keeps its binding.
 void ConditionDefMessage::Uninit()
 {
 }
 
 bool ConditionDefMessage::Evaluate(HSM*)
 {
+    // Required: the operator is not looked at. The test is always for equality, up to the first
+    // null character.
     // There is no target after an Init that found no room for it.
     return boundValue != nullptr && target != nullptr &&
            std::strcmp(boundValue->c_str(), target) == 0;
@@ -47,6 +50,7 @@ bool ConditionDefMessage::ParameterBind()
 {
     do
     {
+        // Required: without a parameter the condition keeps the binding it had.
         ERROR_BREAK(parameter);
         // A parameter of another class holds no text: the condition then stays unbound.
         const bool isMessage = dynamic_cast<ParameterMessageDef*>(parameter) != nullptr;

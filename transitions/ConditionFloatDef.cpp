@@ -46,7 +46,8 @@ bool ConditionFloatDef::Evaluate(HSM*)
     {
         return false;
     }
-    // The parameter may be of another class; its first bytes are then compared as they are.
+    // Required: the parameter may be of another class; its first bytes are then compared as they
+    // are.
     float value;
     std::memcpy(&value, boundValue, sizeof(value));
     return Compare(evaluation, value, target, rangeHigh);
@@ -54,7 +55,8 @@ bool ConditionFloatDef::Evaluate(HSM*)
 
 bool ConditionFloatDef::ParameterBind()
 {
-    // Required: the one class that does not report a missing parameter here.
+    // Required: this is the one class that does not report a missing parameter here.
+    // Required: without a parameter the condition keeps the binding it had.
     if (parameter != nullptr)
     {
         boundValue = static_cast<const float*>(parameter->GetValuePtr());

@@ -42,11 +42,14 @@ int TransitionDef::Init(const GenericValue& node, HSMAlloc* alloc)
         parentId = ReadUInt(members.Get(JSON_TransitionSource));
         const GenericValue* tagMember = members.Find(JSON_TransitionTag);
         tag = tagMember == nullptr ? 0 : ReadInt(*tagMember);
+        // Required: without `tag` the member `tagArgument` is not read.
         tagArgument = tagMember == nullptr ? 0 : ReadInt(members.Get(JSON_TransitionTagArgument));
         const GenericValue* priorityMember = members.Find(JSON_TransitionPriority);
         priority = priorityMember == nullptr ? 5 : ReadInt(*priorityMember);
         // Required: this undoes the disabling above. A transition whose conditions failed stays in
-        // force with those made before the failure, and with its triggers.
+        // force with those created before the bad one, and with its triggers.
+        // Required: one without conditions stays in force too, although the line says that it is
+        // ignored.
         disabled = ReadBool(members.Get(JSON_TransitionDisabled));
         switchArgument = ReadFloat(members.Get(JSON_TransitionSwitchArgument));
         return 1;
@@ -89,6 +92,7 @@ failed:
 int TransitionDef::RegisterCondition(Trigger trigger)
 {
     ERROR_RETURN(trigger != nullptr, 0);
+    // Required: a trigger that is registered twice is called twice.
     triggers.push_back(trigger);
     Internals::CountChange(*this);
     return 1;
@@ -97,6 +101,7 @@ int TransitionDef::RegisterCondition(Trigger trigger)
 int TransitionDef::HandleConditions(HSM* hsm)
 {
     int result = 0;
+    // Required: one condition that holds is enough.
     // By index, as the triggers: a host's condition may change the list.
     for (std::size_t i = 0; i < conditions.size(); ++i)
     {
@@ -107,10 +112,12 @@ int TransitionDef::HandleConditions(HSM* hsm)
             break;
         }
     }
-    // Required: triggers run even when a condition has settled the answer, and receive no state.
+    // Required: triggers run even when a condition has settled the answer.
     for (std::size_t i = 0; i < triggers.size(); ++i)
     {
+        // Required: a null trigger ends the walk with the result so far.
         ERROR_BREAK(triggers[i] != nullptr);
+        // Required: the first trigger that returns true keeps the others from running.
         if (CallTrigger(triggers[i], hsm))
         {
             return 1;
