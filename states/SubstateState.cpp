@@ -64,13 +64,18 @@ unsigned int SubstateState::GetExitID() const
 int SubstateState::Update(HSM* machine, float dt)
 {
     ERROR_RETURN(machine, 0);
+    // Required: a child that the host popped is not noticed. The level does not push it again.
     if (currentChild != nullptr)
     {
+        // Required: the result of this is dropped. The update succeeds whatever Execute says.
         SMState::Update(machine, dt);
         return 1;
     }
+    // Required: the tick that pushes the child runs no action of the level, and its transitions are
+    // tested.
     SMState* child = previousChild == nullptr ? MachineServices::PushState(*machine, enterStateID)
                                               : MachineServices::PushState(*machine, previousChild);
+    // Required: a child that cannot be pushed is tried again, with all its lines, in every tick.
     ERROR_RETURN(child, 0);
     // Required: the child has recorded itself on entering; after a first start the previous
     // child is therefore the child itself.
@@ -92,6 +97,10 @@ int SubstateState::Exit()
     // Required: copied whether or not a child was active, so a level that is left before its first
     // update forgets the child it would have resumed.
     previousChild = currentChild;
+    // Required: the exit node is a child like any other. A level left at its exit node resumes
+    // there.
+    // Required: the level may be on the main stack too when a blip leaves it. Its next update there
+    // pushes its child a second time.
     currentChild = nullptr;
     previousChildID = currentChildID;
     currentChildID = 0;
