@@ -13,6 +13,7 @@ namespace vell
 
 IHSM* CreateHSM(const char* filePath, const char* auxiliaryName)
 {
+    // Required: a machine is returned even when the document cannot be read. Its Init then fails.
     return new HSM(filePath, auxiliaryName);
 }
 

@@ -25,6 +25,8 @@ HSM::HSM() : machineType(kDefaultMachineType), internals(std::make_unique<Intern
 HSM::HSM(const char* path, const char* auxiliary)
     : filePath(path), auxiliaryName(auxiliary), internals(std::make_unique<Internals>())
 {
+    // Required: this call reaches no override, since the subclass is not constructed yet. A
+    // subclass's RegisterBuilders does not run in the constructors that load a document.
     HSM::Create();
 }
 
@@ -36,8 +38,11 @@ HSM::HSM(const char* text)
 
 HSM::~HSM()
 {
+    // Required: the registry of states serves the whole process. Deleting any machine empties it
+    // for all of them.
     HSM::UnRegisterBuilders();
-    // Required: both registries serve the whole process, and deleting any machine empties them.
+    // Required: the registry of definitions serves the whole process too, and deleting any machine
+    // empties it as well.
     NodeDefTable::ClearBuilders();
     HSM::DestroyKVTable();
 }
@@ -47,8 +52,11 @@ void HSM::Start()
     currentStack = &stateStack;
     if (nodeDefTable != nullptr && globalState == nullptr)
     {
+        // Required: without a global node the id is 0, and the line of a failed activation is
+        // written.
         globalState = ActivateState(nodeDefTable->globalNodeId, 0.0f);
     }
+    // Required: a second Start pushes the start state again, on top of what is there.
     PushState(startStateID);
 }
 
@@ -74,6 +82,8 @@ int HSM::Uninit()
         }
         step = UninitStep::Nodes;
     }
+    // Required: the pointers, states and stacks keep their values, although what they lead to is
+    // gone.
     alloc.Release();
     DestroyKVTable();
     return 1;
@@ -81,6 +91,8 @@ int HSM::Uninit()
 
 int HSM::Destroy()
 {
+    // Required: this empties the registry of states for all machines of the process.
+    // Required: nothing is freed here. The memory goes with the machine.
     UnRegisterBuilders();
     return 1;
 }

@@ -33,23 +33,32 @@ SMState* HSM::ActivateState(unsigned int id, float switchArgument)
             BaseDef* def = nodeDefTable->Find(id);
             ERROR_BREAK(def);
             const StateFactory factory = FindStateBuilder(def->GetBuilderType());
+            // Required: a connector has no factory and is not followed. A transition to one leaves
+            // the stack short.
             ERROR_BREAK(factory != nullptr);
             state = factory(id, &alloc);
             ERROR_BREAK(state);
             state->SetHSM(this);
-            // Required: a failing Init runs a second time.
+            // Required: a failing Init runs a second time, and the room of the state in the arena
+            // is lost.
             ERROR_BREAK(state->Init(def));
             ActivateTransitions(state);
             const bool inserted = states.emplace(id, state).second;
             ERROR_BREAK(inserted);
             // Required: looked up once. A state that is activated before its substate has no parent
             // for good.
+            // Required: the state is in `states` by now, so a level that names itself as its parent
+            // becomes its own child.
             state->SetParent(dynamic_cast<SubstateState*>(FindState(state->GetParentID())));
             internals->idle.Follow(*state, alloc);
         }
         BaseDef* def = state->GetDef();
+        // Required: every activation writes this line and calls the callback, even of a state that
+        // was there.
         LogStream(LogInfo) << "Activated State: " << (def == nullptr ? nullptr : def->GetName())
                            << " (" << id << ")" << EndLine;
+        // Required: the callback comes for the global state too, with no state left.
+        // Required: the state left is the last one a transition left, however long ago.
         if (stateSwitchCallback != nullptr)
         {
             stateSwitchCallback(this, previousState, state, switchArgument);
@@ -97,13 +106,14 @@ SMState* HSM::FindState(unsigned int id)
 
 Action* HSM::ChangeState(unsigned int id)
 {
-    // Required: the state is left twice and its successor entered twice.
+    // Required: the state is left twice and its successor entered twice, and null is returned.
     if (SMState* current = GetCurrentState())
     {
         current->Exit();
         previousState = PopState();
     }
     SMState* state = ActivateState(id, 0.0f);
+    // Required: the old state is gone by now, so an unknown id leaves the stack one shorter.
     if (state == nullptr)
     {
         return nullptr;

@@ -29,6 +29,7 @@ StateBuilderMap& StateBuilders()
 
 void StoreStateBuilder(__DURM_BUILDERS__ builder, StateFactory factory)
 {
+    // Required: the factory replaces the one before for all machines of the process.
     StateBuilders()[builder] = factory;
 }
 

@@ -46,6 +46,7 @@ unsigned int GetIdAt(Tessel::KVTable array, unsigned int index)
 int HSM::SetContextInfo(const Tessel::KVTable& context)
 {
     const Suspension suspension(applyingContext);
+    // Required: the blip, the active stack and the parameters stay as they are.
     ERROR_RETURN(SetContextInfo_StackStates(GetChild(context, kMainStackKey)), 0);
     ERROR_RETURN(SetContextInfo_StackBlip(GetChild(context, kBlipStackKey)), 0);
     ERROR_RETURN(SetContextInfo_StateSwitching(context), 0);
@@ -54,13 +55,17 @@ int HSM::SetContextInfo(const Tessel::KVTable& context)
 
 int HSM::SetContextInfo_StackStates(const Tessel::KVTable& table)
 {
+    // Required: the machine's own array in the tree stays as it was. A later pop removes the last
+    // element of that stale array.
     stateStack.clear();
     const unsigned int count = table ? table->GetCount() : 0;
     for (unsigned int i = 0; i < count; ++i)
     {
+        // Required: the state-switch callback is called for each state.
         SMState* state = ActivateState(GetIdAt(table, i), 0.0f);
         // Required: an unknown id ends the restore, and only the log shows it.
         ERROR_BREAK(state);
+        // Required: no state is left, and none is entered.
         stateStack.push_back(state);
     }
     return 1;
@@ -73,7 +78,7 @@ int HSM::SetContextInfo_StackBlip(const Tessel::KVTable& table)
     for (unsigned int i = 0; i < count; ++i)
     {
         SMState* state = ActivateState(GetIdAt(table, i), 0.0f);
-        // Required: as for the main stack.
+        // An unknown id ends this stack too.
         ERROR_BREAK(state);
         blipStack.push_back(state);
     }

@@ -18,7 +18,8 @@ int HSM::ImportLayers(const GenericValue& root, HSMAlloc*)
         if (FindMember(root, JSON_Layers) == nullptr)
         {
             ERROR_BREAK(FindMember(root, JSON_Nodes) != nullptr);
-            // Required: nodes at the root are taken in, and the load fails all the same.
+            // Required: nodes at the root are taken in, twice by Init, and the load fails all the
+            // same.
             ERROR_BREAK(InitNodeDefTable(GetMember(document, JSON_Nodes), &alloc));
             break;
         }
@@ -32,7 +33,8 @@ int HSM::ImportLayers(const GenericValue& root, HSMAlloc*)
             LogStream(LogPlain) << "Importing Layer[" << i << "]: " << ReadText(layer, JSON_Name)
                                 << EndLine;
             LogStream(LogPlain) << "---------------------------------------" << EndLine;
-            // Required: a failed layer runs a second time and ends the walk, not the load.
+            // Required: a failed layer runs a second time and takes the nodes of all layers with
+            // it. It ends the walk, not the load.
             ERROR_BREAK(ImportStates(layer, &alloc));
             LogStream(LogPlain) << "\n" << EndLine;
         }
@@ -45,6 +47,8 @@ int HSM::ImportStates(const GenericValue& layer, HSMAlloc*)
 {
     const GenericValue* nodes = FindMember(layer, JSON_Nodes);
     ERROR_RETURN(nodes != nullptr, 0);
+    // Required: three checks in a row run a failed array twice, so the nodes before the bad one are
+    // built eight times. Each time takes new room in the arena.
     ERROR_RETURN(InitNodeDefTable(*nodes, &alloc), 0);
     return 1;
 }

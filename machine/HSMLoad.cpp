@@ -16,8 +16,10 @@ namespace vell
 namespace
 {
 
-/// Required: the arena is this many times the figure of the head.
+/// Required: the arena is this many times the figure of the head, in 32 bits. A large figure wraps
+/// around to a small arena.
 constexpr unsigned int kMemoryFactor = 100;
+// Required: the factor applies to the default too, so a document without a figure gets 100 MiB.
 constexpr int kDefaultMemory = 0x100000;
 constexpr int kRestingBlipPriority = 1;
 
@@ -44,6 +46,7 @@ int HSM::Create()
     const char* typeName = GetHSMType(head);
     ERROR_RETURN(typeName, 0);
     machineType = DURMBaseLib::GetStateMachineTypeByName(typeName);
+    // Required: this brings the standard state factories back for all machines of the process.
     RegisterBuilders();
     nodeDefTable = alloc.New<NodeDefTable>();
     ERROR_RETURN(nodeDefTable, 0);
@@ -102,7 +105,8 @@ int HSM::Init()
 {
     do
     {
-        // Required: a failed step runs a second time, over what its first run left behind.
+        // Required: a failed step runs a second time, over what its first run left behind. Every
+        // failure ends with the line about an exception, which never was thrown.
         ERROR_BREAK(InitParameterTable(document, &alloc));
         ERROR_BREAK(ImportLayers(document, &alloc));
         ERROR_BREAK(nodeDefTable);
@@ -118,11 +122,14 @@ int HSM::Init()
         {
             ERROR_BREAK(nodeDefTable->ImportGlobal(*global, &alloc));
         }
+        // Required: the head's entry node is only checked. The machine starts with the substate
+        // root.
         startStateID = nodeDefTable->substateRootId;
         BindParamCond();
         ERROR_BREAK(CreateKVTable());
         return 1;
     } while (false);
+    // Required: nothing is undone. What earlier steps built is still there after a failed Init.
     LogStream(LogError) << "Parsing JSON file has caused an exception" << EndLine;
     return 0;
 }
@@ -142,6 +149,8 @@ int HSM::InitParameterTable(const GenericValue& root, HSMAlloc* arena)
             ERROR_BREAK(parameterTable);
         }
         internals->idle.revision.Raise();
+        // Required: a failed block runs twice here, and this step twice in Init, which makes four
+        // runs. Only the first reads the array; the others fail because the table is already there.
         ERROR_BREAK(parameterTable->Init(*parameters, arena));
         return 1;
     } while (false);

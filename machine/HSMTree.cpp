@@ -15,6 +15,7 @@ namespace vell
 
 int HSM::CreateKVTable()
 {
+    // Required: a second call fails here, and the log shows only this line.
     ERROR_RETURN(!kvTable, 0);
     kvTable = Tessel::CreateTable("HSM");
     internals->isTreeClosed = false;
@@ -39,6 +40,7 @@ int HSM::DestroyKVTable()
     if (kvTable && !internals->isTreeClosed)
     {
         internals->isTreeClosed = true;
+        // Required: the machine keeps its handle, which now leads to a closed table.
         Tessel::CloseTable(kvTable);
     }
     return 1;
