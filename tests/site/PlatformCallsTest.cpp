@@ -175,6 +175,22 @@ TEST(PlatformCalls, ReadTheSwitchKeysAlsoWhenNobodyListens)
                      "GetUInt transitionTriggered"}));
 }
 
+TEST(PlatformCalls, RestoreTheSwitchKeysWithoutTheFlagOfOtherWrites)
+{
+    LogRecorder log;
+    TestMachine machine(SmallDocument());
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    PlatformWatch watch;
+
+    machine.SetContextInfo(Tessel::KVTable());
+
+    EXPECT_EQ(watch.TakeOf("contextInfo"),
+              (Lines{"SetUInt without flag nextState", "SetUInt without flag previousState",
+                     "SetUInt without flag transitionTriggered", "GetUInt nextState",
+                     "GetUInt previousState", "GetUInt transitionTriggered"}));
+}
+
 TEST(PlatformCalls, CloseEachTableOnceInUninitAndTheRestAtTheDeletion)
 {
     LogRecorder log;

@@ -113,7 +113,8 @@ public:
     }
     int SetUInt(const char* key, unsigned value, int flag) override
     {
-        return Noted("SetUInt", key)->SetUInt(key, value, flag);
+        return Noted(flag == 0 ? "SetUInt without flag" : "SetUInt", key)
+            ->SetUInt(key, value, flag);
     }
     int SetFloat4(const char* key, const Float4* value, int flag) override
     {

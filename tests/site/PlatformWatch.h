@@ -30,6 +30,7 @@ public:
     void KeepOneRecordForEachKey();
 
     /// The calls since the last time, each as "TABLE OPERATION KEY"; the table by its name.
+    /// A SetUInt with the flag 0 is "SetUInt without flag".
     Lines Take();
     /// The same, of the tables of a name.
     Lines TakeOf(const std::string& table);
