@@ -13,8 +13,8 @@ help:
 	@echo "make test              build everything and run every test (PRESET=dev)"
 	@echo "make bench             measure, in the release build"
 	@echo "make install           install the release build (PREFIX=/usr/local, DESTDIR=)"
-	@echo "make format            let clang-format 14 lay out the sources"
-	@echo "make symbols           write the lists of exported symbols anew"
+	@echo "make format            format the sources with clang-format 14"
+	@echo "make symbols           update the lists of exported symbols"
 	@echo "make coverage          show which lines the tests reach"
 	@echo "make clean             remove build/"
 

@@ -35,9 +35,9 @@ TIME_LIMIT = 120  # seconds, for all unit tests
 
 INTRODUCTION = """
 `tests/check_checks.py` removes each check statement of the library in turn and runs the unit tests.
-A statement whose removal no test notices is a hole in the tests, unless no call can reach it; those
-are listed below with the reason, from `tests/check-checks-exceptions.txt`. The program is run by
-hand and writes this page.
+If no test fails, the tests have a gap, unless no call can make the check fail; those statements are
+listed below with the reason, from `tests/check-checks-exceptions.txt`. The program is run by hand
+and writes this page.
 """
 
 MACRO = re.compile(r"^#define ((?:ERROR|ASSERT)_\w+)\((\w+)[^)]*\)((?:.*\\\n)*.*\n)", re.MULTILINE)
@@ -269,7 +269,7 @@ def page(results, missed, exceptions):
         "",
         *textwrap.wrap(INTRODUCTION.strip(), 100),
         "",
-        "| Last run | Statements | A test fails without it | No call reaches it | Missed |",
+        "| Last run | Statements | A test fails without it | Cannot fail | No test fails |",
         "|---|---|---|---|---|",
         f"| {today} | {len(results)} | {len(killed)} | "
         f"{len(results) - len(killed) - len(missed)} | {len(missed)} |",
@@ -281,11 +281,11 @@ def page(results, missed, exceptions):
         *(f"| `{file}` | {all_of_it} | {its_killed} |"
           for file, (all_of_it, its_killed) in by_file.items()),
         "",
-        "## Missed",
+        "## No test fails",
         "",
         *([f"- `{key}`" for key in missed] or ["None."]),
         "",
-        "## No call reaches it",
+        "## Cannot fail",
     ]
     for key, reason in exceptions.items():
         lines += ["", f"- `{key}`", ""]
