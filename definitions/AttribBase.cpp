@@ -124,6 +124,20 @@ int AttribBase::GetValue(Tessel::Float2*)
     return 0;
 }
 
+AttribBase& AttribBase::operator=(const AttribBase& other)
+{
+    if (kvTable != other.kvTable)
+    {
+        listening = other.listening;
+        arenaLink.CloseLater(kvTable);
+    }
+    kvTable = other.kvTable;
+    syncState = other.syncState;
+    name = other.name;
+    defaultType = other.defaultType;
+    return *this;
+}
+
 void AttribBase::SetName(const char* newName)
 {
     name = newName;
@@ -140,8 +154,9 @@ Tessel::KVTable AttribBase::GetKVTable() const
 
 int AttribBase::CreateKVTable()
 {
+    listening.Stop();
+    arenaLink.CloseLater(kvTable);
     kvTable = Tessel::CreateTable("attribBase");
-    listening.Clear();
     return 1;
 }
 

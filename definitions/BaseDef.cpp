@@ -26,12 +26,21 @@ BaseDef::BaseDef(const char* newName, unsigned int newId, unsigned int newParent
 {
 }
 
-BaseDef::BaseDef(const BaseDef& other) = default;
+BaseDef::BaseDef(const BaseDef& other) : BaseDef()
+{
+    *this = other;
+}
 
 BaseDef& BaseDef::operator=(const BaseDef& other)
 {
     Internals::CountChange(*this);
-    kvTable = other.kvTable;
+    // A condition's table may not be there yet: the two share it from now on.
+    const Tessel::KVTable shared = other.GetKVTable();
+    if (tableState == TableState::Open && kvTable != shared)
+    {
+        arenaLink.CloseLater(kvTable);
+    }
+    kvTable = shared;
     name = other.name;
     type = other.type;
     builderType = other.builderType;
@@ -40,6 +49,7 @@ BaseDef& BaseDef::operator=(const BaseDef& other)
     index = other.index;
     exitConnector = other.exitConnector;
     flags = other.flags;
+    isTableLate = other.isTableLate;
     tableState = other.tableState;
     scriptName = other.scriptName;
     numChildren = other.numChildren;
@@ -58,6 +68,7 @@ BaseDef& BaseDef::operator=(const BaseDef& other)
 
 BaseDef::~BaseDef()
 {
+    Internals::CountChange(*this);
     BaseDef::Uninit();
     name = nullptr;
     id = 0;

@@ -92,6 +92,14 @@ void HSMAlloc::Room::GiveBack()
     }
 }
 
+void ArenaLink::CloseLater(Tessel::KVTable table)
+{
+    if (arena != nullptr && table)
+    {
+        arena->CloseLater(table);
+    }
+}
+
 void ArenaLink::Leave()
 {
     arena->kept[entry] = HSMAlloc::Kept{nullptr, nullptr};

@@ -17,6 +17,7 @@
 #include <vell/ConditionDef.h>
 #include <vell/HSMAlloc.h>
 #include <vell/TransitionDef.h>
+#include <vell/UpdateResult.h>
 
 #include <algorithm>
 #include <new>
@@ -94,6 +95,29 @@ void IdleCache::Follow(SMState& state, const HSMAlloc& arena)
         }
     }
     Reserve(conditionCount);
+}
+
+void IdleCache::Forget()
+{
+    revision.Raise();
+    levelsNeeded = 1;
+    boundsNeeded = 0;
+    settled = nullptr;
+}
+
+/// Notes that `state` is about to get the record of the tick. One of a host's class may keep it,
+/// and reads the transition that fired before it.
+void IdleCache::ShowRecord(const UpdateResult& result, const SMState* state)
+{
+    if (record == 0 || state == nullptr || SMState::Internals::IsFollowed(*state, &revision))
+    {
+        return;
+    }
+    if (result.transition != nullptr)
+    {
+        BaseDef::Internals::HandOut(*result.transition);
+    }
+    record = 0;
 }
 
 /// Makes room for one more level with `conditionCount` conditions.

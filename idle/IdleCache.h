@@ -39,13 +39,16 @@ struct UpdateResult;
 ///   - BaseDef: actions registered or removed, `Init`, assignment;
 ///   - TransitionDef: a trigger added;
 ///   - SMState: another definition, another machine, a transition added, sorting, assignment;
+///   - the destructor of a state or definition that a host runs by hand;
 ///   - HSM: conditions bound, parameters initialised, `Create`, `Uninit`;
 ///   - a transition that a host is given for the first time.
 /// The last one is the rule for public fields. A host can write to a TransitionDef or ConditionDef
 /// only when it has its address, and no write to a field can be heard. So whatever gives a host
-/// such an address (GetTransitionAt, FindDef, BeginDef, NextDef, an UpdateResult that is not the
-/// tick's own, a copied state, a state or definition of a host's factory) calls `HandOut`, and a
-/// transition that was handed out is never known again.
+/// such an address (GetTransitionAt, FindDef, BeginDef, NextDef, an UpdateResult that is a host's
+/// or that a state of a host's class gets from the tick, a copied state, a state or definition of a
+/// host's factory) calls `HandOut`, and a transition that was handed out is never known again.
+/// Excluded: a host that takes addresses out of protected members of the library's own objects, or
+/// out of HSMAlloc::tracked, and writes there.
 ///
 /// *When you add a field that a tick reads:* read it at every tick here, or raise the revision
 /// where it is written.
@@ -67,7 +70,10 @@ public:
     /// revision, as far as they are the library's own and in `arena`, and makes room for its level.
     void Follow(SMState& state, const HSMAlloc& arena);
 
-    /// Tells whether `result` is the record of a tick that is under way.
+    /// Forgets the states that were taken in: the machine's arena goes.
+    void Forget();
+
+    /// Tells whether `result` is the record of a tick that is under way and that no host has seen.
     bool IsTickRecord(const UpdateResult* result) const
     {
         return reinterpret_cast<std::uintptr_t>(result) == record;
@@ -116,6 +122,7 @@ private:
     static bool Accepts(const Level& level);
 
     void Reserve(std::size_t conditionCount);
+    void ShowRecord(const UpdateResult& result, const SMState* state);
     void Learn(const HSM* machine, const SMState* globalState, const std::vector<SMState*>& stack,
                std::size_t quietLevels);
     bool IsKnown(const HSM* machine, const SMState& state) const;
@@ -123,7 +130,8 @@ private:
     bool AddTransition(const TransitionDef& transition, Level* level);
     bool AddBounds(ConditionBounds::Kind kind, const ConditionBounds& bounds, Level* level);
 
-    std::uintptr_t record = 0;        ///< address of the record of the tick that is under way
+    std::uintptr_t record =
+        0; ///< address of the record of the tick that is under way, 0 once a host saw it
     const SMState* settled = nullptr; ///< the highest quiet state when last out of date
     unsigned int madeAt = 0;          ///< the number that the levels were found at
     unsigned int levelCount = 0;      ///< levels that are known
@@ -138,9 +146,10 @@ class IdleCache::Tick
 {
 public:
     /// `result` is the tick's own record.
-    Tick(IdleCache& machineCache, const UpdateResult* result) : cache(machineCache)
+    Tick(IdleCache& machineCache, const UpdateResult* tickRecord)
+        : cache(machineCache), result(tickRecord)
     {
-        cache.record = reinterpret_cast<std::uintptr_t>(result);
+        cache.record = reinterpret_cast<std::uintptr_t>(tickRecord);
     }
     ~Tick()
     {
@@ -160,12 +169,13 @@ public:
     bool MustTest(int index, const SMState* state)
     {
         const Level* level = Find(index, state);
-        if (level != nullptr)
+        if (level != nullptr && !level->asks)
         {
-            return level->asks || cache.Accepts(*level);
+            return cache.Accepts(*level);
         }
-        isUnknownMet = true;
-        isGlobalUnknown = isGlobalUnknown || index < 0;
+        isUnknownMet = isUnknownMet || level == nullptr;
+        isGlobalUnknown = isGlobalUnknown || (level == nullptr && index < 0);
+        cache.ShowRecord(*result, state);
         return true;
     }
 
@@ -198,6 +208,7 @@ private:
     }
 
     IdleCache& cache;
+    const UpdateResult* result;                             ///< the tick's own record
     std::size_t quietLevels = static_cast<std::size_t>(-1); ///< lowest levels that did not fire
     bool isUnknownMet = false;
     bool isGlobalUnknown = false;

@@ -57,7 +57,7 @@ int HSM::Create()
 /// does a blip that ran on it.
 void HSM::ForgetArena()
 {
-    internals->idle.revision.Raise();
+    internals->idle.Forget();
     internals->uninitStep = UninitStep::None;
     parameterTable = nullptr;
     nodeDefTable = nullptr;

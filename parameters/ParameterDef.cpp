@@ -36,6 +36,10 @@ ParameterDef::ParameterDef(int newType) : paramType(newType)
 
 ParameterDef& ParameterDef::operator=(const ParameterDef& other)
 {
+    if (kvTable != other.GetKVTable())
+    {
+        listening = other.listening; // it hears of its old table no more
+    }
     BaseDef::operator=(other);
     IBroadcastListener::operator=(other);
     syncState = other.syncState;

@@ -58,7 +58,10 @@ SMState& SMState::operator=(const SMState& other)
     return *this;
 }
 
-SMState::~SMState() = default;
+SMState::~SMState()
+{
+    Internals::CountChange(*this);
+}
 
 SMState* SMState::Create(unsigned int stateId, HSMAlloc* alloc)
 {

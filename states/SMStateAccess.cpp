@@ -183,9 +183,12 @@ int SMState::GetAttrib(const char* name, void* out) const
     {
     case DURMBaseLib::PARAM_Bool:
     {
-        // A bool attribute has no getter of its own.
-        const bool value = static_cast<AttribDefBool*>(attrib)->value;
-        std::memcpy(out, &value, sizeof(value));
+        // A bool attribute has no getter of its own. An attribute of a host's class has no value
+        // that could be read.
+        if (const auto* typed = dynamic_cast<AttribDefBool*>(attrib))
+        {
+            std::memcpy(out, &typed->value, sizeof(typed->value));
+        }
         return 1;
     }
     case DURMBaseLib::PARAM_Integer:

@@ -34,7 +34,8 @@ public:
     Action& operator=(const Action&) = default;
 
     Action* next = nullptr; ///< the chain of a definition's list, null at the end
-    Action* prev = nullptr; ///< the host's: a list never writes it, and reads it on removal
+    Action* prev = nullptr; ///< the host's: registration never writes it; removal reads it, and
+                            ///< writes that of the action behind
     unsigned int id = 0;    ///< the key of IHSM::RegisterAction and IHSM::FindAction
 };
 

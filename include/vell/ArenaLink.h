@@ -4,6 +4,8 @@
 
 #include <vell/Export.h>
 
+#include <tessel/Tessel.h>
+
 namespace vell
 {
 
@@ -45,6 +47,10 @@ public:
             Leave();
         }
     }
+
+    /// Closes `table`, which the object is about to lose, when the arena is destroyed. Does nothing
+    /// for null and for an object that is in no arena.
+    void CloseLater(Tessel::KVTable table);
 
 private:
     friend class HSMAlloc;

@@ -18,9 +18,9 @@ class VELL_API AttribBase : public IAttribDef
 {
 public:
     AttribBase();
-    /// Copies share the table.
+    /// Copies share the table. The table that an assigned attribute had closes with the arena.
     AttribBase(const AttribBase& other) = default;
-    AttribBase& operator=(const AttribBase& other) = default;
+    AttribBase& operator=(const AttribBase& other);
 
     // The order of these is part of the interface.
 
@@ -61,6 +61,7 @@ public:
 
     friend Tessel::KVTable ReleaseStorage(AttribBase& attrib, ArenaLink::AtEnd)
     {
+        attrib.listening.Stop();
         return attrib.kvTable;
     }
     friend ArenaLink& GetArenaLink(AttribBase& object)

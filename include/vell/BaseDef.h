@@ -151,7 +151,7 @@ private:
     VELL_LOCAL void Append(Action** head, unsigned int* count, Action* action);
 
     ArenaLink arenaLink;          ///< the library's
-    NotCopied<Revision> revision; ///< the library's; null until a machine ticks the definition
+    NotCopied<Revision> revision; ///< the library's; null until a machine activates its state
 };
 
 } // namespace vell

@@ -48,6 +48,16 @@ public:
     virtual int OnParamValueModified(Tessel::opResult result, Tessel::KVTable table,
                                      const char* key);
 
+    friend Tessel::KVTable ReleaseStorage(ParameterDef& parameter, ArenaLink::AtEnd atEnd)
+    {
+        const Tessel::KVTable table = ReleaseStorage(static_cast<BaseDef&>(parameter), atEnd);
+        if (table)
+        {
+            parameter.listening.Stop();
+        }
+        return table;
+    }
+
     /// Tells whether the machine resets the parameter at the end of every tick.
     bool IsResetEachFrame() const;
 

@@ -231,7 +231,7 @@ public:
     {
         std::string().swap(def.defaultValue);
         std::string().swap(def.value);
-        return ReleaseStorage(static_cast<BaseDef&>(def), atEnd);
+        return ReleaseStorage(static_cast<ParameterDef&>(def), atEnd);
     }
 
 private:

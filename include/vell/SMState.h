@@ -146,7 +146,7 @@ private:
     VELL_LOCAL void RequestAnimation(BaseDef* entered);
 
     ArenaLink arenaLink;          ///< the library's
-    NotCopied<Revision> revision; ///< the library's; null until a machine ticks the state
+    NotCopied<Revision> revision; ///< the library's; null until a machine activates the state
 };
 
 } // namespace vell

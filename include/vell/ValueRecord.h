@@ -2,14 +2,17 @@
 // include/vell/ValueRecord.h: the listener record of an object that listens to its own table.
 #pragma once
 
+#include <vell/Export.h>
+
 #include <tessel/Tessel.h>
 
 namespace vell
 {
 
 /// Remembers by which record an object listens to the key "value" of its table, so that it listens
-/// once however often it is told to. A copy of the object does not listen.
-class ValueRecord
+/// once however often it is told to, and never when it is gone. A copy of the object does not
+/// listen, and an object that is assigned stops.
+class VELL_API ValueRecord
 {
 public:
     ValueRecord() = default;
@@ -18,23 +21,18 @@ public:
     }
     ValueRecord& operator=(const ValueRecord&)
     {
+        Stop();
         return *this;
     }
 
     /// Fills `given`, the record that `table` gave for the key. Leaves it empty when the object
     /// listens to `table` by another record already.
-    void Fill(Tessel::KVTable table, Tessel::KVListener* given, const Tessel::KVListener& own)
-    {
-        if (record != nullptr && record != given && listened == table)
-        {
-            return;
-        }
-        listened = table;
-        record = given;
-        *given = own;
-    }
+    void Fill(Tessel::KVTable table, Tessel::KVListener* given, const Tessel::KVListener& own);
 
-    /// The object listens no more, or its table is gone.
+    /// Removes the record from the table, if the object listens.
+    void Stop();
+
+    /// The record is removed already, or its table is closed.
     void Clear()
     {
         record = nullptr;
@@ -42,6 +40,7 @@ public:
 
 private:
     Tessel::KVTable listened;
+    Tessel::KVListener content{};
     const Tessel::KVListener* record = nullptr; ///< null while the object does not listen
 };
 

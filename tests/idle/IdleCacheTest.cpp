@@ -916,4 +916,85 @@ TEST(IdleCache, LetsATickAllocateNothingAtAnyDepthWithAnyNumberOfConditions)
     }
 }
 
+namespace
+{
+
+/// A state of a host that keeps the transition in the record that it is given. Asks `inner` first,
+/// if there is one.
+class KeepingState : public SMState
+{
+public:
+    unsigned int ProcessTransitions(HSM* machine, UpdateResult* result) override
+    {
+        if (inner != nullptr)
+        {
+            inner->ProcessTransitions(machine, result);
+        }
+        kept = result->transition == nullptr ? kept : result->transition;
+        return 0;
+    }
+
+    SMState* inner = nullptr;
+    TransitionDef* kept = nullptr;
+};
+
+} // namespace
+
+TEST_F(SettledMachine, SeesTheWritesOfAStateThatAskedALibrarysStateWithTheTicksOwnRecord)
+{
+    KeepingState keeping;
+    keeping.inner = machine.FindState(kGuard);
+    const std::vector<SMState*> stack = machine.stateStack;
+    machine.stateStack = {&keeping};
+    machine.SetBool("go", true);
+    Tick();
+    machine.SetBool("go", false);
+    machine.stateStack = stack;
+    Tick(5);
+    ASSERT_NE(keeping.kept, nullptr);
+    ASSERT_EQ(machine.MainStack(), "Combat/Guard");
+
+    keeping.kept->triggers.push_back(AlwaysHolds);
+    Tick();
+
+    EXPECT_EQ(machine.MainStack(), "Combat/Strike");
+}
+
+TEST_F(SettledMachine, SeesTheWritesOfAStateThatFoundADroppedTransitionInTheTicksOwnRecord)
+{
+    KeepingState keeping;
+    machine.stateStack.push_back(&keeping);
+    machine.blipPriority = 100;
+    machine.SetBool("hit", true);
+    Tick();
+    machine.SetBool("hit", false);
+    machine.stateStack.pop_back();
+    machine.blipPriority = 1;
+    Tick(5);
+    ASSERT_NE(keeping.kept, nullptr);
+    ASSERT_FALSE(machine.blipActive);
+
+    keeping.kept->triggers.push_back(AlwaysHolds);
+    Tick();
+
+    EXPECT_TRUE(machine.blipActive);
+}
+
+TEST_F(SettledMachine, UpdatesAStateOfAHostThatTakesThePlaceOfADestroyedOne)
+{
+    static_assert(sizeof(KeepingState) >= sizeof(SMState), "the room is that of the larger one");
+    alignas(KeepingState) unsigned char room[sizeof(KeepingState)];
+    auto* guard = new (room) SMState(*machine.FindState(kGuard));
+    machine.stateStack.back() = guard;
+    Tick(5);
+
+    guard->~SMState();
+    auto* counting = new (room) CountingState;
+    Tick(2);
+
+    EXPECT_EQ(counting->updates, 2);
+    machine.stateStack.pop_back();
+    counting->~CountingState();
+}
+
 } // namespace vell::test
