@@ -170,7 +170,7 @@ private:
         int known = FindNumber(name.data(), name.size());
         if (known != kNone)
         {
-            // GCOVR_EXCL_START: two members of one name. This vocabulary has none, a site's own may.
+            // GCOVR_EXCL_START: two members of one name, in the vocabulary of a site alone
             for (; next[known] != kNone; known = next[known])
             {
             }
