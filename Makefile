@@ -6,7 +6,7 @@ JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 PRESET ?= dev
 
-.PHONY: help run test bench install format symbols coverage clean setup
+.PHONY: help run test bench install format symbols abi coverage clean setup
 
 help:
 	@echo "make run               build the command and run the sample character"
@@ -15,6 +15,7 @@ help:
 	@echo "make install           install the release build (PREFIX=/usr/local, DESTDIR=)"
 	@echo "make format            format the sources with clang-format 14"
 	@echo "make symbols           update the lists of exported symbols"
+	@echo "make abi               update the baselines of the binary interfaces"
 	@echo "make coverage          show which lines the tests reach"
 	@echo "make clean             remove build/"
 
@@ -49,6 +50,12 @@ symbols: setup
 	cmake --preset dev
 	cmake --build build/dev -j $(JOBS) --target VELLLibX64 DURMBaseX64 TesselX64
 	cmake/check-symbols.sh --update build/dev/lib
+
+abi:
+	@CI=true cmake/install-packages.sh
+	cmake --preset dev
+	cmake --build build/dev -j $(JOBS) --target VELLLibX64 DURMBaseX64 TesselX64
+	cmake/check-abi.sh --update build/dev/lib
 
 coverage:
 	@CI=true cmake/install-packages.sh

@@ -33,6 +33,15 @@ if(VELL_CHECKS AND VELL_INSTALL AND NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_PLAT
     add_test(NAME check.symbols COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-symbols.sh
                                         ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 
+    # The baselines describe what g++ builds for x86-64 with -g, as the preset dev does.
+    find_program(VELL_ABIDIFF abidiff)
+    mark_as_advanced(VELL_ABIDIFF)
+    if(VELL_ABIDIFF AND CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_SYSTEM_PROCESSOR STREQUAL x86_64
+       AND CMAKE_BUILD_TYPE STREQUAL Debug AND CMAKE_CXX_FLAGS_DEBUG MATCHES "-g( |$)")
+        add_test(NAME check.abi COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-abi.sh
+                                        ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+    endif()
+
     set(scratch ${PROJECT_BINARY_DIR}/install-tests)
     set(consumer ${PROJECT_SOURCE_DIR}/tests/consumer)
 
