@@ -6,7 +6,7 @@ JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 PRESET ?= dev
 
-.PHONY: help run test bench install format symbols abi coverage clean setup
+.PHONY: help run test bench install format tidy symbols abi coverage clean setup
 
 help:
 	@echo "make run               build the command and run the sample character"
@@ -14,6 +14,7 @@ help:
 	@echo "make bench             measure, in the release build"
 	@echo "make install           install the release build (PREFIX=/usr/local, DESTDIR=)"
 	@echo "make format            format the sources with clang-format 14"
+	@echo "make tidy              check names and common bugs with clang-tidy 14"
 	@echo "make symbols           update the lists of exported symbols"
 	@echo "make abi               update the baselines of the binary interfaces"
 	@echo "make coverage          show which lines the tests reach"
@@ -45,6 +46,11 @@ install: setup
 format:
 	@CI=true cmake/install-packages.sh
 	cmake/check-format.sh --fix
+
+tidy:
+	@CI=true cmake/install-packages.sh
+	cmake --preset dev
+	cmake/check-tidy.sh
 
 symbols: setup
 	cmake --preset dev
