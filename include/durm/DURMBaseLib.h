@@ -20,13 +20,13 @@
 
 extern "C"
 {
-    /// Hands `text`, a line at log level `level`, to the callback of `SetLogCallBackBase`, on the
-    /// calling thread; does nothing when none is set. `text` need only live as long as the call.
+    /// Passes `text`, a line of log level `level`, to the callback of `SetLogCallBackBase`, on the
+    /// calling thread; does nothing when none is set. `text` need only be valid during the call.
     DURM_API void LogImpl(int level, const char* text);
 
-    /// Sets the receiver of every later `LogImpl`, in place of the one before; null takes it away.
-    /// May be called while other threads log: a line under way may still reach the old callback,
-    /// and several threads may be inside a callback at once.
+    /// Sets the callback of every later `LogImpl` and replaces the previous one; null removes it.
+    /// May be called while other threads log: a line that is being logged may still go to the old
+    /// callback, and several threads may be in a callback at once.
     DURM_API void SetLogCallBackBase(void (*callback)(int level, const char* text));
 }
 
@@ -35,35 +35,36 @@ namespace DURMBaseLib
 using ::LogImpl;
 using ::SetLogCallBackBase;
 
-// Every text handed out lives as long as the process. Texts given are compared byte for byte, case
-// included. All operations may be called from any thread.
+// The returned texts live as long as the process. Arguments are compared case-sensitively. All
+// functions may be called from any thread.
 
-/// Gives the text of the member `type`, or null for a number that is no member.
+/// Gives the text of the member `type`, or null for a number that is not a member.
 DURM_API const char* GetJsonName(__JSONTYPES__ type);
 
 /// Gives the name of the parameter type `type`, or null when it has none.
 DURM_API const char* GetParameterName(__ePARAMTYPE__ type);
 
-/// Gives the number of the parameter type `name`, or 0 when it is null or no such name.
+/// Gives the number of the parameter type `name`, or 0 when it is null or there is no such name.
 DURM_API int GetParameterName(const char* name);
 
-/// The same as `GetParameterName` of a text, as the enumeration.
+/// The same as `GetParameterName` of a name, as the enumeration.
 DURM_API __ePARAMTYPE__ GetParameterTypeByName(const char* name);
 
-/// Gives the number of the builder `name`, or 0 when it is null or no such name. A text of decimal
-/// digits alone that fits an int is its own number, so a document can name a host's own builder.
+/// Gives the number of the builder `name`, or 0 when it is null or there is no such name. A text of
+/// decimal digits that fits an int gives that number, so that a document can name a host's own
+/// builder.
 DURM_API int GetBuilderIndex(const char* name);
 
-/// Gives the binding number of the input `name`, or 0 when it is null or no such name.
+/// Gives the binding number of the input `name`, or 0 when it is null or there is no such name.
 DURM_API int GetAssignName(const char* name);
 
 /// Gives the name of the connector `type`, or null when it has none.
 DURM_API const char* GetConnectorName(__CONNECTOR_TYPES__ type);
 
-/// Gives the number of the evaluation operator `name`, or 0 when it is null or no such name.
+/// Gives the number of the operator `name`, or 0 when it is null or there is no such name.
 DURM_API int GetEvaluationEnum(const char* name);
 
-/// Gives the machine type `name`, or 0 when it is null or no such name.
+/// Gives the number of the machine type `name`, or 0 when it is null or there is no such name.
 DURM_API __STATE_MACHINE_TYPES__ GetStateMachineTypeByName(const char* name);
 
 /// Gives the CRC-32/ISO-HDLC of the bytes of `text`, which is the id of a parameter of that name.

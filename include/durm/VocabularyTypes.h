@@ -5,7 +5,7 @@
 namespace DURMBaseLib
 {
 
-/// The members of a machine document. The numbers are fixed; `GetJsonName` gives the texts.
+/// The members of a machine document. The numbers are fixed; `GetJsonName` gives the names.
 enum __JSONTYPES__ : int
 {
     JSON_Name = 0x00,
@@ -73,11 +73,11 @@ enum __ePARAMTYPE__ : int
     PARAM_Float2 = 4,
     PARAM_Float3 = 5,
     PARAM_Float4 = 6,
-    PARAM_Text = 7, ///< Known by name, and not to be used by a document; texts are `PARAM_Message`.
+    PARAM_Text = 7, ///< Has a name, but documents must not use it; texts are `PARAM_Message`.
     PARAM_Message = 8
 };
 
-/// The standard builders of nodes. A host may register others under numbers of its own.
+/// The standard builders of nodes. A host may register others under its own numbers.
 enum __DURM_BUILDERS__ : int
 {
     BUILDER_None = 0,
@@ -93,7 +93,7 @@ enum __DURM_BUILDERS__ : int
     BUILDER_Substate = 24
 };
 
-/// The kinds of connectors: odd numbers enter a level, even ones leave it.
+/// The kinds of connectors: odd numbers enter a substate, even ones leave it.
 enum __CONNECTOR_TYPES__ : int
 {
     CONNECTOR_None = 0,
@@ -103,7 +103,7 @@ enum __CONNECTOR_TYPES__ : int
     CONNECTOR_Out = 4
 };
 
-/// What a machine drives; the library stores it for the host and acts on none.
+/// What a machine controls; the library only stores it for the host.
 enum __STATE_MACHINE_TYPES__ : int
 {
     HSMTYPE_None = 0,

@@ -17,17 +17,16 @@
 #define TESSEL_API __attribute__((visibility("default")))
 #endif
 
-/// Tables of named values that hold one another as a tree: a program mirrors its state into them,
-/// a tool walks and edits them, and listeners hear of each write.
+/// Tables of named values that form a tree: a program mirrors its state in them, a tool reads and
+/// edits them, and listeners are called on each write.
 ///
-/// Threads: different threads may make, use and close different tables at the same time. One table,
-/// and the tables attached to it, belong to one thread at a time. Reading and writing take no lock.
+/// Threads: different threads may create, use and close different tables at the same time. A table
+/// and the tables attached to it belong to one thread at a time. Reading and writing take no lock.
 ///
-/// Memory: making a table and writing into it may throw `std::bad_alloc`; the table then is as it
-/// was before the call. Everything that a table allocated comes back when it is closed; the places
-/// of closed tables are used again. The texts of up to 4096 different keys that do not begin with a
-/// digit are kept for the life of the process, so that tables share them; all other key texts go
-/// with their table.
+/// Memory: creating a table and writing to it may throw `std::bad_alloc`; the table is then
+/// unchanged. Closing a table frees everything that it allocated, and its slot is used again. The
+/// texts of up to 4096 different keys that do not begin with a digit are kept for the lifetime of
+/// the process, so that tables share them; all other key texts are freed with their table.
 namespace Tessel
 {
 
@@ -62,7 +61,7 @@ static_assert(sizeof(Float2) == 8, "crosses the boundary of the library");
 static_assert(sizeof(Float3) == 12, "crosses the boundary of the library");
 static_assert(sizeof(Float4) == 16, "crosses the boundary of the library");
 
-/// What a listener is told to have happened.
+/// What happened, as a listener is told.
 enum opResult : int
 {
     opResult_None = 0,
@@ -84,13 +83,13 @@ enum ValueType : int
 };
 
 /// Gives the table behind `table`, or, for a null handle and for a handle of a closed table, the
-/// one shared closed table, which answers 0 or null and does nothing. Never null, takes no lock.
+/// shared closed table, which returns 0 or null and does nothing. Never null, takes no lock.
 /// `KVTable::operator->` calls it.
 TESSEL_API ITable* ResolveTable(KVTable table);
 
-/// A handle on a table, one pointer wide, passed and kept by value. A default handle is null: no
-/// table. A handle may outlive its table: it then reaches the shared closed table, and never
-/// another table that was made later.
+/// A handle to a table, of the size of a pointer, passed and stored by value. A default handle is
+/// null. A handle may outlive its table: it then refers to the shared closed table, and never to a
+/// table that was created later.
 class KVTable
 {
 public:
@@ -102,8 +101,8 @@ public:
         return bits != 0;
     }
 
-    /// Gives the operations of the table, see `ResolveTable`. The pointer is for one call; it is
-    /// not to be kept beyond the closing of the table.
+    /// Gives the table, see `ResolveTable`. Use the pointer for one call only; it is invalid after
+    /// the table is closed.
     ITable* operator->() const
     {
         return ResolveTable(*this);
@@ -128,8 +127,8 @@ private:
 static_assert(sizeof(KVTable) == sizeof(void*), "one pointer wide");
 static_assert(std::is_trivially_copyable<KVTable>::value, "passed by value");
 
-/// A listener: the object and the function that is called with it. A record without a function is
-/// never called. The result of the function is not used.
+/// A listener: an object and the function that is called with it. A record without a function is
+/// never called. The result of the function is ignored.
 struct KVListener
 {
     void* object;
@@ -138,8 +137,8 @@ struct KVListener
 
 static_assert(sizeof(KVListener) == 2 * sizeof(void*), "two pointers");
 
-/// One value of a table, under a key or in its array. It stays where it is until its table is
-/// closed or, in the array, it is removed; a write to its key changes what it gives.
+/// One value of a table, under a key or in its array. Its address is valid until its table is
+/// closed or, in the array, it is removed. A write to its key changes the value.
 ///
 /// The order of these is part of the interface.
 class KVValue
@@ -148,8 +147,8 @@ public:
     /// Gives the number of the value's type, see `ValueType`.
     virtual int GetValueType() const = 0;
 
-    /// Gives the value as an int: an unsigned by its 32 bits; a float cut off toward 0, at the
-    /// limits of int when it lies beyond them, 0 when it is not a number. 0 for all other types.
+    /// Gives the value as an int. An unsigned keeps its 32 bits; a float is truncated toward 0 and
+    /// clamped to the limits of int; NaN gives 0. 0 for all other types.
     virtual int GetIntValue() const = 0;
 
     /// Gives the value as a float, converted from an int or an unsigned. 0 for all other types.
@@ -159,43 +158,42 @@ public:
     /// table is closed.
     virtual const char* GetStringValue() const = 0;
 
-    /// Copies a value of two floats to `out` and gives 1; 0, and `out` untouched, for all other
-    /// types and for a null `out`.
+    /// Copies a value of two floats to `out` and returns 1. Returns 0 and leaves `out` unchanged
+    /// for all other types and for a null `out`.
     virtual int GetFloat2Value(Float2* out) const = 0;
 
     /// As `GetFloat2Value`, for three floats.
     virtual int GetFloat3Value(Float3* out) const = 0;
 
-    /// Gives the value as an unsigned: an int by its 32 bits; a float of 0 or more cut off toward 0
-    /// and at the limit of unsigned, a negative one as the 32 bits of its int. 0 for all other
-    /// types.
+    /// Gives the value as an unsigned. An int keeps its 32 bits; a float of 0 or more is truncated
+    /// and clamped to the limit of unsigned; a negative one gives the 32 bits of its int. 0 for all
+    /// other types.
     virtual unsigned GetUIntValue() const = 0;
 
 protected:
     ~KVValue() = default;
 };
 
-/// The operations of a table. A table has keys, each with one typed value, and apart from them an
-/// array of unsigned values. Keys are compared byte by byte; a null key finds nothing and writes
-/// nothing.
+/// A table. It has keys, each with one typed value, and separately an array of unsigned values.
+/// Keys are compared byte by byte; a null key finds nothing and writes nothing.
 ///
-/// Setters make the key when it is not there, and give the value its type whatever the key held
-/// before. They give 1, or 0 for a null key or value. Each write calls the listeners of its key at
-/// once, also when the value stays the same: first those of the key, in the order in which they
-/// were taken, then the table's own, each with `opResult_ValueChanged`, the table and the key.
-/// `AddTable`, `AttachTable`, `PushUInt` and `RemoveAt` call no listener. `flag` has no effect.
+/// Setters create the key if it does not exist, and replace a value of another type. They return 1,
+/// or 0 for a null key or value. Each write calls listeners at once, even when the value stays the
+/// same: first those of the key, in the order in which they were added, then the table's own, each
+/// with `opResult_ValueChanged`, the table and the key. `AddTable`, `AttachTable`, `PushUInt` and
+/// `RemoveAt` call no listener. `flag` has no effect.
 ///
-/// The key and the text of a write may be in any table, also in one that the write closes. The key
-/// that a listener is given is valid until it returns.
+/// The key and the text of a write may be in the memory of any table, even of one that the write
+/// closes. The key that a listener gets is valid until it returns.
 ///
-/// A listener may write (also its own key), remove itself and others, take new records (they are
-/// called from the next write on), and close the table: no further listener is called then.
+/// A listener may write (even its own key), remove itself and others, add new records (which are
+/// called from the next write on), and close the table: then no other listener is called.
 ///
 /// The order of these is part of the interface.
 class ITable
 {
 public:
-    /// Gives the element `index` of the array, or null past its end. It is the table's.
+    /// Gives the element `index` of the array, or null past its end. It belongs to the table.
     virtual KVValue* GetValueAt(unsigned index) = 0;
 
     /// Gives the table under `key`, or a null handle when there is none or it was closed.
@@ -207,12 +205,12 @@ public:
     /// Gives the value of `key` as `KVValue::GetFloatValue` does; 0 when there is no such key.
     virtual float GetFloat(const char* key) = 0;
 
-    /// Gives the text of `key`, or null when there is no such key or it is no text. Valid until the
-    /// key is written again or the table is closed.
+    /// Gives the text of `key`, or null when there is no such key or it is not a text. Valid until
+    /// the key is written again or the table is closed.
     virtual const char* GetString(const char* key) = 0;
 
-    /// Copies the two floats of `key` to `out` and gives 1; 0, and `out` untouched, when there is
-    /// no such key, it is of another type, or `out` is null.
+    /// Copies the two floats of `key` to `out` and returns 1. Returns 0 and leaves `out` unchanged
+    /// when there is no such key, it is of another type, or `out` is null.
     virtual int GetFloat2(const char* key, Float2* out) = 0;
 
     /// As `GetFloat2`, for three floats.
@@ -236,7 +234,7 @@ public:
     /// Writes two floats.
     virtual int SetFloat2(const char* key, const Float2* value, int flag) = 0;
 
-    /// Writes a text, of which the table takes a copy. 0 for a null text, and the key is as before.
+    /// Writes a copy of a text. Returns 0 for a null text and leaves the key unchanged.
     virtual int SetString(const char* key, const char* text, int flag) = 0;
 
     /// Writes a float.
@@ -245,40 +243,41 @@ public:
     /// Writes an int.
     virtual int SetInt(const char* key, int value, int flag) = 0;
 
-    /// Makes a table of the name `key` under `key`, in place of what was there. Null for a null key
-    /// and when no place for a table is left. The new table is held by this one only: it is closed
-    /// when this one is closed or the key is written, unless it was attached elsewhere too.
+    /// Creates a table named `key` under `key`, replacing what was there. Null for a null key and
+    /// when no slot for a table is left. Only this table holds the new one: it is closed when this
+    /// one is closed or the key is written, unless it was attached elsewhere too.
     virtual KVTable AddTable(const char* key, int flag) = 0;
 
-    /// Puts `child` under `key`, in place of what was there, and gives 1; so does putting it where
-    /// it is already. This table then holds it too. 0, and nothing changed, for a null key, a null
-    /// or closed `child`, this table itself and one that this table stands below.
+    /// Puts `child` under `key`, replacing what was there, and returns 1, even if it is there
+    /// already. This table then holds it too. Returns 0 and changes nothing for a null key, a null
+    /// or closed `child`, this table itself, and a table that contains this one.
     virtual int AttachTable(const char* key, KVTable child, int flag) = 0;
 
-    /// Removes the element `index` of the array; those behind it move up. 1, or 0 past its end.
+    /// Removes the element `index` of the array; those after it move up. Returns 1, or 0 past its
+    /// end.
     virtual int RemoveAt(unsigned index, int flag) = 0;
 
-    /// Appends an unsigned to the array. 1.
+    /// Appends an unsigned to the array. Returns 1.
     virtual int PushUInt(unsigned value, int flag) = 0;
 
     /// Gives the number of elements of the array. Keys do not count.
     virtual unsigned GetCount() = 0;
 
-    /// Gives the value of `key`, or null when there is no such key. It is the table's.
+    /// Gives the value of `key`, or null when there is no such key. It belongs to the table.
     virtual KVValue* FindValue(const char* key) = 0;
 
-    /// Gives the one listener record of the table itself, to be filled in: it is called for each
-    /// write of any key. Clear its function to remove it. The record is the table's.
+    /// Gives the listener record of the table itself, for the caller to fill in: it is called for
+    /// each write of any key. Clear its function to remove it. The record belongs to the table.
     virtual KVListener* GetTableListener() = 0;
 
-    /// Gives a new, empty listener record for `key`, to be filled in, also when there is no such
-    /// key yet (none is made). Null for a null key. The record is the table's, and valid until it
-    /// is removed or the table is closed.
+    /// Gives a new, empty listener record for `key`, for the caller to fill in, even when there is
+    /// no such key yet (it is not created). Null for a null key. The record belongs to the table
+    /// and is valid until it is removed or the table is closed.
     virtual KVListener* GetValueListener(const char* key) = 0;
 
     /// Removes the first record of `key` that has the object and the function of `listener`. Does
     /// nothing when there is none, or when the function is null. Removing takes no longer when the
-    /// key has many records; looking for one that is not there does.
+    /// key has many records; looking for a record that does not exist does.
     virtual void RemoveValueListener(const char* key, const KVListener* listener) = 0;
 
     /// Gives 0: a table belongs to one thread at a time.
@@ -290,11 +289,11 @@ public:
     /// Does nothing, see `NeedsLock`.
     virtual void Unlock() = 0;
 
-    /// Gives the number of keys, for tools that walk a table.
+    /// Gives the number of keys, for tools that iterate over a table.
     virtual unsigned GetKeyCount() = 0;
 
-    /// Gives the key `index` in the order in which the keys were made, or null past the last one.
-    /// Valid until the table is closed.
+    /// Gives the key `index` in the order in which the keys were created, or null past the last
+    /// one. Valid until the table is closed.
     virtual const char* GetKeyAt(unsigned index) = 0;
 
     /// Gives the type number of the value under the key `index`, see `ValueType`; 0 past the last.
@@ -304,20 +303,20 @@ protected:
     ~ITable() = default;
 };
 
-/// Makes an empty table of the name `name`, which is copied and may be null. The caller holds it
-/// until it calls `CloseTable`. Null when no place for a table is left.
+/// Creates an empty table named `name`, which is copied and may be null. The caller holds it until
+/// it calls `CloseTable`. Null when no slot for a table is left.
 TESSEL_API KVTable CreateTable(const char* name);
 
-/// Closes `table`, whoever holds it: drops its values and listeners, and closes those tables under
-/// it that nothing else holds. A parent gives a null table for it from now on. Does nothing for a
-/// null handle and for a closed table, and may be called from a listener of the table.
+/// Closes `table`, whoever holds it: deletes its values and listeners, and closes the tables under
+/// it that nothing else holds. Its parent then gives a null table for it. Does nothing for a null
+/// handle and for a closed table, and may be called from a listener of the table.
 TESSEL_API void CloseTable(KVTable table);
 
 /// Gives the name of `table`: that of `CreateTable`, empty for a null name, or the key of
 /// `AddTable`. Null for a null handle and a closed table. Valid until the table is closed.
 TESSEL_API const char* GetTableName(KVTable table);
 
-/// Gives the number of open tables of the process, for tests of leaks. It looks at each place.
+/// Gives the number of open tables of the process, for tests of leaks. It checks every slot.
 TESSEL_API unsigned GetOpenTableCount();
 
 } // namespace Tessel

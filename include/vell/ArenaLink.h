@@ -12,27 +12,27 @@ namespace vell
 class HSMAlloc;
 
 /// A member of classes whose objects are placed in an arena and hold memory on the ordinary heap.
-/// The arena runs no destructor. When its block goes, it calls the function
+/// The arena runs no destructor. When its block is freed, it calls the function
 ///
 ///     Tessel::KVTable ReleaseStorage(TheClass& object, ArenaLink::AtEnd);
 ///
-/// that argument-dependent look-up finds, best a friend of the class. It frees the heap memory and
-/// returns the object's table, or a null handle; the arena closes the table when it is destroyed.
-/// The function `ArenaLink& GetArenaLink(TheClass&)` gives the member. The library's classes have
-/// both. A class of a host that derives from one of them and adds heap memory of its own adds a
-/// ReleaseStorage for itself, which ends with that of its base.
+/// that argument-dependent look-up finds, preferably a friend of the class. It frees the heap
+/// memory and returns the object's table, or a null handle; the arena closes the table when it is
+/// destroyed. The function `ArenaLink& GetArenaLink(TheClass&)` gives the member. The library's
+/// classes have both. A host class that derives from one of them and adds heap memory has a
+/// ReleaseStorage of its own, which ends by calling that of its base.
 ///
-/// A host may run the destructor of such an object by hand: the arena then leaves it alone.
+/// A host may call the destructor of such an object: the arena then does nothing about it.
 class VELL_API ArenaLink
 {
 public:
-    /// Tells the function from any other ReleaseStorage, of a host's for instance.
+    /// Distinguishes the function from any other named ReleaseStorage, such as a host's.
     struct AtEnd
     {
     };
 
     ArenaLink() = default;
-    /// A copy is an object of its own: it does not take over what an arena knows.
+    /// A copy is a separate object: it does not copy what the arena knows of the original.
     ArenaLink(const ArenaLink&)
     {
     }

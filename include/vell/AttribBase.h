@@ -11,9 +11,9 @@
 namespace vell
 {
 
-/// An attribute with its key/value table, named "attribBase". Every write of the value goes to the
-/// table's key "value", and a tool's write of that key comes back as a `SetValue`, but for four
-/// floats, which only the table takes.
+/// An attribute with its key/value table, named "attribBase". Setting the value writes the table's
+/// key "value". When a tool writes that key, `SetValue` is called, except for four floats, which
+/// change only in the table.
 class VELL_API AttribBase : public IAttribDef
 {
 public:
@@ -43,11 +43,11 @@ public:
     virtual int GetValue(Tessel::Float3* value);
     virtual int GetValue(Tessel::Float2* value);
 
-    /// Stores the pointer `newName` and writes the key "name". The text stays the caller's.
+    /// Stores the pointer `newName` and writes the key "name". The text is not copied.
     void SetName(const char* newName);
     /// Gives the attribute's table, or null.
     Tessel::KVTable GetKVTable() const;
-    /// Makes a new table. Returns 1.
+    /// Creates a new table. Returns 1.
     int CreateKVTable();
     /// Closes the table and keeps its handle. Returns 1.
     int DestroyKVTable();
@@ -55,8 +55,8 @@ public:
     int InitKVTableListener();
     /// Stops listening. Returns 1, or 0 with log lines when there is no table.
     int UnInitKVTableListener();
-    /// Takes a change of `key` in `table` over as the value, unless the attribute itself is writing
-    /// or `op` is not opResult_ValueChanged.
+    /// Sets the value to that of `key` in `table`, unless the attribute itself is writing or `op`
+    /// is not opResult_ValueChanged.
     void OnAttribValueModified(Tessel::opResult op, Tessel::KVTable table, const char* key);
 
     friend Tessel::KVTable ReleaseStorage(AttribBase& attrib, ArenaLink::AtEnd)
@@ -70,11 +70,11 @@ public:
     }
 
 protected:
-    /// The constructor of a concrete attribute: `type` is its parameter type number, whose name
-    /// goes to the key "type".
+    /// The constructor of a concrete attribute: `type` is its parameter type number, whose name is
+    /// written to the key "type".
     explicit AttribBase(int type);
 
-    Tessel::KVTable kvTable;    ///< null only where there was no memory for one
+    Tessel::KVTable kvTable;    ///< null only if there was no memory for it
     int syncState = 0;          ///< 0 idle, 2 while the attribute writes its own table
     const char* name = nullptr; ///< belongs to the document
     int defaultType = 0;        ///< parameter type number of the value

@@ -19,7 +19,7 @@ struct Revision;
 
 /// The base of every definition class. A host that adds a kind of node derives from it, writes a
 /// factory that places the object with HSMAlloc::New and registers it (IHSM::RegisterNodeDef). Its
-/// `Init` calls BaseDef::Init first, and on failure runs the virtual `Uninit` and returns 0.
+/// `Init` calls BaseDef::Init first, and on failure calls the virtual `Uninit` and returns 0.
 class VELL_API BaseDef : public IBaseDef
 {
 public:
@@ -28,18 +28,18 @@ public:
     BaseDef();
     explicit BaseDef(const char* name);
     BaseDef(const char* name, unsigned int id, unsigned int parentId);
-    /// Copies share name, table, child ids and action lists with the source; the map of attributes
-    /// is the copy's own and holds the same attributes.
+    /// A copy shares name, table, child ids and action lists with the source. It has its own map of
+    /// the same attributes.
     BaseDef(const BaseDef& other);
     BaseDef& operator=(const BaseDef& other);
 
-    /// The factory of a plain node. Places the definition in the arena; null with a log line when
-    /// there is no room.
+    /// The factory of a plain node. Places the definition in the arena. Null with a log line when
+    /// the arena is full.
     static BaseDef* Create(const GenericValue& node, HSMAlloc* alloc);
 
     // The order of these is part of the interface.
 
-    /// Runs `Uninit` of this class. Never runs for a definition in the arena.
+    /// Calls `Uninit` of this class. Never called for a definition in the arena.
     ~BaseDef() override;
     AttribBase* GetAttrib(const char* attribName) override;
     const char* GetName() override;
@@ -56,34 +56,34 @@ public:
     int RemoveAction(Action* action) override;
     void SetFlags(unsigned int newFlags) override;
     unsigned int GetFlags() const override;
-    /// Reads the common members of `node` and makes the node's table. Returns 1, or 0 with log
-    /// lines; what was read until then stays.
+    /// Reads the common members of `node` and creates the node's table. Returns 1, or 0 with log
+    /// lines; the members read before the failure are kept.
     virtual int Init(const GenericValue& node, HSMAlloc* alloc);
-    /// Deletes the actions, stops listening and closes the table. To be called once.
+    /// Deletes the actions, stops listening and closes the table. Call it once.
     virtual void Uninit();
-    /// Writes the id into the node's table, which is made when there is none. Returns 1.
+    /// Writes the id to the node's table, which is created if there is none. Returns 1.
     virtual int InitKVTable();
     /// Does nothing here. Returns 1.
     virtual int UninitKVTable();
 
-    /// Stores the pointer; the text stays the caller's.
+    /// Stores the pointer; the text is not copied.
     void SetName(const char* newName);
     void SetID(unsigned int newId);
     void SetParent(unsigned int newParentId);
     void SetType(eHSMDefTypes newType);
     void SetIndex(int newIndex);
-    /// Gives the position in the order of insertion, -1 until the node stands in a table.
+    /// Gives the position in the order of insertion, -1 until the node is in a table.
     int GetIndex() const;
     /// Gives the builder number, 0 when the document names none.
     __DURM_BUILDERS__ GetBuilderType() const;
-    /// Gives the id of the connector taken on exit, or 0.
+    /// Gives the id of the exit connector, or 0.
     unsigned int GetExitConnector() const;
     unsigned int GetNumChildren() const;
-    /// Gives the id of child `i`, which has to be below `GetNumChildren()`; 0 when the arena had no
-    /// room for the children.
+    /// Gives the id of child `i`, which must be below `GetNumChildren()`; 0 when the arena had no
+    /// space for the children.
     unsigned int GetChildID(unsigned int i) const;
-    /// Gives the node's table, or null. That of one of the library's conditions is created when it
-    /// is asked for.
+    /// Gives the node's table, or null. The table of a condition of the library is created by this
+    /// call.
     Tessel::KVTable GetKVTable() const;
     /// Writes the key "dynamic", and for a non-zero `dynamic` the key "name". Returns 1.
     int TabSetDynamic(int dynamic);
@@ -115,11 +115,11 @@ protected:
 
     using AttribMap = std::map<const char*, AttribBase*>;
 
-    /// What is known of `kvTable`.
+    /// The state of `kvTable`.
     enum class TableState : unsigned char
     {
         Open,  ///< or null
-        Due,   ///< it is created when it is asked for
+        Due,   ///< created by GetKVTable
         Closed ///< it keeps its handle
     };
 
@@ -132,11 +132,11 @@ protected:
     int index = -1;                     ///< position in the order of insertion
     unsigned int exitConnector = 0;     ///< id of a connector, or 0
     unsigned int flags = 0;             ///< class mask
-    bool isTableLate = false;           ///< `Init` leaves `kvTable` to the first who asks for it
+    bool isTableLate = false;           ///< `Init` leaves creating `kvTable` to GetKVTable
     mutable TableState tableState = {}; ///< of `kvTable`
     char* scriptName = nullptr;         ///< in the arena; null when absent or empty
     unsigned int numChildren = 0;       ///< length of `childIds`
-    unsigned int* childIds = nullptr;   ///< in the arena, of no particular alignment
+    unsigned int* childIds = nullptr;   ///< in the arena, possibly not aligned
     unsigned int numAttribs = 0;        ///< length of the document's attribute array
     AttribMap attribs;                  ///< keys are compared as pointers; attributes in the arena
     unsigned int numExecute = 0;        ///< length of the execute list
@@ -145,7 +145,7 @@ protected:
     Action* enterActions = nullptr;     ///< owned
     unsigned int numExit = 0;           ///< length of the exit list
     Action* exitActions = nullptr;      ///< owned
-    void* reserved = nullptr;           ///< nobody reads it
+    void* reserved = nullptr;           ///< never read
 
 private:
     VELL_LOCAL void Append(Action** head, unsigned int* count, Action* action);

@@ -7,13 +7,13 @@
 namespace vell
 {
 
-/// What an event listener receives with HSMEventPlayAnimation: the clip that the entered state asks
-/// for. The record lives for the call only; the text belongs to the document.
+/// What an event listener receives with HSMEventPlayAnimation: the clip that the entered state
+/// plays. The record is valid during the call only; the text belongs to the document.
 struct __PlayAnimEvent__
 {
-    const char* clipName; ///< may be null, when the document names no clip
+    const char* clipName; ///< null when the document names no clip
     bool flag;            ///< the document's clip flag
-    float scalar;         ///< 30.0, the clip's frame rate in frames a second
+    float scalar;         ///< 30.0, the clip's frame rate in frames per second
 };
 
 /// What a state change listener receives with HSMEventStateChange. The ids are the document's; each

@@ -2,7 +2,7 @@
 // include/vell/Export.h: what makes a name visible outside the library.
 #pragma once
 
-// VELL_STATIC: the objects are linked straight into the host. VELL_BUILDING: the library itself is
+// VELL_STATIC: the objects are linked directly into the host. VELL_BUILDING: the library itself is
 // being built. Neither: a host uses the shared library.
 #if defined(VELL_STATIC)
 #define VELL_API
@@ -16,7 +16,7 @@
 #define VELL_API __attribute__((visibility("default")))
 #endif
 
-// VELL_LOCAL: a part of an exported class that is the library's own and not exported.
+// VELL_LOCAL: an internal part of an exported class, which is not exported.
 #if defined(_WIN32)
 #define VELL_LOCAL
 #else

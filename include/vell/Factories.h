@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// include/vell/Factories.h: how a host makes a machine and hears its log.
+// include/vell/Factories.h: how a host creates a machine and receives its log.
 #pragma once
 
 #include <vell/Export.h>
@@ -11,22 +11,22 @@ namespace vell
 
 class IHSM;
 
-/// What SetLogCallBack takes: the level of a line (3 error, 4 warning, 6 info, 9 none) and its text
-/// with tag and newline, valid during the call only.
+/// Called for each log line with its level (3 error, 4 warning, 6 information, 9 banner) and its
+/// text with tag and newline, valid during the call only.
 using LogCallBack = void (*)(int level, const char* text);
 
 extern "C"
 {
-    /// Makes a machine from the document in the file `filePath`. `auxiliaryName` is never read. The
-    /// object is returned also when the document could not be read: the log tells, and IHSM::Init
-    /// returns 0. The host deletes it after IHSM::Uninit and IHSM::Destroy.
+    /// Creates a machine from the document in the file `filePath`. `auxiliaryName` is never read.
+    /// Never returns null: if the document cannot be read, the log says so and IHSM::Init returns
+    /// 0. The host deletes the machine after IHSM::Uninit and IHSM::Destroy.
     VELL_API IHSM* CreateHSM(const char* filePath, const char* auxiliaryName);
 
-    /// Makes a machine from the document that `jsonText` is, else like `CreateHSM`.
+    /// Creates a machine from the document in the string `jsonText`, otherwise like `CreateHSM`.
     VELL_API IHSM* CreateHSMJson(const char* jsonText);
 
-    /// Writes "Callback being setup" to standard output and makes `callback` hear every line,
-    /// besides standard error; null for nobody. One callback serves the process.
+    /// Writes "Callback being setup" to standard output and sets the callback that gets every log
+    /// line, in addition to standard error; null for none. There is one callback per process.
     VELL_API void SetLogCallBack(LogCallBack callback);
 }
 

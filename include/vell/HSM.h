@@ -19,20 +19,21 @@ class NodeDefTable;
 class ParameterTable;
 struct UpdateResult;
 
-/// The machine that the factories make. A host that adds kinds of states derives from it: such a
-/// class is built on the constructor without arguments, sets `filePath` or `jsonText`, and calls
-/// `Create`, which then reaches its own `RegisterBuilders`.
+/// The machine that the factories create. A host that adds kinds of states derives from it: such a
+/// class uses the constructor without arguments, sets `filePath` or `jsonText`, and calls `Create`,
+/// which then calls its own `RegisterBuilders`.
 class VELL_API HSM : public IHSM
 {
 public:
     struct VELL_LOCAL Internals; ///< the library's own
 
-    /// Makes a machine without a document; `Create` is not called.
+    /// Creates a machine without a document; `Create` is not called.
     HSM();
-    /// Makes a machine from the document in a file. `filePath` is not copied and has to live until
-    /// `Create` has run, which is inside this constructor; `auxiliaryName` is never read.
+    /// Creates a machine from the document in a file. `filePath` is not copied. `Create` reads it
+    /// inside this constructor; it must stay valid if the host calls `Create` again.
+    /// `auxiliaryName` is never read.
     HSM(const char* filePath, const char* auxiliaryName);
-    /// Makes a machine from the text of a document, which is read inside this constructor.
+    /// Creates a machine from a document in a string, which is read inside this constructor.
     explicit HSM(const char* jsonText);
     HSM(const HSM&) = delete;
     HSM& operator=(const HSM&) = delete;
@@ -76,12 +77,12 @@ public:
     void SetStateSwitchCallback(StateSwitchCallback callback) override;
     /// Adds `trigger` to the transition named `name`. Returns 1, or 0 with a log line.
     virtual int AssignTrigger(const char* name, Trigger trigger);
-    /// Puts one execute action made by `factory` on every definition of the state class. Returns
-    /// how many.
+    /// Registers one execute action, created by `factory`, on every definition of the state class.
+    /// Returns how many.
     virtual int AssignDefaultAction(ActionFactory factory);
 
 protected:
-    /// Leaves the top state and enters `id` in its place, leaving and entering twice. Returns null.
+    /// Leaves the top state and enters `id` instead; both happen twice. Returns null.
     virtual Action* ChangeState(unsigned int id);
     /// Registers the standard six state factories. A subclass adds its own after calling this one.
     virtual void RegisterBuilders();
@@ -89,27 +90,28 @@ protected:
     virtual void UnRegisterBuilders();
 
 public:
-    // What a host may call besides the interface.
+    // What a host may call in addition to the interface.
 
-    /// Enters `state` and puts it on top. Returns it, or null with log lines when it would not be
-    /// entered; it was then asked twice.
+    /// Enters `state` and pushes it. Returns it, or null with log lines when it refused to be
+    /// entered; `Enter` was then called twice.
     SMState* PushState(SMState* state);
     /// Activates, enters and pushes the state of node `id`. Returns it, or null with log lines.
     SMState* PushState(unsigned int id);
-    /// Leaves the top state and takes it off. Returns it, or null.
+    /// Leaves the top state and pops it. Returns it, or null.
     SMState* PopState();
-    /// Ends a blip, or pops the top state when none runs. Returns 1, or 0 with a log line.
+    /// Ends the blip, or pops the top state when none is running. Returns 1, or 0 with a log line.
     int RevertToPreviousState();
-    /// Ends a blip and empties the main stack too. Returns 1, or 0 when no blip runs.
+    /// Ends the blip and empties the main stack too. Returns 1, or 0 when no blip is running.
     int RevertToStartState();
-    /// Tells whether a blip runs.
+    /// Tells whether a blip is running.
     bool IsBlipState();
     /// Sends `event` to the event listeners. Returns how many were called.
     int FireEvent(__HSMEventType__ type, const __PlayAnimEvent__* event);
-    /// Binds the conditions of all transitions to their parameters. `Init` calls it; a host calls
-    /// it again after making parameters that conditions name.
+    /// Binds the conditions of all transitions to their parameters. `Init` calls it. A host calls
+    /// it again after creating parameters that conditions refer to.
     void BindParamCond();
-    /// Fires a message: the text parameter `name` takes its default. Does nothing for another name.
+    /// Fires a message: sets the text parameter `name` to its default. Does nothing for any other
+    /// name.
     void BroadcastMessage(const char* name);
     /// Gives the current text of a text parameter, valid until the parameter changes, and returns
     /// 1; otherwise 0.
@@ -119,8 +121,8 @@ public:
     /// Gives the text of a text attribute of the current state, valid until `Uninit` and showing
     /// later changes, and returns 1; otherwise 0.
     int GetAttributeValue(const char* name, const char** out);
-    /// Sets the text of an attribute of the current state and returns 1, also where its type is
-    /// another and nothing changes; 0 when there is no such attribute.
+    /// Sets the text of an attribute of the current state and returns 1, even if the attribute is
+    /// of another type and does not change; 0 when there is no such attribute.
     int SetAttribValue(const char* name, const char* text);
     /// Sets nothing: logs the attribute's type and returns 0.
     int SetAttribValue(const char* name, void* value);
@@ -130,74 +132,75 @@ public:
 protected:
     // Loading. `Create` and `Init` call these; a subclass may call them again.
 
-    /// Reads the memory figure of the head, 0x100000 when there is none. The arena has a hundred
+    /// Reads the `memory` value of the head, 0x100000 when there is none. The arena has a hundred
     /// times as many bytes. Returns 0 with a log line when `head` is not an object.
     int GetMemoryRequirements(const GenericValue& head);
     /// Gives the machine type's name in the head, or null; null with a log line when `head` is not
     /// an object. The text belongs to the document.
     const char* GetHSMType(const GenericValue& head);
-    /// Builds the parameters of the member of `root`. Returns 1, also when there is no such member
-    /// and no table is made, or 0 with log lines.
+    /// Creates the parameters that `root` lists. Returns 1, even when it has no such member and no
+    /// table is created, or 0 with log lines.
     int InitParameterTable(const GenericValue& root, HSMAlloc* arena);
-    /// Builds the definitions of an array of nodes. Returns 1, or 0 with log lines and no node
-    /// left.
+    /// Creates the definitions of an array of nodes. Returns 1, or 0 with log lines; then all nodes
+    /// are dropped.
     int InitNodeDefTable(const GenericValue& nodes, HSMAlloc* arena);
-    /// Uninitialises the parameters, or the definitions. Returns 1. The library does not call these
-    /// but after a failed load.
+    /// Uninitialises the parameters, or the definitions. Returns 1. The library calls these only
+    /// after a failed load.
     int UninitParameterTable(HSMAlloc* arena);
     int UninitNodeDefTable(HSMAlloc* arena);
-    /// Builds the nodes of all layers of the machine's own document; `root` tells only which
-    /// members there are. Returns 1, or 0 with log lines.
+    /// Creates the nodes of all layers of the machine's own document; `root` is only asked which
+    /// members exist. Returns 1, or 0 with log lines.
     int ImportLayers(const GenericValue& root, HSMAlloc* arena);
-    /// Builds the nodes of one layer. Returns 1, or 0 with log lines.
+    /// Creates the nodes of one layer. Returns 1, or 0 with log lines.
     int ImportStates(const GenericValue& layer, HSMAlloc* arena);
 
     // The tick.
 
-    /// Tests the transitions of `state`, which it does not update. When one holds, `result` says
-    /// which and what to pop. Returns 3 when one did, 2 when none did, and 0 with a log line for a
-    /// null argument.
+    /// Tests the transitions of `state`; it does not update the state. When one fires, `result`
+    /// says which one and what to pop. Returns 3 when one fires, 2 when none does, and 0 with a log
+    /// line for a null argument.
     int UpdateState(SMState* state, UpdateResult* result, float timeStep);
-    /// Pops the current stack down to `result->popLevel`, then activates and pushes the target and
-    /// tells the listeners. A target of 0 pops only. Returns 1, or 0 with a log line when the
-    /// record is null or the target cannot be activated; what was popped stays popped.
+    /// Pops the current stack down to and including the index `result->popLevel`, then activates
+    /// and pushes the target and tells the listeners. With a target of 0 it only pops. Returns 1,
+    /// or 0 with a log line when the record is null or the target cannot be activated; the popped
+    /// states stay popped.
     int UpdateStateStack(UpdateResult* result);
-    /// Activates `id` and, as long as it is a level, appends its id to `ids` and goes on with its
-    /// parent. Nothing is entered or pushed. The library does not call it.
+    /// Activates `id` and, as long as it is a substate, appends its id to `ids` and continues with
+    /// its parent. Nothing is entered or pushed. The library does not call it.
     void StartState(unsigned int id, std::vector<unsigned int>& ids);
 
     // Activation.
 
-    /// Gives the state of node `id`, which is made at the first call, and calls the state-switch
-    /// callback with `switchArgument`. Null with log lines.
+    /// Gives the state of node `id`, which the first call creates, and calls the state-switch
+    /// callback with `switchArgument`. Returns null with log lines on failure.
     SMState* ActivateState(unsigned int id, float switchArgument);
     /// Gives `state` the transitions that its definition lists, sorted. Returns 1.
     int ActivateTransitions(SMState* state);
     /// Gives the state of node `id` if it was activated before, else null.
     SMState* FindState(unsigned int id);
 
-    // The tree. Each returns 1, or 0 where it is said.
+    // The tree. Each function returns 1, or 0 where its comment says so.
 
-    /// Creates the whole tree, once. 0 with a log line when there is one or a step fails.
+    /// Creates the whole tree, once. Returns 0 with a log line when the tree exists or a step
+    /// fails.
     int CreateKVTable();
     /// Closes the root table, if there is one.
     int DestroyKVTable();
-    /// The steps of `CreateKVTable`: the file name, "contextInfo", and the attaching of the two
-    /// tables. All but the second return 0 without a root table.
+    /// The steps of `CreateKVTable`: the file name, "contextInfo", and attaching the two tables.
+    /// All but the second return 0 without a root table.
     int InitKVTable_Self();
     int InitKVTable_ContextTable();
     int InitKVTable_ParameterTable();
     int InitKVTable_NodeDefTable();
-    /// Gives the array that mirrors the current stack, or a null handle; 0, and `out` as it was,
-    /// when the current stack is neither of the two.
+    /// Gives the array that mirrors the current stack, or a null handle. Returns 0 and leaves `out`
+    /// unchanged when the current stack is neither of the two.
     int GetCurrentStackTable(Tessel::KVTable* out);
-    /// Appends the id of `state` to that array. 0 when there is none.
+    /// Appends the id of `state` to that array. Returns 0 when there is none.
     int UpdateKVTable_OnPushState(SMState* state);
-    /// Removes the last id from that array. 0 when there is none.
+    /// Removes the last id from that array. Returns 0 when there is none.
     int UpdateKVTable_OnPopState();
-    /// The steps of `SetContextInfo`: each stack, then the last change of states, which the
-    /// listeners hear of. An unknown id ends a stack with a log line, and 1 is returned all the
-    /// same.
+    /// The steps of `SetContextInfo`: each stack, then the last state change, which listeners are
+    /// told of. An unknown id ends a stack with a log line, but 1 is returned.
     int SetContextInfo_StackStates(const Tessel::KVTable& table);
     int SetContextInfo_StackBlip(const Tessel::KVTable& table);
     int SetContextInfo_StateSwitching(const Tessel::KVTable& context);
@@ -206,7 +209,7 @@ protected:
 
     // What a tick reads comes first, in as few cache lines as possible.
     bool applyingContext = false;                  ///< Update does nothing while it is true
-    SMState* globalState = nullptr;                ///< made by the first Start
+    SMState* globalState = nullptr;                ///< created by the first Start
     std::vector<SMState*>* currentStack = nullptr; ///< one of the two; null until Start
     std::vector<SMState*> stateStack;              ///< the main stack, bottom first
     ParameterTable* parameterTable = nullptr;      ///< in the arena; null without JSON_Parameters
@@ -214,18 +217,18 @@ protected:
     std::vector<SMState*> blipStack;          ///< the stack of a blip, bottom first
     Tessel::KVTable kvTable;                  ///< root of the tree; null until Init
     NodeDefTable* nodeDefTable = nullptr;     ///< in the arena; null when Create failed
-    GenericDocument document;                 ///< definitions point into its texts
+    GenericDocument document;                 ///< definitions point into its strings
     const char* filePath = nullptr;           ///< the host's
     const char* auxiliaryName = nullptr;      ///< the host's; never read
     const char* jsonText = nullptr;           ///< the host's
-    unsigned int startStateID = 0;            ///< node that Start pushes
+    unsigned int startStateID = 0;            ///< the node that Start pushes
     __STATE_MACHINE_TYPES__ machineType = {}; ///< from the head
     SMState* previousState = nullptr;         ///< state last left by a transition
     std::map<unsigned int, Action*> actions;  ///< not owned
     std::map<unsigned int, SMState*> states;  ///< every state ever activated; in the arena
     HSMAlloc alloc;                           ///< the arena
     ListenerList stateChangeListeners;        ///< not owned
-    ListenerList transitionChangeListeners;   ///< not owned; nobody calls them
+    ListenerList transitionChangeListeners;   ///< not owned; never called
     ListenerList eventListeners;              ///< not owned
     bool blipActive = false;                  ///< a blip runs
     int blipStackLevel = 0;                   ///< top index at the last blip; never read

@@ -19,25 +19,25 @@
 namespace vell
 {
 
-/// Hands out memory from one block in ascending order and takes nothing back one by one. A
-/// machine's definitions, parameters, tables and run-time states lie in its arena in the order of
-/// loading.
+/// An arena: allocates memory from one block in ascending order and frees it all at once. A
+/// machine's definitions, parameters, tables and states are in its arena, in the order in which
+/// they were created.
 ///
-/// The arena runs no destructor. Memory that an object holds on the ordinary heap (a map, a vector,
-/// a text) is freed with the block, and its key/value table is closed when the arena is destroyed,
-/// when its class has the functions that ArenaLink.h describes.
+/// The arena calls no destructors. If the class of an object has the functions that ArenaLink.h
+/// describes, the object's heap memory (a map, a vector, a string) is freed with the block, and its
+/// key/value table is closed when the arena is destroyed.
 ///
-/// Objects follow one another without a gap, so one that follows a raw allocation of an odd size is
-/// misaligned. Only a type that asks for more than 8 is placed where it is aligned. A build with
-/// VELL_ARENA_ROUNDING rounds up to 8 after each raw allocation and aligns every object, for
-/// targets where a misaligned object is a fault.
+/// Objects are packed without gaps, so an object after a raw allocation of an odd size is
+/// misaligned. Only types with an alignment above 8 are aligned. A build with VELL_ARENA_ROUNDING
+/// rounds up to 8 after each raw allocation and aligns every object, for targets where misaligned
+/// objects do not work.
 class VELL_API HSMAlloc
 {
-    /// Where the entries of `tracked` lie, which go all at once.
+    /// The memory of the entries of `tracked`, freed all at once.
     std::pmr::monotonic_buffer_resource trackedPool{std::pmr::new_delete_resource()};
 
 public:
-    /// Sizes by address. The entries of the arena's own lie close together.
+    /// Sizes by address. The entries of the arena's own map are close together.
     using SizeMap = std::pmr::map<void*, unsigned int>;
 
     HSMAlloc() = default;
@@ -45,26 +45,26 @@ public:
     HSMAlloc(const HSMAlloc&) = delete;
     HSMAlloc& operator=(const HSMAlloc&) = delete;
 
-    /// Frees the block, if there is one, and takes a new one of `size` bytes, not cleared. Returns
-    /// 1, or 0 with no block when there is no memory.
+    /// Frees the block, if there is one, and allocates a new one of `size` bytes, not cleared.
+    /// Returns 1, or 0 without a block when there is no memory.
     int Reserve(unsigned int size);
 
-    /// Frees the block. May be called at any time and any number of times; objects in the block are
-    /// gone without further notice. The record `tracked` stays.
+    /// Frees the block. May be called at any time and any number of times; the objects in the block
+    /// are gone. The record `tracked` is kept.
     void Release();
 
-    /// Constructs a T by its default constructor behind what was handed out last, and records it in
-    /// `tracked`. Returns null, and constructs nothing, when there is no block or not enough room.
-    /// The constructor may allocate from the arena itself. When it throws, its room is handed out
-    /// again, unless it has allocated something that stays behind it.
+    /// Constructs a T with its default constructor after the last allocation, and records it in
+    /// `tracked`. Returns null, and constructs nothing, when there is no block or not enough space.
+    /// The constructor may allocate from the arena itself. If it throws, its space is used again,
+    /// unless the constructor has allocated from the arena.
     template <class T>
     T* New();
 
-    /// Hands out `size` bytes, all zero. Returns null when `size` is 0, when there is no block, or
-    /// when there is not enough room. Not recorded in `tracked`, and of no particular alignment.
+    /// Allocates `size` bytes, all zero. Returns null when `size` is 0, when there is no block, or
+    /// when there is not enough space. Not recorded in `tracked`, and not aligned.
     void* AllocRaw(unsigned int size);
 
-    /// Tells whether `object` lies in what was handed out of the block.
+    /// Tells whether `object` is in the allocated part of the block.
     bool Holds(const void* object) const
     {
         const auto* byte = static_cast<const unsigned char*>(object);
@@ -74,16 +74,16 @@ public:
     /// Closes `table` when the arena is destroyed.
     void CloseLater(Tessel::KVTable table);
 
-    unsigned char* block = nullptr; ///< null while no block is held
-    unsigned int used = 0;          ///< bytes handed out; offset of the next object
-    unsigned int capacity = 0;      ///< bytes of the block
+    unsigned char* block = nullptr; ///< null when there is no block
+    unsigned int used = 0;          ///< bytes allocated; offset of the next object
+    unsigned int capacity = 0;      ///< size of the block
     SizeMap tracked{&trackedPool};  ///< address and size of every typed allocation ever made
 
 private:
     friend class ArenaLink;
 
-    /// What to do about one object: `release` when the block goes, which turns the object into what
-    /// is left of it, and `destroy` when the arena goes. `release` may be null.
+    /// What to do about one object: `release` when the block is freed, which turns the object into
+    /// what is left of it, and `destroy` when the arena is destroyed. `release` may be null.
     struct Duty
     {
         void* (*release)(void* object);
@@ -105,11 +105,11 @@ private:
     {
     };
 
-    /// Gives what is to do about an object of the class at the end, or null.
+    /// Gives what to do about an object of the class at the end, or null.
     template <class T>
     static const Duty* DutyOf();
 
-    /// The room of one object while its constructor runs. Gives it back when that throws.
+    /// The space of one object while its constructor runs. Frees it if the constructor throws.
     class Room
     {
     public:
@@ -130,7 +130,8 @@ private:
         Room(const Room&) = delete;
         Room& operator=(const Room&) = delete;
 
-        /// Says that the object is there. `duty` is what to do about it at the end, or null.
+        /// To be called when the object is constructed. `duty` is what to do about it at the end,
+        /// or null.
         void Fill(void* object, const Duty* duty)
         {
             isFilled = true;
@@ -147,11 +148,11 @@ private:
         HSMAlloc& arena;
         const unsigned int start;
         const unsigned int end;
-        const std::size_t entry; ///< in `kept`, taken before the object is there
+        const std::size_t entry; ///< in `kept`, reserved before the object is constructed
         bool isFilled = false;
     };
 
-    /// Gives the bytes to leave free in front of an object.
+    /// Gives the number of bytes to leave free before an object.
     unsigned int PaddingFor(std::size_t alignment) const
     {
 #if !defined(VELL_ARENA_ROUNDING)

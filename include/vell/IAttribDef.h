@@ -7,8 +7,8 @@
 namespace vell
 {
 
-/// A named, typed value on a node definition. A value operation of another type than the
-/// attribute's does nothing, and a getter of another type writes nothing and returns 0.
+/// A named, typed value on a node definition. A setter of another type than the attribute's does
+/// nothing, and a getter of another type writes nothing and returns 0.
 class VELL_API IAttribDef
 {
 public:
@@ -23,12 +23,12 @@ public:
     virtual void SetValue(int value) = 0;
     virtual void SetValue(float value) = 0;
     virtual void SetValue(bool value) = 0;
-    /// Returns 0: a text is read through SMState::GetAttrib.
+    /// Returns 0: read a text through SMState::GetAttrib.
     virtual int GetValue(const char* value) = 0;
     /// Writes the value and returns 1, or returns 0 for another type.
     virtual int GetValue(int* value) = 0;
     virtual int GetValue(float* value) = 0;
-    /// Writes nothing and returns 0, also for a bool: it is read through SMState::GetAttrib.
+    /// Writes nothing and returns 0, even for a bool: read a bool through SMState::GetAttrib.
     virtual int GetValue(bool* value) = 0;
 };
 

@@ -7,13 +7,13 @@
 namespace vell
 {
 
-/// Receives events. Listeners belong to the host: the machine keeps plain pointers, never deletes
-/// one, and a listener that goes away unsubscribes itself first. There is no virtual destructor.
+/// Receives events. Listeners belong to the host: the machine keeps plain pointers and never
+/// deletes one, so unsubscribe a listener before deleting it. There is no virtual destructor.
 class VELL_API IBroadcastListener
 {
 public:
-    /// Takes the event `event` with its `record`, which is valid during the call only and may be
-    /// null. The machine does not look at the result.
+    /// Called with an event and its `record`, which is valid during the call only and may be null.
+    /// The machine ignores the result.
     virtual int OnBroadcastEvent(int event, const void* record) = 0;
 };
 

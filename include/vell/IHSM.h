@@ -15,17 +15,17 @@ class IBaseDef;
 class IBroadcastListener;
 class IParameterTable;
 
-/// A machine. A host keeps this order: a factory (CreateHSM, CreateHSMJson); `RegisterNodeDef`;
-/// `Init`, the only place where a failed load shows; registrations and subscriptions; `Start`,
-/// once; `Update`, once a frame; `Uninit`; `Destroy`; delete. A machine belongs to one thread at a
-/// time, and machines are made and deleted by one thread at a time.
+/// A machine. Call its functions in this order: a factory (CreateHSM, CreateHSMJson);
+/// `RegisterNodeDef`; `Init`, whose result is the only one that reports a failed load;
+/// registrations and subscriptions; `Start`, once; `Update`, once per frame; `Uninit`; `Destroy`;
+/// delete. A machine belongs to one thread at a time, and machines are created and deleted by one
+/// thread at a time.
 ///
-/// A callback is whatever a machine calls of the host's: an action, a listener, a trigger, a
-/// factory, the state-switch or log callback, a virtual operation of a state or definition class.
-/// No callback may end, load or tick its own machine (`Uninit`, `Create`, `Init`, `Start`,
-/// `Update`, delete): the caller goes on with what would be gone. Set a flag there, and act on it
-/// after `Update` has returned. docs/host-guide.md has a table of what each kind of callback may
-/// call.
+/// A callback is any code of the host that a machine calls: an action, a listener, a trigger, a
+/// factory, the state-switch or log callback, a virtual function of a state or definition class. No
+/// callback may end, load or tick its own machine (`Uninit`, `Create`, `Init`, `Start`, `Update`,
+/// delete): the caller would continue with deleted data. Set a flag, and act on it after `Update`
+/// has returned. docs/host-guide.md has a table of what each kind of callback may call.
 class VELL_API IHSM
 {
 public:
@@ -33,22 +33,23 @@ public:
 
     /// Not from a callback.
     virtual ~IHSM() = default;
-    /// Fills the tables from the document. Returns 1, or 0 with log lines.
+    /// Loads parameters and nodes from the document, binds conditions and builds the tree. Returns
+    /// 1, or 0 with log lines.
     virtual int Init() = 0;
     /// Releases the definitions and the arena and closes the tree. After it only `Destroy` and
     /// deletion are allowed. Not from a callback. Returns 1.
     virtual int Uninit() = 0;
-    /// Puts both stacks and the last state change into the state that `context` records, a table of
-    /// the shape of another machine's "contextInfo". Returns 1, also when an id names no state,
-    /// which only the log shows. States are neither left nor entered.
+    /// Restores both stacks and the last state change from `context`, a table like another
+    /// machine's "contextInfo". Returns 1 even when an id names no state; only the log shows that.
+    /// States are neither left nor entered.
     virtual int SetContextInfo(const Tessel::KVTable& context) = 0;
     /// Reads the document. The constructors call it; a subclass built without a document calls it
     /// itself. Not from a callback. Returns 1, or 0 with log lines.
     virtual int Create() = 0;
-    /// Empties the state-builder registry of the process. Returns 1.
+    /// Empties the registry of state factories of the process. Returns 1.
     virtual int Destroy() = 0;
     /// One tick; `timeStep` in the host's unit of time. Not from a callback. Throws
-    /// std::out_of_range when a blip that ends leaves the walk above the main stack.
+    /// std::out_of_range when a blip ends and the index of the loop is above the main stack.
     virtual void Update(float timeStep) = 0;
     /// Activates the global state and enters the start state. Failures go to the log.
     virtual void Start() = 0;
@@ -60,48 +61,48 @@ public:
     virtual Tessel::KVTable GetKVTable() const = 0;
     /// Gives the innermost active state, or null.
     virtual SMState* GetCurrentState() = 0;
-    /// Gives the model's file name, or null; never an empty text.
+    /// Gives the model's file name, or null, but never an empty text.
     virtual const char* GetMDLAsset() = 0;
     /// Gives the skeleton's file name, or null.
     virtual const char* GetSkelAsset() = 0;
-    /// Gives the document's GUID, empty when it has none; null with a log line without a node
-    /// table.
+    /// Gives the document's GUID, empty when it has none. Null with a log line when there is no
+    /// node table.
     virtual const char* GetGUID() = 0;
     /// Gives the machine type that the document names.
     virtual __STATE_MACHINE_TYPES__ GetHSMType() const = 0;
-    /// Starts a walk over the definitions whose flags meet `mask`, in ascending id. Null at the
-    /// end. One walk runs at a time.
+    /// Starts an iteration over the definitions that have a flag of `mask`, or over all for
+    /// DefTypesAll, in ascending id. Null at the end. There is only one iteration at a time.
     virtual IBaseDef* BeginDef(unsigned int mask) = 0;
-    /// Goes on with the walk.
+    /// Continues the iteration.
     virtual IBaseDef* NextDef(unsigned int mask) = 0;
     /// Gives the definition with this name and the lowest id, or null with a log line.
     virtual IBaseDef* FindDef(const char* name) = 0;
     /// Gives the definition, or null with a log line.
     virtual IBaseDef* FindDef(unsigned int id) = 0;
     /// The listener lists. Each Subscribe returns 1, or 0 when `listener` is on the list already;
-    /// each Unsubscribe returns 1, or 0 when it is not. Nobody calls the transition change
-    /// listeners: the record of a state change names the transition.
+    /// each Unsubscribe returns 1, or 0 when it is not. Transition change listeners are never
+    /// called: the record of a state change names the transition.
     virtual int SubscribeTransitionChange(IBroadcastListener* listener) = 0;
     virtual int UnsubscribeTransitionChange(IBroadcastListener* listener) = 0;
     virtual int SubscribeStateChange(IBroadcastListener* listener) = 0;
     virtual int UnsubscribeStateChange(IBroadcastListener* listener) = 0;
     virtual int SubscribeEvents(IBroadcastListener* listener) = 0;
     virtual int UnsubscribeEvents(IBroadcastListener* listener) = 0;
-    /// Puts `action` into the look-up by its id. Returns 0, also on success: `FindAction` tells.
-    /// The action stays the host's.
+    /// Makes `action` available to `FindAction` by its id. Returns 0 even on success; call
+    /// `FindAction` to check. The host keeps owning the action.
     virtual int RegisterAction(Action* action) = 0;
     /// Gives the registered action, or null.
     virtual Action* FindAction(unsigned int id) = 0;
-    /// Makes `factory` build the nodes of a builder number, for every machine of the process that
+    /// Registers `factory` for the nodes of a builder number, for every machine of the process that
     /// is not yet initialised. Returns 1, or 0 with a log line.
     virtual int RegisterNodeDef(__DURM_BUILDERS__ builder, NodeDefFactory factory) = 0;
 
 protected:
-    /// Makes `factory` build the states of a builder number, for every machine of the process.
+    /// Registers `factory` for the states of a builder number, for every machine of the process.
     virtual int RegisterState(__DURM_BUILDERS__ builder, StateFactory factory) = 0;
 
 public:
-    /// Sets the one callback; null for none.
+    /// Sets the state-switch callback; null for none.
     virtual void SetStateSwitchCallback(StateSwitchCallback callback) = 0;
 };
 

@@ -36,17 +36,17 @@ public:
     virtual int GetParameterAssign(unsigned int id) = 0;
     /// Gives the class of the binding number, or 0 for an unknown id.
     virtual int GetParameterAssignClass(unsigned int id) = 0;
-    /// Gives the parameter as a listener that the host may subscribe to its input, or null.
+    /// Gives the parameter as a listener that the host can subscribe to its input events, or null.
     virtual IBroadcastListener* GetBroadcastListener(unsigned int id) = 0;
     /// Creates a parameter while the machine runs, with `value` as default and current value.
-    /// Returns 1 and the parameter; 0 and null when the name is null or taken. Conditions that are
-    /// already bound do not see it; HSM::BindParamCond binds again.
+    /// Returns 1 and the parameter; 0 and null when the name is null or already used. Conditions
+    /// that are already bound do not see it until HSM::BindParamCond is called.
     ///
-    /// The parameter is never deleted, so the pointer stays valid when the machine is gone. Its
-    /// table closes with the machine; writing its value then only stores it. Each one costs the
-    /// process some hundred bytes and its texts for good: a host that creates machines all day
-    /// declares such parameters in the document. `name` is not copied: it must outlive the machine,
-    /// and the last call of the parameter's `GetName`.
+    /// The parameter is never deleted, so the pointer stays valid after the machine is deleted. Its
+    /// table is closed with the machine; setting the value then only stores it. Each one takes some
+    /// hundred bytes of the process that are never freed: a host that keeps creating machines
+    /// should declare such parameters in the document. `name` is not copied: it must outlive the
+    /// machine, and the last call of the parameter's `GetName`.
     virtual int CreateFloatParameter(const char* name, float value, IParameterFloatDef** out) = 0;
     virtual int CreateBoolParameter(const char* name, bool value, IParameterBoolDef** out) = 0;
     virtual int CreateIntParameter(const char* name, int value, IParameterIntDef** out) = 0;

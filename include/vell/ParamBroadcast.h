@@ -7,21 +7,21 @@
 namespace vell
 {
 
-/// One piece of host input, as `OnBroadcastEvent` of a parameter takes it. The class of the
-/// parameter decides which of the overlapping inputs it reads. For event 6 the record is not this
-/// one but the bare value: one to four floats.
+/// One input of the host, as `OnBroadcastEvent` of a parameter takes it. The class of the parameter
+/// decides which member of the union it reads. For event 6 the record is only the value: one to
+/// four floats.
 struct ParamBroadcast
 {
     int subKind;             ///< a bool parameter takes event 1 only when this is 1
     int binding;             ///< compared with the parameter's `GetAssign`
-    unsigned char unread[8]; ///< the host's own
+    unsigned char unread[8]; ///< for the host's use
     union
     {
         int boolean;     ///< bool input; non-zero is true
         float vector[4]; ///< three or four floats of a vector input
         struct
         {
-            float unused;    ///< stands before the scalar input
+            float unused;    ///< before the scalar input
             float scalar[2]; ///< one float, or the two of a two-float input
         } stick;
     } input;

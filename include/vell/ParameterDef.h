@@ -11,9 +11,9 @@ namespace vell
 
 class ParameterTable;
 
-/// A named, typed, live value of a machine: the input that conditions test. It keeps a default and
-/// a current value, mirrors the current one in its table under "value", and takes a tool's write of
-/// that key back as its value.
+/// A named, typed input of a machine, which conditions test. It has a default and a current value,
+/// mirrors the current one in its table under "value", and takes its value from there when a tool
+/// writes it.
 class VELL_API ParameterDef : public BaseDef, public IBroadcastListener
 {
 public:
@@ -24,14 +24,16 @@ public:
     /// Gives the parameter type number.
     virtual int GetParamType();
     virtual void SetParamType(int newType);
-    /// Gives the binding number that input records are matched with; 0 for a run-time parameter.
+    /// Gives the binding number that is compared with that of input records; 0 for a run-time
+    /// parameter.
     virtual int GetAssign();
     virtual void SetAssign(int newAssign);
     /// Gives the class of the binding number: 4, 1 or 0.
     virtual int GetAssignClass();
     virtual void SetAssignClass(int newClass);
-    /// Gives the address of the current value: bool, int, one to four floats, or a std::string.
-    /// It is the parameter's, and stays the same from the end of the load to IHSM::Uninit.
+    /// Gives the address of the current value: bool, int, one to four floats, or a std::string. The
+    /// address belongs to the parameter and does not change from the end of the load to
+    /// IHSM::Uninit.
     virtual void* GetValuePtr() = 0;
     /// Sets the current value to the default.
     virtual void ResetValue() = 0;
@@ -41,9 +43,9 @@ public:
     /// Starts listening to the key "value". Returns 1, or 0 when there is no such key.
     virtual int InitKVTableListener();
     virtual int UnInitKVTableListener();
-    /// Takes the table's "value" over as the current value.
+    /// Sets the current value to the table's "value".
     virtual void PullValue() = 0;
-    /// Pulls the value, unless the parameter itself is writing or `result` is not
+    /// Takes the value from the table, unless the parameter itself is writing or `result` is not
     /// opResult_ValueChanged. Returns 1.
     virtual int OnParamValueModified(Tessel::opResult result, Tessel::KVTable table,
                                      const char* key);
@@ -61,27 +63,28 @@ public:
     /// Tells whether the machine resets the parameter at the end of every tick.
     bool IsResetEachFrame() const;
 
-    /// Copies the value with all else. What `other` says of `IsResetEachFrame` counts from now on.
+    /// Copies the value and everything else, including `IsResetEachFrame`, which then has its
+    /// effect here.
     ParameterDef& operator=(const ParameterDef& other);
     ParameterDef(const ParameterDef& other) = default;
 
 protected:
     explicit ParameterDef(int type);
 
-    /// Writes the identity and the type name into the table, for `InitKVTable` of the classes.
+    /// Writes the id and the type name to the table, for `InitKVTable` of the classes.
     void InitTypeKey();
 
     int syncState = 0;           ///< 0 idle, 2 while the parameter writes its own table
     int paramType = 0;           ///< parameter type number
     int assign = 0;              ///< binding number
     int assignClass = 0;         ///< class of the binding number
-    bool resetEachFrame = false; ///< written while loading and by assignment, by nobody else
+    bool resetEachFrame = false; ///< written only during the load and by assignment
 
 private:
     friend class ParameterTable;
 
     NotCopied<ParameterTable> resetBy; ///< the library's; the table that resets it, or null
-    ValueRecord listening;             ///< the library's; by which the value is heard of
+    ValueRecord listening;             ///< the library's; the listener record for the value
 };
 
 } // namespace vell

@@ -11,14 +11,14 @@
 namespace vell
 {
 
-// The order of the operations in each interface is part of it. None has a destructor of its own: a
-// parameter belongs to its machine and stays valid until IHSM::Uninit, one created at run time as
-// long as the process.
+// The order of the functions is part of each interface. None has a destructor: a parameter belongs
+// to its machine and stays valid until IHSM::Uninit; one created at run time lives as long as the
+// process.
 
-/// The value operations that all seven interfaces share. `SetDefaultValue` stores the default and
-/// does nothing else. `SetValue` stores the current value and writes it to the parameter's table.
-/// `GetValuePtr` gives the address of the current value, which never changes. `ResetValue` sets the
-/// current value to the default.
+/// The functions that all seven interfaces share. `SetDefaultValue` only stores the default.
+/// `SetValue` stores the current value and writes it to the parameter's table. `GetValuePtr` gives
+/// the address of the current value, which never changes. `ResetValue` sets the current value to
+/// the default.
 class VELL_API IParameterBoolDef
 {
 public:

@@ -12,8 +12,8 @@
 namespace vell
 {
 
-/// The current value of a scalar parameter. It lies in the parameter, or where a machine keeps the
-/// values of its parameters side by side. A copy holds the same value in itself.
+/// The current value of a scalar parameter. It is in the parameter, or in the array where a machine
+/// keeps the values of its parameters. A copy has the same value in itself.
 template <class T>
 class ParameterValue
 {
@@ -30,8 +30,8 @@ public:
         return *this;
     }
 
-    /// Moves the value into four bytes that are the parameter's for as long as it lives. Whoever
-    /// has the address of the value has it no longer.
+    /// Moves the value to four bytes that stay the parameter's for its lifetime. The old address of
+    /// the value becomes invalid.
     void MoveTo(void* room)
     {
         std::memset(room, 0, sizeof(own));
@@ -48,7 +48,7 @@ public:
     }
 
 private:
-    alignas(4) unsigned char own[4] = {}; ///< a bool's too: a four-byte read stays inside
+    alignas(4) unsigned char own[4] = {}; ///< for a bool too: a four-byte read stays inside
     T* place;
 };
 
@@ -210,7 +210,7 @@ private:
     Tessel::Float4 value{};
 };
 
-/// A text parameter, by which messages reach conditions.
+/// A text parameter: a message.
 class VELL_API ParameterMessageDef : public ParameterDef, public IParameterMessageDef
 {
 public:

@@ -24,10 +24,10 @@ class TransitionDef;
 struct Revision;
 struct UpdateResult;
 
-/// What sits on a machine's stack: runs its definition's actions and decides every tick whether one
-/// of its transitions fires. A state is made when its node is first needed and stays as long as the
-/// machine. A host that adds a kind of state derives from it, writes a factory that places the
-/// object with HSMAlloc::New, and registers it from a subclass of HSM (HSM::RegisterState).
+/// A state: performs its definition's actions and tests its transitions in every tick while it is
+/// on a stack. It is created when its node is first activated and lives as long as the machine. A
+/// host that adds a kind of state derives from it, writes a factory that places the object with
+/// HSMAlloc::New, and registers it from a subclass of HSM (HSM::RegisterState).
 class VELL_API SMState
 {
 public:
@@ -37,7 +37,7 @@ public:
     SMState(const SMState& other);
     SMState& operator=(const SMState& other);
 
-    /// The factory of a plain state. Null with a log line when `alloc` is null or has no room.
+    /// The factory of a plain state. Null with a log line when `alloc` is null or full.
     static SMState* Create(unsigned int id, HSMAlloc* alloc);
 
     // The order of these is part of the interface.
@@ -47,18 +47,19 @@ public:
     virtual int Init(BaseDef* newDef);
     /// Returns 1.
     virtual int Uninit();
-    /// Tests that the exit connector leads to a definition. Returns 1, or 0 with a log line. The
-    /// library does not call it.
+    /// Tests that the exit connector is an existing definition. Returns 1, or 0 with a log line.
+    /// The library does not call it.
     virtual int HandleInput(HSM* machine);
     /// One tick of the state, `dt` in the host's unit of time. Returns 1, or 0 when `Execute`
-    /// failed, which then ran twice.
+    /// failed; it then ran twice.
     virtual int Update(HSM* machine, float dt);
-    /// Runs the enter actions, tells the parent, logs, and asks for the animation of a clip.
-    /// Returns 1, or 0 with a log line when there is no definition.
+    /// Performs the enter actions, tells the parent, logs, and sends the event of a clip. Returns
+    /// 1, or 0 with a log line when there is no definition.
     virtual int Enter();
-    /// Runs the execute actions. Returns 1, or 0 with a log line when there is no definition.
+    /// Performs the execute actions. Returns 1, or 0 with a log line when there is no definition.
     virtual int Execute(double dt);
-    /// Logs and runs the exit actions. Returns 1, or 0 with a log line when there is no definition.
+    /// Logs and performs the exit actions. Returns 1, or 0 with a log line when there is no
+    /// definition.
     virtual int Exit();
     /// Returns the state itself.
     virtual SMState* GetStates();
@@ -68,12 +69,12 @@ public:
 
     BaseDef* GetDef() const;
     void SetDef(BaseDef* newDef);
-    /// Gives the substate whose nested level holds this state, or null.
+    /// Gives the substate around this state, or null.
     SubstateState* GetParent() const;
     void SetParent(SubstateState* newParent);
     HSM* GetHSM() const;
     void SetHSM(HSM* machine);
-    /// Null: the actions that run are those of the definition.
+    /// Null: only the actions of the definition are performed.
     Action* GetEntryAction() const;
     Action* GetExitAction() const;
     /// Gives the definition's id, or 0 with a log line when there is no definition.
@@ -83,9 +84,9 @@ public:
     /// Gives the definition's exit connector, or 0.
     unsigned int GetExitConnector() const;
 
-    /// Appends `transition`, which may be null: evaluation passes over it.
+    /// Appends `transition`. It may be null and is then skipped.
     void PushTransition(TransitionDef* transition);
-    /// Puts smaller priorities first. Equal ones keep their order.
+    /// Sorts by priority, smallest first. Equal ones keep their order.
     void SortTransitions();
     int GetNumTransitions() const;
     /// Gives the transition, or null with a log line when `index` is at or past the count.
@@ -93,7 +94,7 @@ public:
 
     /// Gives the attribute of the definition, or null.
     AttribBase* GetAttribBase(const char* name) const;
-    /// Sets the attribute and returns 1, also where its type is another and nothing changes; 0 when
+    /// Sets the attribute and returns 1, even if it is of another type and does not change; 0 when
     /// there is no such attribute.
     int SetAttrib(const char* name, const char* value);
     int SetAttrib(const char* name, int value);
@@ -107,9 +108,9 @@ public:
     /// Gives the text of a text attribute, valid until IHSM::Uninit and showing later changes, and
     /// returns 1; otherwise 0.
     int GetAttrib(const char* name, const char** out) const;
-    /// Writes the value of a bool (1 byte), integer or float attribute (4 bytes). Returns 1 also
-    /// when there is no such attribute or it is a text, and nothing is written; 0 for the vector
-    /// types.
+    /// Writes the value of a bool (1 byte), integer or float attribute (4 bytes) to `out`. Returns
+    /// 1, even when there is no such attribute or it is a text, and nothing is written; 0 for the
+    /// vector types.
     int GetAttrib(const char* name, void* out) const;
 
     friend Tessel::KVTable ReleaseStorage(SMState& state, ArenaLink::AtEnd)
@@ -123,15 +124,15 @@ public:
     }
 
 protected:
-    /// Runs the chain from `first` and returns 1.
+    /// Performs the list from `first` and returns 1.
     int PerformActions(__ActType__ type, float dt, Action* first);
 
     BaseDef* def = nullptr; ///< not owned
-    unsigned int id = 0;    ///< as given to the factory; nobody reads it
-    /// In the order of evaluation; not owned. To be changed by PushTransition and SortTransitions.
+    unsigned int id = 0;    ///< as given to the factory; never read
+    /// In the order of evaluation; not owned. Change it only by PushTransition and SortTransitions.
     std::vector<TransitionDef*> transitions;
-    Action* entryAction = nullptr;   ///< nobody sets it
-    Action* exitAction = nullptr;    ///< nobody sets it
+    Action* entryAction = nullptr;   ///< never set
+    Action* exitAction = nullptr;    ///< never set
     SubstateState* parent = nullptr; ///< set on activation
     HSM* hsm = nullptr;              ///< set on activation
 

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// include/vell/SubstateState.h: a state that holds a nested level.
+// include/vell/SubstateState.h: a state with states of its own inside.
 #pragma once
 
 #include <vell/SMState.h>
@@ -11,22 +11,22 @@ class EnterDef;
 class ExitDef;
 class SubstateDef;
 
-/// Stands on the stack below the active state of its nested level. Its first update pushes that
-/// level's first state, or, when the level was active before, the state at which it was left. A
-/// host reaches it by SMState::GetParent; what it writes into the fields counts from the next tick
-/// on.
+/// A state with states of its own inside. It is on the stack below its active child. Its first
+/// update pushes the first child or, if the substate was active before, the child at which it was
+/// left. A host reaches it through SMState::GetParent; writes to the fields count from the next
+/// tick on.
 class VELL_API SubstateState : public SMState
 {
 public:
-    /// The factory. Null with a log line when `alloc` is null or has no room.
+    /// The factory. Null with a log line when `alloc` is null or full.
     static SMState* Create(unsigned int id, HSMAlloc* alloc);
 
     ~SubstateState() override;
-    /// Takes the definition and tests that the level's enter and exit node exist. Returns 1, or 0
-    /// with log lines.
+    /// Takes the definition and tests that the enter and exit node exist. Returns 1, or 0 with log
+    /// lines.
     int Init(BaseDef* newDef) override;
-    /// Starts or resumes the nested level; with an active child runs the execute actions. Returns
-    /// 1, or 0 with log lines.
+    /// Pushes the first child or resumes; with an active child, performs the execute actions.
+    /// Returns 1, or 0 with log lines.
     int Update(HSM* machine, float dt) override;
     int Enter() override;
     int Exit() override;
@@ -36,17 +36,17 @@ public:
     unsigned int GetEnterID() const;
     /// Gives the exit node.
     unsigned int GetExitID() const;
-    /// Finds the level's enter and exit node. Returns 1, or 0 with log lines.
+    /// Finds the enter and exit node. Returns 1, or 0 with log lines.
     int InitEnterExit(BaseDef* newDef);
 
     SubstateDef* subDef = nullptr;    ///< the definition as its own class
-    unsigned int previousChildID = 0; ///< 0 until a child was recorded
-    unsigned int enterStateID = 0;    ///< first state of the level
+    unsigned int previousChildID = 0; ///< 0 until a child has been recorded
+    unsigned int enterStateID = 0;    ///< first child
     unsigned int currentChildID = 0;  ///< 0 when no child is active
     SMState* currentChild = nullptr;  ///< not owned; null when no child is active
-    SMState* previousChild = nullptr; ///< not owned; where a resume goes on
-    EnterDef* enterDef = nullptr;     ///< a subclass's; not read again
-    ExitDef* exitDef = nullptr;       ///< a subclass's; not read again
+    SMState* previousChild = nullptr; ///< not owned; the child to resume
+    EnterDef* enterDef = nullptr;     ///< for subclasses; not read again
+    ExitDef* exitDef = nullptr;       ///< for subclasses; not read again
 };
 
 } // namespace vell

@@ -7,7 +7,7 @@
 namespace vell
 {
 
-// The vocabulary's enumerations, under the names that this library's surface uses.
+// The vocabulary's enumerations, under the names that this library's interface uses.
 using DURMBaseLib::__CONNECTOR_TYPES__;
 using DURMBaseLib::__DURM_BUILDERS__;
 using DURMBaseLib::__ePARAMTYPE__;
@@ -70,8 +70,8 @@ using DURMBaseLib::JSON_TransitionUnread;
 using DURMBaseLib::JSON_Value;
 
 /// What kind of node a definition is (`DefType...`, one number each), and the class masks that
-/// select definitions in a walk (`DefTypes...`, one bit each; see IHSM::BeginDef). No kind has the
-/// number 1.
+/// select definitions in an iteration (`DefTypes...`, one bit each; see IHSM::BeginDef). No kind
+/// has the number 1.
 enum eHSMDefTypes : int
 {
     DefTypeBase = 0,
@@ -99,11 +99,12 @@ enum eHSMDefTypes : int
 enum __ActType__ : int
 {
     ActTypeEntry = 1,     ///< its state is being entered; the time is 0
-    ActTypeExecution = 2, ///< its state is being updated; the time is the frame's
+    ActTypeExecution = 2, ///< its state is being updated; the time is the tick's time step
     ActTypeExit = 3       ///< its state is being left; the time is 0
 };
 
-/// The event numbers that this library sends itself. A host may send any other by HSM::FireEvent.
+/// The event numbers that this library sends itself. A host may send any other through
+/// HSM::FireEvent.
 enum __HSMEventType__ : int
 {
     HSMEventStateChange = 3,  ///< a StateChangeEvent, to the state change listeners
