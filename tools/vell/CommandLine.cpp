@@ -70,7 +70,7 @@ A context has both stacks and the last state change, by node id. It does not hav
     first tick, above the states that were restored.
 )";
 
-/// What the command line asks for.
+/// The options of the command line.
 struct Request
 {
     std::string document;
@@ -319,7 +319,7 @@ private:
         {
             return ExitFailed;
         }
-        // The tick needs a started machine; the context then takes the place of its stacks.
+        // A tick needs a started machine; the context then replaces its stacks.
         machine.StartRunning();
         const std::string fault = RestoreContext(machine, json);
         if (!fault.empty())
@@ -333,7 +333,7 @@ private:
         return Drive(runner, script, 0);
     }
 
-    /// Starts the machine and runs the script without showing it.
+    /// Starts the machine and runs the script without output.
     bool RunQuietly(ObservedMachine& machine, const Script& script)
     {
         Report report;

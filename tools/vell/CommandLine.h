@@ -7,17 +7,17 @@
 namespace vell::tool
 {
 
-/// What the command exits with.
+/// The exit code of the command.
 enum ExitCode : int
 {
-    ExitWell = 0,   ///< all went well
-    ExitFailed = 1, ///< a document did not load, or an expectation did not hold
-    ExitUsage = 2   ///< the command line or a script is not understood
+    ExitWell = 0,   ///< success
+    ExitFailed = 1, ///< a document could not be loaded, or an expectation failed
+    ExitUsage = 2   ///< invalid command line or script
 };
 
-/// Runs the command. What it shows goes to `out`, what is wrong to `errors`, which must not be the
-/// process's standard error: that one takes the library's log. `isTerminal` says that a person
-/// watches `errors`.
+/// Runs the command. Output goes to `out`, errors to `errors`, which must not be the process's
+/// standard error: the library's log goes there. `isTerminal` says whether `errors` is shown on a
+/// terminal.
 int RunCommandLine(int argc, const char* const* argv, std::ostream& out, std::ostream& errors,
                    bool isTerminal);
 

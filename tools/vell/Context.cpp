@@ -14,7 +14,7 @@ namespace vell::tool
 namespace
 {
 
-/// Gives what is wrong with the array `key` of a context, or an empty text.
+/// Returns an error message about the array `key` of a context, or an empty text.
 std::string CheckArray(const rapidjson::Value& context, const char* key)
 {
     const auto member = context.FindMember(key);
@@ -57,8 +57,8 @@ std::string CheckContext(const rapidjson::Value& context)
     return "";
 }
 
-/// Says which id of a recorded stack is the first that did not get onto the machine's; an empty
-/// text when all did.
+/// Returns an error message about the first id of a recorded stack that could not be restored, or
+/// an empty text.
 std::string CheckStack(Tessel::KVTable recorded, const std::vector<SMState*>& stack)
 {
     const unsigned int count = static_cast<unsigned int>(stack.size());

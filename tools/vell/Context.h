@@ -11,15 +11,15 @@ namespace vell::tool
 
 class ObservedMachine;
 
-/// Gives the "contextInfo" of a loaded machine as JSON: both stacks and the last change of state.
+/// Gives the "contextInfo" of a loaded machine as JSON: both stacks and the last state change.
 std::string SaveContext(const ObservedMachine& machine);
 
-/// Puts the context in `json` into a machine that was started. Gives an empty text, or what is
-/// wrong; a context that names a state which the machine does not have is restored up to there.
+/// Restores the context in `json` in a started machine. Returns an empty text, or an error message.
+/// A context with an unknown state is restored up to that state.
 std::string RestoreContext(ObservedMachine& machine, const std::string& json);
 
-/// Makes a table of the shape of "contextInfo" from what `SaveContext` gave; the caller closes it.
-/// Null, with what is wrong in `fault`, when the text is not of that shape.
+/// Creates a table like "contextInfo" from the text of `SaveContext`; the caller closes it. Null,
+/// with an error message in `fault`, when the text is invalid.
 Tessel::KVTable ContextFromJson(const std::string& json, std::string* fault);
 
 } // namespace vell::tool

@@ -47,7 +47,7 @@ std::vector<ConditionReading> ReadConditions(const TransitionDef& transition,
                                              IParameterTable* parameters);
 
 /// Reads the transitions of `state` in the order in which they are tested. `fired` is the one that
-/// holds and has a target, or null; `isRefused` says that it was too weak for `blipPriority`.
+/// holds and has a target, or null; `isRefused` says that its priority was below `blipPriority`.
 std::vector<TransitionReading> ExplainState(const SMState& state, const TransitionDef* fired,
                                             bool isRefused, int blipPriority,
                                             IParameterTable* parameters);

@@ -58,7 +58,7 @@ public:
         {
             AddNode(*def, graph.nodes);
         }
-        // Levels that enclose one another hang from no root.
+        // Substates that contain each other are not reached from the root.
         for (const auto& [id, def] : table.nodes)
         {
             if (IsNode(*def) && placed.count(id) == 0)

@@ -10,7 +10,7 @@ namespace vell::tool
 
 class ObservedMachine;
 
-/// What a node is drawn as.
+/// How a node is drawn.
 enum class NodeShape
 {
     State,
@@ -41,15 +41,15 @@ struct GraphEdge
     bool isEntry = false; ///< an enter node's way to the level's first state
 };
 
-/// A machine as nodes, level in level, and edges between them, in ascending order of ids.
+/// A machine as nested nodes and edges between them, in ascending order of ids.
 struct Graph
 {
     std::vector<GraphNode> nodes;
     std::vector<GraphEdge> edges;
 };
 
-/// Reads the graph from the definitions of a loaded machine. A target that no node has is a node of
-/// its own, so that it shows.
+/// Reads the graph from the definitions of a loaded machine. A target that does not exist becomes a
+/// separate node, so that it is visible.
 Graph ReadGraph(const ObservedMachine& machine);
 
 /// Gives the text of the graph for Graphviz.
@@ -58,8 +58,8 @@ std::string GraphToDot(const Graph& graph);
 /// Gives the text of the graph for Mermaid.
 std::string GraphToMermaid(const Graph& graph);
 
-/// Draws a text for Graphviz by its program `dot`. Gives an empty text, with what is wrong in
-/// `fault`, when that failed.
+/// Draws `dot` with Graphviz's program of that name. Returns an empty text, with an error message
+/// in `fault`, on failure.
 std::string DotToSvg(const std::string& dot, std::string* fault);
 
 } // namespace vell::tool

@@ -46,7 +46,7 @@ std::string NodeKey(unsigned int id)
     return "n" + std::to_string(id);
 }
 
-/// What both writers need to know of the levels.
+/// What both writers need to know of the substates.
 class Levels
 {
 public:
@@ -63,7 +63,7 @@ public:
         return levels.count(id) != 0;
     }
 
-    /// Tells whether `id` is `level` or stands somewhere inside of it.
+    /// Tells whether `id` is `level` or somewhere inside it.
     bool Holds(unsigned int level, unsigned int id) const
     {
         while (id != level)
@@ -155,7 +155,7 @@ private:
         const std::string key = NodeKey(node.id);
         if (node.shape == NodeShape::Level)
         {
-            // Edges run to a point inside and are cut off at the border.
+            // Edges lead to a point inside and are clipped at the border.
             text += indent + "subgraph cluster_" + key + " {\n" + Indent(depth + 1) +
                     "label=" + DotText(node.name) + ";\n" + Indent(depth + 1) + "style=rounded;\n" +
                     Indent(depth + 1) + key + " [shape=point, style=invis];\n";
@@ -234,8 +234,8 @@ public:
     }
 
 private:
-    /// An edge between a level and what it holds cannot end at the level's frame; a node inside
-    /// stands for the level then.
+    /// An edge between a substate and a node inside it cannot end at the frame of the substate; an
+    /// extra node inside represents the substate then.
     void NoteAnchors(const GraphEdge& edge)
     {
         if (levels.IsLevel(edge.from) && levels.Holds(edge.from, edge.to))
@@ -318,7 +318,7 @@ private:
     std::string starts;
 };
 
-/// A file of its own that goes with the object.
+/// A temporary file that is deleted with the object.
 class TemporaryFile
 {
 public:

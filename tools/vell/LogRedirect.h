@@ -7,12 +7,12 @@
 namespace vell::tool
 {
 
-/// Sends what is written to standard error into a file, or nowhere, for as long as it lives: the
-/// library's log always goes there.
+/// Redirects standard error, to which the library always logs, to a file, or discards it, for the
+/// lifetime of the object.
 class LogRedirect
 {
 public:
-    /// An empty `path` sends it nowhere.
+    /// With an empty `path` it is discarded.
     explicit LogRedirect(const std::string& path);
     ~LogRedirect();
     LogRedirect(const LogRedirect&) = delete;

@@ -29,7 +29,7 @@ namespace vell::tool
 namespace
 {
 
-/// A standard state that reports. It has no field of its own, so the arena holds as many.
+/// A standard state that reports. It adds no field, so as many fit in the arena.
 template <class Standard>
 class Observed : public Standard
 {
@@ -92,7 +92,8 @@ private:
     }
 };
 
-/// Collects what the library complains of for as long as it lives. One lives at a time.
+/// Collects the errors and warnings of the library's log during its lifetime. There can be one at a
+/// time.
 class ComplaintCollector
 {
 public:

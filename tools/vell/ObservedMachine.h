@@ -11,48 +11,47 @@
 namespace vell::tool
 {
 
-/// Hears what happens, in the order in which it happens. Nothing it hears of may be changed.
+/// Is told what happens, in order. It must not change anything it is told of.
 class MachineObserver
 {
 public:
     virtual ~MachineObserver() = default;
 
-    /// `state` was entered. Unless its node cannot be run it goes on top of the stack next.
+    /// `state` was entered. It is pushed next, unless its node cannot run.
     virtual void OnEntered(const SMState& state) = 0;
     virtual void OnLeft(const SMState& state) = 0;
-    /// The transitions of `state` were tested; `fired` is the one that holds, or null.
-    /// `isRefused` says that it is the global state's and too weak to start a blip.
+    /// The transitions of `state` were tested; `fired` is the one that holds, or null. `isRefused`
+    /// says that it is a global transition, too weak to start a blip.
     virtual void OnTested(const SMState& state, const TransitionDef* fired, bool isRefused) = 0;
-    /// A blip of `priority` starts; `isDisplacing` when it takes the place of another.
+    /// A blip of `priority` starts; `isDisplacing` when it replaces another.
     virtual void OnBlipStarted(int priority, bool isDisplacing) = 0;
     virtual void OnBlipEnded() = 0;
-    /// `target` was to be entered, and there is no such node or it cannot be run.
+    /// `target` should be entered, but there is no such node or it cannot run.
     virtual void OnTargetMissed(unsigned int target) = 0;
-    /// A substate could not start its level.
+    /// A substate could not push its child.
     virtual void OnUpdateFailed(const SMState& state) = 0;
 };
 
-/// A machine whose states report to an observer. The states are of classes of their own that do
-/// what the standard ones do, so that also a state that is entered and left within one tick is
-/// seen.
+/// A machine whose states report to an observer. The states are of classes that behave like the
+/// standard ones and report, so that even a state that is entered and left within one tick is seen.
 class ObservedMachine : public HSM
 {
 public:
     ObservedMachine() = default;
-    /// Uninitialises the machine when it was loaded.
+    /// Uninitialises the machine if it was loaded.
     ~ObservedMachine() override;
 
-    /// Loads the document in a file. Gives an empty text, or what is wrong, with the line and
-    /// column where the text is no JSON. `Complaints` then has the library's own words.
+    /// Loads the document in a file. Returns an empty text, or an error message, with line and
+    /// column for invalid JSON. `Complaints` then has the lines of the library's log.
     std::string Load(const std::string& path);
-    /// Enters the start state. Gives an empty text, or what is wrong when nothing runs.
+    /// Enters the start state. Returns an empty text, or an error message when nothing can run.
     std::string StartRunning();
     /// Errors and warnings that the library logged while loading and starting.
     const std::vector<std::string>& Complaints() const;
 
-    /// Who is told; null for nobody. Not owned.
+    /// Sets the observer; null for none. Not owned.
     void SetObserver(MachineObserver* newObserver);
-    /// One tick. Gives an empty text, or what stopped it.
+    /// One tick. Returns an empty text, or an error message when the tick was aborted.
     std::string Tick(float seconds);
 
     const std::vector<SMState*>& MainStack() const;

@@ -31,7 +31,7 @@ std::string BoolText(bool value)
     return value ? "true" : "false";
 }
 
-/// A condition compares its parameter's first byte, which need not be that of a bool.
+/// A bool condition compares the first byte of its parameter, which need not be a bool.
 std::string ByteText(const void* bound)
 {
     unsigned char byte = 0;
@@ -55,7 +55,7 @@ bool ParseNumber(std::string_view text, Number* out)
     return error == std::errc() && stop == end;
 }
 
-/// Reads exactly `count` numbers with commas between.
+/// Reads exactly `count` numbers, separated by commas.
 bool ParseFloats(std::string_view text, std::size_t count, float* out)
 {
     for (std::size_t i = 0; i < count; ++i)
@@ -98,7 +98,7 @@ std::string Fault(ParameterDef& parameter, const std::string& text)
            "', which takes " + form;
 }
 
-/// A text as the value of a parameter of some class.
+/// A value parsed from a text, for a parameter of any class.
 struct Value
 {
     bool boolean = false;

@@ -105,7 +105,7 @@ private:
     std::ostream& out;
 };
 
-/// One object, written out on its own line when it goes.
+/// One object, which the destructor writes on a line of its own.
 class JsonLine
 {
 public:

@@ -38,7 +38,7 @@ struct StackReading
     bool isBlip = false; ///< the blip's is the one that runs
 };
 
-/// Takes what happened in its order. `tick` counts from 1; 0 is the start. This class prints
+/// Is told what happened, in order. `tick` counts from 1; 0 is the start. This class prints
 /// nothing.
 class Report
 {
@@ -48,7 +48,7 @@ public:
     virtual void Entered(std::uint64_t tick, const std::string& state, unsigned int id);
     virtual void Left(std::uint64_t tick, const std::string& state, unsigned int id);
     virtual void Fired(std::uint64_t tick, const Firing& firing);
-    /// A blip of `priority` starts, in the place of another when `isDisplacing`.
+    /// A blip of `priority` starts, and replaces another when `isDisplacing`.
     virtual void BlipStarted(std::uint64_t tick, int priority, bool isDisplacing);
     virtual void BlipEnded(std::uint64_t tick);
     virtual void Message(std::uint64_t tick, const std::string& name);
@@ -62,7 +62,7 @@ public:
 
 /// Lines for people, in columns.
 std::unique_ptr<Report> MakeTextReport(std::ostream& out);
-/// One JSON object a line.
+/// One JSON object per line.
 std::unique_ptr<Report> MakeJsonReport(std::ostream& out);
 
 } // namespace vell::tool

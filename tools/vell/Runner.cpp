@@ -16,7 +16,7 @@ namespace vell::tool
 namespace
 {
 
-/// A run shorter than this is over before anybody asks how far it is.
+/// Shorter runs show no progress.
 constexpr std::uint64_t kLongRun = 1000000;
 constexpr std::uint64_t kProgressStep = 100000;
 

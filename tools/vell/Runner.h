@@ -20,27 +20,28 @@ struct RunOptions
     bool showProgress = false;     ///< of long runs, on the stream of errors
 };
 
-/// Ticks a machine and reports what happens. The machine, the report and the stream outlive it.
+/// Ticks a machine and reports what happens. The machine, the report and the stream must outlive
+/// it.
 class Runner : private MachineObserver
 {
 public:
-    /// Errors and expectations that do not hold go to `errors`.
+    /// Errors and failed expectations are written to `errors`.
     Runner(ObservedMachine& machine, Report& report, std::ostream& errors,
            const RunOptions& options);
     ~Runner() override;
     Runner(const Runner&) = delete;
     Runner& operator=(const Runner&) = delete;
 
-    /// Enters the start state. Returns false, with an error, when nothing runs.
+    /// Enters the start state. Returns false, with an error, when nothing can run.
     bool Start();
-    /// Carries out a script, to its end also when an expectation does not hold.
+    /// Runs a script, to its end even when an expectation fails.
     void Run(const Script& script);
-    /// Returns false, with an error, when a tick broke off.
+    /// Returns false, with an error, when a tick was aborted.
     bool Tick(std::uint64_t count);
     /// Reports the stack, unless the last line shows it as it is now.
     void ReportStack();
 
-    /// Expectations that did not hold, and other errors.
+    /// The number of failed expectations and other errors.
     unsigned int Failures() const;
 
 private:
@@ -70,7 +71,7 @@ private:
     std::uint64_t stackTick = 0; ///< of the last line that showed the stack
     bool isStackShown = false;   ///< that line still shows it as it is
     bool hasHappened = false;    ///< something was reported in this tick
-    bool isBroken = false;       ///< a tick broke off: no more ticks
+    bool isBroken = false;       ///< a tick was aborted: no more ticks
     std::string where;           ///< `file:line: ` of the instruction that is carried out
     unsigned int failures = 0;
 };

@@ -19,7 +19,7 @@ bool IsBlank(char c)
     return c == ' ' || c == '\t' || c == '\r';
 }
 
-/// Cuts the comment off: a `#` at the start or behind a blank, outside of quotes.
+/// Removes the comment: from a `#` at the start or after a space, outside quotes.
 std::string WithoutComment(const std::string& line)
 {
     bool quoted = false;
@@ -34,7 +34,7 @@ std::string WithoutComment(const std::string& line)
     return line;
 }
 
-/// One line, taken word by word. A word in quotes may hold blanks.
+/// One line, read word by word. A word in quotes may contain spaces.
 class Words
 {
 public:
@@ -62,7 +62,7 @@ public:
         return text.substr(begin, end - begin);
     }
 
-    /// Takes all that is left, without the blanks around it and without quotes around it.
+    /// Takes the rest of the line, without surrounding spaces and quotes.
     std::string Rest()
     {
         std::string rest = text.substr(place);
@@ -91,7 +91,7 @@ private:
     std::size_t place = 0;
 };
 
-// Each reader fills `instruction` and gives what is wrong with its line, or an empty text.
+// Each reader fills `instruction` and returns an error message, or an empty text.
 
 std::string ReadTick(Words& words, Instruction& instruction)
 {

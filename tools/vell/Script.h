@@ -10,7 +10,7 @@
 namespace vell::tool
 {
 
-/// What one line of a script asks for.
+/// One instruction of a script.
 enum class Operation
 {
     Tick,        ///< `count` ticks
@@ -35,13 +35,14 @@ struct Script
 {
     std::string file; ///< as messages name it
     std::vector<Instruction> instructions;
-    std::vector<std::string> errors; ///< `file:line: ...`, one for each line that is no instruction
+    std::vector<std::string> errors; ///< `file:line: ...`, one for each invalid line
 };
 
-/// Reads a whole script. Lines that are no instruction stand in `errors`.
+/// Reads a whole script. Invalid lines are reported in `errors`.
 Script ReadScript(std::istream& in, const std::string& file);
 
-/// Reads the script in a file, or standard input for "-". What cannot be read is an error too.
+/// Reads the script in a file, or standard input for "-". A file that cannot be read is an error
+/// too.
 Script ReadScriptFile(const std::string& path);
 
 } // namespace vell::tool

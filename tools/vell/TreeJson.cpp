@@ -19,7 +19,7 @@ namespace
 
 constexpr const char* kArrayKey = "[]";
 
-/// The one writer both forms use for their values, so that texts are escaped alike.
+/// Both formats use this writer for values, so that texts are escaped in the same way.
 template <class Writer>
 class ValueWriter
 {
@@ -59,7 +59,7 @@ public:
         writer.EndArray();
     }
 
-    /// Writes the value of a key that is no table.
+    /// Writes the value of a key that is not a table.
     void Value(Tessel::KVTable table, const char* key, int type)
     {
         switch (type)
@@ -112,7 +112,7 @@ private:
     Writer& writer;
 };
 
-/// Gives whether the table under `key` is an array also while it is empty.
+/// Tells whether the table under `key` is an array even when it is empty.
 bool IsStackKey(const char* key)
 {
     return std::strcmp(key, kMainStackKey) == 0 || std::strcmp(key, kBlipStackKey) == 0;

@@ -40,7 +40,8 @@ private:
 
 int main(int argc, char** argv)
 {
-    // The library's log takes standard error; what the command itself has to say goes past it.
+    // Standard error is redirected for the library's log; the command writes its own errors to a
+    // copy.
     DescriptorBuffer buffer(dup(STDERR_FILENO));
     std::ostream errors(&buffer);
     try
@@ -48,7 +49,7 @@ int main(int argc, char** argv)
         std::ios::sync_with_stdio(false);
         if (isatty(STDOUT_FILENO) != 0)
         {
-            std::cout << std::unitbuf; // a person reads along
+            std::cout << std::unitbuf; // show output at once on a terminal
         }
         return vell::tool::RunCommandLine(argc, argv, std::cout, errors,
                                           isatty(STDERR_FILENO) != 0);
