@@ -30,6 +30,36 @@ Hand HandOf(BaseDef* def)
     return hand;
 }
 
+/// Gives the state of a definition. By operations that tell nobody.
+SMState* FindStateOf(BaseDef* def)
+{
+    HostMachine* machine = currentCast == nullptr ? nullptr : currentCast->machine;
+    return machine == nullptr || def == nullptr ? nullptr
+                                                : machine->FindState(def->BaseDef::GetID());
+}
+
+/// Gives the state whose name follows `tag` in a log line, or null.
+SMState* FindStateNamedIn(const char* line, const char* tag)
+{
+    const char* name = std::strstr(line, tag);
+    HostMachine* machine = currentCast == nullptr ? nullptr : currentCast->machine;
+    if (name == nullptr || machine == nullptr)
+    {
+        return nullptr;
+    }
+    name += std::strlen(tag);
+    for (const auto& entry : machine->states)
+    {
+        BaseDef* def = entry.second == nullptr ? nullptr : entry.second->GetDef();
+        const char* stateName = def == nullptr ? nullptr : def->BaseDef::GetName();
+        if (stateName != nullptr && std::strncmp(name, stateName, std::strlen(stateName)) == 0)
+        {
+            return entry.second;
+        }
+    }
+    return nullptr;
+}
+
 /// What a listener's record points at.
 struct TableEar
 {
@@ -118,7 +148,7 @@ int HostAction::Perform(__ActType__, float)
     }
     Hand hand = HandOf(owner);
     hand.action = this;
-    hand.state = hand.machine == nullptr ? nullptr : hand.machine->GetCurrentState();
+    hand.state = FindStateOf(owner);
     Reach(where, hand);
     return 1;
 }
@@ -430,7 +460,7 @@ void HearLog(int, const char* text)
     {
         if (std::strstr(text, line.part) != nullptr)
         {
-            Reach(line.callback);
+            Reach(line.callback, HandOf(FindStateNamedIn(text, line.part)));
             return;
         }
     }

@@ -166,6 +166,7 @@ public:
     using HSM::document;
     using HSM::globalState;
     using HSM::previousState;
+    using HSM::states;
     using HSM::stateStack;
 
     void RegisterBuilders() override;

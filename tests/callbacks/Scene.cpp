@@ -35,8 +35,6 @@ JsonObject IdleNode()
                   Attribute("tint", "QVector4D", "0,0,1,1"), Attribute("loud", "bool", true)}));
 }
 
-/// States of every class in a ring, each left by a cue of its own, and a global node with a blip
-/// that ends at an exit node.
 std::string DocumentText()
 {
     DocumentBuilder document;
@@ -79,12 +77,6 @@ std::string DocumentText()
     // Little, because a sanitizer marks every byte of it.
     document.Head().Set(JSON_HeadMemory, 1000);
     return document.Text();
-}
-
-const char* Document()
-{
-    static const std::string text = DocumentText();
-    return text.c_str();
 }
 
 template <class T>
@@ -142,7 +134,7 @@ void Hit(Cast& cast)
 void Create(Cast&)
 {
     // Its constructor tells the cast.
-    new HostMachine(Document());
+    new HostMachine(SceneDocument());
 }
 
 void Init(Cast& cast)
@@ -396,6 +388,12 @@ const std::vector<Step> kEnding = {
 };
 
 } // namespace
+
+const char* SceneDocument()
+{
+    static const std::string text = DocumentText();
+    return text.c_str();
+}
 
 const std::vector<Step>& Steps()
 {

@@ -18,6 +18,10 @@ struct Step
     void (*run)(Cast& cast);
 };
 
+/// The document of the scene: states of every class in a ring, each left by a cue of its own, and a
+/// global node with a blip that ends at an exit node.
+const char* SceneDocument();
+
 /// Gives the steps, from the building of a machine to its deletion. Each bears what an operation in
 /// a callback may have left: a parameter that is gone, a machine that did not load.
 const std::vector<Step>& Steps();
