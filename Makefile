@@ -6,11 +6,12 @@ JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 PRESET ?= dev
 
-.PHONY: help run test bench install format tidy symbols abi coverage clean setup
+.PHONY: help run test faults bench install format tidy symbols abi coverage clean setup
 
 help:
 	@echo "make run               build the command and run the sample character"
 	@echo "make test              build everything and run every test (PRESET=dev)"
+	@echo "make faults            plant the faults of tests/faults/ and see that tests notice each"
 	@echo "make bench             measure, in the release build"
 	@echo "make install           install the release build (PREFIX=/usr/local, DESTDIR=)"
 	@echo "make format            format the sources with clang-format 14"
@@ -32,6 +33,9 @@ test: setup
 	cmake --preset $(PRESET)
 	cmake --build build/$(PRESET) -j $(JOBS)
 	ctest --preset $(PRESET) -j $(JOBS)
+
+faults: setup
+	tests/faults/run.sh --keep-going
 
 bench: setup
 	cmake --preset release

@@ -27,6 +27,7 @@ if(VELL_CHECKS AND VELL_BUILD_TOOLS AND NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_
                                         ${PROJECT_BINARY_DIR})
     set_tests_properties(check.headers PROPERTIES TIMEOUT 900 PROCESSORS 2)
     add_test(NAME check.layers COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-layers.py)
+    add_test(NAME check.faults COMMAND ${PROJECT_SOURCE_DIR}/tests/faults/run.sh --check)
 endif()
 
 if(VELL_CHECKS AND VELL_INSTALL AND NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_PLATFORM)

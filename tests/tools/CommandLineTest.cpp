@@ -252,6 +252,7 @@ TEST(VellCommand, SaysLineAndColumnOfASyntaxError)
         {"", "1:1", "The document is empty."},
         {" \n ", "2:2", "The document is empty."},
         {"x", "1:1", "Invalid value."},
+        {"x\n\n", "1:1", "Invalid value."},
         {"{\"a\" 1}", "1:6", "Missing a colon after a name of object member."},
         {"\n]", "2:1", "Invalid value."},
         {"{\n  \"a\" 1\n}", "2:7", "Missing a colon after a name of object member."},
