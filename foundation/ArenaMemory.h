@@ -22,7 +22,7 @@ inline char* AllocText(HSMAlloc& alloc, std::size_t length)
 }
 
 /// Takes zero-filled room for an array. Null when `count` is 0 or there is no room. The array may
-/// stand misaligned: elements go in and out by `StoreElement` and `LoadElement`.
+/// be misaligned: elements are stored and loaded with `StoreElement` and `LoadElement`.
 template <class T>
 T* AllocArray(HSMAlloc& alloc, unsigned int count)
 {

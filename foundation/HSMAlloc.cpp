@@ -44,7 +44,7 @@ void HSMAlloc::Release()
     }
     // Required: no destructor of an object in the block runs, neither here nor when the arena is
     // destroyed.
-    // Required: `tracked` keeps its entries, although their objects are gone.
+    // Required: `tracked` keeps its entries, although their objects no longer exist.
     used = 0;
     capacity = 0;
     std::free(block);

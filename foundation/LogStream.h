@@ -21,8 +21,8 @@ enum LogLevel : int
     LogPlain = 9 ///< has no tag: banners and section lines
 };
 
-/// What a line of a level starts with. The text is as wide for every level, so that it is copied
-/// without a call; `size` says how much of it counts.
+/// What a line of a log level starts with. The text is as wide for every level, so that it is
+/// copied without a call; `size` says how much of it counts.
 struct LineTag
 {
     char text[16];
@@ -37,7 +37,7 @@ public:
     {
         Grow(kFirstCapacity);
     }
-    /// Begins anew with a tag. Cannot fail.
+    /// Starts again with a tag. Cannot fail.
     void Start(const LineTag& tag)
     {
         static_assert(kFirstCapacity >= sizeof(tag.text), "there is room for any tag");

@@ -4,7 +4,7 @@
 
 #include <iostream>
 
-// The way around the streams needs to know what stands behind them.
+// Writing around the streams requires knowing what is behind them.
 #if defined(__GLIBC__) && defined(__GLIBCXX__)
 #define VELL_DIRECT_STANDARD_ERROR
 #include <cerrno>
@@ -40,7 +40,7 @@ StdioBuffer* FindBuffer(const std::ostream& stream, const std::FILE* file)
 
 StdioBuffer* const kStderrBuffer = FindBuffer(std::cerr, stderr);
 StdioBuffer* const kStdoutBuffer = FindBuffer(std::cout, stdout);
-// The common parts of the two streams, which lie at an offset that is looked up at each use.
+// The common parts of the two streams, which are at an offset that is looked up at each use.
 const std::ios* const kErrorState = &std::cerr;
 const std::ios* const kOutputState = &std::cout;
 
