@@ -8,7 +8,7 @@ namespace vell
 {
 
 /// Parses the text of a file. A file that cannot be read counts as empty, which is a parse error.
-/// The outcome stands in the document.
+/// The result is in the document.
 void ParseFile(const char* path, GenericDocument& document);
 
 /// Parses a terminated text, which is read and not modified.

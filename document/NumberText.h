@@ -5,8 +5,8 @@
 namespace vell
 {
 
-/// Reads the first `count` numbers of a text such as "0.5,-1,2" into `numbers`; `count` is at
-/// most 4. Pieces lie between commas; empty pieces do not count, a piece that is no number is 0,
+/// Reads the first `count` numbers of a text such as "0.5,-1,2" into `numbers`; `count` is at most
+/// 4. Pieces are separated by commas; empty pieces do not count, a piece that is not a number is 0,
 /// and further pieces are ignored. Returns 1, or 0 with `numbers` untouched when `text` is null or
 /// has 128 characters or more, or when there are too few pieces.
 int ReadNumbers(const char* text, double* numbers, int count);
