@@ -163,7 +163,7 @@ void AttribDefString::SetValue(const char* newValue)
     {
         return;
     }
-    char text[kCapacity] = {}; // the new value may lie in the buffer itself
+    char text[kCapacity] = {}; // the new value may be in the buffer itself
     std::memcpy(text, newValue, length);
     std::memcpy(buffer, text, kCapacity);
     WriteOwnTable(syncState, kvTable,

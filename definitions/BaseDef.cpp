@@ -87,7 +87,7 @@ BaseDef* BaseDef::Create(const GenericValue&, HSMAlloc* alloc)
 int BaseDef::Init(const GenericValue& node, HSMAlloc* alloc)
 {
     Internals::CountChange(*this);
-    // Required: a repeated Init makes a new table and leaves the old one open; whoever holds the
+    // Required: a repeated Init creates a new table and leaves the old one open; whoever holds the
     // old handle still reads it. The arena closes it at its end.
     if (kvTable && tableState != TableState::Closed && alloc != nullptr)
     {

@@ -41,7 +41,7 @@ AttribBase* PlaceAttrib(int type, HSMAlloc& alloc)
     }
 }
 
-/// Gives the parameter type that an attribute type name stands for, or 0.
+/// Gives the parameter type of an attribute type name, or 0.
 int FindAttribType(const char* typeName)
 {
     static constexpr struct
@@ -109,8 +109,7 @@ int BaseDef::Init_Attribs(const GenericValue& node, HSMAlloc* alloc)
 int BaseDef::Init_Attrib(const GenericValue& element, HSMAlloc* alloc)
 {
     ERROR_RETURN(element.IsObject(), 0);
-    // Required: an attribute without its data, or without a type in it, is passed over without a
-    // line.
+    // Required: an attribute without its data, or without a type in it, is skipped without a line.
     const GenericValue* array = FindMember(element, kDataMember);
     if (array == nullptr)
     {

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// definitions/EnterDef.cpp: the enter node of a level.
+// definitions/EnterDef.cpp: the enter node of a substate.
 #include "definitions/EnterDef.h"
 
 #include "definitions/DefPlacement.h"

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// definitions/EnterDef.h: the enter node of a level.
+// definitions/EnterDef.h: the enter node of a substate.
 #pragma once
 
 #include <vell/BaseDef.h>
@@ -7,7 +7,7 @@
 namespace vell
 {
 
-/// The enter node of a level.
+/// The enter node of a substate.
 class EnterDef : public BaseDef
 {
 public:
@@ -17,7 +17,7 @@ public:
 
     int Init(const GenericValue& node, HSMAlloc* alloc) override;
 
-    unsigned int targetId = 0; ///< the level's first state
+    unsigned int targetId = 0; ///< the substate's first child
 };
 
 } // namespace vell

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// definitions/ExitDef.cpp: the exit node of a level.
+// definitions/ExitDef.cpp: the exit node of a substate.
 #include "definitions/ExitDef.h"
 
 #include "definitions/DefPlacement.h"

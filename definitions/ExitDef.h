@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// definitions/ExitDef.h: the exit node of a level.
+// definitions/ExitDef.h: the exit node of a substate.
 #pragma once
 
 #include <vell/BaseDef.h>
@@ -7,7 +7,7 @@
 namespace vell
 {
 
-/// The exit node of a level.
+/// The exit node of a substate.
 class ExitDef : public BaseDef
 {
 public:

@@ -17,10 +17,10 @@ namespace vell
 {
 
 /// Turns the nodes of a document into definitions by way of the builder registry, and finds them
-/// again. Definitions lie in the arena and refer to each other by id only.
+/// again. Definitions are in the arena and refer to each other by id only.
 class NodeDefTable
 {
-    /// Where the entries of `nodes` lie, which go all at once.
+    /// The memory of the entries of `nodes`, freed all at once.
     std::pmr::monotonic_buffer_resource nodePool{std::pmr::new_delete_resource()};
 
 public:
@@ -100,8 +100,8 @@ public:
     char* modelFileName = nullptr;                             ///< in the arena
     char* skeletonFileName = nullptr;                          ///< in the arena
     unsigned int skelValue89 = 0;  ///< from the skeleton; nobody reads it
-    unsigned int timesCleared = 0; ///< a walk that finds it changed stands on a node that is gone
-    NodeMap::iterator cursor;      ///< position of the one walk over `nodes`
+    unsigned int timesCleared = 0; ///< a loop that finds it changed is at a deleted node
+    NodeMap::iterator cursor;      ///< position of the iteration over `nodes`
 
 private:
     void ImportIdentity(const GenericValue& head);

@@ -103,7 +103,7 @@ void NodeDefTable::SetEnterNode(unsigned int id)
 int NodeDefTable::ImportGlobal(const GenericValue& globals, HSMAlloc* alloc)
 {
     ERROR_RETURN(globals.IsArray(), 0);
-    // Required: a node that cannot be taken in ends the walk, not the load.
+    // Required: a node that cannot be created ends the loop, not the load.
     int result = 1;
     for (const GenericValue& node : globals.GetArray())
     {

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// definitions/SubstateDef.cpp: a node that holds a nested level.
+// definitions/SubstateDef.cpp: the definition of a substate.
 #include "definitions/SubstateDef.h"
 
 #include "definitions/DefPlacement.h"

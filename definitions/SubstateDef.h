@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// definitions/SubstateDef.h: a node that holds a nested level.
+// definitions/SubstateDef.h: the definition of a substate.
 #pragma once
 
 #include <vell/BaseDef.h>
@@ -7,7 +7,7 @@
 namespace vell
 {
 
-/// A node that holds a nested level.
+/// The definition of a substate: a state with states of its own inside.
 class SubstateDef : public BaseDef
 {
 public:
@@ -17,8 +17,8 @@ public:
 
     int Init(const GenericValue& node, HSMAlloc* alloc) override;
 
-    unsigned int enterId = 0; ///< the level's EnterDef
-    unsigned int exitId = 0;  ///< the level's ExitDef
+    unsigned int enterId = 0; ///< its enter node
+    unsigned int exitId = 0;  ///< its exit node
 };
 
 } // namespace vell
