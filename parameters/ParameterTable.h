@@ -118,7 +118,7 @@ private:
     HSMAlloc* arena = nullptr;  ///< holds the document's parameters; null until Init
     ParameterList resetting;    ///< those that reset each frame, in ascending id order
     bool isTableClosed = false; ///< `table` keeps its handle
-    /// A walk that finds it changed stands on a parameter that is gone.
+    /// A loop that finds it changed is at a deleted parameter.
     unsigned int timesForgotten = 0;
 
     ArenaLink arenaLink;

@@ -33,7 +33,8 @@ ParameterDef* RuntimeParameters::Keep(std::unique_ptr<ParameterDef> def)
 {
     Registry& registry = GetRegistry();
     const std::lock_guard<std::mutex> lock(registry.mutex);
-    // Required: a run-time parameter is never deleted. A host may use it after its machine is gone.
+    // Required: a run-time parameter is never deleted. A host may use it after its machine is
+    // deleted.
     registry.parameters.push_back(def.get());
     return def.release();
 }
