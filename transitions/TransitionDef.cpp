@@ -115,7 +115,7 @@ int TransitionDef::HandleConditions(HSM* hsm)
     // Required: triggers run even when a condition has settled the answer.
     for (std::size_t i = 0; i < triggers.size(); ++i)
     {
-        // Required: a null trigger ends the walk with the result so far.
+        // Required: a null trigger ends the loop with the result so far.
         ERROR_BREAK(triggers[i] != nullptr);
         // Required: the first trigger that returns true keeps the others from running.
         if (CallTrigger(triggers[i], hsm))
