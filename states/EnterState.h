@@ -9,8 +9,8 @@ namespace vell
 
 class EnterDef;
 
-/// Behaves as a plain state. It stands on the stack only where a transition leads to the enter
-/// node: a nested level's start does not pass through it.
+/// A plain state. It is on a stack only when a transition leads to the enter node: the start of a
+/// substate does not pass through it.
 class EnterState : public SMState
 {
 public:

@@ -9,8 +9,8 @@ namespace vell
 
 class ExitDef;
 
-/// Where a nested level or a blip comes to rest. In a blip its first update ends the blip; on the
-/// main stack it rests, and logs every tick.
+/// The end of a substate or a blip. On the blip stack its first update ends the blip; on the main
+/// stack it does nothing but log in every tick.
 class ExitState : public SMState
 {
 public:

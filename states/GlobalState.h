@@ -9,8 +9,8 @@ namespace vell
 
 class GlobalDef;
 
-/// Never stands on a stack: its transitions are tested every tick and start blips. Its actions
-/// never run.
+/// Never on a stack: its transitions are tested in every tick and start blips. Its actions never
+/// run.
 class GlobalState : public SMState
 {
 public:

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// states/SubstateState.cpp: starting, resuming and leaving a nested level.
+// states/SubstateState.cpp: starting, resuming and leaving a substate.
 #include <vell/SubstateState.h>
 
 #include "definitions/EnterDef.h"
@@ -64,15 +64,15 @@ unsigned int SubstateState::GetExitID() const
 int SubstateState::Update(HSM* machine, float dt)
 {
     ERROR_RETURN(machine, 0);
-    // Required: a child that the host popped is not noticed. The level does not push it again.
+    // Required: a child that the host popped is not noticed. The substate does not push it again.
     if (currentChild != nullptr)
     {
         // Required: the result of this is dropped. The update succeeds whatever Execute says.
         SMState::Update(machine, dt);
         return 1;
     }
-    // Required: the tick that pushes the child runs no action of the level, and its transitions are
-    // tested.
+    // Required: the tick that pushes the child performs no action of the substate, and its
+    // transitions are tested.
     SMState* child = previousChild == nullptr ? MachineServices::PushState(*machine, enterStateID)
                                               : MachineServices::PushState(*machine, previousChild);
     // Required: a child that cannot be pushed is tried again, with all its lines, in every tick.
@@ -94,13 +94,13 @@ int SubstateState::Enter()
 
 int SubstateState::Exit()
 {
-    // Required: copied whether or not a child was active, so a level that is left before its first
-    // update forgets the child it would have resumed.
+    // Required: copied whether or not a child was active, so a substate that is left before its
+    // first update forgets the child it would have resumed.
     previousChild = currentChild;
-    // Required: the exit node is a child like any other. A level left at its exit node resumes
+    // Required: the exit node is a child like any other. A substate left at its exit node resumes
     // there.
-    // Required: the level may be on the main stack too when a blip leaves it. Its next update there
-    // pushes its child a second time.
+    // Required: the substate may be on the main stack too when a blip leaves it. Its next update
+    // there pushes its child a second time.
     currentChild = nullptr;
     previousChildID = currentChildID;
     currentChildID = 0;
