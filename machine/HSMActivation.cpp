@@ -47,8 +47,8 @@ SMState* HSM::ActivateState(unsigned int id, float switchArgument)
             ERROR_BREAK(inserted);
             // Required: looked up once. A state that is activated before its substate has no parent
             // for good.
-            // Required: the state is in `states` by now, so a level that names itself as its parent
-            // becomes its own child.
+            // Required: the state is in `states` by now, so a substate that names itself as its
+            // parent becomes its own child.
             state->SetParent(dynamic_cast<SubstateState*>(FindState(state->GetParentID())));
             internals->idle.Follow(*state, alloc);
         }
@@ -113,7 +113,7 @@ Action* HSM::ChangeState(unsigned int id)
         previousState = PopState();
     }
     SMState* state = ActivateState(id, 0.0f);
-    // Required: the old state is gone by now, so an unknown id leaves the stack one shorter.
+    // Required: the old state has been popped, so an unknown id leaves the stack one shorter.
     if (state == nullptr)
     {
         return nullptr;
@@ -127,7 +127,7 @@ Action* HSM::ChangeState(unsigned int id)
 
 void HSM::StartState(unsigned int id, std::vector<unsigned int>& ids)
 {
-    // A document may make levels each other's parents: the climb ends where it was before.
+    // In a document, substates may be each other's parents: stop at one that was visited before.
     std::set<const SubstateState*> climbed;
     auto* substate = dynamic_cast<SubstateState*>(ActivateState(id, 0.0f));
     while (substate != nullptr && climbed.insert(substate).second)

@@ -34,7 +34,7 @@ int HSM::ImportLayers(const GenericValue& root, HSMAlloc*)
                                 << EndLine;
             LogStream(LogPlain) << "---------------------------------------" << EndLine;
             // Required: a failed layer runs a second time and takes the nodes of all layers with
-            // it. It ends the walk, not the load.
+            // it. It ends the loop over the layers, not the load.
             ERROR_BREAK(ImportStates(layer, &alloc));
             LogStream(LogPlain) << "\n" << EndLine;
         }

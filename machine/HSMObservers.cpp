@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// machine/HSMObservers.cpp: listeners, actions, triggers, assets and the walk over definitions.
+// machine/HSMObservers.cpp: listeners, actions, triggers, assets, iterating definitions.
 #include <vell/HSM.h>
 
 #include "definitions/BaseDefInternals.h"
@@ -96,7 +96,7 @@ int HSM::Notify()
     {
         // Each listener gets a record of its own: one may write into it.
         StateChangeEvent record = change;
-        // Required: a null listener is passed over, and the keys are cleared all the same.
+        // Required: a null listener is skipped, and the keys are cleared anyway.
         if (stateChangeListeners[i] != nullptr)
         {
             stateChangeListeners[i]->OnBroadcastEvent(HSMEventStateChange, &record);

@@ -21,7 +21,7 @@ namespace
 ParameterMessageDef* FindMessage(ParameterTable* table, unsigned int id)
 {
     ParameterDef* def = table == nullptr ? nullptr : table->FindParameter(id);
-    // Required: a message of the text type hears a broadcast, and its text cannot be asked for.
+    // Required: a message of the text type receives a broadcast, but its text cannot be read.
     if (def == nullptr || def->GetParamType() != DURMBaseLib::PARAM_Message)
     {
         return nullptr;
@@ -58,7 +58,7 @@ void HSM::BindParamCond()
     NodeDefTable::NodeMap::const_iterator next = nodes.begin();
     for (std::size_t i = 0; i < count; ++i)
     {
-        // Most ids stand in the same order in both, so the next node is mostly the one.
+        // Most ids are in the same order in both, so the next node is usually the right one.
         const unsigned int id = nodeDefTable->nodeIds[i];
         const bool isNext = next != nodes.end() && next->first == id;
         BaseDef* def = isNext ? (next++)->second : nodeDefTable->Find(id);
@@ -96,7 +96,7 @@ void HSM::BroadcastMessage(const char* name)
         return;
     }
     ParameterDef* def = parameterTable->FindParameter(FindParameterByName(name));
-    // Required: the class decides, so a message of the text type hears a broadcast too.
+    // Required: the class decides, so a message of the text type receives a broadcast too.
     if (auto* message = dynamic_cast<ParameterMessageDef*>(def))
     {
         // Required: nothing clears the text after the tick. The message holds until its text is set

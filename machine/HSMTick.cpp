@@ -23,7 +23,7 @@ namespace
 constexpr int kTransitionFired = 3;
 constexpr int kNoTransition = 2;
 
-// Required: above 0, so a global transition of priority 0 never starts a blip at rest.
+// Required: above 0, so a global transition of priority 0 never starts a blip while none runs.
 constexpr int kRestingBlipPriority = 1;
 
 /// Null is a stack that is not there yet.
@@ -55,10 +55,10 @@ void HSM::Update(float timeStep)
     }
     for (int i = TopIndex(currentStack); i >= 0; --i)
     {
-        // Required: a blip that ends inside this walk continues below the same index of the main
+        // Required: a blip that ends inside this loop continues below the same index of the main
         // stack, or ends the tick with std::out_of_range when the main stack is too short.
-        // Required: a stack that shrinks below the walk ends the tick with std::out_of_range, and
-        // no parameter is reset.
+        // Required: a stack that becomes shorter than the index ends the tick with
+        // std::out_of_range, and no parameter is reset.
         SMState* state = currentStack->at(static_cast<std::size_t>(i));
         result.stackIndex = i;
         if (idle.MustUpdate(i, state))
@@ -71,7 +71,7 @@ void HSM::Update(float timeStep)
         // the main stack from the index of the node.
         if (idle.MustTest(i, state) && UpdateState(state, &result, timeStep) == kTransitionFired)
         {
-            // Required: the walk continues below. An outer transition may pop in the same tick what
+            // Required: the loop continues below. An outer transition may pop in the same tick what
             // this one has entered.
             UpdateStateStack(&result);
             idle.Disturb(i);
@@ -163,7 +163,7 @@ int HSM::UpdateStateStack(UpdateResult* result)
     {
         return 1;
     }
-    // Required: the old states are gone by now. An unknown target leaves the stack shorter and
+    // Required: the old states have been popped. An unknown target leaves the stack shorter and
     // tells nobody.
     // Required: after a failed activation the transition stays in the tree. The listeners hear of
     // it with the next switch that succeeds.
