@@ -4,6 +4,7 @@
 #include "tests/support/Definitions.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Recorders.h"
 
 #include <durm/DURMBaseLib.h>
 
@@ -68,11 +69,7 @@ JsonObject Valueless(const std::string& name, const std::string& type)
 /// The lines of a node whose first bad attribute says `refusal` and is tried twice.
 Lines RefusedTwice(const Lines& refusal)
 {
-    Lines lines = refusal;
-    lines.insert(lines.end(), refusal.begin(), refusal.end());
-    lines.push_back(ErrorBreak(kAttribs));
-    lines.push_back(CreatedDef("Node"));
-    return lines;
+    return refusal + refusal + Lines{ErrorBreak(kAttribs), CreatedDef("Node")};
 }
 
 std::string NotImplemented(const std::string& type)
@@ -258,21 +255,16 @@ TEST(Attributes, ReadWordsInAVectorAsZero)
     ExpectVector(node.Get<AttribDefFloat3>("v")->value, 1.0f, 0.0f, 3.0f);
 }
 
-TEST(Attributes, ReadVectorsOfUpTo127Characters)
+TEST(Attributes, ReadVectorsOfUpTo127CharactersAndRefuseLongerOnes)
 {
     const std::string text = "1," + std::string(125, '0');
     ASSERT_EQ(text.size(), 127u);
 
-    NodeWith longest({Attribute("v", "QVector2D", text)});
+    const Lines longest = NodeWith({Attribute("v", "QVector2D", text)}).lines;
+    const Lines tooLong = NodeWith({Attribute("v", "QVector2D", text + "0")}).lines;
 
-    EXPECT_EQ(longest.lines, (Lines{CreatedDef("Node")}));
-}
-
-TEST(Attributes, RefuseVectorsOf128Characters)
-{
-    NodeWith tooLong({Attribute("v", "QVector2D", "1," + std::string(126, '0'))});
-
-    EXPECT_EQ(tooLong.lines, RefusedTwice({ErrorBreak(kAttrib)}));
+    EXPECT_EQ(longest, (Lines{CreatedDef("Node")}));
+    EXPECT_EQ(tooLong, RefusedTwice({ErrorBreak(kAttrib)}));
 }
 
 TEST(Attributes, AreNoneWhenTheirArrayIsNone)
@@ -307,48 +299,37 @@ TEST(Attributes, EndAtDataThatAreNoArrayOfObjects)
     }
 }
 
-TEST(Attributes, EndAtAnUnknownType)
+TEST(Attributes, EndAtATypeThatIsUnknownOrNoText)
 {
-    NodeWith node({Attribute("a", "QColor", "red"), Attribute("b", "int", 2)});
+    const Json number = JsonObject{}.Set(JSON_AttributeType, 5);
+    const std::pair<Json, const char*> attributes[] = {{Attribute("a", "QColor", "red"), "QColor"},
+                                                       {WithData("a", Json::Array({number})), ""}};
+    for (const auto& [attribute, type] : attributes)
+    {
+        SCOPED_TRACE(attribute.Text());
+        NodeWith node({attribute, Attribute("b", "int", 2)});
 
-    EXPECT_EQ(node.result, 1);
-    EXPECT_EQ(node.lines, RefusedTwice({NotImplemented("QColor")}));
-    EXPECT_TRUE(node.def.attribs.empty());
-    EXPECT_EQ(node.alloc.used, 0u);
+        EXPECT_EQ(node.result, 1);
+        EXPECT_EQ(node.lines, RefusedTwice({NotImplemented(type)}));
+        EXPECT_TRUE(node.def.attribs.empty());
+        EXPECT_EQ(node.alloc.used, 0u);
+    }
 }
 
-TEST(Attributes, EndAtATypeThatIsNoText)
+TEST(Attributes, EndAtAVectorWithoutEnoughNumbersAndTakeItsRoomTwice)
 {
-    const Json data = JsonObject{}.Set(JSON_AttributeType, 5);
+    for (const Json& vector :
+         {Json(Valueless("v", "QVector3D")), Json(Attribute("v", "QVector3D", "1,2")),
+          Json(Attribute("v", "QVector3D", 5))})
+    {
+        SCOPED_TRACE(vector.Text());
+        NodeWith node({vector, Attribute("b", "int", 2)});
 
-    NodeWith node({WithData("a", Json::Array({data}))});
-
-    EXPECT_EQ(node.lines, RefusedTwice({NotImplemented("")}));
-}
-
-TEST(Attributes, EndAtAVectorWithoutAValueAndTakeItsRoomTwice)
-{
-    NodeWith node({Valueless("v", "QVector3D"), Attribute("b", "int", 2)});
-
-    EXPECT_EQ(node.result, 1);
-    EXPECT_EQ(node.lines, RefusedTwice({ErrorBreak(kAttrib)}));
-    EXPECT_EQ(node.alloc.used, 2 * sizeof(AttribDefFloat3));
-    EXPECT_TRUE(node.def.attribs.empty());
-}
-
-TEST(Attributes, EndAtAVectorOfTooFewNumbers)
-{
-    NodeWith node({Attribute("v", "QVector3D", "1,2")});
-
-    EXPECT_EQ(node.lines, RefusedTwice({ErrorBreak(kAttrib)}));
-    EXPECT_EQ(node.alloc.used, 2 * sizeof(AttribDefFloat3));
-}
-
-TEST(Attributes, EndAtAVectorThatIsNoText)
-{
-    NodeWith node({Attribute("v", "QVector2D", 5)});
-
-    EXPECT_EQ(node.lines, RefusedTwice({ErrorBreak(kAttrib)}));
+        EXPECT_EQ(node.result, 1);
+        EXPECT_EQ(node.lines, RefusedTwice({ErrorBreak(kAttrib)}));
+        EXPECT_EQ(node.alloc.used, 2 * sizeof(AttribDefFloat3));
+        EXPECT_TRUE(node.def.attribs.empty());
+    }
 }
 
 TEST(Attributes, OfEveryClassNeedTheirRoomInTheArena)

@@ -555,28 +555,9 @@ TEST_F(BaseDefActions, EndTheRunOfEveryListWhenTheyUninitialiseTheirDefinition)
                              "delete outer", "delete after"}));
 }
 
-namespace
-{
-
-/// Does something when it is deleted.
-class LastWishAction : public ScriptedAction
-{
-public:
-    using ScriptedAction::ScriptedAction;
-    ~LastWishAction() override
-    {
-        onDelete();
-    }
-
-    std::function<void()> onDelete;
-};
-
-} // namespace
-
 TEST_F(BaseDefActions, MayRemoveTheirCompanionWhenTheListIsDestroyed)
 {
-    auto* first = new LastWishAction("a", events);
-    def.RegisterExecute(first);
+    ScriptedAction* first = Execute("a");
     ScriptedAction* companion = Execute("b");
     Execute("c");
     first->onDelete = [this, companion]
@@ -593,8 +574,7 @@ TEST_F(BaseDefActions, MayRemoveTheirCompanionWhenTheListIsDestroyed)
 
 TEST_F(BaseDefActions, AreAllDeletedWhenOneRegistersItsSuccessorAsItGoes)
 {
-    auto* first = new LastWishAction("a", events);
-    def.RegisterExecute(first);
+    ScriptedAction* first = Execute("a");
     first->onDelete = [this]
     {
         Execute("successor");
@@ -609,8 +589,7 @@ TEST_F(BaseDefActions, AreAllDeletedWhenOneRegistersItsSuccessorAsItGoes)
 
 TEST_F(BaseDefActions, MayRegisterTheirSuccessorWhenTheyAreRemoved)
 {
-    auto* first = new LastWishAction("a", events);
-    def.RegisterExecute(first);
+    ScriptedAction* first = Execute("a");
     first->onDelete = [this]
     {
         Execute("successor");

@@ -10,11 +10,14 @@
 #include "tests/support/Definitions.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Recorders.h"
 
 #include <durm/DURMBaseLib.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cctype>
 #include <map>
 
 namespace vell::test
@@ -23,96 +26,70 @@ namespace
 {
 
 /// What differs between the classes.
+struct Kind
+{
+    const char* name;
+    eHSMDefTypes type;
+    unsigned int flag;
+    JsonObject node;
+};
+
 template <class T>
-struct Kind;
-template <>
-struct Kind<AnimClipDef>
+struct Tag
 {
-    static constexpr const char* name = "AnimClipDef";
-    static constexpr eHSMDefTypes type = DefTypeAnimClip;
-    static constexpr unsigned int flag = 0x01;
-    static JsonObject Node()
-    {
-        return Clip("Node", 5, "clip");
-    }
 };
-template <>
-struct Kind<ConnectorDef>
+
+Kind KindOf(Tag<AnimClipDef>)
 {
-    static constexpr const char* name = "ConnectorDef";
-    static constexpr eHSMDefTypes type = DefTypeConnector;
-    static constexpr unsigned int flag = 0x02;
-    static JsonObject Node()
-    {
-        return Connector("Node", 5, "Enter");
-    }
-};
-template <>
-struct Kind<EnterDef>
+    return {"AnimClipDef", DefTypeAnimClip, 0x01, Clip("Node", 5, "clip")};
+}
+
+Kind KindOf(Tag<ConnectorDef>)
 {
-    static constexpr const char* name = "EnterDef";
-    static constexpr eHSMDefTypes type = DefTypeEnter;
-    static constexpr unsigned int flag = 0x01;
-    static JsonObject Node()
-    {
-        return Enter("Node", 5, 6);
-    }
-};
-template <>
-struct Kind<ExitDef>
+    return {"ConnectorDef", DefTypeConnector, 0x02, Connector("Node", 5, "Enter")};
+}
+
+Kind KindOf(Tag<EnterDef>)
 {
-    static constexpr const char* name = "ExitDef";
-    static constexpr eHSMDefTypes type = DefTypeExit;
-    static constexpr unsigned int flag = 0x01;
-    static JsonObject Node()
-    {
-        return Exit("Node", 5);
-    }
-};
-template <>
-struct Kind<GenericDef>
+    return {"EnterDef", DefTypeEnter, 0x01, Enter("Node", 5, 6)};
+}
+
+Kind KindOf(Tag<ExitDef>)
 {
-    static constexpr const char* name = "GenericDef";
-    static constexpr eHSMDefTypes type = DefTypeGeneric;
-    static constexpr unsigned int flag = 0x01;
-    static JsonObject Node()
-    {
-        return Generic("Node", 5);
-    }
-};
-template <>
-struct Kind<GlobalDef>
+    return {"ExitDef", DefTypeExit, 0x01, Exit("Node", 5)};
+}
+
+Kind KindOf(Tag<GenericDef>)
 {
-    static constexpr const char* name = "GlobalDef";
-    static constexpr eHSMDefTypes type = DefTypeGlobal;
-    static constexpr unsigned int flag = 0x01;
-    static JsonObject Node()
-    {
-        return Global("Node", 5);
-    }
-};
-template <>
-struct Kind<SubstateDef>
+    return {"GenericDef", DefTypeGeneric, 0x01, Generic("Node", 5)};
+}
+
+Kind KindOf(Tag<GlobalDef>)
 {
-    static constexpr const char* name = "SubstateDef";
-    static constexpr eHSMDefTypes type = DefTypeSubstate;
-    static constexpr unsigned int flag = 0x20;
-    static JsonObject Node()
-    {
-        return Substate("Node", 5, 6, 7);
-    }
-};
+    return {"GlobalDef", DefTypeGlobal, 0x01, Global("Node", 5)};
+}
+
+Kind KindOf(Tag<SubstateDef>)
+{
+    return {"SubstateDef", DefTypeSubstate, 0x20, Substate("Node", 5, 6, 7)};
+}
+
+template <class T>
+Kind KindOf()
+{
+    return KindOf(Tag<T>());
+}
 
 template <class T>
 std::string CreateName()
 {
-    return std::string("vell::") + Kind<T>::name + "::Create";
+    return std::string("vell::") + KindOf<T>().name + "::Create";
 }
 
 template <class T>
 std::string InitName()
 {
-    return std::string("vell::") + Kind<T>::name + "::Init";
+    return std::string("vell::") + KindOf<T>().name + "::Init";
 }
 
 const char* const kBaseInit = "vell::BaseDef::Init";
@@ -130,6 +107,24 @@ struct Attempt
     Lines lines;
 };
 
+/// Expects that a T refuses `node` behind its base with the lines `refusal`, and closes its table.
+template <class T>
+void ExpectRefused(const JsonObject& node, const Lines& refusal = {ErrorBreak(InitName<T>())})
+{
+    SCOPED_TRACE(node.Text());
+    const Attempt<T> bad(node);
+
+    EXPECT_EQ(bad.def.result, 0);
+    EXPECT_EQ(bad.lines, Lines{CreatedDef("Node")} + refusal);
+    EXPECT_EQ(Tessel::GetTableName(bad.def->GetKVTable()), nullptr);
+}
+
+std::string InCase(std::string word, int (*changed)(int))
+{
+    std::transform(word.begin(), word.end(), word.begin(), changed);
+    return word;
+}
+
 template <class T>
 class EveryDef : public testing::Test
 {
@@ -143,7 +138,7 @@ struct KindNames
     template <class T>
     static std::string GetName(int)
     {
-        return Kind<T>::name;
+        return KindOf<T>().name;
     }
 };
 
@@ -160,8 +155,8 @@ TYPED_TEST(EveryDef, IsPlacedWithItsKindAndClass)
     BaseDef* def = TypeParam::Create(*empty, &alloc);
 
     ASSERT_NE(dynamic_cast<TypeParam*>(def), nullptr);
-    EXPECT_EQ(def->GetType(), Kind<TypeParam>::type);
-    EXPECT_EQ(def->GetFlags(), Kind<TypeParam>::flag);
+    EXPECT_EQ(def->GetType(), KindOf<TypeParam>().type);
+    EXPECT_EQ(def->GetFlags(), KindOf<TypeParam>().flag);
     EXPECT_EQ(def->GetIndex(), -1);
     EXPECT_EQ(def->GetName(), nullptr);
     EXPECT_FALSE(def->GetKVTable());
@@ -199,7 +194,7 @@ TYPED_TEST(EveryDef, IsNotMadeFromWhatIsNoObject)
 
 TYPED_TEST(EveryDef, IsInitialisedFromItsNode)
 {
-    const Attempt<TypeParam> good(Kind<TypeParam>::Node());
+    const Attempt<TypeParam> good(KindOf<TypeParam>().node);
 
     EXPECT_EQ(good.def.result, 1);
     EXPECT_STREQ(good.def->GetName(), "Node");
@@ -222,7 +217,7 @@ TYPED_TEST(EveryDef, RefusesANodeThatIsNoObjectBeforeItMakesATable)
 
 TYPED_TEST(EveryDef, ClosesItsTableWhenTheBaseFails)
 {
-    const Attempt<TypeParam> bad(Kind<TypeParam>::Node().Set(JSON_Children, 5));
+    const Attempt<TypeParam> bad(KindOf<TypeParam>().node.Set(JSON_Children, 5));
 
     EXPECT_EQ(bad.def.result, 0);
     EXPECT_TRUE(bad.def->GetKVTable());
@@ -232,7 +227,7 @@ TYPED_TEST(EveryDef, ClosesItsTableWhenTheBaseFails)
 TYPED_TEST(EveryDef, MayBeDestroyedByHandBeforeTheArenaGoes)
 {
     const LogRecorder log;
-    const ParsedJson node(Kind<TypeParam>::Node().Set(
+    const ParsedJson node(KindOf<TypeParam>().node.Set(
         JSON_Attributes, Json::Array({Attribute("surface", "QString", "mud")})));
     Arena alloc;
     auto* def = alloc.New<TypeParam>();
@@ -257,7 +252,7 @@ TYPED_TEST_SUITE(MostDefs, AllButConnectors, KindNames);
 
 TYPED_TEST(MostDefs, RunAFailedBaseTwice)
 {
-    const Attempt<TypeParam> bad(Kind<TypeParam>::Node().Set(JSON_Children, 5));
+    const Attempt<TypeParam> bad(KindOf<TypeParam>().node.Set(JSON_Children, 5));
 
     EXPECT_EQ(bad.lines, (Lines{ErrorBreak(kBaseInit), FailedDef("Node"), ErrorBreak(kBaseInit),
                                 FailedDef("Node"), ErrorBreak(InitName<TypeParam>())}));
@@ -266,7 +261,7 @@ TYPED_TEST(MostDefs, RunAFailedBaseTwice)
 TYPED_TEST(MostDefs, TakeTheArenaTwiceForAFailedBase)
 {
     const Attempt<TypeParam> bad(
-        Kind<TypeParam>::Node().Set(JSON_Children, Json::Array({1, 2, 3, 0})));
+        KindOf<TypeParam>().node.Set(JSON_Children, Json::Array({1, 2, 3, 0})));
 
     EXPECT_EQ(bad.def.alloc.used, sizeof(TypeParam) + 2 * 16);
     EXPECT_EQ(bad.lines, (Lines{ErrorGoto(kBaseInit), FailedDef("Node"), ErrorGoto(kBaseInit),
@@ -275,9 +270,10 @@ TYPED_TEST(MostDefs, TakeTheArenaTwiceForAFailedBase)
 
 TYPED_TEST(MostDefs, OfferTheirAttributesTwiceForAFailedBase)
 {
-    const Attempt<TypeParam> bad(Kind<TypeParam>::Node()
-                                     .Set(JSON_Attributes, Json::Array({Attribute("a", "int", 5)}))
-                                     .Set(JSON_Children, 5));
+    const Attempt<TypeParam> bad(
+        KindOf<TypeParam>()
+            .node.Set(JSON_Attributes, Json::Array({Attribute("a", "int", 5)}))
+            .Set(JSON_Children, 5));
 
     const std::string refused = ErrorBreak("vell::BaseDef::Init_Attrib");
     EXPECT_EQ(bad.lines, (Lines{ErrorBreak(kBaseInit), FailedDef("Node"), refused, refused,
@@ -297,7 +293,7 @@ TYPED_TEST(DefsThatTestTheArena, StopWithoutAnArenaBeforeTheBase)
 {
     LogRecorder log;
     Arena alloc;
-    const ParsedJson node(Kind<TypeParam>::Node());
+    const ParsedJson node(KindOf<TypeParam>().node);
     auto* def = alloc.New<TypeParam>();
 
     EXPECT_EQ(def->Init(*node, nullptr), 0);
@@ -309,7 +305,7 @@ TYPED_TEST(DefsThatTestTheArena, StopWithoutAnArenaBeforeTheBase)
 TEST(AnimClipDef, GoesOnWithoutAnArenaUntilTheBaseFails)
 {
     LogRecorder log;
-    const ParsedJson node(Kind<AnimClipDef>::Node());
+    const ParsedJson node(KindOf<AnimClipDef>().node);
     AnimClipDef def;
 
     EXPECT_EQ(def.Init(*node, nullptr), 0);
@@ -322,7 +318,7 @@ TEST(AnimClipDef, GoesOnWithoutAnArenaUntilTheBaseFails)
 
 TEST(ConnectorDef, RunsAFailedBaseOnce)
 {
-    const Attempt<ConnectorDef> bad(Kind<ConnectorDef>::Node().Set(JSON_Children, 5));
+    const Attempt<ConnectorDef> bad(KindOf<ConnectorDef>().node.Set(JSON_Children, 5));
 
     EXPECT_EQ(bad.lines, (Lines{ErrorBreak(kBaseInit), FailedDef("Node"),
                                 ErrorBreak("vell::ConnectorDef::Init")}));
@@ -331,7 +327,7 @@ TEST(ConnectorDef, RunsAFailedBaseOnce)
 TEST(ConnectorDef, DoesNotTestTheArenaItself)
 {
     LogRecorder log;
-    const ParsedJson node(Kind<ConnectorDef>::Node());
+    const ParsedJson node(KindOf<ConnectorDef>().node);
     ConnectorDef def;
 
     EXPECT_EQ(def.Init(*node, nullptr), 0);
@@ -369,15 +365,6 @@ TEST(AnimClipDef, ReadsItsClips)
               (*clip.def.node)[DURMBaseLib::GetJsonName(JSON_ClipName)].GetString());
 }
 
-TEST(AnimClipDef, HasNoSecondClipWithoutItsMember)
-{
-    const Attempt<AnimClipDef> clip(Clip("Node", 5, "walk").Set(JSON_ClipSecondaryA, "a"));
-
-    EXPECT_EQ(clip.def.result, 1);
-    EXPECT_STREQ(clip.def->secondaryA, "a");
-    EXPECT_EQ(clip.def->secondaryB, nullptr);
-}
-
 TEST(AnimClipDef, ReadsItsSecondClipOnlyBesideTheFirst)
 {
     const Attempt<AnimClipDef> clip(Clip("Node", 5, "walk").Set(JSON_ClipSecondaryB, "b"));
@@ -387,21 +374,24 @@ TEST(AnimClipDef, ReadsItsSecondClipOnlyBesideTheFirst)
     EXPECT_EQ(clip.def->secondaryB, nullptr);
 }
 
-TEST(AnimClipDef, NeedsNoClipName)
+TEST(AnimClipDef, NeedsNoneOfItsMembersAndTakesTheLiteralTrueAloneAsItsFlag)
 {
-    const Attempt<AnimClipDef> clip(Node(21, "Node", 5));
+    for (const JsonObject& node :
+         {Node(21, "Node", 5), Clip("Node", 5, "walk").Set(JSON_ClipSecondaryA, "a"),
+          Clip("Node", 5, "walk").Set(JSON_ClipFlag, 1)})
+    {
+        SCOPED_TRACE(node.Text());
+        const Attempt<AnimClipDef> clip(node);
 
-    EXPECT_EQ(clip.def.result, 1);
-    EXPECT_EQ(clip.def->clipName, nullptr);
+        EXPECT_EQ(clip.def.result, 1);
+        EXPECT_EQ(clip.def->clipName != nullptr, node.Has(JSON_ClipName));
+        EXPECT_EQ(clip.def->secondaryA != nullptr, node.Has(JSON_ClipSecondaryA));
+        EXPECT_EQ(clip.def->secondaryB, nullptr);
+        EXPECT_FALSE(clip.def->clipFlag);
+    }
 }
 
-TEST(AnimClipDef, TakesTheLiteralTrueAloneAsItsFlag)
-{
-    const Attempt<AnimClipDef> number(Clip("Node", 5, "walk").Set(JSON_ClipFlag, 1));
-    EXPECT_FALSE(number.def->clipFlag);
-}
-
-TEST(ConnectorDef, FindsItsKindByEachOfTheSixWords)
+TEST(ConnectorDef, FindsItsKindByEachOfTheSixWordsWhateverTheCase)
 {
     using DURMBaseLib::GetConnectorName;
     const std::pair<std::string, unsigned int> words[] = {
@@ -413,51 +403,27 @@ TEST(ConnectorDef, FindsItsKindByEachOfTheSixWords)
         {"Exit", 2u}};
     for (const auto& [word, kind] : words)
     {
-        const Attempt<ConnectorDef> connector(Connector("Node", 5, word));
+        for (const std::string& cased :
+             {word, InCase(word, std::toupper), InCase(word, std::tolower)})
+        {
+            const Attempt<ConnectorDef> connector(Connector("Node", 5, cased));
 
-        EXPECT_EQ(connector.def.result, 1) << word;
-        EXPECT_EQ(connector.def->connectorKind, kind) << word;
+            EXPECT_EQ(connector.def.result, 1) << cased;
+            EXPECT_EQ(connector.def->connectorKind, kind) << cased;
+        }
     }
 }
 
-TEST(ConnectorDef, FindsItsKindWhateverTheCase)
+TEST(ConnectorDef, NeedsAKindThatItKnows)
 {
-    std::string shouted = DURMBaseLib::GetConnectorName(DURMBaseLib::CONNECTOR_Exiting);
-    for (char& c : shouted)
-    {
-        c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
-    }
+    const std::string refused = ErrorBreak("vell::ConnectorDef::Init", "");
 
-    EXPECT_EQ(Attempt<ConnectorDef>(Connector("Node", 5, "ENTER")).def->connectorKind, 1u);
-    EXPECT_EQ(Attempt<ConnectorDef>(Connector("Node", 5, "exit")).def->connectorKind, 2u);
-    EXPECT_EQ(Attempt<ConnectorDef>(Connector("Node", 5, shouted)).def->connectorKind, 2u);
-}
-
-TEST(ConnectorDef, NeedsAKind)
-{
-    const Attempt<ConnectorDef> missing(Node(2, "Node", 5));
-    EXPECT_EQ(missing.def.result, 0);
-    EXPECT_EQ(missing.lines,
-              (Lines{CreatedDef("Node"), ErrorBreak("vell::ConnectorDef::Init", "")}));
-    EXPECT_EQ(Tessel::GetTableName(missing.def->GetKVTable()), nullptr);
-}
-
-TEST(ConnectorDef, RefusesAKindThatIsNoText)
-{
-    const Attempt<ConnectorDef> number(Node(2, "Node", 5).Set(JSON_ConnectorType, 1));
-    EXPECT_EQ(number.def.result, 0);
-    EXPECT_EQ(number.lines,
-              (Lines{CreatedDef("Node"), ErrorBreak("vell::ConnectorDef::Init", "")}));
-}
-
-TEST(ConnectorDef, RefusesAnUnknownKind)
-{
-    const Attempt<ConnectorDef> unknown(Connector("Node", 5, "Enter "));
-    EXPECT_EQ(unknown.def.result, 0);
-    EXPECT_EQ(unknown.lines,
-              (Lines{CreatedDef("Node"), "3 Json error, Unable to find a compatible connector type",
-                     ErrorBreak("vell::ConnectorDef::Init")}));
-    EXPECT_EQ(unknown.def->connectorKind, 0u);
+    ExpectRefused<ConnectorDef>(Node(2, "Node", 5), {refused});
+    ExpectRefused<ConnectorDef>(Node(2, "Node", 5).Set(JSON_ConnectorType, 1), {refused});
+    ExpectRefused<ConnectorDef>(Connector("Node", 5, "Enter "),
+                                {"3 Json error, Unable to find a compatible connector type",
+                                 ErrorBreak("vell::ConnectorDef::Init")});
+    EXPECT_EQ(Attempt<ConnectorDef>(Connector("Node", 5, "Enter ")).def->connectorKind, 0u);
 }
 
 TEST(EnterDef, ReadsItsTarget)
@@ -465,38 +431,19 @@ TEST(EnterDef, ReadsItsTarget)
     EXPECT_EQ(Attempt<EnterDef>(Enter("Node", 5, 6)).def->targetId, 6u);
 }
 
-TEST(EnterDef, NeedsATarget)
+TEST(EnterDef, NeedsATargetThatIsNotZero)
 {
-    const Attempt<EnterDef> missing(Node(8, "Node", 5));
-    EXPECT_EQ(missing.def.result, 0);
-    EXPECT_EQ(missing.lines, (Lines{CreatedDef("Node"), ErrorBreak("vell::EnterDef::Init")}));
-    EXPECT_EQ(Tessel::GetTableName(missing.def->GetKVTable()), nullptr);
+    ExpectRefused<EnterDef>(Node(8, "Node", 5));
+    ExpectRefused<EnterDef>(Enter("Node", 5, 0));
 }
 
-TEST(EnterDef, RefusesATargetOfZero)
-{
-    const Attempt<EnterDef> zero(Enter("Node", 5, 0));
-    EXPECT_EQ(zero.def.result, 0);
-    EXPECT_EQ(zero.lines, (Lines{CreatedDef("Node"), ErrorBreak("vell::EnterDef::Init")}));
-}
-
-TEST(ExitDef, NeedsNoTarget)
+TEST(ExitDef, ReadsATargetThatMayBeMissingButNotZero)
 {
     const Attempt<ExitDef> none(Exit("Node", 5));
     EXPECT_EQ(none.def.result, 1);
     EXPECT_EQ(none.def->targetId, 0u);
-}
-
-TEST(ExitDef, ReadsItsTarget)
-{
     EXPECT_EQ(Attempt<ExitDef>(Exit("Node", 5).Set(JSON_EntryTarget, 9)).def->targetId, 9u);
-}
-
-TEST(ExitDef, RefusesATargetOfZero)
-{
-    const Attempt<ExitDef> zero(Exit("Node", 5).Set(JSON_EntryTarget, 0));
-    EXPECT_EQ(zero.def.result, 0);
-    EXPECT_EQ(zero.lines, (Lines{CreatedDef("Node"), ErrorBreak("vell::ExitDef::Init")}));
+    ExpectRefused<ExitDef>(Exit("Node", 5).Set(JSON_EntryTarget, 0));
 }
 
 TEST(SubstateDef, ReadsItsEnterAndItsExit)
@@ -506,27 +453,20 @@ TEST(SubstateDef, ReadsItsEnterAndItsExit)
     EXPECT_EQ(substate.def->exitId, 7u);
 }
 
-TEST(SubstateDef, NeedsAnEnter)
+TEST(SubstateDef, NeedsAnEnterAndAnExitAndKeepsAnEnterWithoutAnExit)
 {
+    const JsonObject whole = Substate("Node", 5, 6, 7);
     for (const JsonObject& node :
-         {Substate("Node", 5, 0, 7), Substate("Node", 5, 6, 7).Remove(JSON_SubstateEnter)})
+         {Substate("Node", 5, 0, 7), JsonObject(whole).Remove(JSON_SubstateEnter)})
     {
-        const Attempt<SubstateDef> bad(node);
-        EXPECT_EQ(bad.def.result, 0);
-        EXPECT_EQ(bad.lines, (Lines{CreatedDef("Node"), ErrorBreak("vell::SubstateDef::Init")}));
-        EXPECT_EQ(bad.def->exitId, 0u);
+        ExpectRefused<SubstateDef>(node);
+        EXPECT_EQ(Attempt<SubstateDef>(node).def->exitId, 0u) << node.Text();
     }
-}
-
-TEST(SubstateDef, KeepsItsEnterWhenItFailsForWantOfAnExit)
-{
     for (const JsonObject& node :
-         {Substate("Node", 5, 6, 0), Substate("Node", 5, 6, 7).Remove(JSON_SubstateExit)})
+         {Substate("Node", 5, 6, 0), JsonObject(whole).Remove(JSON_SubstateExit)})
     {
-        const Attempt<SubstateDef> bad(node);
-        EXPECT_EQ(bad.def.result, 0);
-        EXPECT_EQ(bad.lines, (Lines{CreatedDef("Node"), ErrorBreak("vell::SubstateDef::Init")}));
-        EXPECT_EQ(bad.def->enterId, 6u);
+        ExpectRefused<SubstateDef>(node);
+        EXPECT_EQ(Attempt<SubstateDef>(node).def->enterId, 6u) << node.Text();
     }
 }
 

@@ -4,6 +4,8 @@
 #include "parameters/ParameterTable.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Recorders.h"
+#include "tests/support/SmallDocument.h"
 #include "tests/support/TestMachine.h"
 
 #include <vell/ConditionDef.h>
@@ -12,7 +14,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -24,29 +25,18 @@ namespace
 const std::string kInit = "vell::HSM::Init";
 const std::string kParsing = "3 Parsing JSON file has caused an exception";
 
-Lines Joined(std::initializer_list<Lines> parts)
-{
-    Lines all;
-    for (const Lines& part : parts)
-    {
-        all.insert(all.end(), part.begin(), part.end());
-    }
-    return all;
-}
-
 /// What a failed step leaves: its own lines twice, and the end of Init.
 Lines Failed(const Lines& step)
 {
-    return Joined({step, step, {ErrorBreak(kInit), kParsing}});
+    return step + step + Lines{ErrorBreak(kInit), kParsing};
 }
 
 /// The lines of a layer, with those of its nodes.
 Lines LayerLines(int index, const std::string& name, const Lines& nodes)
 {
-    return Joined({{"9 Importing Layer[" + std::to_string(index) + "]: " + name,
-                    "9 ---------------------------------------"},
-                   nodes,
-                   {"9 \n"}});
+    return Lines{"9 Importing Layer[" + std::to_string(index) + "]: " + name,
+                 "9 ---------------------------------------"} +
+           nodes + Lines{"9 \n"};
 }
 
 const Lines kLayersBanner = {"9 \n\nImporting HSM layers", "9 --------------------\n\n"};
@@ -66,25 +56,27 @@ Lines HeadLines(unsigned int enterNode, unsigned int substateRoot)
             "9 \n\n"};
 }
 
-DocumentBuilder SmallDocument()
-{
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10));
-    return document;
-}
+const Lines kStandLayer = kLayersBanner + LayerLines(0, "Base", {"6 Created new BaseDef: Stand"});
+const Lines kStandAndHead = kStandLayer + HeadLines(10, 10);
 
-const Lines kStandLayer =
-    Joined({kLayersBanner, LayerLines(0, "Base", {"6 Created new BaseDef: Stand"})});
-
-/// Makes a machine of `document`, calls Init and gives its result; its lines go to `lines`.
-int InitOf(const DocumentBuilder& document, LogRecorder& log, Lines& lines)
+/// Creates a machine of `document` and gives the lines of its `Init`, which has to give `result`.
+Lines LinesOfInit(const DocumentBuilder& document, int result)
 {
+    LogRecorder log;
     TestMachine machine(document);
     log.Clear();
-    const int result = machine.Init();
-    lines = log.Take();
-    return result;
+
+    EXPECT_EQ(machine.Init(), result);
+    return log.Take();
 }
+
+/// What is wrong with a document, and the lines that a test expects of its `Init`.
+struct Failure
+{
+    const char* what;
+    DocumentBuilder document;
+    Lines lines;
+};
 
 /// A document that gives each step of Init something to do.
 DocumentBuilder WholeDocument()
@@ -137,41 +129,22 @@ Lines StepsDone(TestMachine& machine)
 
 TEST(HSMInit, TakesItsStepsInOneOrderAndEndsAtTheFirstThatFails)
 {
-    struct Case
-    {
-        const char* what;
-        std::function<void(DocumentBuilder&)> spoil;
-        Lines done;
-    };
-    const auto set = [](DURMBaseLib::__JSONTYPES__ member)
-    {
-        return [member](DocumentBuilder& document)
-        {
-            document.Root().Set(member, 5);
-        };
-    };
-    const std::vector<Case> cases = {
-        {"parameters", set(JSON_Parameters), {}},
-        {"layers", set(JSON_Layers), {"parameters"}},
-        {"head",
-         [](DocumentBuilder& document)
-         {
-             document.Head().Set(JSON_HeadEnterNode, 0);
-         },
-         {"parameters", "layers"}},
-        {"skeleton", set(JSON_Skeleton), {"parameters", "layers", "head"}},
-        {"global nodes", set(JSON_Global), {"parameters", "layers", "head", "skeleton"}},
-    };
-    for (const Case& one : cases)
+    const Failure cases[] = {
+        {"parameters", WithRoot(WholeDocument(), JSON_Parameters, 5), {}},
+        {"layers", WithRoot(WholeDocument(), JSON_Layers, 5), {"parameters"}},
+        {"head", WithHead(WholeDocument(), JSON_HeadEnterNode, 0), {"parameters", "layers"}},
+        {"skeleton", WithRoot(WholeDocument(), JSON_Skeleton, 5), {"parameters", "layers", "head"}},
+        {"global nodes",
+         WithRoot(WholeDocument(), JSON_Global, 5),
+         {"parameters", "layers", "head", "skeleton"}}};
+    for (const Failure& failure : cases)
     {
         LogRecorder log;
-        DocumentBuilder document = WholeDocument();
-        one.spoil(document);
-        TestMachine machine(document);
+        TestMachine machine(failure.document);
 
-        EXPECT_EQ(machine.Init(), 0) << one.what;
+        EXPECT_EQ(machine.Init(), 0) << failure.what;
 
-        EXPECT_EQ(StepsDone(machine), one.done) << one.what;
+        EXPECT_EQ(StepsDone(machine), failure.lines) << failure.what;
     }
 }
 
@@ -190,23 +163,17 @@ TEST(HSMInit, BindsConditionsBeforeItMakesTheTree)
 
 TEST(HSMInit, LogsTheSkeletonBetweenTheHeadAndTheGlobalNodes)
 {
-    LogRecorder log;
     DocumentBuilder document = SmallDocument();
     document.Skeleton(JsonObject()).GlobalNode(Global("Anywhere", 5));
-    Lines lines;
 
-    EXPECT_EQ(InitOf(document, log, lines), 1);
-
-    EXPECT_EQ(lines, Joined({kStandLayer,
-                             HeadLines(10, 10),
-                             {ErrorBreak("vell::NodeDefTable::ImportSkel_ModelFileName"),
-                              ErrorBreak("vell::NodeDefTable::ImportSkel_SkeletonFileName"),
-                              "6 Created new BaseDef: Anywhere"}}));
+    EXPECT_EQ(LinesOfInit(document, 1),
+              (kStandAndHead + Lines{ErrorBreak("vell::NodeDefTable::ImportSkel_ModelFileName"),
+                                     ErrorBreak("vell::NodeDefTable::ImportSkel_SkeletonFileName"),
+                                     "6 Created new BaseDef: Anywhere"}));
 }
 
 TEST(HSMInit, LogsAGoodLoadFromParametersToGlobalNodes)
 {
-    LogRecorder log;
     DocumentBuilder document;
     document.Start(10)
         .Parameter(FloatParameter("speed", 0.5))
@@ -219,30 +186,23 @@ TEST(HSMInit, LogsAGoodLoadFromParametersToGlobalNodes)
         .Node(Enter("In", 20, 22, 11))
         .Node(Exit("Out", 21, 11))
         .GlobalNode(Global("Anywhere", 5));
-    Lines lines;
 
-    EXPECT_EQ(InitOf(document, log, lines), 1);
-
-    EXPECT_EQ(lines,
-              Joined({{"6 Created new BaseDef: speed", "6 float", "6 Created new BaseDef: hit",
-                       "6 message"},
-                      kLayersBanner,
-                      LayerLines(0, "Ground",
-                                 {"6 Created new BaseDef: Stand", "6 Created new BaseDef: Go",
-                                  "6 Created new BaseDef: on speed"}),
-                      LayerLines(1, "Nested",
-                                 {"6 Created new BaseDef: Fight", "6 Created new BaseDef: In",
-                                  "6 EnterNode: In - ParentID: 11", "6 Created new BaseDef: Out"}),
-                      HeadLines(10, 10),
-                      {"6 Created new BaseDef: Anywhere"}}));
+    const Lines ground = {"6 Created new BaseDef: Stand", "6 Created new BaseDef: Go",
+                          "6 Created new BaseDef: on speed"};
+    const Lines nested = {"6 Created new BaseDef: Fight", "6 Created new BaseDef: In",
+                          "6 EnterNode: In - ParentID: 11", "6 Created new BaseDef: Out"};
+    EXPECT_EQ(LinesOfInit(document, 1),
+              (Lines{"6 Created new BaseDef: speed", "6 float", "6 Created new BaseDef: hit",
+                     "6 message"} +
+               kLayersBanner + LayerLines(0, "Ground", ground) + LayerLines(1, "Nested", nested) +
+               HeadLines(10, 10) + Lines{"6 Created new BaseDef: Anywhere"}));
 }
 
 TEST(HSMInit, FillsTheTablesAndMakesNoStates)
 {
     LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.Parameter(BoolParameter("alert", true)).GlobalNode(Global("Anywhere", 5));
-    TestMachine machine(document);
+    TestMachine machine(
+        SmallDocument().Parameter(BoolParameter("alert", true)).GlobalNode(Global("Anywhere", 5)));
 
     ASSERT_EQ(machine.Init(), 1);
 
@@ -274,9 +234,7 @@ TEST(HSMInit, TakesTheStartStateFromTheSubstateRootAndNotFromTheEntryNode)
 TEST(HSMInit, LoadsAHeadOfVersion1WithoutIdentityAndStartState)
 {
     LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.Head().Set(JSON_HeadVersion, 1);
-    TestMachine machine(document);
+    TestMachine machine(WithHead(SmallDocument(), JSON_HeadVersion, 1));
 
     EXPECT_EQ(machine.Init(), 1);
 
@@ -306,16 +264,12 @@ TEST(HSMInit, LoadsChildrenBeforeTheirParentsAlike)
 
 TEST(HSMInit, IgnoresMembersThatItDoesNotKnow)
 {
-    LogRecorder log;
     DocumentBuilder document;
     document.Start(10).Node(Generic("Stand", 10).Set("colour", "red"));
     document.Head().Set("author", Json::Null());
     document.Root().Set("editor", Json::Array({1, 2}));
-    Lines lines;
 
-    EXPECT_EQ(InitOf(document, log, lines), 1);
-
-    EXPECT_EQ(lines, Joined({kStandLayer, HeadLines(10, 10)}));
+    EXPECT_EQ(LinesOfInit(document, 1), kStandAndHead);
 }
 
 // Pins down that an id written with a decimal point is taken bit by bit.
@@ -332,69 +286,68 @@ TEST(HSMInit, TakesTheLowBitsOfAnIdThatIsARealNumber)
     EXPECT_EQ(machine.FindDef("Walk")->GetID(), 0u);
 }
 
+TEST(HSMInit, RunsTheStepThatFailsASecondTimeAndEnds)
+{
+    const std::string table = ErrorBreak("vell::ParameterTable::Init");
+    const std::string create = ErrorBreak("vell::ParameterTable::CreateKVTable");
+    const std::string step = ErrorBreak("vell::HSM::InitParameterTable");
+    const Lines again = {create, create, table};
+    const Failure failures[] = {
+        {"no head, and so no arena", SmallDocument().LeaveOut(JSON_Head), Failed({step})},
+        {"parameters that are no array, which are taken four times",
+         WithRoot(SmallDocument(), JSON_Parameters, 5),
+         Lines{table} + again + Lines{step} + again + again +
+             Lines{step, ErrorBreak(kInit), kParsing}},
+        {"a skeleton that is no object", SmallDocument().Skeleton(5),
+         kStandAndHead + Failed({ErrorBreak("vell::NodeDefTable::ImportSkel")})},
+        {"global nodes that are no array", WithRoot(SmallDocument(), JSON_Global, 5),
+         kStandAndHead + Failed({ErrorBreak("vell::NodeDefTable::ImportGlobal")})}};
+    for (const Failure& failure : failures)
+    {
+        SCOPED_TRACE(failure.what);
+        EXPECT_EQ(LinesOfInit(failure.document, 0), failure.lines);
+    }
+}
+
+TEST(HSMInit, FailsAndPrintsTheWholeHeadTwiceWithoutAnEntryNode)
+{
+    EXPECT_EQ(LinesOfInit(WithHead(SmallDocument(), JSON_HeadEnterNode, 0), 0),
+              kStandLayer +
+                  Failed(HeadLines(0, 10) + Lines{ErrorBreak("vell::NodeDefTable::ImportHead")}));
+}
+
+TEST(HSMInit, FailsInTheTreeWithoutParameters)
+{
+    EXPECT_EQ(LinesOfInit(SmallDocument().LeaveOut(JSON_Parameters), 0),
+              kStandAndHead + Failed({ErrorBreak("vell::HSM::CreateKVTable")}));
+}
+
 TEST(HSMInit, FailsWithoutADocument)
 {
     LogRecorder log;
-    TestMachine machine;
+    TestMachine empty;
+    TestMachine afterAFailedCreate("{");
+    for (TestMachine* machine : {&empty, &afterAFailedCreate})
+    {
+        log.Clear();
 
-    EXPECT_EQ(machine.Init(), 0);
+        EXPECT_EQ(machine->Init(), 0);
 
-    EXPECT_EQ(log.Take(), Failed({ErrorBreak("vell::HSM::ImportLayers")}));
-}
-
-TEST(HSMInit, FailsAfterAFailedCreate)
-{
-    LogRecorder log;
-    TestMachine machine("{");
-    log.Clear();
-
-    EXPECT_EQ(machine.Init(), 0);
-
-    EXPECT_EQ(log.Take(), Failed({ErrorBreak("vell::HSM::ImportLayers")}));
-}
-
-TEST(HSMInit, FailsAtItsFirstStepWithoutAnArena)
-{
-    LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.LeaveOut(JSON_Head);
-    Lines lines;
-
-    EXPECT_EQ(InitOf(document, log, lines), 0);
-
-    EXPECT_EQ(lines, Failed({ErrorBreak("vell::HSM::InitParameterTable")}));
+        EXPECT_EQ(log.Take(), Failed({ErrorBreak("vell::HSM::ImportLayers")}));
+    }
 }
 
 TEST(HSMInit, FailsWithoutANodeTable)
 {
     LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.Root().Set(JSON_Layers, Json::Array({}));
-    TestMachine machine(document);
+    TestMachine machine(WithRoot(SmallDocument(), JSON_Layers, Json::Array({})));
     NodeDefTable* table = machine.nodeDefTable;
     machine.nodeDefTable = nullptr;
 
     EXPECT_EQ(machine.Init(), 0);
 
-    EXPECT_EQ(log.Take(), Joined({kLayersBanner, {ErrorBreak(kInit), kParsing}}));
+    EXPECT_EQ(log.Take(), kLayersBanner + Lines({ErrorBreak(kInit), kParsing}));
     machine.nodeDefTable = table;
-}
-
-TEST(HSMInit, RunsAFailedParameterTableFourTimesOverItsOldTable)
-{
-    LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.Root().Set(JSON_Parameters, 5);
-    Lines lines;
-
-    EXPECT_EQ(InitOf(document, log, lines), 0);
-
-    const std::string table = ErrorBreak("vell::ParameterTable::Init");
-    const std::string create = ErrorBreak("vell::ParameterTable::CreateKVTable");
-    const std::string step = ErrorBreak("vell::HSM::InitParameterTable");
-    EXPECT_EQ(lines, (Lines{table, create, create, table, step, //
-                            create, create, table, create, create, table, step, ErrorBreak(kInit),
-                            kParsing}));
 }
 
 TEST(HSMInit, NeedsRoomForTheParameterTable)
@@ -428,65 +381,11 @@ TEST(HSMInit, MakesNoParameterTableWithoutTheMember)
     EXPECT_EQ(log.Take(), Lines{});
 }
 
-TEST(HSMInit, FailsInTheTreeWithoutParameters)
-{
-    LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.LeaveOut(JSON_Parameters);
-    Lines lines;
-
-    EXPECT_EQ(InitOf(document, log, lines), 0);
-
-    EXPECT_EQ(lines, Joined({kStandLayer, HeadLines(10, 10),
-                             Failed({ErrorBreak("vell::HSM::CreateKVTable")})}));
-}
-
-TEST(HSMInit, FailsAndPrintsTheWholeHeadTwiceWithoutAnEntryNode)
-{
-    LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.Head().Set(JSON_HeadEnterNode, 0);
-    Lines lines;
-
-    EXPECT_EQ(InitOf(document, log, lines), 0);
-
-    EXPECT_EQ(lines, Joined({kStandLayer,
-                             Failed(Joined({HeadLines(0, 10),
-                                            {ErrorBreak("vell::NodeDefTable::ImportHead")}}))}));
-}
-
-TEST(HSMInit, FailsWithASkeletonThatIsNoObject)
-{
-    LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.Skeleton(5);
-    Lines lines;
-
-    EXPECT_EQ(InitOf(document, log, lines), 0);
-
-    EXPECT_EQ(lines, Joined({kStandLayer, HeadLines(10, 10),
-                             Failed({ErrorBreak("vell::NodeDefTable::ImportSkel")})}));
-}
-
-TEST(HSMInit, FailsWithGlobalNodesThatAreNoArray)
-{
-    LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.Root().Set(JSON_Global, 5);
-    Lines lines;
-
-    EXPECT_EQ(InitOf(document, log, lines), 0);
-
-    EXPECT_EQ(lines, Joined({kStandLayer, HeadLines(10, 10),
-                             Failed({ErrorBreak("vell::NodeDefTable::ImportGlobal")})}));
-}
-
 TEST(HSMInit, LeavesWhatEarlierStepsBuiltWhenALaterOneFails)
 {
     LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.Parameter(BoolParameter("alert", true)).Root().Set(JSON_Global, 5);
-    TestMachine machine(document);
+    TestMachine machine(
+        WithRoot(SmallDocument().Parameter(BoolParameter("alert", true)), JSON_Global, 5));
 
     ASSERT_EQ(machine.Init(), 0);
 
@@ -507,9 +406,9 @@ TEST(HSMInit, FailsAtItsParametersWhenRunASecondTime)
 
     const std::string table = ErrorBreak("vell::ParameterTable::Init");
     const std::string create = ErrorBreak("vell::ParameterTable::CreateKVTable");
-    const Lines walk = {create, create, table};
+    const Lines again = {create, create, table};
     EXPECT_EQ(log.Take(),
-              Failed(Joined({walk, walk, {ErrorBreak("vell::HSM::InitParameterTable")}})));
+              Failed(again + again + Lines{ErrorBreak("vell::HSM::InitParameterTable")}));
 }
 
 TEST(HSMInit, MakesNoParameterTableWithoutAnArena)
@@ -569,9 +468,7 @@ TEST(HSMInit, RunsAFailedNodeTableTwiceAndEmptiesIt)
 TEST(HSMInit, UninitialisesItsTablesForSubclasses)
 {
     LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.Parameter(BoolParameter("alert", true));
-    TestMachine machine(document);
+    TestMachine machine(SmallDocument().Parameter(BoolParameter("alert", true)));
     TestMachine empty;
     ASSERT_EQ(machine.Init(), 1);
 

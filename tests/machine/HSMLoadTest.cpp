@@ -5,6 +5,7 @@
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/HeapWatch.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/SmallDocument.h"
 #include "tests/support/TempFile.h"
 #include "tests/support/TestMachine.h"
 
@@ -29,18 +30,9 @@ std::string ParseErrorLine(int code)
            std::to_string(code);
 }
 
-DocumentBuilder SmallDocument()
+std::string TextWithMemory(const Json& figure)
 {
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10));
-    return document;
-}
-
-DocumentBuilder DocumentWithMemory(const Json& figure)
-{
-    DocumentBuilder document = SmallDocument();
-    document.Head().Set(JSON_HeadMemory, figure);
-    return document;
+    return WithHead(SmallDocument(), JSON_HeadMemory, figure).Text();
 }
 
 /// The figure of the head whose arena is the smallest that holds the node table.
@@ -78,7 +70,7 @@ TEST(HSMCreate, SizesTheArenaAndPlacesTheNodeTableFirst)
     LogRecorder log;
     TestMachine machine;
 
-    EXPECT_EQ(machine.Load(DocumentWithMemory(50).Text()), 1);
+    EXPECT_EQ(machine.Load(TextWithMemory(50)), 1);
 
     EXPECT_EQ(log.Take(), Lines{});
     EXPECT_EQ(machine.alloc.capacity, 5000u);
@@ -94,7 +86,7 @@ TEST(HSMCreate, TakesTheModelsMemoryByOneMalloc)
 {
     LogRecorder log;
     TestMachine machine;
-    const std::string text = DocumentWithMemory(1234).Text();
+    const std::string text = TextWithMemory(1234);
     HeapWatch heap;
     heap.RefuseMalloc(123400, 1);
 
@@ -137,23 +129,9 @@ TEST(HSMCreate, MultipliesTheFigureIn32Bits)
     LogRecorder log;
     TestMachine machine;
 
-    EXPECT_EQ(machine.Load(DocumentWithMemory(42949673 + static_cast<int>(kTableSize)).Text()), 1);
+    EXPECT_EQ(machine.Load(TextWithMemory(42949673 + static_cast<int>(kTableSize))), 1);
 
     EXPECT_EQ(machine.alloc.capacity, 4u + 100u * kTableSize);
-}
-
-TEST(HSMCreate, FailsWithAFigureOfZeroAndSoDoesInit)
-{
-    LogRecorder log;
-    TestMachine machine;
-
-    EXPECT_EQ(machine.Load(DocumentWithMemory(0).Text()), 0);
-
-    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate)}));
-    EXPECT_EQ(machine.alloc.capacity, 0u);
-    EXPECT_EQ(machine.nodeDefTable, nullptr);
-    EXPECT_TRUE(HasStandardBuilders());
-    EXPECT_EQ(machine.Init(), 0);
 }
 
 TEST(HSMCreate, NeedsRoomForTheNodeTable)
@@ -162,9 +140,9 @@ TEST(HSMCreate, NeedsRoomForTheNodeTable)
     TestMachine fits;
     TestMachine tooSmall;
 
-    EXPECT_EQ(fits.Load(DocumentWithMemory(SmallestFigure()).Text()), 1);
+    EXPECT_EQ(fits.Load(TextWithMemory(SmallestFigure())), 1);
     EXPECT_EQ(log.Take(), Lines{});
-    EXPECT_EQ(tooSmall.Load(DocumentWithMemory(SmallestFigure() - 1).Text()), 0);
+    EXPECT_EQ(tooSmall.Load(TextWithMemory(SmallestFigure() - 1)), 0);
 
     EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate)}));
     EXPECT_EQ(tooSmall.nodeDefTable, nullptr);
@@ -177,7 +155,7 @@ TEST(HSMCreate, AsksTwiceForABlockThatIsRefused)
 {
     LogRecorder log;
     TestMachine machine;
-    const std::string text = DocumentWithMemory(5000).Text();
+    const std::string text = TextWithMemory(5000);
     HeapWatch heap;
     heap.RefuseMalloc(500000, 2);
 
@@ -193,7 +171,7 @@ TEST(HSMCreate, AsksTwiceForABlockThatIsRefused)
 TEST(HSMCreate, FailsAlsoWhenTheSecondAttemptGetsTheBlock)
 {
     LogRecorder log;
-    const std::string text = DocumentWithMemory(5000).Text();
+    const std::string text = TextWithMemory(5000);
     TestMachine machine;
     HeapWatch heap;
     heap.RefuseMalloc(500000, 1);
@@ -211,7 +189,7 @@ TEST(HSMCreate, FailsAlsoWhenTheSecondAttemptGetsTheBlock)
 TEST(HSMCreate, GivesTheBlockOfASecondAttemptBackWithTheMachine)
 {
     LogRecorder log;
-    const std::string text = DocumentWithMemory(5000).Text();
+    const std::string text = TextWithMemory(5000);
     HeapWatch heap;
     {
         TestMachine warmUp;
@@ -244,28 +222,20 @@ TEST(HSMCreate, ReportsAMissingFileWithTheCode1)
     EXPECT_EQ(machine.nodeDefTable, nullptr);
 }
 
-TEST(HSMCreate, ReportsAnEmptyFileAsAMissingOne)
+TEST(HSMCreate, ReportsAFileThatIsNoJsonWithTheParsersCode)
 {
-    const TempFile file("");
     LogRecorder log;
-    FileMachine machine(file.Path());
+    for (const auto& [text, code] : {std::pair("", 1), std::pair("{\"a\":1,}", 4)})
+    {
+        const TempFile file(text);
+        FileMachine machine(file.Path());
 
-    EXPECT_EQ(machine.Create(), 0);
+        EXPECT_EQ(machine.Create(), 0);
 
-    EXPECT_EQ(log.Take(), (Lines{ParseErrorLine(1), ErrorBreak(kCreate)}));
-}
-
-TEST(HSMCreate, ReportsASyntaxErrorInAFileWithTheParsersCode)
-{
-    const TempFile file("{\"a\":1,}");
-    LogRecorder log;
-    FileMachine machine(file.Path());
-
-    EXPECT_EQ(machine.Create(), 0);
-
-    EXPECT_EQ(log.Take(), (Lines{ParseErrorLine(4), ErrorBreak(kCreate)}));
-    EXPECT_TRUE(machine.document.IsNull());
-    EXPECT_EQ(machine.nodeDefTable, nullptr);
+        EXPECT_EQ(log.Take(), (Lines{ParseErrorLine(code), ErrorBreak(kCreate)})) << text;
+        EXPECT_TRUE(machine.document.IsNull());
+        EXPECT_EQ(machine.nodeDefTable, nullptr);
+    }
 }
 
 // Pins down that the parser's code is lost when the document comes as text.
@@ -294,31 +264,51 @@ TEST(HSMCreate, TakesTheTextWhenThereAreAFileAndAText)
     EXPECT_EQ(machine.Init(), 1);
 }
 
-TEST(HSMCreate, NeedsAHead)
+TEST(HSMCreate, NeedsAHeadWithAFigureAndATypeInADocumentThatIsAnObject)
 {
-    LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.LeaveOut(JSON_Head);
-    TestMachine machine;
-
-    EXPECT_EQ(machine.Load(document.Text()), 0);
-
-    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate)}));
-    EXPECT_EQ(machine.alloc.block, nullptr);
-    EXPECT_EQ(machine.nodeDefTable, nullptr);
-}
-
-TEST(HSMCreate, NeedsADocumentThatIsAnObject)
-{
-    LogRecorder log;
-    for (const char* text : {"null", "7", "\"text\"", "[]", "[{}]"})
+    const Lines refused = {ErrorBreak(kCreate)};
+    const struct
     {
+        std::string text;
+        Lines lines;
+    } failures[] = {
+        {"null", refused},
+        {"7", refused},
+        {"\"text\"", refused},
+        {"[]", refused},
+        {"[{}]", refused},
+        {SmallDocument().LeaveOut(JSON_Head).Text(), refused},
+        {WithRoot(SmallDocument(), JSON_Head, 5).Text(),
+         {ErrorBreak("vell::HSM::GetMemoryRequirements"), ErrorBreak("vell::HSM::GetHSMType"),
+          ErrorBreak(kCreate, "")}},
+        {TextWithMemory(0), refused},
+        {WithHead(SmallDocument(), JSON_HeadMachineType, 2).Text(), {ErrorBreak(kCreate, "")}}};
+    for (const auto& failure : failures)
+    {
+        SCOPED_TRACE(failure.text);
+        LogRecorder log;
         TestMachine machine;
 
-        EXPECT_EQ(machine.Load(text), 0);
+        EXPECT_EQ(machine.Load(failure.text), 0);
 
-        EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate)})) << text;
+        EXPECT_EQ(log.Take(), failure.lines);
+        EXPECT_EQ(machine.nodeDefTable, nullptr);
+        EXPECT_EQ(machine.Init(), 0);
     }
+}
+
+TEST(HSMCreate, TakesNoBlockWithoutAHeadAndNoneOfTheSizeZero)
+{
+    LogRecorder log;
+    ClearStateBuilders();
+    TestMachine headless(SmallDocument().LeaveOut(JSON_Head));
+    TestMachine withoutMemory(TextWithMemory(0));
+    TestMachine withoutFigure(WithRoot(SmallDocument(), JSON_Head, 5));
+
+    EXPECT_EQ(headless.alloc.block, nullptr);
+    EXPECT_TRUE(HasStandardBuilders()) << "the last step is the first that fails";
+    EXPECT_EQ(withoutMemory.alloc.capacity, 0u);
+    EXPECT_EQ(withoutFigure.alloc.capacity, 0u);
 }
 
 TEST(HSMCreate, FailsWithoutADocument)
@@ -331,26 +321,11 @@ TEST(HSMCreate, FailsWithoutADocument)
     EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate)}));
 }
 
-TEST(HSMCreate, ReportsAHeadThatIsNoObjectForItsFigureAndForItsType)
-{
-    LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.Root().Set(JSON_Head, 5);
-    TestMachine machine;
-
-    EXPECT_EQ(machine.Load(document.Text()), 0);
-
-    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::GetMemoryRequirements"),
-                                 ErrorBreak("vell::HSM::GetHSMType"), ErrorBreak(kCreate, "")}));
-    EXPECT_EQ(machine.alloc.capacity, 0u);
-    EXPECT_EQ(machine.nodeDefTable, nullptr);
-}
-
 TEST(HSMCreate, NeedsTheNameOfAMachineType)
 {
     LogRecorder log;
-    DocumentBuilder document = DocumentWithMemory(5000);
-    document.Head().Remove(JSON_HeadMachineType);
+    DocumentBuilder document = SmallDocument();
+    document.Head().Set(JSON_HeadMemory, 5000).Remove(JSON_HeadMachineType);
     ClearStateBuilders();
     TestMachine machine;
 
@@ -363,26 +338,12 @@ TEST(HSMCreate, NeedsTheNameOfAMachineType)
     EXPECT_EQ(machine.machineType, 1);
 }
 
-TEST(HSMCreate, TakesAMachineTypeThatIsNoTextForNone)
-{
-    LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.Head().Set(JSON_HeadMachineType, 2);
-    TestMachine machine;
-
-    EXPECT_EQ(machine.Load(document.Text()), 0);
-
-    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate, "")}));
-}
-
 TEST(HSMCreate, TakesTheMachineTypeThatTheHeadNames)
 {
     LogRecorder log;
     for (const int type : {1, 2, 3})
     {
-        DocumentBuilder document = SmallDocument();
-        document.Head().Set(JSON_HeadMachineType, MachineTypeName(type));
-        TestMachine machine(document);
+        TestMachine machine(WithHead(SmallDocument(), JSON_HeadMachineType, MachineTypeName(type)));
 
         EXPECT_EQ(static_cast<const IHSM&>(machine).GetHSMType(), type);
         EXPECT_EQ(DURMBaseLib::GetStateMachineTypeByName(MachineTypeName(type).c_str()), type);
@@ -394,11 +355,10 @@ TEST(HSMCreate, TakesTheMachineTypeThatTheHeadNames)
 TEST(HSMCreate, TakesAnUnknownMachineTypeForZero)
 {
     LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.Head().Set(JSON_HeadMachineType, "no such type");
     TestMachine machine;
 
-    EXPECT_EQ(machine.Load(document.Text()), 1);
+    EXPECT_EQ(machine.Load(WithHead(SmallDocument(), JSON_HeadMachineType, "no such type").Text()),
+              1);
 
     EXPECT_EQ(machine.machineType, 0);
 }
@@ -434,10 +394,10 @@ TEST(HSMCreate, KeepsATextOfTheFilesNameForTheTree)
 TEST(HSMCreate, RunsAnewAfterUninitAndTakesANewBlock)
 {
     LogRecorder log;
-    TestMachine machine(DocumentWithMemory(100));
+    TestMachine machine(TextWithMemory(100));
     machine.HSM::Uninit();
 
-    EXPECT_EQ(machine.Load(DocumentWithMemory(200).Text()), 1);
+    EXPECT_EQ(machine.Load(TextWithMemory(200)), 1);
 
     EXPECT_EQ(machine.alloc.capacity, 20000u);
     EXPECT_EQ(static_cast<void*>(machine.nodeDefTable), machine.alloc.block);

@@ -1,6 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMStackTest.cpp: pushing, popping and rewriting of the stacks.
 #include "tests/support/Scene.h"
+#include "tests/support/ScriptedAction.h"
 
 #include <vell/UpdateResult.h>
 
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 #include <ostream>
 #include <stdexcept>
 #include <utility>
@@ -52,21 +54,29 @@ protected:
 };
 
 /// Notes the stack at the moment it performs.
-class NoteStack : public Action
+Action* NoteStack(TestMachine& machine)
 {
-public:
-    explicit NoteStack(TestMachine& ownMachine) : machine(ownMachine)
-    {
-    }
-    int Perform(__ActType__, float) override
-    {
-        LogRecorder::Note("stack: " + machine.MainStack());
-        return 0;
-    }
+    return new ScriptedAction(
+        [&machine](float)
+        {
+            LogRecorder::Note("stack: " + machine.MainStack());
+            return 0;
+        });
+}
 
-private:
-    TestMachine& machine;
-};
+/// Calls a function once, when its state is left.
+Action* OnceOnExit(const std::function<void()>& call)
+{
+    return new ScriptedAction(
+        [call, isDone = std::make_shared<bool>(false)](float)
+        {
+            if (!std::exchange(*isDone, true))
+            {
+                call();
+            }
+            return 1;
+        });
+}
 
 UpdateResult Record(int popLevel, unsigned int target)
 {
@@ -100,7 +110,7 @@ TEST_F(HSMStack, PushByPointerActivatesNothing)
 
 TEST_F(HSMStack, StateIsEnteredBeforeItStandsOnTheStack)
 {
-    machine.FindDef(12u)->RegisterEnter(new NoteStack(machine));
+    machine.FindDef(12u)->RegisterEnter(NoteStack(machine));
 
     machine.PushState(12u);
 
@@ -155,7 +165,7 @@ TEST_F(HSMStack, PopExitsTheTopAndKeepsTheStateForTheNextActivation)
 
 TEST_F(HSMStack, StateIsLeftWhileItStillStandsOnTheStack)
 {
-    machine.FindDef(11u)->RegisterExit(new NoteStack(machine));
+    machine.FindDef(11u)->RegisterExit(NoteStack(machine));
 
     machine.PopState();
 
@@ -369,27 +379,6 @@ TEST_F(HSMStack, RewriteLeavesANullEntryWithoutALine)
 namespace
 {
 
-/// Calls a function once, when its state is left.
-class OnceOnExit : public Action
-{
-public:
-    explicit OnceOnExit(std::function<void()> wanted) : call(std::move(wanted))
-    {
-    }
-    int Perform(__ActType__, float) override
-    {
-        const std::function<void()> once = std::exchange(call, nullptr);
-        if (once)
-        {
-            once();
-        }
-        return 1;
-    }
-
-private:
-    std::function<void()> call;
-};
-
 struct StackChange
 {
     const char* name;
@@ -412,7 +401,7 @@ class PopStateDuring : public HSMStack, public testing::WithParamInterface<Stack
 
 TEST_P(PopStateDuring, RemovesTheStateThatWasLeftAndNoOther)
 {
-    machine.FindDef(11u)->RegisterExit(new OnceOnExit(
+    machine.FindDef(11u)->RegisterExit(OnceOnExit(
         [this]
         {
             GetParam().change(machine);
@@ -477,7 +466,7 @@ TEST_F(HSMStack, PopDuringABlipThatEndsMeanwhileTouchesTheStackAndTheArrayOfTheB
     machine.currentStack = &machine.blipStack;
     machine.blipActive = true;
     machine.PushState(12u);
-    machine.FindDef(12u)->RegisterExit(new OnceOnExit(
+    machine.FindDef(12u)->RegisterExit(OnceOnExit(
         [this]
         {
             machine.blipActive = false;
@@ -494,7 +483,7 @@ TEST_F(HSMStack, PopDuringABlipThatEndsMeanwhileTouchesTheStackAndTheArrayOfTheB
 
 TEST_F(HSMStack, PopLeavesTheArrayWhenTheStateIsGoneAlready)
 {
-    machine.FindDef(11u)->RegisterExit(new OnceOnExit(
+    machine.FindDef(11u)->RegisterExit(OnceOnExit(
         [this]
         {
             machine.stateStack.pop_back();

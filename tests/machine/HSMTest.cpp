@@ -4,6 +4,7 @@
 #include "machine/StateBuilders.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/SmallDocument.h"
 #include "tests/support/TestMachine.h"
 
 #include <vell/BaseDef.h>
@@ -22,13 +23,6 @@ namespace
 {
 
 const std::string kPushState = "vell::HSM::PushState";
-
-DocumentBuilder SmallDocument()
-{
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10));
-    return document;
-}
 
 /// The line of a failed activation.
 std::string NotActivated(unsigned int id)
@@ -219,9 +213,7 @@ TEST(HSM, BearsTicksAndStackCallsBeforeStart)
 TEST(HSM, StartsWithTheGlobalStateAndThenTheStartState)
 {
     LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.GlobalNode(Global("Anywhere", 5));
-    TestMachine machine(document);
+    TestMachine machine(SmallDocument().GlobalNode(Global("Anywhere", 5)));
     ASSERT_EQ(machine.Init(), 1);
     log.Clear();
 
@@ -257,9 +249,7 @@ TEST(HSM, StartsWithoutAGlobalNodeAndSaysSo)
 TEST(HSM, PushesTheStartStateAgainWhenStartedAgain)
 {
     LogRecorder log;
-    DocumentBuilder document = SmallDocument();
-    document.GlobalNode(Global("Anywhere", 5));
-    TestMachine machine(document);
+    TestMachine machine(SmallDocument().GlobalNode(Global("Anywhere", 5)));
     ASSERT_EQ(machine.Init(), 1);
     machine.Start();
     const SMState* global = machine.globalState;

@@ -3,6 +3,7 @@
 #include "definitions/NodeDefTable.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/ScriptedAction.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/WriteCounter.h"
 
@@ -473,25 +474,6 @@ JsonObject Resetting(JsonObject parameter)
     return parameter.Set(JSON_ParameterResetEachFrame, true);
 }
 
-/// Reads a float parameter whenever it is performed.
-class Reader : public Action
-{
-public:
-    Reader(ParameterFloatDef* readParameter, std::vector<float>& target)
-        : parameter(readParameter), values(target)
-    {
-    }
-    int Perform(__ActType__, float) override
-    {
-        values.push_back(parameter->GetValue());
-        return 1;
-    }
-
-private:
-    ParameterFloatDef* parameter;
-    std::vector<float>& values;
-};
-
 } // namespace
 
 TEST(FrameReset, ComesAfterAllStatesHaveUpdated)
@@ -506,8 +488,13 @@ TEST(FrameReset, ComesAfterAllStatesHaveUpdated)
     machine.PushState(11);
     auto* push = Find<ParameterFloatDef>(machine, "push");
     std::vector<float> seen;
-    machine.FindDef(10)->RegisterExecute(new Reader(push, seen));
-    machine.FindDef(11)->RegisterExecute(new Reader(push, seen));
+    const auto read = [&](float)
+    {
+        seen.push_back(push->GetValue());
+        return 1;
+    };
+    machine.FindDef(10)->RegisterExecute(new ScriptedAction(read));
+    machine.FindDef(11)->RegisterExecute(new ScriptedAction(read));
 
     push->SetValue(4.0f);
     machine.Update(0.1f);

@@ -30,13 +30,10 @@ struct Maker<ParameterFloatDef>
 {
     using Interface = IParameterFloatDef;
     static constexpr const char* kFunction = "vell::ParameterTable::CreateFloatParameter";
-    static float Value()
-    {
-        return 1.5f;
-    }
+    static constexpr float kValue = 1.5f;
     static int Make(IParameterTable& table, const char* name, Interface** out)
     {
-        return table.CreateFloatParameter(name, Value(), out);
+        return table.CreateFloatParameter(name, kValue, out);
     }
 };
 
@@ -45,13 +42,10 @@ struct Maker<ParameterBoolDef>
 {
     using Interface = IParameterBoolDef;
     static constexpr const char* kFunction = "vell::ParameterTable::CreateBoolParameter";
-    static bool Value()
-    {
-        return true;
-    }
+    static constexpr bool kValue = true;
     static int Make(IParameterTable& table, const char* name, Interface** out)
     {
-        return table.CreateBoolParameter(name, Value(), out);
+        return table.CreateBoolParameter(name, kValue, out);
     }
 };
 
@@ -60,13 +54,10 @@ struct Maker<ParameterIntegerDef>
 {
     using Interface = IParameterIntDef;
     static constexpr const char* kFunction = "vell::ParameterTable::CreateIntParameter";
-    static int Value()
-    {
-        return -4;
-    }
+    static constexpr int kValue = -4;
     static int Make(IParameterTable& table, const char* name, Interface** out)
     {
-        return table.CreateIntParameter(name, Value(), out);
+        return table.CreateIntParameter(name, kValue, out);
     }
 };
 
@@ -75,13 +66,10 @@ struct Maker<ParameterMessageDef>
 {
     using Interface = IParameterMessageDef;
     static constexpr const char* kFunction = "vell::ParameterTable::CreateMessageParameter";
-    static std::string Value()
-    {
-        return "now";
-    }
+    static constexpr const char* kValue = "now";
     static int Make(IParameterTable& table, const char* name, Interface** out)
     {
-        return table.CreateMessageParameter(name, Value().c_str(), out);
+        return table.CreateMessageParameter(name, kValue, out);
     }
 };
 
@@ -117,8 +105,8 @@ TYPED_TEST(RuntimeParameter, StartsWithItsValueAsDefaultAndCurrentValue)
     ASSERT_EQ(Maker<TypeParam>::Make(this->table, "fresh", &this->out), 1);
 
     ASSERT_NE(this->out, nullptr);
-    EXPECT_EQ(this->out->GetDefaultValue(), Maker<TypeParam>::Value());
-    EXPECT_EQ(this->out->GetValue(), Maker<TypeParam>::Value());
+    EXPECT_EQ(this->out->GetDefaultValue(), Maker<TypeParam>::kValue);
+    EXPECT_EQ(this->out->GetValue(), Maker<TypeParam>::kValue);
     EXPECT_EQ(this->log.Take(), Lines());
 }
 
@@ -283,7 +271,7 @@ TYPED_TEST(RuntimeParameter, StaysUsableAfterTheMachineIsGone)
         EXPECT_EQ(this->out->GetValue(), decltype(this->out->GetValue())());
         this->out->ResetValue();
 
-        EXPECT_EQ(this->out->GetValue(), Maker<TypeParam>::Value());
+        EXPECT_EQ(this->out->GetValue(), Maker<TypeParam>::kValue);
         EXPECT_EQ(this->out->GetValuePtr(), address);
         EXPECT_STREQ(def->GetName(), "fresh");
         EXPECT_EQ(Tessel::GetTableName(child), nullptr) << "the table closes with the machine";

@@ -3,6 +3,7 @@
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LoadedParameters.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Recorders.h"
 #include "tests/support/TestMachine.h"
 
 #include <vell/Parameters.h>
@@ -29,12 +30,6 @@ const std::string kInitTable = "vell::HSM::InitParameterTable";
 Lines Loaded(const std::string& name, int type)
 {
     return {CreatedDef(name), "6 " + ParameterTypeName(type)};
-}
-
-Lines operator+(Lines left, const Lines& right)
-{
-    left.insert(left.end(), right.begin(), right.end());
-    return left;
 }
 
 /// A parameter whose common members fail to load.

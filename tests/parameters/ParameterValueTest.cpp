@@ -20,191 +20,127 @@ namespace vell::test
 namespace
 {
 
-/// One parameter class with two values that differ and how its value stands in the tree.
+/// What a parameter class stores, and how its value is kept in the tree.
+template <class InterfaceType, class ValueType, int kTypeNumber, int kTreeTypeNumber>
+struct KindOf
+{
+    using Interface = InterfaceType;
+    using Value = ValueType;
+    static constexpr int kType = kTypeNumber;
+    static constexpr int kTreeType = kTreeTypeNumber;
+};
+
 template <class Class>
 struct Kind;
-
 template <>
-struct Kind<ParameterBoolDef>
+struct Kind<ParameterBoolDef> : KindOf<IParameterBoolDef, bool, 1, Tessel::ValueType_Int>
 {
-    using Interface = IParameterBoolDef;
-    using Value = bool;
-    static constexpr int kType = 1;
-    static Value First()
-    {
-        return true;
-    }
-    static Value Second()
-    {
-        return false;
-    }
-    static Value InTree(Tessel::KVTable table)
-    {
-        return table->GetInt("value") != 0;
-    }
-    static void WriteByTool(Tessel::KVTable table, const Value& value)
-    {
-        table->SetInt("value", value ? 17 : 0, 1);
-    }
-    static constexpr int kTreeType = Tessel::ValueType_Int;
+    static constexpr Value kFirst = true;
+    static constexpr Value kSecond = false;
 };
-
 template <>
-struct Kind<ParameterIntegerDef>
+struct Kind<ParameterIntegerDef> : KindOf<IParameterIntDef, int, 2, Tessel::ValueType_Int>
 {
-    using Interface = IParameterIntDef;
-    using Value = int;
-    static constexpr int kType = 2;
-    static Value First()
-    {
-        return -5;
-    }
-    static Value Second()
-    {
-        return 1 << 30;
-    }
-    static Value InTree(Tessel::KVTable table)
-    {
-        return table->GetInt("value");
-    }
-    static void WriteByTool(Tessel::KVTable table, const Value& value)
-    {
-        table->SetInt("value", value, 1);
-    }
-    static constexpr int kTreeType = Tessel::ValueType_Int;
+    static constexpr Value kFirst = -5;
+    static constexpr Value kSecond = 1 << 30;
 };
-
 template <>
-struct Kind<ParameterFloatDef>
+struct Kind<ParameterFloatDef> : KindOf<IParameterFloatDef, float, 3, Tessel::ValueType_Float>
 {
-    using Interface = IParameterFloatDef;
-    using Value = float;
-    static constexpr int kType = 3;
-    static Value First()
-    {
-        return -0.5f;
-    }
-    static Value Second()
-    {
-        return 1e30f;
-    }
-    static Value InTree(Tessel::KVTable table)
-    {
-        return table->GetFloat("value");
-    }
-    static void WriteByTool(Tessel::KVTable table, const Value& value)
-    {
-        table->SetFloat("value", value, 1);
-    }
-    static constexpr int kTreeType = Tessel::ValueType_Float;
+    static constexpr Value kFirst = -0.5f;
+    static constexpr Value kSecond = 1e30f;
 };
-
 template <>
 struct Kind<ParameterAnalogDef>
+    : KindOf<IParameterAnalogDef, Tessel::Float2, 4, Tessel::ValueType_Float2>
 {
-    using Interface = IParameterAnalogDef;
-    using Value = Tessel::Float2;
-    static constexpr int kType = 4;
-    static Value First()
-    {
-        return {3.0f, 4.0f};
-    }
-    static Value Second()
-    {
-        return {-1.0f, 0.5f};
-    }
-    static Value InTree(Tessel::KVTable table)
-    {
-        Value value{};
-        table->GetFloat2("value", &value);
-        return value;
-    }
-    static void WriteByTool(Tessel::KVTable table, const Value& value)
-    {
-        table->SetFloat2("value", &value, 1);
-    }
-    static constexpr int kTreeType = Tessel::ValueType_Float2;
+    static constexpr Value kFirst = {3.0f, 4.0f};
+    static constexpr Value kSecond = {-1.0f, 0.5f};
 };
-
 template <>
 struct Kind<ParameterFloat3Def>
+    : KindOf<IParameterFloat3Def, Tessel::Float3, 5, Tessel::ValueType_Float3>
 {
-    using Interface = IParameterFloat3Def;
-    using Value = Tessel::Float3;
-    static constexpr int kType = 5;
-    static Value First()
-    {
-        return {2.0f, 3.0f, 6.0f};
-    }
-    static Value Second()
-    {
-        return {-1.0f, 0.5f, 9.0f};
-    }
-    static Value InTree(Tessel::KVTable table)
-    {
-        Value value{};
-        table->GetFloat3("value", &value);
-        return value;
-    }
-    static void WriteByTool(Tessel::KVTable table, const Value& value)
-    {
-        table->SetFloat3("value", &value, 1);
-    }
-    static constexpr int kTreeType = Tessel::ValueType_Float3;
+    static constexpr Value kFirst = {2.0f, 3.0f, 6.0f};
+    static constexpr Value kSecond = {-1.0f, 0.5f, 9.0f};
 };
-
 template <>
 struct Kind<ParameterFloat4Def>
+    : KindOf<IParameterFloat4Def, Tessel::Float4, 6, Tessel::ValueType_Float4>
 {
-    using Interface = IParameterFloat4Def;
-    using Value = Tessel::Float4;
-    static constexpr int kType = 6;
-    static Value First()
-    {
-        return {1.0f, 2.0f, 3.0f, 4.0f};
-    }
-    static Value Second()
-    {
-        return {-1.0f, 0.5f, 9.0f, 0.25f};
-    }
-    static Value InTree(Tessel::KVTable table)
-    {
-        Value value{};
-        table->GetFloat4("value", &value);
-        return value;
-    }
-    static void WriteByTool(Tessel::KVTable table, const Value& value)
-    {
-        table->SetFloat4("value", &value, 1);
-    }
-    static constexpr int kTreeType = Tessel::ValueType_Float4;
+    static constexpr Value kFirst = {1.0f, 2.0f, 3.0f, 4.0f};
+    static constexpr Value kSecond = {-1.0f, 0.5f, 9.0f, 0.25f};
 };
-
 template <>
 struct Kind<ParameterMessageDef>
+    : KindOf<IParameterMessageDef, std::string, 8, Tessel::ValueType_Text>
 {
-    using Interface = IParameterMessageDef;
-    using Value = std::string;
-    static constexpr int kType = 8;
-    static Value First()
-    {
-        return "jump";
-    }
-    static Value Second()
-    {
-        return "a text that is too long for a string's own buffer";
-    }
-    static Value InTree(Tessel::KVTable table)
+    static inline const Value kFirst = "jump";
+    static inline const Value kSecond = "a text that is too long for a string's own buffer";
+};
+
+/// Reads the value of a parameter in the tree, as its type is kept there.
+template <class Value>
+Value InTree(Tessel::KVTable table)
+{
+    Value value{};
+    if constexpr (std::is_same_v<Value, std::string>)
     {
         const char* text = table->GetString("value");
-        return text == nullptr ? "(null)" : text;
+        value = text == nullptr ? "(null)" : text;
     }
-    static void WriteByTool(Tessel::KVTable table, const Value& value)
+    else if constexpr (std::is_integral_v<Value>)
+    {
+        value = static_cast<Value>(table->GetInt("value"));
+    }
+    else if constexpr (std::is_same_v<Value, float>)
+    {
+        value = table->GetFloat("value");
+    }
+    else if constexpr (std::is_same_v<Value, Tessel::Float2>)
+    {
+        table->GetFloat2("value", &value);
+    }
+    else if constexpr (std::is_same_v<Value, Tessel::Float3>)
+    {
+        table->GetFloat3("value", &value);
+    }
+    else
+    {
+        table->GetFloat4("value", &value);
+    }
+    return value;
+}
+
+/// Writes the value of a parameter in the tree as a tool does.
+template <class Value>
+void WriteByTool(Tessel::KVTable table, const Value& value)
+{
+    if constexpr (std::is_same_v<Value, std::string>)
     {
         table->SetString("value", value.c_str(), 1);
     }
-    static constexpr int kTreeType = Tessel::ValueType_Text;
-};
+    else if constexpr (std::is_integral_v<Value>)
+    {
+        table->SetInt("value", std::is_same_v<Value, bool> ? value * 17 : value, 1);
+    }
+    else if constexpr (std::is_same_v<Value, float>)
+    {
+        table->SetFloat("value", value, 1);
+    }
+    else if constexpr (std::is_same_v<Value, Tessel::Float2>)
+    {
+        table->SetFloat2("value", &value, 1);
+    }
+    else if constexpr (std::is_same_v<Value, Tessel::Float3>)
+    {
+        table->SetFloat3("value", &value, 1);
+    }
+    else
+    {
+        table->SetFloat4("value", &value, 1);
+    }
+}
 
 template <class Value>
 bool AreEqual(const Value& left, const Value& right)
@@ -239,7 +175,7 @@ protected:
     }
     bool TreeHas(const Value& expected)
     {
-        return AreEqual<Value>(Kind<Class>::InTree(def.GetKVTable()), expected);
+        return AreEqual<Value>(InTree<Value>(def.GetKVTable()), expected);
     }
 
     Class def;
@@ -284,18 +220,18 @@ TYPED_TEST(ParameterValue, SetDefaultValueTouchesNeitherTheValueNorTheTree)
     this->def.InitKVTable();
     WriteCounter writes(this->def.GetKVTable(), "value");
 
-    this->def.SetDefaultValue(Kind<TypeParam>::First());
+    this->def.SetDefaultValue(Kind<TypeParam>::kFirst);
 
-    EXPECT_TRUE(this->HasDefault(Kind<TypeParam>::First()));
+    EXPECT_TRUE(this->HasDefault(Kind<TypeParam>::kFirst));
     EXPECT_TRUE(this->HasValue({}));
     EXPECT_EQ(writes.Take(), 0);
 }
 
 TYPED_TEST(ParameterValue, SetValueStoresWithoutATable)
 {
-    this->Interface().SetValue(Kind<TypeParam>::First());
+    this->Interface().SetValue(Kind<TypeParam>::kFirst);
 
-    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::First()));
+    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::kFirst));
     EXPECT_TRUE(this->HasDefault({}));
     EXPECT_FALSE(static_cast<bool>(this->def.GetKVTable()));
     EXPECT_EQ(this->def.GetSyncState(), 0);
@@ -306,20 +242,20 @@ TYPED_TEST(ParameterValue, SetValueWritesTheTreeOnceAndIsIdleAfterwards)
     this->def.InitKVTable();
     WriteCounter writes(this->def.GetKVTable(), "value");
 
-    this->def.SetValue(Kind<TypeParam>::First());
+    this->def.SetValue(Kind<TypeParam>::kFirst);
 
     EXPECT_EQ(writes.Take(), 1);
-    EXPECT_TRUE(this->TreeHas(Kind<TypeParam>::First()));
+    EXPECT_TRUE(this->TreeHas(Kind<TypeParam>::kFirst));
     EXPECT_EQ(this->def.GetSyncState(), 0);
 }
 
 TYPED_TEST(ParameterValue, SetValueOfAnEqualValueWritesAgainExceptByBool)
 {
-    this->def.SetValue(Kind<TypeParam>::First());
+    this->def.SetValue(Kind<TypeParam>::kFirst);
     this->def.InitKVTable();
     WriteCounter writes(this->def.GetKVTable(), "value");
 
-    this->def.SetValue(Kind<TypeParam>::First());
+    this->def.SetValue(Kind<TypeParam>::kFirst);
 
     EXPECT_EQ(writes.Take(), Kind<TypeParam>::kType == 1 ? 0 : 1);
 }
@@ -329,24 +265,24 @@ TYPED_TEST(ParameterValue, KeepsTheAddressOfItsValue)
     using Type = typename Kind<TypeParam>::Value;
     const void* address = this->def.GetValuePtr();
 
-    this->def.SetValue(Kind<TypeParam>::Second());
-    this->def.SetValue(Kind<TypeParam>::First());
+    this->def.SetValue(Kind<TypeParam>::kSecond);
+    this->def.SetValue(Kind<TypeParam>::kFirst);
 
     EXPECT_EQ(this->def.GetValuePtr(), address);
     EXPECT_EQ(this->Interface().GetValuePtr(), address);
-    EXPECT_TRUE(AreEqual<Type>(*static_cast<const Type*>(address), Kind<TypeParam>::First()));
+    EXPECT_TRUE(AreEqual<Type>(*static_cast<const Type*>(address), Kind<TypeParam>::kFirst));
 }
 
 TYPED_TEST(ParameterValue, ResetValueTakesTheDefaultAndWritesIt)
 {
     this->def.InitKVTable();
-    this->def.SetDefaultValue(Kind<TypeParam>::First());
+    this->def.SetDefaultValue(Kind<TypeParam>::kFirst);
     WriteCounter writes(this->def.GetKVTable(), "value");
 
     this->Interface().ResetValue();
 
-    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::First()));
-    EXPECT_TRUE(this->TreeHas(Kind<TypeParam>::First()));
+    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::kFirst));
+    EXPECT_TRUE(this->TreeHas(Kind<TypeParam>::kFirst));
     EXPECT_EQ(writes.Take(), 1);
 }
 
@@ -363,7 +299,7 @@ TYPED_TEST(ParameterValue, ResetValueAtTheDefaultWritesAgainExceptByBool)
 TYPED_TEST(ParameterValue, InitKVTableWritesIdTypeNameAndValue)
 {
     this->def.SetID(4242);
-    this->def.SetValue(Kind<TypeParam>::First());
+    this->def.SetValue(Kind<TypeParam>::kFirst);
 
     EXPECT_EQ(this->def.InitKVTable(), 1);
 
@@ -374,7 +310,7 @@ TYPED_TEST(ParameterValue, InitKVTableWritesIdTypeNameAndValue)
     const auto number = static_cast<DURMBaseLib::__ePARAMTYPE__>(Kind<TypeParam>::kType);
     EXPECT_STREQ(table->GetString("type"), DURMBaseLib::GetParameterName(number));
     EXPECT_EQ(table->FindValue("value")->GetValueType(), Kind<TypeParam>::kTreeType);
-    EXPECT_TRUE(this->TreeHas(Kind<TypeParam>::First()));
+    EXPECT_TRUE(this->TreeHas(Kind<TypeParam>::kFirst));
 }
 
 TYPED_TEST(ParameterValue, WritesTheNameOfTheTypeItWasGiven)
@@ -389,14 +325,14 @@ TYPED_TEST(ParameterValue, WritesTheNameOfTheTypeItWasGiven)
 
 TYPED_TEST(ParameterValue, TakesWhatAToolWritesAndWritesItBackOnce)
 {
-    this->def.SetValue(Kind<TypeParam>::Second());
+    this->def.SetValue(Kind<TypeParam>::kSecond);
     this->def.InitKVTable();
     WriteCounter writes(this->def.GetKVTable(), "value");
 
-    Kind<TypeParam>::WriteByTool(this->def.GetKVTable(), Kind<TypeParam>::First());
+    WriteByTool(this->def.GetKVTable(), Kind<TypeParam>::kFirst);
 
-    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::First()));
-    EXPECT_TRUE(this->TreeHas(Kind<TypeParam>::First()));
+    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::kFirst));
+    EXPECT_TRUE(this->TreeHas(Kind<TypeParam>::kFirst));
     EXPECT_EQ(writes.Take(), 2) << "the tool's write and the parameter's, without an echo";
     EXPECT_EQ(this->def.GetSyncState(), 0);
 }
@@ -406,7 +342,7 @@ TYPED_TEST(ParameterValue, DoesNotHearTheTreeAfterUninitKVTable)
     this->def.InitKVTable();
 
     EXPECT_EQ(this->def.UninitKVTable(), 1);
-    Kind<TypeParam>::WriteByTool(this->def.GetKVTable(), Kind<TypeParam>::First());
+    WriteByTool(this->def.GetKVTable(), Kind<TypeParam>::kFirst);
 
     EXPECT_TRUE(this->HasValue({}));
 }
@@ -417,9 +353,9 @@ TYPED_TEST(ParameterValue, HearsTheTreeAgainAfterInitKVTableListener)
     this->def.UnInitKVTableListener();
 
     EXPECT_EQ(this->def.InitKVTableListener(), 1);
-    Kind<TypeParam>::WriteByTool(this->def.GetKVTable(), Kind<TypeParam>::First());
+    WriteByTool(this->def.GetKVTable(), Kind<TypeParam>::kFirst);
 
-    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::First()));
+    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::kFirst));
 }
 
 TYPED_TEST(ParameterValue, HearsTheTreeOnceHoweverOftenItIsAskedTo)
@@ -429,7 +365,7 @@ TYPED_TEST(ParameterValue, HearsTheTreeOnceHoweverOftenItIsAskedTo)
     EXPECT_EQ(this->def.InitKVTableListener(), 1);
 
     this->def.UnInitKVTableListener();
-    Kind<TypeParam>::WriteByTool(this->def.GetKVTable(), Kind<TypeParam>::First());
+    WriteByTool(this->def.GetKVTable(), Kind<TypeParam>::kFirst);
 
     EXPECT_TRUE(this->HasValue({}));
 }
@@ -450,7 +386,7 @@ TYPED_TEST(ParameterValue, PullsOnlyOnAChangeThatIsNotItsOwn)
     this->def.InitKVTable();
     Tessel::KVTable table = this->def.GetKVTable();
     this->def.UnInitKVTableListener();
-    Kind<TypeParam>::WriteByTool(table, Kind<TypeParam>::First());
+    WriteByTool(table, Kind<TypeParam>::kFirst);
 
     EXPECT_EQ(this->def.OnParamValueModified(Tessel::opResult_None, table, "value"), 1);
     EXPECT_TRUE(this->HasValue({})) << "not a change";
@@ -459,7 +395,7 @@ TYPED_TEST(ParameterValue, PullsOnlyOnAChangeThatIsNotItsOwn)
     EXPECT_TRUE(this->HasValue({})) << "its own write";
     this->def.SetSyncState(0);
     EXPECT_EQ(this->def.OnParamValueModified(Tessel::opResult_ValueChanged, table, "value"), 1);
-    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::First()));
+    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::kFirst));
 }
 
 TYPED_TEST(ParameterValue, StoresWithoutWritingWhileTheGuardIsUp)
@@ -468,9 +404,9 @@ TYPED_TEST(ParameterValue, StoresWithoutWritingWhileTheGuardIsUp)
     WriteCounter writes(this->def.GetKVTable(), "value");
     this->def.SetSyncState(1);
 
-    this->def.SetValue(Kind<TypeParam>::First());
+    this->def.SetValue(Kind<TypeParam>::kFirst);
 
-    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::First()));
+    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::kFirst));
     EXPECT_EQ(writes.Take(), 0);
     EXPECT_EQ(this->def.GetSyncState(), 1);
 }
@@ -481,9 +417,9 @@ TYPED_TEST(ParameterValue, PullsWithTheGuardUpAndThenDoesNotWriteBack)
     WriteCounter writes(this->def.GetKVTable(), "value");
     this->def.SetSyncState(1);
 
-    Kind<TypeParam>::WriteByTool(this->def.GetKVTable(), Kind<TypeParam>::First());
+    WriteByTool(this->def.GetKVTable(), Kind<TypeParam>::kFirst);
 
-    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::First()));
+    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::kFirst));
     EXPECT_EQ(writes.Take(), 1);
 }
 
@@ -492,10 +428,10 @@ TYPED_TEST(ParameterValue, UninitClosesItsTableAndTheValueStaysUsable)
     this->def.InitKVTable();
 
     this->def.Uninit();
-    this->def.SetValue(Kind<TypeParam>::First());
+    this->def.SetValue(Kind<TypeParam>::kFirst);
 
     EXPECT_EQ(Tessel::GetTableName(this->def.GetKVTable()), nullptr);
-    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::First()));
+    EXPECT_TRUE(this->HasValue(Kind<TypeParam>::kFirst));
 }
 
 TEST(ParameterPullValue, WithoutATableGivesZeroToTheScalarsAndLeavesTheOthers)

@@ -50,40 +50,6 @@ public:
     int outcome = 1;
 };
 
-/// Keeps the last time it performed with, and fails.
-class TimeAction : public Action
-{
-public:
-    explicit TimeAction(float& target) : time(target)
-    {
-    }
-    int Perform(__ActType__, float timeStep) override
-    {
-        time = timeStep;
-        return 0;
-    }
-
-private:
-    float& time;
-};
-
-/// Notes what the parent of a state takes for its child.
-class NoteChild : public Action
-{
-public:
-    explicit NoteChild(SubstateState& ownParent) : parent(ownParent)
-    {
-    }
-    int Perform(__ActType__, float) override
-    {
-        LogRecorder::Note("child " + std::to_string(parent.currentChildID));
-        return 1;
-    }
-
-private:
-    SubstateState& parent;
-};
-
 /// Gives the place of a virtual operation in the class's table.
 template <class Operation>
 std::uintptr_t SlotOf(Operation operation)
@@ -278,7 +244,12 @@ TEST(SMState, ActionsReceiveTheVeryFloatOfTheTick)
     SMState state;
     float time = 0.0f;
     state.Init(&def);
-    def.RegisterExecute(new TimeAction(time));
+    def.RegisterExecute(new ScriptedAction(
+        [&time](float timeStep)
+        {
+            time = timeStep;
+            return 0;
+        }));
 
     EXPECT_EQ(state.Update(nullptr, 0.1f), 1);
 
@@ -354,7 +325,12 @@ TEST(SMState, TellsItsParentAfterItsEnterActions)
     other.Init(&otherDef);
     state.SetParent(&parent);
     other.SetParent(&parent);
-    otherDef.RegisterEnter(new NoteChild(parent));
+    otherDef.RegisterEnter(new ScriptedAction(
+        [&parent](float)
+        {
+            LogRecorder::Note("child " + std::to_string(parent.currentChildID));
+            return 1;
+        }));
 
     state.Enter();
     EXPECT_EQ(parent.currentChild, &state);
@@ -448,37 +424,6 @@ TEST(SMState, HandleInputTestsTheExitConnector)
 namespace
 {
 
-enum class Loss
-{
-    NullDefinition,
-    Assignment
-};
-
-/// Takes its state's definition away, by SetDef or by the assignment of an empty state.
-class LoseDefinition : public Action
-{
-public:
-    LoseDefinition(SMState& ownState, Loss ownLoss) : state(ownState), loss(ownLoss)
-    {
-    }
-    int Perform(__ActType__, float) override
-    {
-        if (loss == Loss::NullDefinition)
-        {
-            state.SetDef(nullptr);
-        }
-        else
-        {
-            state = SMState();
-        }
-        return 1;
-    }
-
-private:
-    SMState& state;
-    Loss loss;
-};
-
 SMState* robbedState = nullptr;
 
 /// A log callback that takes the definition away on the first line.
@@ -494,14 +439,19 @@ void RobOnALine(int, const char*)
 
 TEST(SMState, MayLoseItsDefinitionInItsOwnActions)
 {
-    for (const Loss loss : {Loss::NullDefinition, Loss::Assignment})
+    for (const bool isAssigned : {false, true})
     {
         LogRecorder log;
         OpenDef def{"Walk", 1, 0};
         SMState state;
-        def.RegisterEnter(new LoseDefinition(state, loss));
-        def.RegisterExecute(new LoseDefinition(state, loss));
-        def.RegisterExit(new LoseDefinition(state, loss));
+        const auto lose = [&state, isAssigned](float)
+        {
+            isAssigned ? void(state = SMState()) : state.SetDef(nullptr);
+            return 1;
+        };
+        def.RegisterEnter(new ScriptedAction(lose));
+        def.RegisterExecute(new ScriptedAction(lose));
+        def.RegisterExit(new ScriptedAction(lose));
 
         state.Init(&def);
         EXPECT_EQ(state.Enter(), 1);

@@ -3,6 +3,7 @@
 #include "tests/support/Definitions.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Recorders.h"
 #include "transitions/ConditionDefBool.h"
 #include "transitions/ConditionDefInteger.h"
 #include "transitions/ConditionDefMessage.h"
@@ -46,12 +47,6 @@ std::vector<Example> Examples()
 Lines Read()
 {
     return {CreatedDef("on x")};
-}
-
-Lines operator+(Lines left, const Lines& right)
-{
-    left.insert(left.end(), right.begin(), right.end());
-    return left;
 }
 
 Lines Twice(const Lines& lines)
