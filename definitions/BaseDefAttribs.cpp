@@ -48,13 +48,13 @@ int FindAttribType(const char* typeName)
     {
         const char* name;
         int type;
-    } types[] = {
+    } kTypes[] = {
         {"QString", DURMBaseLib::PARAM_Message},  {"int", DURMBaseLib::PARAM_Integer},
         {"double", DURMBaseLib::PARAM_Float},     {"QVector2D", DURMBaseLib::PARAM_Float2},
         {"QVector3D", DURMBaseLib::PARAM_Float3}, {"QVector4D", DURMBaseLib::PARAM_Float4},
         {"bool", DURMBaseLib::PARAM_Bool},
     };
-    for (const auto& entry : types)
+    for (const auto& entry : kTypes)
     {
         if (EqualsIgnoringCase(typeName, entry.name))
         {

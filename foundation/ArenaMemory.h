@@ -33,8 +33,9 @@ T* AllocArray(HSMAlloc& alloc, unsigned int count)
 template <class T>
 void StoreElement(T* array, unsigned int i, T value)
 {
-    std::memcpy(reinterpret_cast<unsigned char*>(array) + std::size_t{i} * sizeof(T), &value,
-                sizeof(T));
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): T may be a pointer, and its own size is meant.
+    constexpr std::size_t kWidth = sizeof(T);
+    std::memcpy(reinterpret_cast<unsigned char*>(array) + i * kWidth, &value, kWidth);
 }
 
 template <class T>

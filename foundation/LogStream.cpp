@@ -70,6 +70,7 @@ LineBuffers* MakeThreadBuffers()
         return nullptr;
     }
     thread_local BufferOwner owner;
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): the owner lives as long as its thread.
     return threadBuffers;
 }
 

@@ -155,7 +155,8 @@ private:
     int level;
 };
 
-/// What ends every log statement.
+/// What ends every log statement, as std::endl does.
+// NOLINTNEXTLINE(readability-identifier-naming): it reads like a manipulator.
 inline constexpr LogStream::End EndLine{};
 
 } // namespace vell

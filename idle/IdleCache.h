@@ -204,7 +204,7 @@ public:
 private:
     const Level* Find(int index, const SMState* state) const
     {
-        return cache.Find(static_cast<std::size_t>(index + 1), state);
+        return cache.Find(static_cast<std::size_t>(index) + 1, state);
     }
 
     IdleCache& cache;

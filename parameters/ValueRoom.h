@@ -2,6 +2,8 @@
 // parameters/ValueRoom.h: where the values of many parameters lie side by side.
 #pragma once
 
+#include <cstddef>
+
 namespace vell
 {
 
@@ -17,7 +19,7 @@ public:
     /// Gives room for one value, or null when all is taken.
     void* Take()
     {
-        return used == kCount ? nullptr : bytes + kWidth * used++;
+        return used == kCount ? nullptr : bytes + std::size_t{kWidth} * used++;
     }
 
 private:

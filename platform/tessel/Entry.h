@@ -129,6 +129,7 @@ public:
 
     const Key* GetKey() const
     {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the pointer shares its word with the kind.
         return reinterpret_cast<const Key*>(keyAndKind & ~kKindMask);
     }
 

@@ -40,7 +40,7 @@ std::string CheckContext(const rapidjson::Value& context)
     }
     for (const char* key : {kMainStackKey, kBlipStackKey})
     {
-        const std::string fault = CheckArray(context, key);
+        std::string fault = CheckArray(context, key);
         if (!fault.empty())
         {
             return fault;

@@ -98,7 +98,7 @@ private:
 
 std::string Indent(unsigned int depth)
 {
-    return std::string(depth * 4, ' ');
+    return std::string(std::size_t{depth} * 4, ' ');
 }
 
 class DotWriter

@@ -23,6 +23,7 @@ constexpr std::uint64_t kProgressStep = 100000;
 std::vector<std::string> Names(const std::vector<SMState*>& stack)
 {
     std::vector<std::string> names;
+    names.reserve(stack.size());
     for (const SMState* state : stack)
     {
         names.push_back(state == nullptr ? "?" : NameOf(*state));
@@ -256,7 +257,7 @@ std::string Runner::SetParameter(const Instruction& instruction)
     {
         return UnknownParameter(instruction.name);
     }
-    const std::string fault = SetValueFromText(*parameter, instruction.value);
+    std::string fault = SetValueFromText(*parameter, instruction.value);
     if (fault.empty())
     {
         report.Set(tick, instruction.name, ValueText(*parameter));

@@ -211,7 +211,9 @@ Script ReadScript(std::istream& in, const std::string& file)
         }
         else
         {
-            script.errors.push_back(file + ":" + std::to_string(number) + ": " + fault);
+            std::string place = file;
+            place += ":" + std::to_string(number) + ": ";
+            script.errors.push_back(place + fault);
         }
     }
     return script;
