@@ -413,6 +413,7 @@ Cast::~Cast()
 void Cast::UninitOwn()
 {
     condition.Uninit();
+    condition = HostCondition();
     parameter.Uninit();
 }
 

@@ -180,7 +180,8 @@ struct Cast
     Cast(const Cast&) = delete;
     Cast& operator=(const Cast&) = delete;
 
-    /// Uninitialises the host's own definitions, on which an operation may have put actions.
+    /// Uninitialises the host's own definitions, on which an operation may have put actions, and
+    /// attributes in the machine's arena. To be called before that goes.
     void UninitOwn();
 
     HostMachine* machine = nullptr; ///< null before it is built and after it is deleted

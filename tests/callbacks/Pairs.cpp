@@ -98,7 +98,6 @@ void PlayPair(Cast* cast, std::size_t first, const Operation& operation, PairNot
     waiting.operation = &operation;
     waiting.note = note;
     RunSteps(*cast, first, Steps().size());
-    cast->UninitOwn();
     const std::size_t actions = LivingActions().size();
     delete cast;
     const unsigned int tables = Tessel::GetOpenTableCount();

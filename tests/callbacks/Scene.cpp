@@ -336,6 +336,7 @@ void FailACheck(Cast& cast)
 
 void Uninit(Cast& cast)
 {
+    cast.UninitOwn();
     cast.machine->Uninit();
 }
 

@@ -595,13 +595,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Play(bytes);
         player.down = true;
         player.depth = kDeepest;
+        cast.UninitOwn();
         machine->Uninit();
         if (size % 2 == 1)
         {
             machine->Uninit();
         }
         machine->Destroy();
-        cast.UninitOwn();
         Require(vell::callbacks::LivingActions().empty(), "the definitions delete their actions");
         host = nullptr;
     }
