@@ -26,6 +26,7 @@ inline char* AllocText(HSMAlloc& alloc, std::size_t length)
 template <class T>
 T* AllocArray(HSMAlloc& alloc, unsigned int count)
 {
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): T may be a pointer, and its own size is meant.
     constexpr unsigned int kWidth = sizeof(T);
     return count > UINT_MAX / kWidth ? nullptr : static_cast<T*>(alloc.AllocRaw(count * kWidth));
 }

@@ -341,7 +341,7 @@ ParameterDef* FindParameter(IParameterTable* table, const std::string& name)
 std::string ConditionText(const ConditionDef& condition, IParameterTable* table)
 {
     const char* name = table == nullptr ? nullptr : table->GetParameterName(condition.parameterID);
-    const std::string parameter =
+    std::string parameter =
         name == nullptr ? "parameter " + std::to_string(condition.parameterID) : std::string(name);
     const int evaluation = condition.evaluation;
     if (auto* boolean = dynamic_cast<const ConditionDefBool*>(&condition))
