@@ -31,10 +31,10 @@ void Assign(SMState& state, const SMState* other)
 /// The copy is never deleted: its parent may remember it as its child.
 void UseCopy(const SMState& state)
 {
-    static std::vector<SMState*> copies;
-    copies.push_back(new SMState(state));
-    copies.back()->Enter();
-    copies.back()->Exit();
+    SMState copy(state);
+    copy.SetParent(nullptr); // it would keep the address of its child
+    copy.Enter();
+    copy.Exit();
 }
 
 SubstateState* GuardsParent(HostMachine& machine)
