@@ -1,8 +1,5 @@
 // VELL: data-driven hierarchical state machines.
 // tests/fuzz/CallsFuzzer.cpp: a host's calls on a good machine, also from inside of its own calls.
-#include "tests/callbacks/Cast.h"
-#include "tests/callbacks/Operations.h"
-#include "tests/callbacks/Scene.h"
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/MachineRun.h"
 #include "tests/fuzz/TreeWrites.h"
@@ -14,7 +11,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <stdexcept>
 #include <string>
 
 namespace vell::fuzz
@@ -23,88 +19,133 @@ namespace
 {
 
 using namespace DURMBaseLib;
-using namespace vell::callbacks;
 using namespace vell::test;
 
-const std::array<const char*, 6> kParameters = {"lit", "hit", "cue", "speed", "stick", "shout"};
-const std::array<unsigned int, 10> kNodes = {kIdle,  kWalk,   kFlinch, kCombat, kOut,
-                                             kGuard, kGlobal, kOver,   kCamera, kGo};
-const std::array<unsigned int, 8> kStates = {kIdle, kWalk,  kFlinch, kCombat,
-                                             kOut,  kGuard, kOver,   kCamera};
+const std::array<const char*, 6> kParameters = {"go", "hit", "count", "speed", "stick", "shout"};
+const std::array<unsigned int, 10> kNodes = {10, 11, 12, 20, 21, 22, 23, 50, 70, 100};
+const std::array<unsigned int, 7> kStates = {10, 11, 12, 20, 22, 23, 70};
 constexpr int kDeepest = 3;
 constexpr unsigned int kMostActions = 200;
+
+/// A start state with an attribute of each class, a level, a global node whose blip ends, and
+/// transitions on parameters of each class.
+std::string GoodDocument()
+{
+    DocumentBuilder document;
+    document.Start(10)
+        .Parameter(BoolParameter("go", false))
+        .Parameter(BoolParameter("hit", false).Set(JSON_ParameterResetEachFrame, true))
+        .Parameter(IntParameter("count", 0))
+        .Parameter(FloatParameter("speed", 0.5))
+        .Parameter(VectorParameter(PARAM_Float2, "stick", "3,4"))
+        .Parameter(MessageParameter("shout", "hey").Set(JSON_ParameterResetEachFrame, true))
+        .Node(Generic("Idle", 10, {100, 101, 102})
+                  .Set(JSON_ScriptName, "idle.script")
+                  .Set(JSON_Attributes, Json::Array({Attribute("surface", "QString", "stone"),
+                                                     Attribute("steps", "int", -4),
+                                                     Attribute("length", "double", 0.75),
+                                                     Attribute("offset", "QVector2D", "1,-2"),
+                                                     Attribute("pivot", "QVector3D", "1,2,3"),
+                                                     Attribute("tint", "QVector4D", "0,0,1,1"),
+                                                     Attribute("loud", "bool", true)})))
+        .Node(Clip("Walk", 11, "walk.anim", {103}))
+        .Node(Clip("Flinch", 12, "flinch.anim", {105}))
+        .Node(Exit("Over", 70))
+        .Node(Transition("Go", 100, 10, 11, {BoolCondition("go", true)}))
+        .Node(Transition("Fight", 101, 10, 20, {IntCondition("count", 3, 2)}))
+        .Node(Transition("Shout", 102, 10, 11, {MessageCondition("shout", "hey")}))
+        .Node(Transition("Back", 103, 11, 10, {FloatCondition("speed", 5, 0.0)}))
+        .Node(Transition("Recover", 105, 12, 70, {FloatCondition("speed", 3, 1.0)}))
+        .Node(Substate("Combat", 20, 21, 22))
+        .Node(Enter("In", 21, 23, 20))
+        .Node(Exit("Out", 22, 20))
+        .Node(Generic("Guard", 23, {104}, 20))
+        .Node(Transition("Leave", 104, 23, 22, {BoolCondition("go", true)}))
+        .GlobalNode(Global("Anywhere", 50, {500}))
+        .GlobalNode(Transition("Hit", 500, 50, 12, {BoolCondition("hit", true)}));
+    // Little, because a sanitizer marks every byte of it.
+    document.Head().Set(JSON_HeadMemory, 300);
+    return document.Text();
+}
 
 /// Documents whose machine does not load, at several steps.
 const std::array<const char*, 4> kBadDocuments = {"", "{", "{}", "[1,2]"};
 
+class FuzzListener : public IBroadcastListener
+{
+public:
+    int OnBroadcastEvent(int event, const void* record) override;
+};
+
+class FuzzAction : public Action
+{
+public:
+    FuzzAction();
+    ~FuzzAction() override;
+    int Perform(__ActType__ type, float timeStep) override;
+};
+
 /// What the machine's callbacks reach: triggers and callbacks carry no pointer of the host's own.
 struct Host
 {
-    HostMachine* machine;
+    HSM* machine;
     Bytes* bytes;
     int depth;
+    unsigned int actionsAlive;
     bool initialised;
     bool down;
-    std::array<HostListener, 4> listeners;
+    std::array<FuzzListener, 4> listeners;
+    Action registered;
 };
 
 Host* host = nullptr;
 
-void Meddle(const Hand& hand);
+void Meddle();
 
-Hand HandOfHost()
+FuzzAction::FuzzAction()
 {
-    Hand hand;
-    hand.machine = host->machine;
-    return hand;
+    ++host->actionsAlive;
 }
 
-Action* NewAction()
+FuzzAction::~FuzzAction()
 {
-    return new HostAction("fuzzed action");
+    --host->actionsAlive;
 }
 
-bool MayAddActions()
+int FuzzAction::Perform(__ActType__, float)
 {
-    return LivingActions().size() < kMostActions;
+    Meddle();
+    return 1;
+}
+
+int FuzzListener::OnBroadcastEvent(int, const void*)
+{
+    Meddle();
+    return 0;
 }
 
 bool MeddlingTrigger(IHSM*, SMState* state)
 {
     Require(state == nullptr, "a trigger gets no state");
-    Meddle(HandOfHost());
+    Meddle();
     return host->bytes->Below(2) == 1;
 }
 
 void MeddlingSwitch(HSM*, SMState*, SMState* next, float)
 {
     Require(next != nullptr, "a state is activated");
-    Hand hand = HandOfHost();
-    hand.state = next;
-    Meddle(hand);
+    Meddle();
 }
 
-int MeddlingTableListener(void*, Tessel::opResult, Tessel::KVTable table, const char* key)
+int MeddlingTableListener(void*, Tessel::opResult, Tessel::KVTable, const char*)
 {
-    Hand hand = HandOfHost();
-    hand.table = table;
-    hand.key = key;
-    Meddle(hand);
+    Meddle();
     return 0;
 }
 
-Action* MakeFuzzedAction(const char*)
+Action* MakeDefaultAction(const char*)
 {
-    return MayAddActions() ? NewAction() : nullptr;
-}
-
-/// What the classes of the cast and the log callback tell.
-void Hear(const std::string&, const Hand& hand)
-{
-    if (host != nullptr && host->machine == hand.machine)
-    {
-        Meddle(hand);
-    }
+    return host->actionsAlive < kMostActions ? new FuzzAction : nullptr;
 }
 
 void ChangeListeners(Bytes& bytes)
@@ -137,7 +178,7 @@ void ChangeListeners(Bytes& bytes)
 
 void WriteParameter(Bytes& bytes)
 {
-    HostMachine& machine = *host->machine;
+    HSM& machine = *host->machine;
     IParameterTable* table = machine.GetParameterTable();
     const char* name = kParameters[bytes.Below(6)];
     ParameterDef* parameter = table == nullptr ? nullptr : table->FindParameter(name);
@@ -190,20 +231,20 @@ IBaseDef* PickDef(Bytes& bytes)
 void AddAction(Bytes& bytes)
 {
     IBaseDef* def = PickDef(bytes);
-    if (def == nullptr || !MayAddActions())
+    if (def == nullptr || host->actionsAlive >= kMostActions)
     {
         return;
     }
     switch (bytes.Below(4))
     {
     case 0:
-        def->RegisterEnter(NewAction());
+        def->RegisterEnter(new FuzzAction);
         break;
     case 1:
-        def->RegisterExit(NewAction());
+        def->RegisterExit(new FuzzAction);
         break;
     case 2:
-        def->RegisterExecute(NewAction());
+        def->RegisterExecute(new FuzzAction);
         break;
     default:
         def->RegisterExecute(nullptr);
@@ -271,7 +312,7 @@ void UseAttributes(Bytes& bytes)
 {
     static const std::array<const char*, 8> names = {"surface", "steps", "length", "offset",
                                                      "pivot",   "tint",  "loud",   "none"};
-    HostMachine& machine = *host->machine;
+    HSM& machine = *host->machine;
     const char* name = names[bytes.Below(8)];
     const char* text = nullptr;
     machine.GetAttributeValue(name, &text);
@@ -296,7 +337,7 @@ void UseAttributes(Bytes& bytes)
 
 void AskAround(Bytes& bytes)
 {
-    HostMachine& machine = *host->machine;
+    HSM& machine = *host->machine;
     machine.FindParameterByName(bytes.Below(2) == 0 ? nullptr : "go");
     machine.FindAction(bytes.Byte());
     machine.GetMDLAsset();
@@ -342,25 +383,11 @@ void ListenToTree(Bytes& bytes)
     }
 }
 
-/// One of the operations that run inside of every callback in tests/callbacks/.
-void RunOperation(Bytes& bytes, const Hand& hand)
-{
-    const std::size_t choice = bytes.Byte() << 8 | bytes.Byte();
-    const Operation& operation = Operations()[choice % Operations().size()];
-    // What is left to the host would be a leak here.
-    if (!operation.leaves && FindImpossible("", operation.name) == nullptr && !host->down &&
-        MayAddActions())
-    {
-        Hand own = hand;
-        operation.run(own);
-    }
-}
-
 /// One call that a host may make at any time, also while the machine calls it.
-void CallAnywhere(Bytes& bytes, const Hand& hand)
+void CallAnywhere(Bytes& bytes)
 {
-    HostMachine& machine = *host->machine;
-    switch (bytes.Below(16))
+    HSM& machine = *host->machine;
+    switch (bytes.Below(12))
     {
     case 0:
         ChangeListeners(bytes);
@@ -391,38 +418,24 @@ void CallAnywhere(Bytes& bytes, const Hand& hand)
         machine.FireEvent(static_cast<__HSMEventType__>(bytes.Below(8)), nullptr);
         break;
     case 10:
-        machine.RegisterAction(bytes.Below(2) == 0 ? nullptr : &CurrentCast()->registered);
+        machine.RegisterAction(bytes.Below(2) == 0 ? nullptr : &host->registered);
         machine.SetStateSwitchCallback(bytes.Below(2) == 0 ? nullptr : &MeddlingSwitch);
         break;
-    case 11:
-        machine.BindParamCond();
-        break;
     default:
-        RunOperation(bytes, hand);
+        machine.BindParamCond();
         break;
     }
 }
 
-void Meddle(const Hand& hand)
+void Meddle()
 {
     if (host->depth >= kDeepest || host->bytes->Empty())
     {
         return;
     }
-    // An operation may throw what a tick may throw.
-    struct Deeper
-    {
-        Deeper()
-        {
-            ++host->depth;
-        }
-        ~Deeper()
-        {
-            --host->depth;
-        }
-    };
-    const Deeper deeper;
-    CallAnywhere(*host->bytes, hand);
+    ++host->depth;
+    CallAnywhere(*host->bytes);
+    --host->depth;
 }
 
 BaseDef* MakeNoDefinition(const GenericValue&, HSMAlloc*)
@@ -439,7 +452,7 @@ void RegisterBuilder(Bytes& bytes)
 
 void RestoreContext(Bytes& bytes)
 {
-    HostMachine& machine = *host->machine;
+    HSM& machine = *host->machine;
     const Tessel::KVTable root = machine.GetKVTable();
     switch (bytes.Below(3))
     {
@@ -458,11 +471,11 @@ void RestoreContext(Bytes& bytes)
 /// One call that a host makes between ticks alone.
 void CallBetweenTicks(Bytes& bytes)
 {
-    HostMachine& machine = *host->machine;
+    HSM& machine = *host->machine;
     switch (bytes.Below(14))
     {
     case 0:
-        machine.PushState(kStates[bytes.Below(8)]);
+        machine.PushState(kStates[bytes.Below(7)]);
         break;
     case 1:
         machine.PushState(bytes.Below(2) == 0 ? 0u : 999u);
@@ -493,7 +506,7 @@ void CallBetweenTicks(Bytes& bytes)
                               bytes.Below(5) == 0 ? nullptr : &MeddlingTrigger);
         break;
     case 10:
-        machine.AssignDefaultAction(bytes.Below(4) == 0 ? nullptr : &MakeFuzzedAction);
+        machine.AssignDefaultAction(bytes.Below(4) == 0 ? nullptr : &MakeDefaultAction);
         break;
     case 11:
         WriteIntoTree(machine.GetKVTable(), bytes);
@@ -507,42 +520,12 @@ void CallBetweenTicks(Bytes& bytes)
     }
 }
 
-/// Runs `function`, which std::out_of_range may end: a stack is shorter than its walk, which an
-/// operation in a callback may bring about.
-template <class Function>
-void Survive(Function function)
+void Play(Bytes& bytes)
 {
-    try
+    const unsigned int beforeInit = bytes.Below(4);
+    for (unsigned int i = 0; i < beforeInit; ++i)
     {
-        function();
-    }
-    catch (const std::out_of_range&)
-    {
-    }
-}
-
-/// One decision of the host between the ticks.
-void PlayOnce(Bytes& bytes)
-{
-    switch (bytes.Below(3))
-    {
-    case 0:
-        CallAnywhere(bytes, HandOfHost());
-        break;
-    case 1:
         CallBetweenTicks(bytes);
-        break;
-    default:
-        Tick(*host->machine, 0.1f);
-        break;
-    }
-}
-
-void Begin(Bytes& bytes)
-{
-    for (unsigned int beforeInit = bytes.Below(4); beforeInit != 0; --beforeInit)
-    {
-        PlayOnce(bytes);
     }
     for (unsigned int inits = bytes.Below(16) == 0 ? bytes.Below(3) : 1; inits != 0; --inits)
     {
@@ -552,23 +535,21 @@ void Begin(Bytes& bytes)
     {
         host->machine->Start();
     }
-}
-
-void Play(Bytes& bytes)
-{
-    host->machine->RegisterNodeDef(kHostBuilder, &HostDef::Create);
-    Survive(
-        [&bytes]
-        {
-            Begin(bytes);
-        });
     while (!bytes.Empty())
     {
-        Survive(
-            [&bytes]
-            {
-                PlayOnce(bytes);
-            });
+        const unsigned int choice = bytes.Below(3);
+        if (choice == 0)
+        {
+            CallAnywhere(bytes);
+        }
+        else if (choice == 1)
+        {
+            CallBetweenTicks(bytes);
+        }
+        else
+        {
+            Tick(*host->machine, 0.1f);
+        }
     }
 }
 
@@ -578,33 +559,28 @@ void Play(Bytes& bytes)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     using namespace vell::fuzz;
-    using vell::callbacks::Cast;
-    using vell::callbacks::HostMachine;
+    static const std::string goodDocument = GoodDocument();
     Bytes bytes(data, size);
     const unsigned int choice = bytes.Byte();
-    const char* document =
-        choice >= 250 ? kBadDocuments[choice % 4] : vell::callbacks::SceneDocument();
+    const char* document = choice >= 250 ? kBadDocuments[choice % 4] : goodDocument.c_str();
     Host player = {};
     player.bytes = &bytes;
+    host = &player;
     {
-        Cast cast;
-        const std::unique_ptr<HostMachine> machine(new HostMachine(document));
+        const std::unique_ptr<vell::HSM> machine(new vell::HSM(document));
         player.machine = machine.get();
-        host = &player;
-        vell::callbacks::SetWatcher(&Hear);
         Play(bytes);
         player.down = true;
         player.depth = kDeepest;
-        cast.UninitOwn();
         machine->Uninit();
         if (size % 2 == 1)
         {
             machine->Uninit();
         }
         machine->Destroy();
-        Require(vell::callbacks::LivingActions().empty(), "the definitions delete their actions");
-        host = nullptr;
     }
+    Require(player.actionsAlive == 0, "the definitions delete their actions");
     Require(Tessel::GetOpenTableCount() == 0, "a deleted machine leaves no table");
+    host = nullptr;
     return 0;
 }
