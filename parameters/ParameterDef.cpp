@@ -57,7 +57,7 @@ ParameterDef& ParameterDef::operator=(const ParameterDef& other)
 void ParameterDef::Uninit()
 {
     BaseDef::Uninit();
-    listening.Clear();
+    listening.Stop();
 }
 
 int ParameterDef::UninitKVTable()
@@ -146,7 +146,7 @@ int ParameterDef::UnInitKVTableListener()
         const Tessel::KVListener listener{this, Forward};
         TableLock lock(kvTable);
         kvTable->RemoveValueListener(kValueKey, &listener);
-        listening.Clear();
+        listening.Stop();
     }
     return 1;
 }

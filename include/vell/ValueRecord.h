@@ -29,14 +29,8 @@ public:
     /// listens to `table` by another record already.
     void Fill(Tessel::KVTable table, Tessel::KVListener* given, const Tessel::KVListener& own);
 
-    /// Removes the record from the table, if the object listens.
+    /// Removes the record from its table, if the object listens and it is still there.
     void Stop();
-
-    /// The record is removed already, or its table is closed.
-    void Clear()
-    {
-        record = nullptr;
-    }
 
 private:
     Tessel::KVTable listened;
