@@ -2,9 +2,9 @@
 // bench/Documents.cpp: generated machine documents of any size.
 #include "bench/Documents.h"
 
-#include "tests/support/DocumentBuilder.h"
-
 #include <vell/Types.h>
+
+#include "tests/support/DocumentBuilder.h"
 
 #include <algorithm>
 

@@ -5,9 +5,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <new>
-
 #include <link.h>
+#include <new>
 
 namespace vell::bench
 {

@@ -3,11 +3,10 @@
 #include "bench/Documents.h"
 #include "bench/Machines.h"
 
-#include <rapidjson/document.h>
 #include <benchmark/benchmark.h>
+#include <rapidjson/document.h>
 
 #include <map>
-
 #include <time.h>
 
 namespace vell::bench

@@ -6,7 +6,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-
 #include <fcntl.h>
 #include <unistd.h>
 

@@ -1,5 +1,6 @@
 // VELL: data-driven hierarchical state machines.
 // bench/PeersBench.cpp: the idle tick in other libraries, whose machines are part of the program.
+#include <benchmark/benchmark.h>
 #include <boost/mpl/list.hpp>
 #include <boost/msm/back/state_machine.hpp>
 #include <boost/msm/front/functor_row.hpp>
@@ -8,8 +9,6 @@
 #include <boost/statechart/event.hpp>
 #include <boost/statechart/simple_state.hpp>
 #include <boost/statechart/state_machine.hpp>
-
-#include <benchmark/benchmark.h>
 
 namespace vell::bench
 {

@@ -5,9 +5,8 @@
 #include <benchmark/benchmark.h>
 
 #include <chrono>
-#include <string>
-
 #include <spawn.h>
+#include <string>
 #include <sys/wait.h>
 #include <unistd.h>
 

@@ -4,7 +4,6 @@
 
 #include <cstdio>
 #include <string>
-
 #include <unistd.h>
 
 int main(int argc, char** argv)

@@ -2,9 +2,9 @@
 // definitions/ActionWalk.cpp: performing a list of actions that may change meanwhile.
 #include "definitions/ActionWalk.h"
 
-#include "definitions/BaseDefInternals.h"
-
 #include <vell/Action.h>
+
+#include "definitions/BaseDefInternals.h"
 
 namespace vell
 {

@@ -1,12 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // definitions/AttribBase.cpp: the table of an attribute and what a tool writes into it.
+#include <durm/DURMBaseLib.h>
 #include <vell/AttribBase.h>
 
 #include "foundation/Checks.h"
 #include "foundation/TableSync.h"
 #include "foundation/TreeKeys.h"
-
-#include <durm/DURMBaseLib.h>
 
 namespace vell
 {

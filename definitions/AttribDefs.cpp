@@ -2,10 +2,10 @@
 // definitions/AttribDefs.cpp: values of attributes and their way into the table.
 #include "definitions/AttribDefs.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include "foundation/TableSync.h"
 #include "foundation/TreeKeys.h"
-
-#include <durm/DURMBaseLib.h>
 
 #include <cstring>
 

@@ -1,5 +1,6 @@
 // VELL: data-driven hierarchical state machines.
 // definitions/BaseDef.cpp: making, reading and releasing a node definition.
+#include <durm/DURMBaseLib.h>
 #include <vell/BaseDef.h>
 
 #include "definitions/BaseDefInternals.h"
@@ -7,8 +8,6 @@
 #include "document/JsonReader.h"
 #include "foundation/ArenaMemory.h"
 #include "foundation/Checks.h"
-
-#include <durm/DURMBaseLib.h>
 
 #include <cstring>
 

@@ -1,12 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // definitions/BaseDefActions.cpp: the three action lists of a definition.
+#include <vell/Action.h>
 #include <vell/BaseDef.h>
 
 #include "definitions/ActionWalk.h"
 #include "definitions/BaseDefInternals.h"
 #include "foundation/Checks.h"
-
-#include <vell/Action.h>
 
 namespace vell
 {

@@ -1,16 +1,15 @@
 // VELL: data-driven hierarchical state machines.
 // definitions/BaseDefAttribs.cpp: the attributes of a definition.
 #include <vell/BaseDef.h>
+#include <vell/HSMAlloc.h>
 
 #include "definitions/AttribDefs.h"
 #include "document/JsonReader.h"
-#include "foundation/Checks.h"
 #include "document/NumberText.h"
 #include "document/VectorWidth.h"
+#include "foundation/Checks.h"
 #include "foundation/TextCompare.h"
 #include "foundation/TreeKeys.h"
-
-#include <vell/HSMAlloc.h>
 
 namespace vell
 {

@@ -2,9 +2,9 @@
 // definitions/BaseDefInternals.h: what the library does with a definition and a host does not.
 #pragma once
 
-#include "foundation/Revision.h"
-
 #include <vell/BaseDef.h>
+
+#include "foundation/Revision.h"
 
 namespace vell
 {

@@ -2,12 +2,12 @@
 // definitions/ConnectorDef.cpp: an entering or exiting connector; no state runs it.
 #include "definitions/ConnectorDef.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include "definitions/DefPlacement.h"
 #include "document/JsonReader.h"
 #include "foundation/Checks.h"
 #include "foundation/TextCompare.h"
-
-#include <durm/DURMBaseLib.h>
 
 namespace vell
 {

@@ -2,15 +2,14 @@
 // definitions/NodeDefTable.cpp: building, filing and finding of definitions.
 #include "definitions/NodeDefTable.h"
 
+#include <durm/DURMBaseLib.h>
+#include <vell/HSMAlloc.h>
+
 #include "definitions/BaseDefInternals.h"
 #include "definitions/StandardDefs.h"
 #include "document/JsonReader.h"
 #include "foundation/Checks.h"
 #include "foundation/TextCompare.h"
-
-#include <vell/HSMAlloc.h>
-
-#include <durm/DURMBaseLib.h>
 
 #include <algorithm>
 #include <charconv>

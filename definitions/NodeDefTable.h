@@ -2,11 +2,10 @@
 // definitions/NodeDefTable.h: all definitions of a machine, by id.
 #pragma once
 
+#include <tessel/Tessel.h>
 #include <vell/BaseDef.h>
 #include <vell/Callbacks.h>
 #include <vell/Types.h>
-
-#include <tessel/Tessel.h>
 
 #include <cstddef>
 #include <map>

@@ -1,7 +1,6 @@
 // VELL: data-driven hierarchical state machines.
 // definitions/NodeDefTableImport.cpp: the head, skeleton and global sections of a document.
 #include "definitions/NodeDefTable.h"
-
 #include "document/JsonReader.h"
 #include "foundation/ArenaMemory.h"
 #include "foundation/Checks.h"

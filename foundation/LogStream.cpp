@@ -2,9 +2,9 @@
 // foundation/LogStream.cpp: building and writing of log lines.
 #include "foundation/LogStream.h"
 
-#include "foundation/StandardError.h"
-
 #include <durm/DURMBaseLib.h>
+
+#include "foundation/StandardError.h"
 
 #include <charconv>
 #include <cstdint>

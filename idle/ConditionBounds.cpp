@@ -2,13 +2,13 @@
 // idle/ConditionBounds.cpp: the bounds of each kind of condition.
 #include "idle/ConditionBounds.h"
 
+#include <vell/Parameters.h>
+
 #include "transitions/Comparison.h"
 #include "transitions/ConditionDefBool.h"
 #include "transitions/ConditionDefInteger.h"
 #include "transitions/ConditionDefMessage.h"
 #include "transitions/ConditionFloatDef.h"
-
-#include <vell/Parameters.h>
 
 #include <climits>
 #include <cmath>

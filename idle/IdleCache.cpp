@@ -2,6 +2,11 @@
 // idle/IdleCache.cpp: learning what a level would do.
 #include "idle/IdleCache.h"
 
+#include <vell/ConditionDef.h>
+#include <vell/HSMAlloc.h>
+#include <vell/TransitionDef.h>
+#include <vell/UpdateResult.h>
+
 #include "definitions/AnimClipDef.h"
 #include "definitions/BaseDefInternals.h"
 #include "definitions/EnterDef.h"
@@ -13,11 +18,6 @@
 #include "states/ExitState.h"
 #include "states/GlobalState.h"
 #include "states/SMStateInternals.h"
-
-#include <vell/ConditionDef.h>
-#include <vell/HSMAlloc.h>
-#include <vell/TransitionDef.h>
-#include <vell/UpdateResult.h>
 
 #include <algorithm>
 #include <new>

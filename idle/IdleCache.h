@@ -2,10 +2,10 @@
 // idle/IdleCache.h: what a tick in which nothing happens need not do.
 #pragma once
 
+#include <vell/SubstateState.h>
+
 #include "foundation/Revision.h"
 #include "idle/ConditionBounds.h"
-
-#include <vell/SubstateState.h>
 
 #include <cstddef>
 #include <cstdint>

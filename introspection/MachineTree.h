@@ -2,9 +2,8 @@
 // introspection/MachineTree.h: the tree of tables that mirrors a machine.
 #pragma once
 
-#include <vell/Events.h>
-
 #include <tessel/Tessel.h>
+#include <vell/Events.h>
 
 #include <string>
 

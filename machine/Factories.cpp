@@ -1,10 +1,8 @@
 // VELL: data-driven hierarchical state machines.
 // machine/Factories.cpp: the exported functions.
-#include <vell/Factories.h>
-
-#include <vell/HSM.h>
-
 #include <durm/DURMBaseLib.h>
+#include <vell/Factories.h>
+#include <vell/HSM.h>
 
 #include <iostream>
 

@@ -1,13 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // machine/HSM.cpp: making, starting and unmaking of a machine.
 #include <vell/HSM.h>
+#include <vell/SMState.h>
 
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
 #include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
-
-#include <vell/SMState.h>
 
 namespace vell
 {

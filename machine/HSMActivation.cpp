@@ -1,17 +1,16 @@
 // VELL: data-driven hierarchical state machines.
 // machine/HSMActivation.cpp: making run-time states on first use.
+#include <vell/ConditionDef.h>
 #include <vell/HSM.h>
+#include <vell/SMState.h>
+#include <vell/SubstateState.h>
+#include <vell/TransitionDef.h>
 
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
 #include "machine/HSMInternals.h"
 #include "machine/StateBuilders.h"
 #include "parameters/ParameterTable.h"
-
-#include <vell/ConditionDef.h>
-#include <vell/SMState.h>
-#include <vell/SubstateState.h>
-#include <vell/TransitionDef.h>
 
 #include <set>
 

@@ -1,6 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // machine/HSMBuilders.cpp: which class runs a node.
 #include <vell/HSM.h>
+#include <vell/SubstateState.h>
 
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
@@ -8,8 +9,6 @@
 #include "states/EnterState.h"
 #include "states/ExitState.h"
 #include "states/GlobalState.h"
-
-#include <vell/SubstateState.h>
 
 namespace vell
 {

@@ -2,9 +2,9 @@
 // machine/HSMInternals.h: what a machine keeps for itself.
 #pragma once
 
-#include "idle/IdleCache.h"
-
 #include <vell/HSM.h>
+
+#include "idle/IdleCache.h"
 
 #include <string>
 

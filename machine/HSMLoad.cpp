@@ -1,15 +1,14 @@
 // VELL: data-driven hierarchical state machines.
 // machine/HSMLoad.cpp: from a document's text to full tables.
+#include <durm/DURMBaseLib.h>
 #include <vell/HSM.h>
 
-#include "document/JsonReader.h"
 #include "definitions/NodeDefTable.h"
-#include "foundation/Checks.h"
 #include "document/DocumentParser.h"
+#include "document/JsonReader.h"
+#include "foundation/Checks.h"
 #include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
-
-#include <durm/DURMBaseLib.h>
 
 namespace vell
 {

@@ -1,15 +1,14 @@
 // VELL: data-driven hierarchical state machines.
 // machine/HSMObservers.cpp: listeners, actions, triggers, assets, iterating definitions.
+#include <vell/Action.h>
 #include <vell/HSM.h>
+#include <vell/IBroadcastListener.h>
+#include <vell/TransitionDef.h>
 
 #include "definitions/BaseDefInternals.h"
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
 #include "introspection/MachineTree.h"
-
-#include <vell/Action.h>
-#include <vell/IBroadcastListener.h>
-#include <vell/TransitionDef.h>
 
 #include <algorithm>
 

@@ -1,16 +1,15 @@
 // VELL: data-driven hierarchical state machines.
 // machine/HSMParameters.cpp: how a machine's parameters reach conditions and the host.
+#include <vell/ConditionDef.h>
 #include <vell/HSM.h>
+#include <vell/Parameters.h>
+#include <vell/SMState.h>
+#include <vell/TransitionDef.h>
 
 #include "definitions/AttribDefs.h"
 #include "definitions/NodeDefTable.h"
 #include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
-
-#include <vell/ConditionDef.h>
-#include <vell/Parameters.h>
-#include <vell/SMState.h>
-#include <vell/TransitionDef.h>
 
 namespace vell
 {

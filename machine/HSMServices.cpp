@@ -1,13 +1,13 @@
 // VELL: data-driven hierarchical state machines.
 // machine/HSMServices.cpp: what the machine answers to the folders below it.
+#include <vell/TransitionDef.h>
+#include <vell/Types.h>
+
 #include "definitions/BaseDefInternals.h"
 #include "introspection/MachineTree.h"
 #include "machine/HSMInternals.h"
 #include "states/MachineServices.h"
 #include "transitions/TriggerCall.h"
-
-#include <vell/TransitionDef.h>
-#include <vell/Types.h>
 
 namespace vell
 {

@@ -1,15 +1,14 @@
 // VELL: data-driven hierarchical state machines.
 // machine/HSMTick.cpp: one tick, and the two stacks.
+#include <vell/BaseDef.h>
 #include <vell/HSM.h>
+#include <vell/SMState.h>
+#include <vell/UpdateResult.h>
 
 #include "foundation/Checks.h"
 #include "introspection/MachineTree.h"
 #include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
-
-#include <vell/BaseDef.h>
-#include <vell/SMState.h>
-#include <vell/UpdateResult.h>
 
 #include <algorithm>
 #include <iterator>

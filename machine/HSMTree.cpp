@@ -1,14 +1,13 @@
 // VELL: data-driven hierarchical state machines.
 // machine/HSMTree.cpp: the tree of tables that mirrors a machine.
 #include <vell/HSM.h>
+#include <vell/SMState.h>
 
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
 #include "introspection/MachineTree.h"
 #include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
-
-#include <vell/SMState.h>
 
 namespace vell
 {

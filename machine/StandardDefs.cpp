@@ -2,6 +2,9 @@
 // machine/StandardDefs.cpp: which class a node of a document becomes.
 #include "definitions/StandardDefs.h"
 
+#include <vell/ConditionDef.h>
+#include <vell/TransitionDef.h>
+
 #include "definitions/AnimClipDef.h"
 #include "definitions/ConnectorDef.h"
 #include "definitions/EnterDef.h"
@@ -9,9 +12,6 @@
 #include "definitions/GenericDef.h"
 #include "definitions/GlobalDef.h"
 #include "definitions/SubstateDef.h"
-
-#include <vell/ConditionDef.h>
-#include <vell/TransitionDef.h>
 
 #include <iterator>
 

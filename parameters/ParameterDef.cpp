@@ -1,13 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // parameters/ParameterDef.cpp: what all parameters share.
+#include <durm/DURMBaseLib.h>
 #include <vell/ParameterDef.h>
 
 #include "foundation/TableSync.h"
 #include "foundation/TreeKeys.h"
 #include "parameters/ParameterKeys.h"
 #include "parameters/ParameterTable.h"
-
-#include <durm/DURMBaseLib.h>
 
 namespace vell
 {

@@ -1,12 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // parameters/ParameterFloatDef.cpp: values and input of float parameters.
+#include <durm/DURMBaseLib.h>
 #include <vell/Parameters.h>
 
 #include "foundation/Checks.h"
 #include "foundation/TableSync.h"
 #include "parameters/ParameterKeys.h"
-
-#include <durm/DURMBaseLib.h>
 
 namespace vell
 {

@@ -1,11 +1,10 @@
 // VELL: data-driven hierarchical state machines.
 // parameters/ParameterIntegerDef.cpp: values and input of integer parameters.
+#include <durm/DURMBaseLib.h>
 #include <vell/Parameters.h>
 
 #include "foundation/TableSync.h"
 #include "parameters/ParameterKeys.h"
-
-#include <durm/DURMBaseLib.h>
 
 namespace vell
 {

@@ -2,9 +2,9 @@
 // parameters/ParameterKeys.h: events of a parameter's input.
 #pragma once
 
-#include "foundation/TreeKeys.h"
-
 #include <vell/ParamBroadcast.h>
+
+#include "foundation/TreeKeys.h"
 
 #include <cstddef>
 #include <cstring>

@@ -1,11 +1,10 @@
 // VELL: data-driven hierarchical state machines.
 // parameters/ParameterMessageDef.cpp: values and input of text parameters.
+#include <durm/DURMBaseLib.h>
 #include <vell/Parameters.h>
 
 #include "foundation/TableSync.h"
 #include "parameters/ParameterKeys.h"
-
-#include <durm/DURMBaseLib.h>
 
 #include <utility>
 

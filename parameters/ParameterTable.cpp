@@ -2,14 +2,13 @@
 // parameters/ParameterTable.cpp: finding, filing and releasing of parameters.
 #include "parameters/ParameterTable.h"
 
-#include "foundation/Checks.h"
-#include "foundation/TableSync.h"
-#include "foundation/TreeKeys.h"
-
+#include <durm/DURMBaseLib.h>
 #include <vell/HSMAlloc.h>
 #include <vell/Parameters.h>
 
-#include <durm/DURMBaseLib.h>
+#include "foundation/Checks.h"
+#include "foundation/TableSync.h"
+#include "foundation/TreeKeys.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -2,13 +2,12 @@
 // parameters/ParameterTable.h: all parameters of a machine.
 #pragma once
 
-#include "parameters/ValueRoom.h"
-
+#include <tessel/Tessel.h>
 #include <vell/ArenaLink.h>
 #include <vell/IParameterTable.h>
 #include <vell/Json.h>
 
-#include <tessel/Tessel.h>
+#include "parameters/ValueRoom.h"
 
 #include <cstring>
 #include <map>

@@ -1,14 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // parameters/ParameterTableCreate.cpp: parameters made while the machine runs.
-#include "parameters/ParameterTable.h"
+#include <durm/DURMBaseLib.h>
+#include <vell/Parameters.h>
 
 #include "foundation/Checks.h"
 #include "foundation/TreeKeys.h"
+#include "parameters/ParameterTable.h"
 #include "parameters/RuntimeParameters.h"
-
-#include <vell/Parameters.h>
-
-#include <durm/DURMBaseLib.h>
 
 #include <memory>
 #include <new>

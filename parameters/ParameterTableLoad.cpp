@@ -1,16 +1,14 @@
 // VELL: data-driven hierarchical state machines.
 // parameters/ParameterTableLoad.cpp: the parameters of a document.
-#include "parameters/ParameterTable.h"
-
-#include "document/JsonReader.h"
-#include "foundation/Checks.h"
-#include "document/NumberText.h"
-#include "document/VectorWidth.h"
-
+#include <durm/DURMBaseLib.h>
 #include <vell/HSMAlloc.h>
 #include <vell/Parameters.h>
 
-#include <durm/DURMBaseLib.h>
+#include "document/JsonReader.h"
+#include "document/NumberText.h"
+#include "document/VectorWidth.h"
+#include "foundation/Checks.h"
+#include "parameters/ParameterTable.h"
 
 namespace vell
 {

@@ -1,6 +1,10 @@
 // VELL: data-driven hierarchical state machines.
 // states/SMState.cpp: entering, updating and leaving a state, and its transitions.
+#include <vell/Action.h>
 #include <vell/SMState.h>
+#include <vell/SubstateState.h>
+#include <vell/TransitionDef.h>
+#include <vell/UpdateResult.h>
 
 #include "definitions/ActionWalk.h"
 #include "definitions/AnimClipDef.h"
@@ -8,11 +12,6 @@
 #include "foundation/Checks.h"
 #include "states/MachineServices.h"
 #include "states/SMStateInternals.h"
-
-#include <vell/Action.h>
-#include <vell/SubstateState.h>
-#include <vell/TransitionDef.h>
-#include <vell/UpdateResult.h>
 
 #include <algorithm>
 #include <iterator>

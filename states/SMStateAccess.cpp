@@ -1,14 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // states/SMStateAccess.cpp: identity, links and attributes of a state.
+#include <durm/DURMBaseLib.h>
+#include <vell/BaseDef.h>
 #include <vell/SMState.h>
 
 #include "definitions/AttribDefs.h"
 #include "foundation/Checks.h"
 #include "states/SMStateInternals.h"
-
-#include <vell/BaseDef.h>
-
-#include <durm/DURMBaseLib.h>
 
 #include <cstring>
 

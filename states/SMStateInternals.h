@@ -2,10 +2,10 @@
 // states/SMStateInternals.h: what the library does with a state and a host does not.
 #pragma once
 
-#include "foundation/Revision.h"
-
 #include <vell/HSMAlloc.h>
 #include <vell/SMState.h>
+
+#include "foundation/Revision.h"
 
 namespace vell
 {

@@ -1,5 +1,6 @@
 // VELL: data-driven hierarchical state machines.
 // transitions/ConditionDef.cpp: what all conditions read and share.
+#include <durm/DURMBaseLib.h>
 #include <vell/ConditionDef.h>
 
 #include "definitions/DefPlacement.h"
@@ -9,8 +10,6 @@
 #include "transitions/ConditionDefInteger.h"
 #include "transitions/ConditionDefMessage.h"
 #include "transitions/ConditionFloatDef.h"
-
-#include <durm/DURMBaseLib.h>
 
 namespace vell
 {

@@ -2,11 +2,11 @@
 // transitions/ConditionDefBool.cpp: loading and evaluating of bool conditions.
 #include "transitions/ConditionDefBool.h"
 
+#include <vell/ParameterDef.h>
+
 #include "document/JsonReader.h"
 #include "foundation/Checks.h"
 #include "transitions/ConditionOperand.h"
-
-#include <vell/ParameterDef.h>
 
 #include <cstring>
 

@@ -2,13 +2,13 @@
 // transitions/ConditionDefInteger.cpp: loading and evaluating of integer conditions.
 #include "transitions/ConditionDefInteger.h"
 
+#include <vell/ParameterDef.h>
+
 #include "document/JsonReader.h"
+#include "document/NumberText.h"
 #include "foundation/Checks.h"
 #include "transitions/Comparison.h"
 #include "transitions/ConditionOperand.h"
-#include "document/NumberText.h"
-
-#include <vell/ParameterDef.h>
 
 #include <cstring>
 

@@ -2,12 +2,12 @@
 // transitions/ConditionDefMessage.cpp: loading and evaluating of message conditions.
 #include "transitions/ConditionDefMessage.h"
 
+#include <vell/Parameters.h>
+
 #include "document/JsonReader.h"
 #include "foundation/ArenaMemory.h"
 #include "foundation/Checks.h"
 #include "transitions/ConditionOperand.h"
-
-#include <vell/Parameters.h>
 
 #include <cstring>
 

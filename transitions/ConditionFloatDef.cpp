@@ -2,12 +2,12 @@
 // transitions/ConditionFloatDef.cpp: loading and evaluating of float conditions.
 #include "transitions/ConditionFloatDef.h"
 
+#include <vell/ParameterDef.h>
+
 #include "document/JsonReader.h"
 #include "foundation/Checks.h"
 #include "transitions/Comparison.h"
 #include "transitions/ConditionOperand.h"
-
-#include <vell/ParameterDef.h>
 
 #include <cstring>
 

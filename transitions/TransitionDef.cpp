@@ -1,5 +1,6 @@
 // VELL: data-driven hierarchical state machines.
 // transitions/TransitionDef.cpp: loading and evaluating of transitions.
+#include <vell/ConditionDef.h>
 #include <vell/TransitionDef.h>
 
 #include "definitions/BaseDefInternals.h"
@@ -8,8 +9,6 @@
 #include "foundation/ArenaMemory.h"
 #include "foundation/Checks.h"
 #include "transitions/TriggerCall.h"
-
-#include <vell/ConditionDef.h>
 
 namespace vell
 {

@@ -2,9 +2,8 @@
 // include/vell/ArenaLink.h: what ties an object with memory of its own to its arena.
 #pragma once
 
-#include <vell/Export.h>
-
 #include <tessel/Tessel.h>
+#include <vell/Export.h>
 
 namespace vell
 {

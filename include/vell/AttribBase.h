@@ -2,11 +2,10 @@
 // include/vell/AttribBase.h: the common part of all attributes.
 #pragma once
 
+#include <tessel/Tessel.h>
 #include <vell/ArenaLink.h>
 #include <vell/IAttribDef.h>
 #include <vell/ValueRecord.h>
-
-#include <tessel/Tessel.h>
 
 namespace vell
 {

@@ -2,12 +2,11 @@
 // include/vell/BaseDef.h: the base of every node definition.
 #pragma once
 
+#include <tessel/Tessel.h>
 #include <vell/ArenaLink.h>
 #include <vell/IBaseDef.h>
 #include <vell/Json.h>
 #include <vell/NotCopied.h>
-
-#include <tessel/Tessel.h>
 
 #include <map>
 

@@ -2,9 +2,8 @@
 // include/vell/Factories.h: how a host creates a machine and receives its log.
 #pragma once
 
-#include <vell/Export.h>
-
 #include <durm/DURMBaseLib.h>
+#include <vell/Export.h>
 
 namespace vell
 {

@@ -2,10 +2,9 @@
 // include/vell/HSMAlloc.h: the one-block arena of a machine.
 #pragma once
 
+#include <tessel/Tessel.h>
 #include <vell/ArenaLink.h>
 #include <vell/Export.h>
-
-#include <tessel/Tessel.h>
 
 #include <cstdint>
 #include <functional>

@@ -2,11 +2,10 @@
 // include/vell/IHSM.h: a machine as a host holds it.
 #pragma once
 
+#include <tessel/Tessel.h>
 #include <vell/Callbacks.h>
 #include <vell/Export.h>
 #include <vell/Types.h>
-
-#include <tessel/Tessel.h>
 
 namespace vell
 {

@@ -2,9 +2,8 @@
 // include/vell/ParameterValues.h: the seven interfaces through which a host holds a parameter.
 #pragma once
 
-#include <vell/Export.h>
-
 #include <tessel/Tessel.h>
+#include <vell/Export.h>
 
 #include <string>
 

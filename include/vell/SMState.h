@@ -2,12 +2,11 @@
 // include/vell/SMState.h: the run-time object of a node.
 #pragma once
 
+#include <tessel/Tessel.h>
 #include <vell/ArenaLink.h>
 #include <vell/Export.h>
 #include <vell/NotCopied.h>
 #include <vell/Types.h>
-
-#include <tessel/Tessel.h>
 
 #include <vector>
 

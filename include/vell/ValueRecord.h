@@ -2,9 +2,8 @@
 // include/vell/ValueRecord.h: the listener record of an object that listens to its own table.
 #pragma once
 
-#include <vell/Export.h>
-
 #include <tessel/Tessel.h>
+#include <vell/Export.h>
 
 namespace vell
 {

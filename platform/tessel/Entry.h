@@ -2,9 +2,9 @@
 // platform/tessel/Entry.h: one key of a table with its value.
 #pragma once
 
-#include "platform/tessel/Key.h"
-
 #include <tessel/Tessel.h>
+
+#include "platform/tessel/Key.h"
 
 #include <cstdint>
 #include <cstring>

@@ -2,9 +2,9 @@
 // platform/tessel/ListenerSet.h: the listeners of a table.
 #pragma once
 
-#include "platform/tessel/Key.h"
-
 #include <tessel/Tessel.h>
+
+#include "platform/tessel/Key.h"
 
 #include <cstdint>
 

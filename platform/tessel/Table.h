@@ -2,13 +2,13 @@
 // platform/tessel/Table.h: a table of keys and values.
 #pragma once
 
+#include <tessel/Tessel.h>
+
 #include "platform/tessel/ElementArray.h"
 #include "platform/tessel/Entry.h"
 #include "platform/tessel/KeyIndex.h"
 #include "platform/tessel/ListenerSet.h"
 #include "platform/tessel/TableHandle.h"
-
-#include <tessel/Tessel.h>
 
 #include <atomic>
 #include <cstdint>

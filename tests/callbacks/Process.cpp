@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
-
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/wait.h>

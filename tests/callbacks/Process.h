@@ -6,9 +6,8 @@
 #include <functional>
 #include <new>
 #include <string>
-#include <vector>
-
 #include <sys/types.h>
+#include <vector>
 
 namespace vell::callbacks
 {

@@ -1,8 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/consumer/main.cpp: a host of an installed VELL that uses all three libraries.
-#include <vell/vell.h>
-
 #include <durm/DURMBaseLib.h>
+#include <vell/vell.h>
 
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>

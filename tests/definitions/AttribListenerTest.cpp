@@ -1,11 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // tests/definitions/AttribListenerTest.cpp: values of attributes, and tools that write them.
+#include <vell/SMState.h>
+
 #include "definitions/AttribDefs.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/WriteCounter.h"
-
-#include <vell/SMState.h>
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // tests/definitions/AttributesTest.cpp: attributes as a node of the document makes them.
+#include <durm/DURMBaseLib.h>
+
 #include "definitions/AttribDefs.h"
 #include "tests/support/Definitions.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Recorders.h"
-
-#include <durm/DURMBaseLib.h>
 
 #include <gtest/gtest.h>
 

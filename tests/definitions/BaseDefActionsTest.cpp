@@ -1,10 +1,10 @@
 // VELL: data-driven hierarchical state machines.
 // tests/definitions/BaseDefActionsTest.cpp: the action lists of a definition, also while they run.
+#include <vell/SMState.h>
+
 #include "tests/support/Definitions.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/ScriptedAction.h"
-
-#include <vell/SMState.h>
 
 #include <gtest/gtest.h>
 

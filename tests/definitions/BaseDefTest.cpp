@@ -1,13 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // tests/definitions/BaseDefTest.cpp: making, copying and initialising a plain definition.
+#include <durm/DURMBaseLib.h>
+#include <vell/AttribBase.h>
+
 #include "tests/support/Definitions.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/ScriptedAction.h"
-
-#include <vell/AttribBase.h>
-
-#include <durm/DURMBaseLib.h>
 
 #include <gtest/gtest.h>
 

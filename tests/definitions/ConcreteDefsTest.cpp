@@ -1,5 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/definitions/ConcreteDefsTest.cpp: the seven kinds of nodes, made and initialised.
+#include <durm/DURMBaseLib.h>
+
 #include "definitions/AnimClipDef.h"
 #include "definitions/ConnectorDef.h"
 #include "definitions/EnterDef.h"
@@ -11,8 +13,6 @@
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Recorders.h"
-
-#include <durm/DURMBaseLib.h>
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // VELL: data-driven hierarchical state machines.
 // tests/definitions/DefinitionSurfaceTest.cpp: the operations of definitions, in order.
-#include "tests/support/VirtualOrder.h"
-
 #include <vell/AttribBase.h>
 #include <vell/BaseDef.h>
+
+#include "tests/support/VirtualOrder.h"
 
 #include <gtest/gtest.h>
 

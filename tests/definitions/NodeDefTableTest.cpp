@@ -1,8 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/definitions/NodeDefTableTest.cpp: building, filing and finding of definitions.
-#include "tests/support/NodeTables.h"
-
 #include "definitions/EnterDef.h"
+#include "tests/support/NodeTables.h"
 #include "tests/support/TestMachine.h"
 
 #include <gtest/gtest.h>

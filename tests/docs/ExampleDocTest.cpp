@@ -1,12 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // tests/docs/ExampleDocTest.cpp: the example of docs/document-format.md loads and runs.
-#include "tests/docs/Pages.h"
-#include "tests/support/LogRecorder.h"
-#include "tests/support/TestMachine.h"
-
 #include <vell/IParameterTable.h>
 #include <vell/ParameterDef.h>
 #include <vell/ParameterValues.h>
+
+#include "tests/docs/Pages.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/TestMachine.h"
 
 #include <gtest/gtest.h>
 

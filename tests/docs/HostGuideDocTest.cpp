@@ -1,13 +1,13 @@
 // VELL: data-driven hierarchical state machines.
 // tests/docs/HostGuideDocTest.cpp: the log says what docs/host-guide.md tells that it says.
+#include <vell/Action.h>
+#include <vell/IParameterTable.h>
+
 #include "tests/docs/Pages.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Scene.h"
 #include "tests/support/TempFile.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/Action.h>
-#include <vell/IParameterTable.h>
 
 #include <gtest/gtest.h>
 

@@ -1,13 +1,13 @@
 // VELL: data-driven hierarchical state machines.
 // tests/docs/TreeDocTest.cpp: docs/tree.md draws the tree that a machine has.
+#include <vell/IParameterTable.h>
+#include <vell/ParameterValues.h>
+
 #include "tests/docs/Pages.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/SourceDir.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/TreeLines.h"
-
-#include <vell/IParameterTable.h>
-#include <vell/ParameterValues.h>
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // tests/docs/WrongMembersDocTest.cpp: docs/document-format.md tells what a wrong member does.
+#include <vell/TransitionDef.h>
+
 #include "definitions/NodeDefTable.h"
 #include "tests/docs/Pages.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Scene.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/TransitionDef.h>
 
 #include <gtest/gtest.h>
 

@@ -2,12 +2,12 @@
 // tests/document/DocumentParserTest.cpp: which texts are documents, and how others are reported.
 #include "document/DocumentParser.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TempFile.h"
 #include "tests/support/TestMachine.h"
-
-#include <durm/DURMBaseLib.h>
 
 #include <gtest/gtest.h>
 

@@ -2,10 +2,10 @@
 // tests/foundation/LogStreamTest.cpp: the text of log lines and where they go.
 #include "foundation/LogStream.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include "tests/support/HeapWatch.h"
 #include "tests/support/LogRecorder.h"
-
-#include <durm/DURMBaseLib.h>
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // tests/fuzz/CallsFuzzer.cpp: a host's calls on a good machine, also from inside of its own calls.
+#include <vell/vell.h>
+
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/MachineRun.h"
 #include "tests/fuzz/TreeWrites.h"
 #include "tests/support/DocumentBuilder.h"
-
-#include <vell/vell.h>
 
 #include <array>
 #include <cstddef>

@@ -1,8 +1,8 @@
 // VELL: data-driven hierarchical state machines.
 // tests/fuzz/DocumentFuzzer.cpp: any bytes as a document.
-#include "tests/fuzz/MachineRun.h"
-
 #include <tessel/Tessel.h>
+
+#include "tests/fuzz/MachineRun.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,16 +1,15 @@
 // VELL: data-driven hierarchical state machines.
 // tests/fuzz/GrammarFuzzer.cpp: documents of known members, and a tool's writes while they run.
+#include <tessel/Tessel.h>
+
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/GrammarDocument.h"
 #include "tests/fuzz/MachineRun.h"
-
-#include <tessel/Tessel.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
-
 #include <unistd.h>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)

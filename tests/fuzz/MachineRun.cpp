@@ -2,16 +2,14 @@
 // tests/fuzz/MachineRun.cpp: a machine's whole life.
 #include "tests/fuzz/MachineRun.h"
 
+#include <tessel/Tessel.h>
+#include <vell/Factories.h>
+
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/TreeWrites.h"
 
-#include <vell/Factories.h>
-
-#include <tessel/Tessel.h>
-
 #include <cstdlib>
 #include <stdexcept>
-
 #include <unistd.h>
 
 // An arena of more than 24 MB is refused, as a system without memory would; the program sets these,

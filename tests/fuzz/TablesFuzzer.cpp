@@ -1,9 +1,9 @@
 // VELL: data-driven hierarchical state machines.
 // tests/fuzz/TablesFuzzer.cpp: the key/value tables beside a plain model of them.
+#include <tessel/Tessel.h>
+
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/MachineRun.h"
-
-#include <tessel/Tessel.h>
 
 #include <algorithm>
 #include <array>

@@ -1,11 +1,10 @@
 // VELL: data-driven hierarchical state machines.
 // tests/host/FactoriesTest.cpp: what the exported functions give and write.
+#include <durm/DURMBaseLib.h>
 #include <vell/vell.h>
 
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/TempFile.h"
-
-#include <durm/DURMBaseLib.h>
 
 #include <gtest/gtest.h>
 

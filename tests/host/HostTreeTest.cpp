@@ -3,8 +3,8 @@
 #include <vell/vell.h>
 
 #include "tests/support/DocumentBuilder.h"
-#include "tests/support/ScriptedListener.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/ScriptedListener.h"
 #include "tests/support/TreeLines.h"
 
 #include <gtest/gtest.h>

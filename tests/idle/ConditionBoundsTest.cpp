@@ -2,13 +2,13 @@
 // tests/idle/ConditionBoundsTest.cpp: bounds beside their conditions.
 #include "idle/ConditionBounds.h"
 
+#include <vell/ConditionDef.h>
+#include <vell/Parameters.h>
+
 #include "transitions/ConditionDefBool.h"
 #include "transitions/ConditionDefInteger.h"
 #include "transitions/ConditionDefMessage.h"
 #include "transitions/ConditionFloatDef.h"
-
-#include <vell/ConditionDef.h>
-#include <vell/Parameters.h>
 
 #include <gtest/gtest.h>
 

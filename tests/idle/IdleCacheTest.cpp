@@ -1,19 +1,19 @@
 // VELL: data-driven hierarchical state machines.
 // tests/idle/IdleCacheTest.cpp: what a tick has to notice after ticks in which nothing happened.
-#include "foundation/TreeKeys.h"
-#include "tests/support/Definitions.h"
-#include "tests/support/HeapWatch.h"
-#include "tests/support/Scene.h"
-#include "tests/support/ScriptedAction.h"
-
 #include <vell/BaseDef.h>
 #include <vell/ConditionDef.h>
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
 #include <vell/SMState.h>
 #include <vell/SubstateState.h>
-#include <vell/UpdateResult.h>
 #include <vell/TransitionDef.h>
+#include <vell/UpdateResult.h>
+
+#include "foundation/TreeKeys.h"
+#include "tests/support/Definitions.h"
+#include "tests/support/HeapWatch.h"
+#include "tests/support/Scene.h"
+#include "tests/support/ScriptedAction.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // tests/idle/IdleTickTest.cpp: what a tick costs in which nothing fires.
+#include <vell/IParameterTable.h>
+#include <vell/Parameters.h>
+
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/HeapWatch.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/IParameterTable.h>
-#include <vell/Parameters.h>
 
 #include <gtest/gtest.h>
 

@@ -1,16 +1,16 @@
 // VELL: data-driven hierarchical state machines.
 // tests/introspection/HSMContextTest.cpp: putting a machine into a recorded context.
-#include "foundation/TreeKeys.h"
-#include "tests/introspection/RichDocument.h"
-#include "tests/support/ScriptedListener.h"
-#include "tests/support/LogRecorder.h"
-#include "tests/support/Recorders.h"
-#include "tests/support/TestMachine.h"
-#include "tests/support/TreeLines.h"
-
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
 #include <vell/SMState.h>
+
+#include "foundation/TreeKeys.h"
+#include "tests/introspection/RichDocument.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/Recorders.h"
+#include "tests/support/ScriptedListener.h"
+#include "tests/support/TestMachine.h"
+#include "tests/support/TreeLines.h"
 
 #include <gtest/gtest.h>
 

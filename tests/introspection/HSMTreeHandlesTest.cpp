@@ -1,15 +1,15 @@
 // VELL: data-driven hierarchical state machines.
 // tests/introspection/HSMTreeHandlesTest.cpp: handles that outlive their tables, and what is left.
-#include "tests/introspection/RichDocument.h"
-#include "tests/support/LogRecorder.h"
-#include "tests/support/TestMachine.h"
-#include "tests/support/TreeLines.h"
-
 #include <vell/AttribBase.h>
 #include <vell/Factories.h>
 #include <vell/IBaseDef.h>
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
+
+#include "tests/introspection/RichDocument.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/TestMachine.h"
+#include "tests/support/TreeLines.h"
 
 #include <gtest/gtest.h>
 

@@ -1,13 +1,13 @@
 // VELL: data-driven hierarchical state machines.
 // tests/introspection/HSMTreeStacksTest.cpp: the stacks and the last switch as the tree shows them.
+#include <vell/SMState.h>
+
 #include "foundation/TreeKeys.h"
 #include "tests/introspection/RichDocument.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Recorders.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/TreeLines.h"
-
-#include <vell/SMState.h>
 
 #include <gtest/gtest.h>
 

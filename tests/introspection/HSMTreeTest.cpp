@@ -1,15 +1,15 @@
 // VELL: data-driven hierarchical state machines.
 // tests/introspection/HSMTreeTest.cpp: the tree as it stands after a load and after a run.
+#include <vell/BaseDef.h>
+#include <vell/Factories.h>
+#include <vell/IParameterTable.h>
+
 #include "tests/introspection/RichDocument.h"
 #include "tests/introspection/TreeModel.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/SourceDir.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/TreeLines.h"
-
-#include <vell/BaseDef.h>
-#include <vell/Factories.h>
-#include <vell/IParameterTable.h>
 
 #include <gtest/gtest.h>
 

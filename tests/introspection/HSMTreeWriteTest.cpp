@@ -1,15 +1,15 @@
 // VELL: data-driven hierarchical state machines.
 // tests/introspection/HSMTreeWriteTest.cpp: what a tool's writes into the tree do to the machine.
-#include "tests/introspection/RichDocument.h"
-#include "tests/support/LogRecorder.h"
-#include "tests/support/TestMachine.h"
-#include "tests/support/TreeLines.h"
-
 #include <vell/AttribBase.h>
 #include <vell/BaseDef.h>
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
 #include <vell/SMState.h>
+
+#include "tests/introspection/RichDocument.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/TestMachine.h"
+#include "tests/support/TreeLines.h"
 
 #include <gtest/gtest.h>
 

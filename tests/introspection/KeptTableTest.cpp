@@ -1,12 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // tests/introspection/KeptTableTest.cpp: tables that a tool keeps longer than their objects.
-#include "tests/support/Scene.h"
-
 #include <vell/AttribBase.h>
 #include <vell/ConditionDef.h>
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
 #include <vell/TransitionDef.h>
+
+#include "tests/support/Scene.h"
 
 #include <gtest/gtest.h>
 

@@ -2,11 +2,10 @@
 // tests/introspection/TreeModel.cpp: the tree of a document, built without the library's own code.
 #include "tests/introspection/TreeModel.h"
 
+#include <durm/DURMBaseLib.h>
 #include <vell/Types.h>
 
 #include "tests/support/TreeLines.h"
-
-#include <durm/DURMBaseLib.h>
 
 #include <rapidjson/document.h>
 

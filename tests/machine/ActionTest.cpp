@@ -1,8 +1,8 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/ActionTest.cpp: an action that a host has not given a behaviour.
-#include "tests/support/LogRecorder.h"
-
 #include <vell/Action.h>
+
+#include "tests/support/LogRecorder.h"
 
 #include <gtest/gtest.h>
 

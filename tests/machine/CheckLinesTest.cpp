@@ -1,5 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/CheckLinesTest.cpp: checks that fail with the same words name different lines.
+#include <vell/TransitionDef.h>
+
 #include "tests/support/Definitions.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LoadedParameters.h"
@@ -9,8 +11,6 @@
 #include "transitions/ConditionDefInteger.h"
 #include "transitions/ConditionDefMessage.h"
 #include "transitions/ConditionFloatDef.h"
-
-#include <vell/TransitionDef.h>
 
 #include <gtest/gtest.h>
 

@@ -1,15 +1,14 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMActivationTest.cpp: making of run-time states, and the state-switch callback.
-#include "tests/support/Scene.h"
-
-#include "definitions/NodeDefTable.h"
-
 #include <vell/ConditionDef.h>
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
 #include <vell/SubstateState.h>
 #include <vell/TransitionDef.h>
 #include <vell/UpdateResult.h>
+
+#include "definitions/NodeDefTable.h"
+#include "tests/support/Scene.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMBindingReentryTest.cpp: a host that changes what is being bound and asked, from
 // the log callback and from a condition of its own.
+#include <vell/ConditionDef.h>
+#include <vell/TransitionDef.h>
+
 #include "definitions/NodeDefTable.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/ConditionDef.h>
-#include <vell/TransitionDef.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,9 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMBuildersTest.cpp: the two registries of the process and how machines share them.
+#include <vell/HSMAlloc.h>
+#include <vell/SMState.h>
+#include <vell/SubstateState.h>
+
 #include "definitions/NodeDefTable.h"
 #include "machine/StateBuilders.h"
 #include "states/EnterState.h"
@@ -8,10 +12,6 @@
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/HSMAlloc.h>
-#include <vell/SMState.h>
-#include <vell/SubstateState.h>
 
 #include <gtest/gtest.h>
 

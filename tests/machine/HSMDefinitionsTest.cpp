@@ -1,11 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMDefinitionsTest.cpp: what a machine tells of its document.
+#include <vell/IBaseDef.h>
+
 #include "definitions/NodeDefTable.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/IBaseDef.h>
 
 #include <gtest/gtest.h>
 

@@ -1,13 +1,13 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMHooksTest.cpp: the triggers and actions that a host plugs in.
+#include <vell/BaseDef.h>
+#include <vell/IBaseDef.h>
+
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/ScriptedAction.h"
 #include "tests/support/ScriptedListener.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/BaseDef.h>
-#include <vell/IBaseDef.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,9 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMInitTest.cpp: the log and the result of Init, whole, good and bad.
+#include <vell/ConditionDef.h>
+#include <vell/Parameters.h>
+#include <vell/TransitionDef.h>
+
 #include "definitions/NodeDefTable.h"
 #include "parameters/ParameterTable.h"
 #include "tests/support/DocumentBuilder.h"
@@ -7,10 +11,6 @@
 #include "tests/support/Recorders.h"
 #include "tests/support/SmallDocument.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/ConditionDef.h>
-#include <vell/Parameters.h>
-#include <vell/TransitionDef.h>
 
 #include <gtest/gtest.h>
 

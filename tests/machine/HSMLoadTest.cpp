@@ -1,5 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMLoadTest.cpp: what Create makes of a document, and how it fails.
+#include <durm/DURMBaseLib.h>
+
 #include "definitions/NodeDefTable.h"
 #include "machine/StateBuilders.h"
 #include "tests/support/DocumentBuilder.h"
@@ -8,8 +10,6 @@
 #include "tests/support/SmallDocument.h"
 #include "tests/support/TempFile.h"
 #include "tests/support/TestMachine.h"
-
-#include <durm/DURMBaseLib.h>
 
 #include <gtest/gtest.h>
 

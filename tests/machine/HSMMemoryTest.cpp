@@ -1,17 +1,16 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMMemoryTest.cpp: what a machine takes from the heap, and that it gives it back.
+#include <durm/DURMBaseLib.h>
+#include <vell/Action.h>
+#include <vell/Parameters.h>
+#include <vell/SMState.h>
+
 #include "definitions/NodeDefTable.h"
 #include "parameters/ParameterTable.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/HeapWatch.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/Action.h>
-#include <vell/Parameters.h>
-#include <vell/SMState.h>
-
-#include <durm/DURMBaseLib.h>
 
 #include <gtest/gtest.h>
 

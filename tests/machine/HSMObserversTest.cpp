@@ -1,12 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMObserversTest.cpp: listeners of state changes and events.
+#include <vell/Events.h>
+
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/ScriptedListener.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/TreeLines.h"
-
-#include <vell/Events.h>
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMReloadTest.cpp: a machine that is created a second time.
+#include <vell/SMState.h>
+
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Recorders.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/SMState.h>
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMRunTest.cpp: a document alone drives a running machine.
+#include <vell/IParameterTable.h>
+#include <vell/Parameters.h>
+
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/IParameterTable.h>
-#include <vell/Parameters.h>
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMSequenceTest.cpp: whole sequences of what a running machine tells.
+#include <vell/SMState.h>
+
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Recorders.h"
 #include "tests/support/Scene.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/SMState.h>
 
 #include <gtest/gtest.h>
 

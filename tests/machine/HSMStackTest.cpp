@@ -1,9 +1,9 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMStackTest.cpp: pushing, popping and rewriting of the stacks.
+#include <vell/UpdateResult.h>
+
 #include "tests/support/Scene.h"
 #include "tests/support/ScriptedAction.h"
-
-#include <vell/UpdateResult.h>
 
 #include <gtest/gtest.h>
 

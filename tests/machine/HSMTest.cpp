@@ -1,16 +1,16 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMTest.cpp: making, starting and unmaking of a machine.
+#include <vell/BaseDef.h>
+#include <vell/IParameterTable.h>
+#include <vell/SMState.h>
+#include <vell/UpdateResult.h>
+
 #include "definitions/NodeDefTable.h"
 #include "machine/StateBuilders.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/SmallDocument.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/BaseDef.h>
-#include <vell/IParameterTable.h>
-#include <vell/SMState.h>
-#include <vell/UpdateResult.h>
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMTickTest.cpp: the order of one tick.
-#include "tests/support/Scene.h"
-
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
 #include <vell/UpdateResult.h>
+
+#include "tests/support/Scene.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMUninitReentryTest.cpp: an action whose destructor uninitialises a machine's
 // tables while they are being uninitialised.
+#include <vell/Action.h>
+#include <vell/ParameterDef.h>
+
 #include "parameters/ParameterTable.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/Action.h>
-#include <vell/ParameterDef.h>
 
 #include <gtest/gtest.h>
 

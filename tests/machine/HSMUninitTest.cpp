@@ -1,14 +1,14 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMUninitTest.cpp: an Uninit that a host's part throws out of, and goes on.
+#include <vell/BaseDef.h>
+#include <vell/HSMAlloc.h>
+#include <vell/Parameters.h>
+
 #include "definitions/NodeDefTable.h"
 #include "parameters/ParameterTable.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/BaseDef.h>
-#include <vell/HSMAlloc.h>
-#include <vell/Parameters.h>
 
 #include <gtest/gtest.h>
 

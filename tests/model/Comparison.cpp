@@ -2,6 +2,7 @@
 // tests/model/Comparison.cpp: two runs side by side, and the shrinking of a case.
 
 #include "tests/model/Comparison.h"
+
 #include "tests/model/LibraryMachine.h"
 #include "tests/model/Shrinking.h"
 

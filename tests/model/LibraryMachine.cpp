@@ -3,9 +3,8 @@
 
 #include "tests/model/LibraryMachine.h"
 
-#include <vell/vell.h>
-
 #include <durm/DURMBaseLib.h>
+#include <vell/vell.h>
 
 #include <cctype>
 #include <cstring>

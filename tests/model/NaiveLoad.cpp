@@ -1,9 +1,9 @@
 // VELL: data-driven hierarchical state machines.
 // tests/model/NaiveLoad.cpp: what the second machine takes from a document, and its conditions.
 
-#include "tests/model/NaiveMachine.h"
-
 #include <durm/DURMBaseLib.h>
+
+#include "tests/model/NaiveMachine.h"
 
 #include <algorithm>
 #include <climits>

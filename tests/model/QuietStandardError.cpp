@@ -4,10 +4,9 @@
 
 #include "tests/model/Sanitizer.h"
 
+#include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
-
-#include <cstdio>
 
 namespace model
 {

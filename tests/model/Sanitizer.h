@@ -13,9 +13,8 @@
 #endif
 
 #if defined(VELL_MODEL_IS_SANITIZED)
-#include <sanitizer/common_interface_defs.h>
-
 #include <cstdint>
+#include <sanitizer/common_interface_defs.h>
 #endif
 
 namespace model

@@ -1,18 +1,18 @@
 // VELL: data-driven hierarchical state machines.
 // tests/parameters/HSMParametersTest.cpp: binding, messages, attributes and resets of a machine.
-#include "definitions/NodeDefTable.h"
-#include "tests/support/DocumentBuilder.h"
-#include "tests/support/LogRecorder.h"
-#include "tests/support/ScriptedAction.h"
-#include "tests/support/TestMachine.h"
-#include "tests/support/WriteCounter.h"
-
 #include <vell/Action.h>
 #include <vell/ConditionDef.h>
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
 #include <vell/SMState.h>
 #include <vell/TransitionDef.h>
+
+#include "definitions/NodeDefTable.h"
+#include "tests/support/DocumentBuilder.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/ScriptedAction.h"
+#include "tests/support/TestMachine.h"
+#include "tests/support/WriteCounter.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // VELL: data-driven hierarchical state machines.
 // tests/parameters/ParameterBroadcastTest.cpp: what each parameter class does with each event.
-#include "tests/support/LogRecorder.h"
-
 #include <vell/ParamBroadcast.h>
 #include <vell/Parameters.h>
+
+#include "tests/support/LogRecorder.h"
 
 #include <gtest/gtest.h>
 

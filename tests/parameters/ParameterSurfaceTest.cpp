@@ -1,9 +1,9 @@
 // VELL: data-driven hierarchical state machines.
 // tests/parameters/ParameterSurfaceTest.cpp: the operations of the parameter interfaces, in order.
-#include "tests/support/VirtualOrder.h"
-
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
+
+#include "tests/support/VirtualOrder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // tests/parameters/ParameterTableCreateTest.cpp: parameters made while the machine runs.
+#include <vell/HSM.h>
+#include <vell/Parameters.h>
+
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/HeapWatch.h"
 #include "tests/support/LoadedParameters.h"
 #include "tests/support/LogRecorder.h"
-
-#include <vell/HSM.h>
-#include <vell/Parameters.h>
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // tests/parameters/ParameterTableLoadTest.cpp: the parameters of a document, good and bad.
+#include <vell/Parameters.h>
+
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LoadedParameters.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Recorders.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/Parameters.h>
 
 #include <gtest/gtest.h>
 

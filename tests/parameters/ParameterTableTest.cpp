@@ -1,11 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // tests/parameters/ParameterTableTest.cpp: finding, filing and releasing of parameters.
+#include <vell/Parameters.h>
+
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LoadedParameters.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/Parameters.h>
 
 #include <gtest/gtest.h>
 

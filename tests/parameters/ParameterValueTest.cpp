@@ -1,10 +1,9 @@
 // VELL: data-driven hierarchical state machines.
 // tests/parameters/ParameterValueTest.cpp: values of parameters and their mirror in the tree.
-#include "tests/support/WriteCounter.h"
-
+#include <durm/DURMBaseLib.h>
 #include <vell/Parameters.h>
 
-#include <durm/DURMBaseLib.h>
+#include "tests/support/WriteCounter.h"
 
 #include <gtest/gtest.h>
 

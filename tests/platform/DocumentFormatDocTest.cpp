@@ -1,9 +1,9 @@
 // VELL: data-driven hierarchical state machines.
 // tests/platform/DocumentFormatDocTest.cpp: docs/document-format.md says what the vocabulary says.
+#include <durm/DURMBaseLib.h>
+
 #include "platform/durm/Vocabulary.h"
 #include "tests/support/SourceDir.h"
-
-#include <durm/DURMBaseLib.h>
 
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>

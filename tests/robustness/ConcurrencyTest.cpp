@@ -1,14 +1,13 @@
 // VELL: data-driven hierarchical state machines.
 // tests/robustness/ConcurrencyTest.cpp: machines on threads of their own.
-#include "tests/robustness/Conditions.h"
-
+#include <durm/DURMBaseLib.h>
+#include <tessel/Tessel.h>
 #include <vell/HSM.h>
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
 #include <vell/SMState.h>
 
-#include <durm/DURMBaseLib.h>
-#include <tessel/Tessel.h>
+#include "tests/robustness/Conditions.h"
 
 #include <gtest/gtest.h>
 

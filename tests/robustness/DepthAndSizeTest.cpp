@@ -1,14 +1,13 @@
 // VELL: data-driven hierarchical state machines.
 // tests/robustness/DepthAndSizeTest.cpp: deep and large documents, and memory that grows with them.
-#include "document/DocumentParser.h"
-#include "tests/robustness/Conditions.h"
-#include "tests/support/HeapWatch.h"
-
+#include <tessel/Tessel.h>
 #include <vell/HSM.h>
 #include <vell/IParameterTable.h>
 #include <vell/SMState.h>
 
-#include <tessel/Tessel.h>
+#include "document/DocumentParser.h"
+#include "tests/robustness/Conditions.h"
+#include "tests/support/HeapWatch.h"
 
 #include <gtest/gtest.h>
 

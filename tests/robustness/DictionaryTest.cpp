@@ -1,6 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/robustness/DictionaryTest.cpp: the fuzzers know the vocabulary.
 #include "tests/fuzz/Dictionary.h"
+
 #include "tests/support/SourceDir.h"
 
 #include <gtest/gtest.h>

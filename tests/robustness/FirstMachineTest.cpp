@@ -1,15 +1,14 @@
 // VELL: data-driven hierarchical state machines.
 // tests/robustness/FirstMachineTest.cpp: blocks refused to the first machine of a process.
+#include <tessel/Tessel.h>
+
 #include "tests/robustness/Conditions.h"
 #include "tests/robustness/RefusedMemory.h"
 #include "tests/support/HeapWatch.h"
 
-#include <tessel/Tessel.h>
-
 #include <gtest/gtest.h>
 
 #include <string>
-
 #include <sys/wait.h>
 #include <unistd.h>
 

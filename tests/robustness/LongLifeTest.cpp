@@ -1,15 +1,14 @@
 // VELL: data-driven hierarchical state machines.
 // tests/robustness/LongLifeTest.cpp: many machines and many ticks in one process.
-#include "tests/robustness/Conditions.h"
-#include "tests/support/SourceDir.h"
-#include "tools/vell/ParameterText.h"
-#include "tools/vell/Script.h"
-
+#include <tessel/Tessel.h>
 #include <vell/HSM.h>
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
 
-#include <tessel/Tessel.h>
+#include "tests/robustness/Conditions.h"
+#include "tests/support/SourceDir.h"
+#include "tools/vell/ParameterText.h"
+#include "tools/vell/Script.h"
 
 #include <gtest/gtest.h>
 
@@ -20,9 +19,8 @@
 #include <random>
 #include <sstream>
 #include <string>
-#include <vector>
-
 #include <unistd.h>
+#include <vector>
 
 namespace vell::test
 {

@@ -1,12 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // tests/robustness/MemoryRunsOutTest.cpp: arenas of every size, and every block refused in turn.
+#include <tessel/Tessel.h>
+#include <vell/HSM.h>
+
 #include "tests/robustness/Conditions.h"
 #include "tests/robustness/RefusedMemory.h"
 #include "tests/support/HeapWatch.h"
-
-#include <vell/HSM.h>
-
-#include <tessel/Tessel.h>
 
 #include <gtest/gtest.h>
 

@@ -2,11 +2,11 @@
 // tests/robustness/RefusedMemory.cpp: machines whose arena or heap runs out.
 #include "tests/robustness/RefusedMemory.h"
 
-#include "document/DocumentParser.h"
-#include "tests/support/HeapWatch.h"
-
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
+
+#include "document/DocumentParser.h"
+#include "tests/support/HeapWatch.h"
 
 #include <memory>
 #include <new>

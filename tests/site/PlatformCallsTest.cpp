@@ -1,16 +1,16 @@
 // VELL: data-driven hierarchical state machines.
 // tests/site/PlatformCallsTest.cpp: what a site's own platform libraries see of the library.
-#include "tests/introspection/RichDocument.h"
-#include "tests/site/PlatformWatch.h"
-#include "tests/support/DocumentBuilder.h"
-#include "tests/support/LogRecorder.h"
-#include "tests/support/TestMachine.h"
-
 #include <vell/AttribBase.h>
 #include <vell/Factories.h>
 #include <vell/IHSM.h>
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
+
+#include "tests/introspection/RichDocument.h"
+#include "tests/site/PlatformWatch.h"
+#include "tests/support/DocumentBuilder.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/TestMachine.h"
 
 #include <gtest/gtest.h>
 

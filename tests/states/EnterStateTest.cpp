@@ -1,8 +1,8 @@
 // VELL: data-driven hierarchical state machines.
 // tests/states/EnterStateTest.cpp: an enter node on the stack.
-#include "tests/support/Scene.h"
-
 #include "states/EnterState.h"
+
+#include "tests/support/Scene.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // tests/states/ExitStateTest.cpp: an exit node on either stack.
-#include "tests/support/Scene.h"
-
-#include "definitions/ExitDef.h"
 #include "states/ExitState.h"
 
 #include <durm/DURMBaseLib.h>
+
+#include "definitions/ExitDef.h"
+#include "tests/support/Scene.h"
 
 #include <gtest/gtest.h>
 

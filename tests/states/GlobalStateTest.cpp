@@ -1,10 +1,10 @@
 // VELL: data-driven hierarchical state machines.
 // tests/states/GlobalStateTest.cpp: the state that stands on no stack.
-#include "tests/support/Scene.h"
+#include "states/GlobalState.h"
 
 #include "definitions/GlobalDef.h"
 #include "states/EnterState.h"
-#include "states/GlobalState.h"
+#include "tests/support/Scene.h"
 
 #include <gtest/gtest.h>
 

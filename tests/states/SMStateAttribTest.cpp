@@ -1,8 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/states/SMStateAttribTest.cpp: attributes as a state gives and takes them.
-#include "tests/support/Scene.h"
-
 #include "definitions/AttribDefs.h"
+#include "tests/support/Scene.h"
 
 #include <gtest/gtest.h>
 

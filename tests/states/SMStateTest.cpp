@@ -1,16 +1,14 @@
 // VELL: data-driven hierarchical state machines.
 // tests/states/SMStateTest.cpp: entering, updating and leaving a state, and its identity.
-#include "tests/support/Definitions.h"
-#include "tests/support/Scene.h"
-#include "tests/support/ScriptedAction.h"
-
-#include "definitions/AnimClipDef.h"
-
+#include <durm/DURMBaseLib.h>
 #include <vell/Action.h>
 #include <vell/SubstateState.h>
 #include <vell/TransitionDef.h>
 
-#include <durm/DURMBaseLib.h>
+#include "definitions/AnimClipDef.h"
+#include "tests/support/Definitions.h"
+#include "tests/support/Scene.h"
+#include "tests/support/ScriptedAction.h"
 
 #include <gtest/gtest.h>
 

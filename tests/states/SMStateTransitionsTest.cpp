@@ -1,10 +1,10 @@
 // VELL: data-driven hierarchical state machines.
 // tests/states/SMStateTransitionsTest.cpp: the transitions of a state, their order and their
 // choice.
-#include "tests/support/Scene.h"
-
 #include <vell/TransitionDef.h>
 #include <vell/UpdateResult.h>
+
+#include "tests/support/Scene.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
 // VELL: data-driven hierarchical state machines.
 // tests/states/StateClassesTest.cpp: what the four derived classes of states have in common.
-#include "tests/support/Definitions.h"
-#include "tests/support/Scene.h"
+#include <vell/SubstateState.h>
 
 #include "definitions/EnterDef.h"
 #include "definitions/ExitDef.h"
@@ -10,8 +9,8 @@
 #include "states/EnterState.h"
 #include "states/ExitState.h"
 #include "states/GlobalState.h"
-
-#include <vell/SubstateState.h>
+#include "tests/support/Definitions.h"
+#include "tests/support/Scene.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // tests/states/SubstateStateTest.cpp: starting, resuming and leaving a nested level.
-#include "tests/support/Scene.h"
+#include <vell/SubstateState.h>
 
 #include "definitions/EnterDef.h"
 #include "definitions/ExitDef.h"
 #include "definitions/SubstateDef.h"
-
-#include <vell/SubstateState.h>
+#include "tests/support/Scene.h"
 
 #include <gtest/gtest.h>
 

@@ -2,10 +2,10 @@
 // tests/support/Definitions.h: definitions built without a machine.
 #pragma once
 
-#include "tests/support/Json.h"
-
 #include <vell/BaseDef.h>
 #include <vell/HSMAlloc.h>
+
+#include "tests/support/Json.h"
 
 #include <rapidjson/document.h>
 

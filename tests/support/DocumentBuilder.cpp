@@ -2,9 +2,9 @@
 // tests/support/DocumentBuilder.cpp: the pieces of a machine document.
 #include "tests/support/DocumentBuilder.h"
 
-#include "platform/durm/Vocabulary.h"
-
 #include <durm/DURMBaseLib.h>
+
+#include "platform/durm/Vocabulary.h"
 
 namespace vell::test
 {

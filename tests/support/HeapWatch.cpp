@@ -4,9 +4,8 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <new>
-
 #include <malloc.h>
+#include <new>
 
 // The linker leads this program's calls of malloc and its kin here (--wrap), which works beside the
 // sanitizers, whose own malloc is the real one then. operator new is replaced as the language

@@ -2,11 +2,11 @@
 // tests/support/Recorders.h: actions, listeners and callbacks that note what they are told.
 #pragma once
 
-#include "tests/support/LogRecorder.h"
-
 #include <vell/Action.h>
 #include <vell/HSM.h>
 #include <vell/IBroadcastListener.h>
+
+#include "tests/support/LogRecorder.h"
 
 #include <string>
 

@@ -2,14 +2,14 @@
 // tests/support/Scene.h: a running machine and everything that it tells.
 #pragma once
 
+#include <vell/BaseDef.h>
+#include <vell/HSMAlloc.h>
+#include <vell/SMState.h>
+
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Recorders.h"
 #include "tests/support/TestMachine.h"
-
-#include <vell/BaseDef.h>
-#include <vell/HSMAlloc.h>
-#include <vell/SMState.h>
 
 #include <gtest/gtest.h>
 

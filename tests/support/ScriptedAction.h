@@ -2,9 +2,9 @@
 // tests/support/ScriptedAction.h: an action that does what a test says.
 #pragma once
 
-#include "tests/support/LogRecorder.h"
-
 #include <vell/Action.h>
+
+#include "tests/support/LogRecorder.h"
 
 #include <functional>
 #include <string>

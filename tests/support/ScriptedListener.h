@@ -2,11 +2,11 @@
 // tests/support/ScriptedListener.h: a listener that does what a test says.
 #pragma once
 
-#include "tests/support/LogRecorder.h"
-
 #include <vell/Events.h>
 #include <vell/IBroadcastListener.h>
 #include <vell/Types.h>
+
+#include "tests/support/LogRecorder.h"
 
 #include <functional>
 #include <string>

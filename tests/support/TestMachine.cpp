@@ -2,12 +2,12 @@
 // tests/support/TestMachine.cpp: making and showing of test machines.
 #include "tests/support/TestMachine.h"
 
-#include "tests/support/TreeLines.h"
-
 #include <vell/BaseDef.h>
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
 #include <vell/SMState.h>
+
+#include "tests/support/TreeLines.h"
 
 #include <gtest/gtest.h>
 

@@ -2,9 +2,9 @@
 // tests/support/TestMachine.h: a machine whose inside a test may look at.
 #pragma once
 
-#include "tests/support/DocumentBuilder.h"
-
 #include <vell/HSM.h>
+
+#include "tests/support/DocumentBuilder.h"
 
 #include <string>
 #include <vector>

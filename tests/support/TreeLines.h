@@ -2,9 +2,9 @@
 // tests/support/TreeLines.h: a tree of key/value tables, shown as lines.
 #pragma once
 
-#include "tests/support/LogRecorder.h"
-
 #include <tessel/Tessel.h>
+
+#include "tests/support/LogRecorder.h"
 
 #include <string>
 #include <vector>

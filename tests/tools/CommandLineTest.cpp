@@ -1,9 +1,10 @@
 // VELL: data-driven hierarchical state machines.
 // tests/tools/CommandLineTest.cpp: words, exit codes, streams and files of the command.
-#include "tests/tools/CommandRun.h"
 #include "tools/vell/CommandLine.h"
 
 #include <vell/Types.h>
+
+#include "tests/tools/CommandRun.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

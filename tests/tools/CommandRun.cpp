@@ -2,10 +2,10 @@
 // tests/tools/CommandRun.cpp: the call, the folder and the document.
 #include "tests/tools/CommandRun.h"
 
-#include "tools/vell/CommandLine.h"
-
 #include <vell/ConditionDef.h>
 #include <vell/Types.h>
+
+#include "tools/vell/CommandLine.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,9 +1,9 @@
 // VELL: data-driven hierarchical state machines.
 // tests/tools/ExplainTest.cpp: why transitions fire and do not fire.
-#include "tests/tools/CommandRun.h"
-
 #include <vell/ConditionDef.h>
 #include <vell/Types.h>
+
+#include "tests/tools/CommandRun.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // tests/tools/GraphTest.cpp: the pictures of a machine as text.
-#include "tests/tools/CommandRun.h"
-#include "tools/vell/CommandLine.h"
 #include "tools/vell/Graph.h"
 
 #include <vell/ConditionDef.h>
 #include <vell/Types.h>
+
+#include "tests/tools/CommandRun.h"
+#include "tools/vell/CommandLine.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // tests/tools/RunTest.cpp: what `vell run` prints, and what it exits with.
+#include <vell/ConditionDef.h>
+
 #include "tests/tools/CommandRun.h"
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/LogRedirect.h"
 #include "tools/vell/Runner.h"
-
-#include <vell/ConditionDef.h>
 
 #include <gtest/gtest.h>
 

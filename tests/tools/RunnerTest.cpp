@@ -1,11 +1,12 @@
 // VELL: data-driven hierarchical state machines.
 // tests/tools/RunnerTest.cpp: what a run reports of unusual machines, and its progress.
-#include "tests/tools/CommandRun.h"
-#include "tools/vell/CommandLine.h"
-#include "tools/vell/LogRedirect.h"
 #include "tools/vell/Runner.h"
 
 #include <vell/Types.h>
+
+#include "tests/tools/CommandRun.h"
+#include "tools/vell/CommandLine.h"
+#include "tools/vell/LogRedirect.h"
 
 #include <gtest/gtest.h>
 

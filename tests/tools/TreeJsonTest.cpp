@@ -6,9 +6,8 @@
 #include "tests/tools/CommandRun.h"
 #include "tools/vell/CommandLine.h"
 
-#include <rapidjson/document.h>
-
 #include <gtest/gtest.h>
+#include <rapidjson/document.h>
 
 #include <limits>
 

@@ -1,5 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/transitions/ConditionEvaluateTest.cpp: when the four classes of conditions hold.
+#include <vell/Parameters.h>
+
 #include "tests/support/Definitions.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
@@ -8,8 +10,6 @@
 #include "transitions/ConditionDefInteger.h"
 #include "transitions/ConditionDefMessage.h"
 #include "transitions/ConditionFloatDef.h"
-
-#include <vell/Parameters.h>
 
 #include <gtest/gtest.h>
 

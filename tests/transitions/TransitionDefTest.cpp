@@ -1,5 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // tests/transitions/TransitionDefTest.cpp: loading of transitions, and when they hold.
+#include <vell/ConditionDef.h>
+#include <vell/IParameterTable.h>
+#include <vell/Parameters.h>
+#include <vell/SMState.h>
+#include <vell/TransitionDef.h>
+
 #include "definitions/NodeDefTable.h"
 #include "foundation/ArenaMemory.h"
 #include "tests/support/Definitions.h"
@@ -8,12 +14,6 @@
 #include "tests/support/TestMachine.h"
 #include "tests/support/VirtualOrder.h"
 #include "transitions/ConditionDefBool.h"
-
-#include <vell/ConditionDef.h>
-#include <vell/IParameterTable.h>
-#include <vell/Parameters.h>
-#include <vell/SMState.h>
-#include <vell/TransitionDef.h>
 
 #include <gtest/gtest.h>
 

@@ -2,10 +2,10 @@
 // tests/twin/Side.cpp: the host around a machine, and what it sees of it.
 #include "tests/twin/Side.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include "tests/support/TreeLines.h"
 #include "tests/twin/OperationKinds.h"
-
-#include <durm/DURMBaseLib.h>
 
 #include <cstdio>
 #include <cstring>

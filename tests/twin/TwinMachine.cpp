@@ -2,13 +2,13 @@
 // tests/twin/TwinMachine.cpp: the classes of the twin without the shortcut, and a host's own.
 #include "tests/twin/TwinMachine.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include "definitions/GenericDef.h"
 #include "states/EnterState.h"
 #include "states/ExitState.h"
 #include "states/GlobalState.h"
 #include "tests/twin/Side.h"
-
-#include <durm/DURMBaseLib.h>
 
 #include <set>
 

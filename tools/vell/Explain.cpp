@@ -2,11 +2,11 @@
 // tools/vell/Explain.cpp: the reading of transitions, and its words.
 #include "tools/vell/Explain.h"
 
-#include "tools/vell/ParameterText.h"
-
 #include <vell/ConditionDef.h>
 #include <vell/SMState.h>
 #include <vell/TransitionDef.h>
+
+#include "tools/vell/ParameterText.h"
 
 #include <algorithm>
 

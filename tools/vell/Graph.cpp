@@ -2,6 +2,9 @@
 // tools/vell/Graph.cpp: from definitions to nodes and edges.
 #include "tools/vell/Graph.h"
 
+#include <vell/ConditionDef.h>
+#include <vell/TransitionDef.h>
+
 #include "definitions/EnterDef.h"
 #include "definitions/ExitDef.h"
 #include "definitions/GlobalDef.h"
@@ -9,9 +12,6 @@
 #include "definitions/SubstateDef.h"
 #include "tools/vell/ObservedMachine.h"
 #include "tools/vell/ParameterText.h"
-
-#include <vell/ConditionDef.h>
-#include <vell/TransitionDef.h>
 
 #include <map>
 #include <set>

@@ -2,16 +2,14 @@
 // tools/vell/GraphText.cpp: a graph in the languages of Graphviz and Mermaid.
 #include "tools/vell/Graph.h"
 
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <set>
 #include <string_view>
-
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace vell::tool
 {

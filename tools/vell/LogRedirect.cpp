@@ -2,10 +2,9 @@
 // tools/vell/LogRedirect.cpp: the exchange of the file descriptor.
 #include "tools/vell/LogRedirect.h"
 
+#include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
-
-#include <cstdio>
 
 namespace vell::tool
 {

@@ -2,18 +2,17 @@
 // tools/vell/ObservedMachine.cpp: states that report, and loading with words for what is wrong.
 #include "tools/vell/ObservedMachine.h"
 
-#include "definitions/NodeDefTable.h"
-#include "foundation/LogStream.h"
-#include "states/EnterState.h"
-#include "states/ExitState.h"
-#include "states/GlobalState.h"
-
+#include <durm/DURMBaseLib.h>
 #include <vell/HSMAlloc.h>
 #include <vell/SubstateState.h>
 #include <vell/TransitionDef.h>
 #include <vell/UpdateResult.h>
 
-#include <durm/DURMBaseLib.h>
+#include "definitions/NodeDefTable.h"
+#include "foundation/LogStream.h"
+#include "states/EnterState.h"
+#include "states/ExitState.h"
+#include "states/GlobalState.h"
 
 #include <rapidjson/error/en.h>
 

@@ -2,13 +2,13 @@
 // tools/vell/ParameterText.cpp: the texts of values, and how a text becomes a value.
 #include "tools/vell/ParameterText.h"
 
+#include <vell/IParameterTable.h>
+#include <vell/Parameters.h>
+
 #include "transitions/ConditionDefBool.h"
 #include "transitions/ConditionDefInteger.h"
 #include "transitions/ConditionDefMessage.h"
 #include "transitions/ConditionFloatDef.h"
-
-#include <vell/IParameterTable.h>
-#include <vell/Parameters.h>
 
 #include <algorithm>
 #include <charconv>

@@ -2,9 +2,9 @@
 // tools/vell/Report.cpp: the lines, for people and for programs.
 #include "tools/vell/Report.h"
 
-#include "tools/vell/ObservedMachine.h"
-
 #include <vell/TransitionDef.h>
+
+#include "tools/vell/ObservedMachine.h"
 
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>

@@ -2,12 +2,12 @@
 // tools/vell/Runner.cpp: instructions, expectations and the reporting of ticks.
 #include "tools/vell/Runner.h"
 
-#include "definitions/NodeDefTable.h"
-#include "tools/vell/ParameterText.h"
-
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
 #include <vell/TransitionDef.h>
+
+#include "definitions/NodeDefTable.h"
+#include "tools/vell/ParameterText.h"
 
 #include <ostream>
 

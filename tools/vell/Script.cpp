@@ -2,8 +2,8 @@
 // tools/vell/Script.cpp: from the text of a script to its instructions.
 #include "tools/vell/Script.h"
 
-#include <charconv>
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 #include <fstream>
 #include <iostream>

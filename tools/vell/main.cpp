@@ -2,12 +2,11 @@
 // tools/vell/main.cpp: the command `vell`.
 #include "tools/vell/CommandLine.h"
 
-#include <unistd.h>
-
 #include <exception>
 #include <iostream>
 #include <ostream>
 #include <streambuf>
+#include <unistd.h>
 
 namespace
 {
