@@ -200,7 +200,7 @@ int AttribBase::StopListeningToValue()
     const Tessel::KVListener listener{this, Forward};
     // Required: this succeeds for any handle, even of a closed table.
     kvTable->RemoveValueListener(kValueKey, &listener);
-    listening.Stop();
+    listening.StopAfter(kvTable);
     return 1;
 }
 

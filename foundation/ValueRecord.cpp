@@ -33,4 +33,13 @@ void ValueRecord::Stop()
     record = nullptr;
 }
 
+void ValueRecord::StopAfter(const Tessel::KVTable& table)
+{
+    if (listened == table)
+    {
+        record = nullptr;
+    }
+    Stop();
+}
+
 } // namespace vell

@@ -145,7 +145,7 @@ int ParameterDef::UnInitKVTableListener()
         const Tessel::KVListener listener{this, Forward};
         TableLock lock(kvTable);
         kvTable->RemoveValueListener(kValueKey, &listener);
-        listening.Stop();
+        listening.StopAfter(kvTable);
     }
     return 1;
 }

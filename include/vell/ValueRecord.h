@@ -28,8 +28,11 @@ public:
     /// listens to `table` by another record already.
     void Fill(Tessel::KVTable table, Tessel::KVListener* given, const Tessel::KVListener& own);
 
-    /// Removes the record from its table, if the object listens and it is still there.
+    /// Removes the record from the table, if the object listens.
     void Stop();
+
+    /// As `Stop`, when the record is removed from `table` already.
+    void StopAfter(const Tessel::KVTable& table);
 
 private:
     Tessel::KVTable listened;
