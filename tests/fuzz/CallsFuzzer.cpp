@@ -1,7 +1,8 @@
 // VELL: data-driven hierarchical state machines.
 // tests/fuzz/CallsFuzzer.cpp: a host's calls on a good machine, also from inside of its own calls.
-#include <vell/vell.h>
-
+#include "tests/callbacks/Cast.h"
+#include "tests/callbacks/Operations.h"
+#include "tests/callbacks/Scene.h"
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/MachineRun.h"
 #include "tests/fuzz/TreeWrites.h"
@@ -11,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 namespace vell::fuzz
@@ -19,133 +21,112 @@ namespace
 {
 
 using namespace DURMBaseLib;
+using namespace vell::callbacks;
 using namespace vell::test;
 
-const std::array<const char*, 6> kParameters = {"go", "hit", "count", "speed", "stick", "shout"};
-const std::array<unsigned int, 10> kNodes = {10, 11, 12, 20, 21, 22, 23, 50, 70, 100};
-const std::array<unsigned int, 7> kStates = {10, 11, 12, 20, 22, 23, 70};
+const std::array<const char*, 6> kParameters = {"lit", "hit", "cue", "speed", "stick", "shout"};
+const std::array<unsigned int, 10> kNodes = {kIdle,  kWalk,   kFlinch, kCombat, kOut,
+                                             kGuard, kGlobal, kOver,   kCamera, kGo};
+const std::array<unsigned int, 8> kStates = {kIdle, kWalk,  kFlinch, kCombat,
+                                             kOut,  kGuard, kOver,   kCamera};
 constexpr int kDeepest = 3;
 constexpr unsigned int kMostActions = 200;
-
-/// A start state with an attribute of each class, a level, a global node whose blip ends, and
-/// transitions on parameters of each class.
-std::string GoodDocument()
-{
-    DocumentBuilder document;
-    document.Start(10)
-        .Parameter(BoolParameter("go", false))
-        .Parameter(BoolParameter("hit", false).Set(JSON_ParameterResetEachFrame, true))
-        .Parameter(IntParameter("count", 0))
-        .Parameter(FloatParameter("speed", 0.5))
-        .Parameter(VectorParameter(PARAM_Float2, "stick", "3,4"))
-        .Parameter(MessageParameter("shout", "hey").Set(JSON_ParameterResetEachFrame, true))
-        .Node(Generic("Idle", 10, {100, 101, 102})
-                  .Set(JSON_ScriptName, "idle.script")
-                  .Set(JSON_Attributes, Json::Array({Attribute("surface", "QString", "stone"),
-                                                     Attribute("steps", "int", -4),
-                                                     Attribute("length", "double", 0.75),
-                                                     Attribute("offset", "QVector2D", "1,-2"),
-                                                     Attribute("pivot", "QVector3D", "1,2,3"),
-                                                     Attribute("tint", "QVector4D", "0,0,1,1"),
-                                                     Attribute("loud", "bool", true)})))
-        .Node(Clip("Walk", 11, "walk.anim", {103}))
-        .Node(Clip("Flinch", 12, "flinch.anim", {105}))
-        .Node(Exit("Over", 70))
-        .Node(Transition("Go", 100, 10, 11, {BoolCondition("go", true)}))
-        .Node(Transition("Fight", 101, 10, 20, {IntCondition("count", 3, 2)}))
-        .Node(Transition("Shout", 102, 10, 11, {MessageCondition("shout", "hey")}))
-        .Node(Transition("Back", 103, 11, 10, {FloatCondition("speed", 5, 0.0)}))
-        .Node(Transition("Recover", 105, 12, 70, {FloatCondition("speed", 3, 1.0)}))
-        .Node(Substate("Combat", 20, 21, 22))
-        .Node(Enter("In", 21, 23, 20))
-        .Node(Exit("Out", 22, 20))
-        .Node(Generic("Guard", 23, {104}, 20))
-        .Node(Transition("Leave", 104, 23, 22, {BoolCondition("go", true)}))
-        .GlobalNode(Global("Anywhere", 50, {500}))
-        .GlobalNode(Transition("Hit", 500, 50, 12, {BoolCondition("hit", true)}));
-    // Little, because a sanitizer marks every byte of it.
-    document.Head().Set(JSON_HeadMemory, 300);
-    return document.Text();
-}
 
 /// Documents whose machine does not load, at several steps.
 const std::array<const char*, 4> kBadDocuments = {"", "{", "{}", "[1,2]"};
 
-class FuzzListener : public IBroadcastListener
-{
-public:
-    int OnBroadcastEvent(int event, const void* record) override;
-};
-
-class FuzzAction : public Action
-{
-public:
-    FuzzAction();
-    ~FuzzAction() override;
-    int Perform(__ActType__ type, float timeStep) override;
-};
-
 /// What the machine's callbacks reach: triggers and callbacks carry no pointer of the host's own.
 struct Host
 {
-    HSM* machine;
+    HostMachine* machine;
     Bytes* bytes;
     int depth;
-    unsigned int actionsAlive;
     bool initialised;
     bool down;
-    std::array<FuzzListener, 4> listeners;
-    Action registered;
+    bool released; ///< a load that failed released definitions, whose later actions nobody deletes
+    std::array<HostListener, 4> listeners;
 };
 
 Host* host = nullptr;
 
-void Meddle();
-
-FuzzAction::FuzzAction()
+/// Sets a field while it lives, also when an operation throws what a tick may throw.
+template <class Value>
+class While
 {
-    ++host->actionsAlive;
+public:
+    While(Value& keptField, Value meanwhile) : field(keptField), before(keptField)
+    {
+        field = meanwhile;
+    }
+    ~While()
+    {
+        field = before;
+    }
+    While(const While&) = delete;
+    While& operator=(const While&) = delete;
+
+private:
+    Value& field;
+    const Value before;
+};
+
+void Meddle(const Hand& hand);
+
+Hand HandOfHost()
+{
+    Hand hand;
+    hand.machine = host->machine;
+    return hand;
 }
 
-FuzzAction::~FuzzAction()
+Action* NewAction()
 {
-    --host->actionsAlive;
+    return new HostAction("fuzzed action");
 }
 
-int FuzzAction::Perform(__ActType__, float)
+/// None during `Uninit`: a definition that is released already deletes no action that it gets then.
+bool MayAddActions()
 {
-    Meddle();
-    return 1;
-}
-
-int FuzzListener::OnBroadcastEvent(int, const void*)
-{
-    Meddle();
-    return 0;
+    return !host->down && LivingActions().size() < kMostActions;
 }
 
 bool MeddlingTrigger(IHSM*, SMState* state)
 {
     Require(state == nullptr, "a trigger gets no state");
-    Meddle();
+    Meddle(HandOfHost());
     return host->bytes->Below(2) == 1;
 }
 
 void MeddlingSwitch(HSM*, SMState*, SMState* next, float)
 {
     Require(next != nullptr, "a state is activated");
-    Meddle();
+    Hand hand = HandOfHost();
+    hand.state = next;
+    Meddle(hand);
 }
 
-int MeddlingTableListener(void*, Tessel::opResult, Tessel::KVTable, const char*)
+int MeddlingTableListener(void*, Tessel::opResult, Tessel::KVTable table, const char* key)
 {
-    Meddle();
+    Hand hand = HandOfHost();
+    hand.table = table;
+    hand.key = key;
+    Meddle(hand);
     return 0;
 }
 
-Action* MakeDefaultAction(const char*)
+Action* MakeFuzzedAction(const char*)
 {
-    return host->actionsAlive < kMostActions ? new FuzzAction : nullptr;
+    return MayAddActions() ? NewAction() : nullptr;
+}
+
+/// What the classes of the cast and the log callback tell.
+void Hear(const std::string& callback, const Hand& hand)
+{
+    if (host != nullptr && host->machine == hand.machine)
+    {
+        host->released |= callback == "host definition's Uninit";
+        Meddle(hand);
+    }
 }
 
 void ChangeListeners(Bytes& bytes)
@@ -178,7 +159,7 @@ void ChangeListeners(Bytes& bytes)
 
 void WriteParameter(Bytes& bytes)
 {
-    HSM& machine = *host->machine;
+    HostMachine& machine = *host->machine;
     IParameterTable* table = machine.GetParameterTable();
     const char* name = kParameters[bytes.Below(6)];
     ParameterDef* parameter = table == nullptr ? nullptr : table->FindParameter(name);
@@ -231,20 +212,20 @@ IBaseDef* PickDef(Bytes& bytes)
 void AddAction(Bytes& bytes)
 {
     IBaseDef* def = PickDef(bytes);
-    if (def == nullptr || host->actionsAlive >= kMostActions)
+    if (def == nullptr || !MayAddActions())
     {
         return;
     }
     switch (bytes.Below(4))
     {
     case 0:
-        def->RegisterEnter(new FuzzAction);
+        def->RegisterEnter(NewAction());
         break;
     case 1:
-        def->RegisterExit(new FuzzAction);
+        def->RegisterExit(NewAction());
         break;
     case 2:
-        def->RegisterExecute(new FuzzAction);
+        def->RegisterExecute(NewAction());
         break;
     default:
         def->RegisterExecute(nullptr);
@@ -312,7 +293,7 @@ void UseAttributes(Bytes& bytes)
 {
     static const std::array<const char*, 8> names = {"surface", "steps", "length", "offset",
                                                      "pivot",   "tint",  "loud",   "none"};
-    HSM& machine = *host->machine;
+    HostMachine& machine = *host->machine;
     const char* name = names[bytes.Below(8)];
     const char* text = nullptr;
     machine.GetAttributeValue(name, &text);
@@ -337,7 +318,7 @@ void UseAttributes(Bytes& bytes)
 
 void AskAround(Bytes& bytes)
 {
-    HSM& machine = *host->machine;
+    HostMachine& machine = *host->machine;
     machine.FindParameterByName(bytes.Below(2) == 0 ? nullptr : "go");
     machine.FindAction(bytes.Byte());
     machine.GetMDLAsset();
@@ -383,11 +364,25 @@ void ListenToTree(Bytes& bytes)
     }
 }
 
-/// One call that a host may make at any time, also while the machine calls it.
-void CallAnywhere(Bytes& bytes)
+/// One of the operations that run inside of every callback in tests/callbacks/.
+void RunOperation(Bytes& bytes, const Hand& hand)
 {
-    HSM& machine = *host->machine;
-    switch (bytes.Below(12))
+    const std::size_t choice = bytes.Byte() << 8 | bytes.Byte();
+    const Operation& operation = Operations()[choice % Operations().size()];
+    // What is left to the host would be a leak here.
+    if (!operation.leaves && FindImpossible("", operation.name) == nullptr && !host->down &&
+        MayAddActions())
+    {
+        Hand own = hand;
+        operation.run(own);
+    }
+}
+
+/// One call that a host may make at any time, also while the machine calls it.
+void CallAnywhere(Bytes& bytes, const Hand& hand)
+{
+    HostMachine& machine = *host->machine;
+    switch (bytes.Below(16))
     {
     case 0:
         ChangeListeners(bytes);
@@ -418,24 +413,26 @@ void CallAnywhere(Bytes& bytes)
         machine.FireEvent(static_cast<__HSMEventType__>(bytes.Below(8)), nullptr);
         break;
     case 10:
-        machine.RegisterAction(bytes.Below(2) == 0 ? nullptr : &host->registered);
+        machine.RegisterAction(bytes.Below(2) == 0 ? nullptr : &CurrentCast()->registered);
         machine.SetStateSwitchCallback(bytes.Below(2) == 0 ? nullptr : &MeddlingSwitch);
         break;
-    default:
+    case 11:
         machine.BindParamCond();
+        break;
+    default:
+        RunOperation(bytes, hand);
         break;
     }
 }
 
-void Meddle()
+void Meddle(const Hand& hand)
 {
     if (host->depth >= kDeepest || host->bytes->Empty())
     {
         return;
     }
-    ++host->depth;
-    CallAnywhere(*host->bytes);
-    --host->depth;
+    const While<int> depth(host->depth, host->depth + 1);
+    CallAnywhere(*host->bytes, hand);
 }
 
 BaseDef* MakeNoDefinition(const GenericValue&, HSMAlloc*)
@@ -452,7 +449,7 @@ void RegisterBuilder(Bytes& bytes)
 
 void RestoreContext(Bytes& bytes)
 {
-    HSM& machine = *host->machine;
+    HostMachine& machine = *host->machine;
     const Tessel::KVTable root = machine.GetKVTable();
     switch (bytes.Below(3))
     {
@@ -471,11 +468,11 @@ void RestoreContext(Bytes& bytes)
 /// One call that a host makes between ticks alone.
 void CallBetweenTicks(Bytes& bytes)
 {
-    HSM& machine = *host->machine;
+    HostMachine& machine = *host->machine;
     switch (bytes.Below(14))
     {
     case 0:
-        machine.PushState(kStates[bytes.Below(7)]);
+        machine.PushState(kStates[bytes.Below(8)]);
         break;
     case 1:
         machine.PushState(bytes.Below(2) == 0 ? 0u : 999u);
@@ -506,7 +503,7 @@ void CallBetweenTicks(Bytes& bytes)
                               bytes.Below(5) == 0 ? nullptr : &MeddlingTrigger);
         break;
     case 10:
-        machine.AssignDefaultAction(bytes.Below(4) == 0 ? nullptr : &MakeDefaultAction);
+        machine.AssignDefaultAction(bytes.Below(4) == 0 ? nullptr : &MakeFuzzedAction);
         break;
     case 11:
         WriteIntoTree(machine.GetKVTable(), bytes);
@@ -520,12 +517,42 @@ void CallBetweenTicks(Bytes& bytes)
     }
 }
 
-void Play(Bytes& bytes)
+/// Runs `function`, which std::out_of_range may end: a stack is shorter than its walk, which an
+/// operation in a callback may bring about.
+template <class Function>
+void Survive(Function function)
 {
-    const unsigned int beforeInit = bytes.Below(4);
-    for (unsigned int i = 0; i < beforeInit; ++i)
+    try
     {
+        function();
+    }
+    catch (const std::out_of_range&)
+    {
+    }
+}
+
+/// One decision of the host between the ticks.
+void PlayOnce(Bytes& bytes)
+{
+    switch (bytes.Below(3))
+    {
+    case 0:
+        CallAnywhere(bytes, HandOfHost());
+        break;
+    case 1:
         CallBetweenTicks(bytes);
+        break;
+    default:
+        Tick(*host->machine, 0.1f);
+        break;
+    }
+}
+
+void Begin(Bytes& bytes)
+{
+    for (unsigned int beforeInit = bytes.Below(4); beforeInit != 0; --beforeInit)
+    {
+        PlayOnce(bytes);
     }
     for (unsigned int inits = bytes.Below(16) == 0 ? bytes.Below(3) : 1; inits != 0; --inits)
     {
@@ -535,21 +562,23 @@ void Play(Bytes& bytes)
     {
         host->machine->Start();
     }
+}
+
+void Play(Bytes& bytes)
+{
+    host->machine->RegisterNodeDef(kHostBuilder, &HostDef::Create);
+    Survive(
+        [&bytes]
+        {
+            Begin(bytes);
+        });
     while (!bytes.Empty())
     {
-        const unsigned int choice = bytes.Below(3);
-        if (choice == 0)
-        {
-            CallAnywhere(bytes);
-        }
-        else if (choice == 1)
-        {
-            CallBetweenTicks(bytes);
-        }
-        else
-        {
-            Tick(*host->machine, 0.1f);
-        }
+        Survive(
+            [&bytes]
+            {
+                PlayOnce(bytes);
+            });
     }
 }
 
@@ -559,28 +588,35 @@ void Play(Bytes& bytes)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     using namespace vell::fuzz;
-    static const std::string goodDocument = GoodDocument();
+    using vell::callbacks::Cast;
+    using vell::callbacks::HostMachine;
     Bytes bytes(data, size);
     const unsigned int choice = bytes.Byte();
-    const char* document = choice >= 250 ? kBadDocuments[choice % 4] : goodDocument.c_str();
+    const char* document =
+        choice >= 250 ? kBadDocuments[choice % 4] : vell::callbacks::SceneDocument();
     Host player = {};
     player.bytes = &bytes;
-    host = &player;
     {
-        const std::unique_ptr<vell::HSM> machine(new vell::HSM(document));
+        Cast cast;
+        const std::unique_ptr<HostMachine> machine(new HostMachine(document));
         player.machine = machine.get();
+        host = &player;
+        vell::callbacks::SetWatcher(&Hear);
         Play(bytes);
+        const bool released = player.released;
         player.down = true;
         player.depth = kDeepest;
+        cast.UninitOwn();
         machine->Uninit();
         if (size % 2 == 1)
         {
             machine->Uninit();
         }
         machine->Destroy();
+        Require(released || vell::callbacks::LivingActions().empty(),
+                "the definitions delete their actions");
+        host = nullptr;
     }
-    Require(player.actionsAlive == 0, "the definitions delete their actions");
     Require(Tessel::GetOpenTableCount() == 0, "a deleted machine leaves no table");
-    host = nullptr;
     return 0;
 }
