@@ -3,7 +3,7 @@
 #include <vell/Action.h>
 #include <vell/BaseDef.h>
 
-#include "definitions/ActionWalk.h"
+#include "definitions/ActionIterator.h"
 #include "definitions/BaseDefInternals.h"
 #include "foundation/Checks.h"
 
@@ -37,7 +37,7 @@ void BaseDef::Append(Action** head, unsigned int* count, Action* action)
     action->SetOwner(this);
     AddTail(head, action);
     ++*count;
-    ActionWalk::Reach(head, action);
+    ActionIterator::Reach(head, action);
 }
 
 Action* BaseDef::GetActions()
@@ -90,7 +90,7 @@ int BaseDef::RemoveAction(Action* action)
                 action->next->prev = action->prev;
             }
         }
-        ActionWalk::StepOver(action);
+        ActionIterator::StepOver(action);
         --numExecute;
         Internals::CountChange(*this);
         delete action;
@@ -139,7 +139,7 @@ int BaseDef::DestroyActions(Action** head)
     while (Action* action = *head)
     {
         *head = action->next;
-        ActionWalk::End(action);
+        ActionIterator::End(action);
         delete action;
     }
     return 1;

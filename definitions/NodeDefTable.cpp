@@ -207,15 +207,15 @@ BaseDef* NodeDefTable::FindByName(const char* name) const
 
 BaseDef* NodeDefTable::FindFirst(unsigned int mask)
 {
-    return WalkFrom(nodes.begin(), mask);
+    return NextFrom(nodes.begin(), mask);
 }
 
 BaseDef* NodeDefTable::FindNext(unsigned int mask)
 {
-    return WalkFrom(cursor, mask);
+    return NextFrom(cursor, mask);
 }
 
-BaseDef* NodeDefTable::WalkFrom(NodeMap::iterator position, unsigned int mask)
+BaseDef* NodeDefTable::NextFrom(NodeMap::iterator position, unsigned int mask)
 {
     const unsigned int before = timesCleared;
     for (; position != nodes.end(); ++position)

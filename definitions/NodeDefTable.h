@@ -63,8 +63,8 @@ public:
     BaseDef* Find(unsigned int id) const;
     /// Gives the definition with this name and the lowest id, or null.
     BaseDef* FindByName(const char* name) const;
-    /// Walks the definitions whose flags meet `mask`, in ascending id. Null at the end. There is
-    /// one cursor.
+    /// Iterates over the definitions whose flags meet `mask`, in ascending id. Null at the end.
+    /// There is one cursor.
     BaseDef* FindFirst(unsigned int mask);
     BaseDef* FindNext(unsigned int mask);
 
@@ -105,7 +105,7 @@ public:
 private:
     void ImportIdentity(const GenericValue& head);
     void PrintHead(const GenericValue& head, unsigned int substateRoot) const;
-    BaseDef* WalkFrom(NodeMap::iterator position, unsigned int mask);
+    BaseDef* NextFrom(NodeMap::iterator position, unsigned int mask);
     void ClearNodes();
 
     ArenaLink arenaLink;

@@ -26,7 +26,7 @@ const GenericValue* FindMember(const GenericValue& object, const char* member);
 const GenericValue& GetMember(const GenericValue& object, __JSONTYPES__ member);
 const GenericValue& GetMember(const GenericValue& object, const char* member);
 
-/// The members of one object, found by name in one walk over them: for reading many. Of two members
+/// The members of one object, found by name in one pass over them: for reading many. Of two members
 /// of one name the first counts, as above. The object must outlive this.
 class Members
 {

@@ -53,7 +53,7 @@ void HSMAlloc::Release()
 
 void* HSMAlloc::AllocRaw(unsigned int size)
 {
-    if (size == 0 || !HasRoom(size))
+    if (size == 0 || !HasSpace(size))
     {
         return nullptr;
     }
@@ -69,7 +69,7 @@ void* HSMAlloc::AllocRaw(unsigned int size)
 
 void HSMAlloc::CloseLater(Tessel::KVTable table)
 {
-    MakeRoomToKeep();
+    ReserveKept();
     kept.push_back(Kept{TableToPointer(table), TableDuty()});
 }
 
@@ -79,13 +79,13 @@ void HSMAlloc::KeepMore()
     kept.reserve(kept.size() + kept.size() / 4 + 64);
 }
 
-void HSMAlloc::Room::GiveBack()
+void HSMAlloc::Reservation::GiveBack()
 {
     if (arena.kept.size() == entry + 1)
     {
         arena.kept.pop_back();
     }
-    // What the constructor has allocated lives on, and so does the room in front of it.
+    // What the constructor has allocated lives on, and so does the space in front of it.
     if (arena.used == end)
     {
         arena.used = start;

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// idle/IdleCache.cpp: learning what a level would do.
+// idle/IdleCache.cpp: learning what a state would do in a tick.
 #include "idle/IdleCache.h"
 
 #include <vell/ConditionDef.h>
@@ -47,10 +47,10 @@ bool HasOwnActions(const BaseDef& def)
 
 } // namespace
 
-/// Takes new room, without what was in the old, when there is not room for `count`. Returns whether
-/// it did; where there is no memory the room stays as it was.
+/// Allocates space for `count` elements when there is less, without keeping the old ones. Returns
+/// whether it did; when memory is short the old space stays.
 template <class T, std::size_t Own>
-bool IdleCache::Room<T, Own>::Grow(std::size_t count)
+bool IdleCache::SmallBuffer<T, Own>::Grow(std::size_t count)
 {
     if (count <= capacity)
     {
@@ -100,7 +100,7 @@ void IdleCache::Follow(SMState& state, const HSMAlloc& arena)
 void IdleCache::Forget()
 {
     revision.Raise();
-    levelsNeeded = 1;
+    entriesNeeded = 1;
     boundsNeeded = 0;
     settled = nullptr;
 }
@@ -120,23 +120,23 @@ void IdleCache::ShowRecord(const UpdateResult& result, const SMState* state)
     record = 0;
 }
 
-/// Makes room for one more level with `conditionCount` conditions.
+/// Makes space for one more entry with `conditionCount` conditions.
 void IdleCache::Reserve(std::size_t conditionCount)
 {
-    ++levelsNeeded;
+    ++entriesNeeded;
     boundsNeeded += conditionCount;
-    const bool areLevelsNew = levels.Grow(levelsNeeded + 1);
+    const bool areEntriesNew = entries.Grow(entriesNeeded + 1);
     const bool areBoundsNew = bounds.Grow(boundsNeeded);
-    if (areLevelsNew || areBoundsNew)
+    if (areEntriesNew || areBoundsNew)
     {
-        levelCount = 0;
+        entryCount = 0;
     }
 }
 
 void IdleCache::Learn(const HSM* machine, const SMState* globalState,
-                      const std::vector<SMState*>& stack, std::size_t quietLevels)
+                      const std::vector<SMState*>& stack, std::size_t quietStates)
 {
-    const std::size_t count = std::min(quietLevels, stack.size());
+    const std::size_t count = std::min(quietStates, stack.size());
     const SMState* highest = count == 0 ? globalState : stack[count - 1];
     if (settled != highest)
     {
@@ -147,18 +147,18 @@ void IdleCache::Learn(const HSM* machine, const SMState* globalState,
     }
     if (madeAt != revision.number)
     {
-        levelCount = 0;
+        entryCount = 0;
         madeAt = revision.number;
     }
-    levels.begin->textEnd = bounds.begin;
+    entries.begin->textEnd = bounds.begin;
     for (std::size_t i = 0; i <= count; ++i)
     {
-        const SMState* state = i == kGlobalLevel ? globalState : stack[i - 1];
-        if (i < levelCount && levels.begin[i + 1].state == state)
+        const SMState* state = i == kGlobalEntry ? globalState : stack[i - 1];
+        if (i < entryCount && entries.begin[i + 1].state == state)
         {
             continue;
         }
-        levelCount = std::min(levelCount, static_cast<unsigned int>(i));
+        entryCount = std::min(entryCount, static_cast<unsigned int>(i));
         if (!Add(machine, state))
         {
             return;
@@ -166,31 +166,31 @@ void IdleCache::Learn(const HSM* machine, const SMState* globalState,
     }
 }
 
-/// Returns false when there is no room for more.
+/// Returns false when there is no space left.
 bool IdleCache::Add(const HSM* machine, const SMState* state)
 {
-    if (levelCount + 2 > levels.capacity)
+    if (entryCount + 2 > entries.capacity)
     {
         return false;
     }
-    ConditionBounds* const first = levels.begin[levelCount].textEnd;
-    Level level{state, nullptr, first, first, first, state != nullptr, true};
+    ConditionBounds* const first = entries.begin[entryCount].textEnd;
+    Entry entry{state, nullptr, first, first, first, state != nullptr, true};
     if (state != nullptr && IsKnown(machine, *state))
     {
         const std::type_info& type = typeid(*state);
-        level.substate =
+        entry.substate =
             type == typeid(SubstateState) ? static_cast<const SubstateState*>(state) : nullptr;
-        level.acts = type == typeid(ExitState) || state->GetDef()->GetActions() != nullptr;
-        level.asks = false;
+        entry.acts = type == typeid(ExitState) || state->GetDef()->GetActions() != nullptr;
+        entry.asks = false;
         for (const TransitionDef* transition : SMState::Internals::GetTransitions(*state))
         {
-            if (transition != nullptr && !AddTransition(*transition, &level))
+            if (transition != nullptr && !AddTransition(*transition, &entry))
             {
                 return false;
             }
         }
     }
-    levels.begin[++levelCount] = level;
+    entries.begin[++entryCount] = entry;
     return true;
 }
 
@@ -203,12 +203,12 @@ bool IdleCache::IsKnown(const HSM* machine, const SMState& state) const
            BaseDef::Internals::IsFollowed(*def, &revision);
 }
 
-/// Returns false when there is no room for more.
-bool IdleCache::AddTransition(const TransitionDef& transition, Level* level)
+/// Returns false when there is no space left.
+bool IdleCache::AddTransition(const TransitionDef& transition, Entry* entry)
 {
     if (!transition.triggers.empty() || !BaseDef::Internals::IsFollowed(transition, &revision))
     {
-        level->asks = true;
+        entry->asks = true;
         return true;
     }
     for (const ConditionDef* condition : transition.conditions)
@@ -216,7 +216,7 @@ bool IdleCache::AddTransition(const TransitionDef& transition, Level* level)
         ConditionBounds found;
         const ConditionBounds::Kind kind =
             condition == nullptr ? ConditionBounds::Never : FindBounds(*condition, &found);
-        if (!AddBounds(kind, found, level))
+        if (!AddBounds(kind, found, entry))
         {
             return false;
         }
@@ -224,29 +224,29 @@ bool IdleCache::AddTransition(const TransitionDef& transition, Level* level)
     return true;
 }
 
-/// Puts bounds behind those of their kind. Returns false when there is no room for more.
-bool IdleCache::AddBounds(ConditionBounds::Kind kind, const ConditionBounds& found, Level* level)
+/// Puts bounds behind those of their kind. Returns false when there is no space left.
+bool IdleCache::AddBounds(ConditionBounds::Kind kind, const ConditionBounds& found, Entry* entry)
 {
     if (kind == ConditionBounds::Never || kind == ConditionBounds::Unknown)
     {
-        level->asks = level->asks || kind == ConditionBounds::Unknown;
+        entry->asks = entry->asks || kind == ConditionBounds::Unknown;
         return true;
     }
-    if (level->textEnd == bounds.begin + bounds.capacity)
+    if (entry->textEnd == bounds.begin + bounds.capacity)
     {
         return false;
     }
     // The first of each later kind moves to the end of its kind.
-    ConditionBounds* place = level->textEnd++;
+    ConditionBounds* place = entry->textEnd++;
     if (kind != ConditionBounds::Text)
     {
-        *place = *level->integerEnd;
-        place = level->integerEnd++;
+        *place = *entry->integerEnd;
+        place = entry->integerEnd++;
     }
     if (kind == ConditionBounds::Float)
     {
-        *place = *level->floatEnd;
-        place = level->floatEnd++;
+        *place = *entry->floatEnd;
+        place = entry->floatEnd++;
     }
     *place = found;
     return true;

@@ -22,11 +22,11 @@ struct UpdateResult;
 /// The shortcut of the tick. This folder is all of it.
 ///
 /// *Contract.* Skipping is never observable: no host, log or tree can tell a machine with the cache
-/// from one without. A tick (machine/HSMTick.cpp) asks two questions about each level of the stack,
-/// `MustUpdate` and `MustTest`. "No" means that the level would do nothing: no action performs, no
+/// from one without. A tick (machine/HSMTick.cpp) asks two questions about each state of the stack,
+/// `MustUpdate` and `MustTest`. "No" means that the state would do nothing: no action performs, no
 /// trigger is called, no condition holds. "Yes" is always a right answer.
 ///
-/// *What is known of a level.* Whether its state has anything to do by itself, and the bounds of
+/// *What is known of a state.* Whether it has anything to do by itself, and the bounds of
 /// all conditions of its transitions, side by side (ConditionBounds). Only states of the library's
 /// own classes are known, of definitions of its own classes, with transitions that have no trigger.
 /// All others are updated and tested in full at every tick.
@@ -53,11 +53,11 @@ struct UpdateResult;
 /// *When you add a field that a tick reads:* read it at every tick here, or raise the revision
 /// where it is written.
 ///
-/// *Memory.* A tick allocates nothing: `Follow` makes room when a state is activated. Where there
-/// is none, levels stay unknown.
+/// *Memory.* A tick allocates nothing: `Follow` reserves space when a state is activated. Where
+/// memory is short, states stay unknown.
 class IdleCache
 {
-    struct Level;
+    struct Entry;
 
 public:
     class Tick;
@@ -67,7 +67,8 @@ public:
     IdleCache& operator=(const IdleCache&) = delete;
 
     /// Takes in a state that was activated: lets it, its definition and its transitions raise the
-    /// revision, as far as they are the library's own and in `arena`, and makes room for its level.
+    /// revision, as far as they are the library's own and in `arena`, and reserves space for its
+    /// entry.
     void Follow(SMState& state, const HSMAlloc& arena);
 
     /// Forgets the states that were taken in: the machine's arena goes.
@@ -82,10 +83,10 @@ public:
     Revision revision; ///< raised by whatever may give a tick more to do
 
 private:
-    /// The global state's level comes first, then those of the stack from the bottom.
-    static constexpr std::size_t kGlobalLevel = 0;
+    /// The global state's entry comes first, then those of the stack from the bottom.
+    static constexpr std::size_t kGlobalEntry = 0;
 
-    struct Level
+    struct Entry
     {
         bool IsChildDue() const
         {
@@ -94,16 +95,16 @@ private:
 
         const SMState* state;          ///< null when nothing is known
         const SubstateState* substate; ///< `state` as a substate, or null
-        ConditionBounds* floatEnd;   ///< end of its bounds of floats; they follow the level before
+        ConditionBounds* floatEnd;   ///< end of its bounds of floats; they follow the entry before
         ConditionBounds* integerEnd; ///< end of those of integers
         ConditionBounds* textEnd;    ///< end of those of texts
         bool acts;                   ///< the state is to be updated
         bool asks;                   ///< its transitions are to be tested, whatever the bounds say
     };
 
-    /// Room for `Own` elements beside the cache's other data, and for more on the heap.
+    /// Space for `Own` elements beside the cache's other data, and for more on the heap.
     template <class T, std::size_t Own>
-    struct Room
+    struct SmallBuffer
     {
         bool Grow(std::size_t count);
 
@@ -113,32 +114,32 @@ private:
         T own[Own] = {};
     };
 
-    const Level* Find(std::size_t index, const SMState* state) const
+    const Entry* Find(std::size_t index, const SMState* state) const
     {
-        const Level* level = levels.begin + 1 + index;
-        const bool isKnown = index < levelCount && madeAt == revision.number;
-        return isKnown && level->state == state ? level : nullptr;
+        const Entry* entry = entries.begin + 1 + index;
+        const bool isKnown = index < entryCount && madeAt == revision.number;
+        return isKnown && entry->state == state ? entry : nullptr;
     }
-    static bool Accepts(const Level& level);
+    static bool Accepts(const Entry& entry);
 
     void Reserve(std::size_t conditionCount);
     void ShowRecord(const UpdateResult& result, const SMState* state);
     void Learn(const HSM* machine, const SMState* globalState, const std::vector<SMState*>& stack,
-               std::size_t quietLevels);
+               std::size_t quietStates);
     bool IsKnown(const HSM* machine, const SMState& state) const;
     bool Add(const HSM* machine, const SMState* state);
-    bool AddTransition(const TransitionDef& transition, Level* level);
-    bool AddBounds(ConditionBounds::Kind kind, const ConditionBounds& bounds, Level* level);
+    bool AddTransition(const TransitionDef& transition, Entry* entry);
+    bool AddBounds(ConditionBounds::Kind kind, const ConditionBounds& bounds, Entry* entry);
 
     std::uintptr_t record =
         0; ///< address of the record of the tick that is under way, 0 once a host saw it
     const SMState* settled = nullptr; ///< the highest quiet state when last out of date
-    unsigned int madeAt = 0;          ///< the number that the levels were found at
-    unsigned int levelCount = 0;      ///< levels that are known
-    std::size_t levelsNeeded = 1;     ///< levels to have room for
-    std::size_t boundsNeeded = 0;     ///< bounds to have room for
-    Room<Level, 8> levels;            ///< behind an empty one
-    Room<ConditionBounds, 24> bounds;
+    unsigned int madeAt = 0;          ///< the revision that the entries were found at
+    unsigned int entryCount = 0;      ///< entries that are known
+    std::size_t entriesNeeded = 1;    ///< entries to have space for
+    std::size_t boundsNeeded = 0;     ///< bounds to have space for
+    SmallBuffer<Entry, 8> entries;    ///< behind an empty one
+    SmallBuffer<ConditionBounds, 24> bounds;
 };
 
 /// The questions of one tick. Index -1 is the global state, the others are those of the stack.
@@ -161,78 +162,78 @@ public:
     /// Tells whether `state` has to be updated. A null entry has nothing to update.
     bool MustUpdate(int index, const SMState* state)
     {
-        const Level* level = Find(index, state);
-        return level == nullptr ? state != nullptr : level->acts || level->IsChildDue();
+        const Entry* entry = Find(index, state);
+        return entry == nullptr ? state != nullptr : entry->acts || entry->IsChildDue();
     }
 
     /// Tells whether the transitions of `state` have to be tested.
     bool MustTest(int index, const SMState* state)
     {
-        const Level* level = Find(index, state);
-        if (level != nullptr && !level->asks)
+        const Entry* entry = Find(index, state);
+        if (entry != nullptr && !entry->asks)
         {
-            return cache.Accepts(*level);
+            return cache.Accepts(*entry);
         }
-        isUnknownMet = isUnknownMet || level == nullptr;
-        isGlobalUnknown = isGlobalUnknown || (level == nullptr && index < 0);
+        isUnknownMet = isUnknownMet || entry == nullptr;
+        isGlobalUnknown = isGlobalUnknown || (entry == nullptr && index < 0);
         cache.ShowRecord(*result, state);
         return true;
     }
 
-    /// Notes that the level at `index` has fired: what was above it is gone.
+    /// Notes that the state at `index` has fired: what was above it is gone.
     void Disturb(int index)
     {
-        quietLevels = static_cast<std::size_t>(index);
+        quietStates = static_cast<std::size_t>(index);
         isUnknownMet = isGlobalUnknown;
     }
 
-    /// Tells whether a level stayed quiet that was unknown.
+    /// Tells whether a state stayed quiet that was unknown.
     bool HasMetUnknown() const
     {
         return isUnknownMet;
     }
 
-    /// Learns the levels that stayed quiet: to be called at the end of the tick.
+    /// Learns the states that stayed quiet: to be called at the end of the tick.
     void Learn(const HSM* machine, const SMState* globalState, const std::vector<SMState*>* stack)
     {
         if (stack != nullptr)
         {
-            cache.Learn(machine, globalState, *stack, quietLevels);
+            cache.Learn(machine, globalState, *stack, quietStates);
         }
     }
 
 private:
-    const Level* Find(int index, const SMState* state) const
+    const Entry* Find(int index, const SMState* state) const
     {
         return cache.Find(static_cast<std::size_t>(index) + 1, state);
     }
 
     IdleCache& cache;
     const UpdateResult* result;                             ///< the tick's own record
-    std::size_t quietLevels = static_cast<std::size_t>(-1); ///< lowest levels that did not fire
+    std::size_t quietStates = static_cast<std::size_t>(-1); ///< lowest states that did not fire
     bool isUnknownMet = false;
     bool isGlobalUnknown = false;
 };
 
-inline bool IdleCache::Accepts(const Level& level)
+inline bool IdleCache::Accepts(const Entry& entry)
 {
-    // Its bounds begin where those of the level before it end; an empty level comes first.
-    const ConditionBounds* next = (&level)[-1].textEnd;
-    for (; next != level.floatEnd; ++next)
+    // Its bounds begin where those of the entry before it end; an empty entry comes first.
+    const ConditionBounds* next = (&entry)[-1].textEnd;
+    for (; next != entry.floatEnd; ++next)
     {
         if (next->AcceptFloat())
         {
             return true;
         }
     }
-    for (; next != level.integerEnd; ++next)
+    for (; next != entry.integerEnd; ++next)
     {
         if (next->AcceptInteger())
         {
             return true;
         }
     }
-    for (; next != level.textEnd; ++next)
+    for (; next != entry.textEnd; ++next)
     {
         if (next->AcceptText())
         {

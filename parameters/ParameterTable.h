@@ -7,7 +7,7 @@
 #include <vell/IParameterTable.h>
 #include <vell/Json.h>
 
-#include "parameters/ValueRoom.h"
+#include "parameters/ValueBlock.h"
 
 #include <cstring>
 #include <map>
@@ -113,7 +113,7 @@ private:
     /// a log line, and deletes it, when its id or name is taken.
     int Publish(std::unique_ptr<ParameterDef> owned);
 
-    ValueRoom values;           ///< of the document's first scalar parameters
+    ValueBlock values;          ///< of the document's first scalar parameters
     HSMAlloc* arena = nullptr;  ///< holds the document's parameters; null until Init
     ParameterList resetting;    ///< those that reset each frame, in ascending id order
     bool isTableClosed = false; ///< `table` keeps its handle

@@ -6,7 +6,7 @@
 #include <vell/TransitionDef.h>
 #include <vell/UpdateResult.h>
 
-#include "definitions/ActionWalk.h"
+#include "definitions/ActionIterator.h"
 #include "definitions/AnimClipDef.h"
 #include "definitions/BaseDefInternals.h"
 #include "foundation/Checks.h"
@@ -167,8 +167,8 @@ int SMState::PerformActions(__ActType__ type, float dt, Action* first)
     {
         return 1;
     }
-    ActionWalk walk(def, first);
-    while (Action* action = walk.TakeNext())
+    ActionIterator actions(def, first);
+    while (Action* action = actions.TakeNext())
     {
         action->Perform(type, dt);
     }

@@ -109,25 +109,25 @@ private:
     static const Duty* DutyOf();
 
     /// The space of one object while its constructor runs. Frees it if the constructor throws.
-    class Room
+    class Reservation
     {
     public:
-        Room(HSMAlloc& owner, unsigned int size)
+        Reservation(HSMAlloc& owner, unsigned int size)
             : arena(owner), start(owner.used), end(owner.used + size), entry(owner.kept.size())
         {
-            arena.MakeRoomToKeep();
+            arena.ReserveKept();
             arena.kept.push_back(Kept{nullptr, nullptr});
             arena.used = end;
         }
-        ~Room()
+        ~Reservation()
         {
             if (!isFilled)
             {
                 GiveBack();
             }
         }
-        Room(const Room&) = delete;
-        Room& operator=(const Room&) = delete;
+        Reservation(const Reservation&) = delete;
+        Reservation& operator=(const Reservation&) = delete;
 
         /// To be called when the object is constructed. `duty` is what to do about it at the end,
         /// or null.
@@ -164,11 +164,11 @@ private:
         const auto address = reinterpret_cast<std::uintptr_t>(block) + used;
         return static_cast<unsigned int>((alignment - address % alignment) % alignment);
     }
-    bool HasRoom(std::uint64_t size) const
+    bool HasSpace(std::uint64_t size) const
     {
         return block != nullptr && size <= capacity - used;
     }
-    void MakeRoomToKeep()
+    void ReserveKept()
     {
         if (kept.size() == kept.capacity())
         {
@@ -206,19 +206,19 @@ T* HSMAlloc::New()
 {
     const unsigned int padding = PaddingFor(alignof(T));
     constexpr auto kSize = static_cast<unsigned int>(sizeof(T));
-    if (!HasRoom(std::uint64_t{padding} + kSize))
+    if (!HasSpace(std::uint64_t{padding} + kSize))
     {
         return nullptr;
     }
     unsigned char* const address = block + used + padding;
-    Room room(*this, padding + kSize);
+    Reservation space(*this, padding + kSize);
     T* object = new (address) T();
-    room.Fill(object, DutyOf<T>());
+    space.Fill(object, DutyOf<T>());
     if constexpr (HasLink<T>::value)
     {
         ArenaLink& link = GetArenaLink(*object);
         link.arena = this;
-        link.entry = room.Entry();
+        link.entry = space.Entry();
     }
     // Required: an entry of an earlier block for the same address keeps its size.
     tracked.emplace_hint(tracked.end(), object, kSize);

@@ -53,7 +53,7 @@ void Entry::StoreText(const char* text, std::size_t length, std::unique_ptr<char
         SetKind(KindShortText);
         return;
     }
-    if (HasRoomForLongText(length))
+    if (FitsLongText(length))
     {
         char* held = Load<LongText>().text;
         std::memmove(held, text, length);
@@ -75,7 +75,7 @@ void Entry::ReleaseText()
     }
 }
 
-bool Entry::HasRoomForLongText(std::size_t length) const
+bool Entry::FitsLongText(std::size_t length) const
 {
     return GetKind() == KindLongText && length < Load<LongText>().capacity;
 }

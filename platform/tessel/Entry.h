@@ -97,7 +97,7 @@ public:
     void ReleaseText();
 
     /// Tells whether the entry holds a long text in whose place one of `length` fits.
-    bool HasRoomForLongText(std::size_t length) const;
+    bool FitsLongText(std::size_t length) const;
 
     /// Tells whether there is a long text or a table, which has to be released.
     bool IsOwner() const

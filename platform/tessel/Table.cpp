@@ -538,7 +538,7 @@ void Table::PutOver(Entry& entry, Entry::Kind kind, Value value)
 void Table::PutText(Entry* found, const char* key, const char* text, std::size_t length)
 {
     std::unique_ptr<char[]> buffer;
-    if (length > Entry::kMaxShortText && !(found != nullptr && found->HasRoomForLongText(length)))
+    if (length > Entry::kMaxShortText && !(found != nullptr && found->FitsLongText(length)))
     {
         buffer.reset(new char[length + 1]);
     }
@@ -562,8 +562,8 @@ inline bool Table::IsHeard() const
     return extras != nullptr && extras->listeners.IsAnyone();
 }
 
-/// Tells whether this table stands below `top`. A table without a parent stands below none, and
-/// below a table without children stands none, so the walk is for the rare case of two trees.
+/// Tells whether this table is below `top`. A table without a parent is below none, and
+/// nothing is below a table without children, so the loop is for the rare case of two trees.
 bool Table::IsBelow(Table& top)
 {
     if (GetLink() < kOneParent || (top.GetLink() & kMayHaveChildren) == 0)

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// definitions/ActionWalk.h: performing a list of actions that may change meanwhile.
+// definitions/ActionIterator.h: performing a list of actions that may change meanwhile.
 #pragma once
 
 namespace vell
@@ -12,25 +12,26 @@ class BaseDef;
 /// after the present one has performed, so an action that it links or registers behind itself is
 /// reached. An action may remove itself or any other, and may destroy the whole list.
 ///
-/// The walks of a thread that are under way are known here: whoever deletes an action says so
-/// first, and no walk reads it afterwards.
-class ActionWalk
+/// The iterations of a thread that are under way are known here: whoever deletes an action says so
+/// first, and none reads it afterwards.
+class ActionIterator
 {
 public:
     /// Begins at `first`, which may be null. `def` may be null; it tells whose list the chain is.
-    ActionWalk(BaseDef* def, Action* first);
-    ~ActionWalk();
-    ActionWalk(const ActionWalk&) = delete;
-    ActionWalk& operator=(const ActionWalk&) = delete;
+    ActionIterator(BaseDef* def, Action* first);
+    ~ActionIterator();
+    ActionIterator(const ActionIterator&) = delete;
+    ActionIterator& operator=(const ActionIterator&) = delete;
 
     /// Gives the action to perform, or null at the end.
     Action* TakeNext();
 
-    /// Lets the walks go on behind `removed`, which is off its list and about to be deleted.
+    /// Lets iterations continue behind `removed`, which is off its list and about to be deleted.
     static void StepOver(const Action* removed);
-    /// Ends the walks that are at `destroyed`, which is about to be deleted with its list.
+    /// Ends the iterations that are at `destroyed`, which is about to be deleted with its list.
     static void End(const Action* destroyed);
-    /// Lets walks that have run out of actions go on with `added`, the last of the list `head`.
+    /// Lets iterations that have run out of actions continue with `added`, the last of the list
+    /// `head`.
     static void Reach(Action** head, Action* added);
 
 private:
@@ -38,7 +39,7 @@ private:
     Action* current = nullptr;       ///< the one that performs; null when it was removed
     Action* next;                    ///< what follows when `current` does not tell
     const Action* removed = nullptr; ///< deleted, and `current` may still link to it
-    ActionWalk* outer;               ///< the walk that this one interrupts
+    ActionIterator* outer;           ///< the iteration that this one interrupts
 };
 
 } // namespace vell
