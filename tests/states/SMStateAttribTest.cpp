@@ -46,6 +46,25 @@ protected:
     SMState& state;
 };
 
+/// An attribute of a host's class, which says that it is a bool.
+class HostAttrib : public AttribBase
+{
+public:
+    HostAttrib() : AttribBase(DURMBaseLib::PARAM_Bool)
+    {
+    }
+};
+
+/// A definition that takes an attribute of any class.
+class AttributedDef : public BaseDef
+{
+public:
+    void Add(const char* attribName, AttribBase& attrib)
+    {
+        attribs.emplace(attribName, &attrib);
+    }
+};
+
 } // namespace
 
 TEST_F(SMStateAttrib, IsFoundByItsNameWithoutALine)
@@ -164,6 +183,21 @@ TEST_F(SMStateAttrib, GenericGetterSaysOneAndWritesNothingForATextAndWhatIsMissi
 
     EXPECT_EQ(out, 123);
     EXPECT_EQ(scene.log.Take(), Lines{});
+}
+
+TEST_F(SMStateAttrib, GenericGetterSaysOneAndWritesNothingForABoolOfAHostsClass)
+{
+    HostAttrib attrib;
+    AttributedDef def;
+    def.Add("on", attrib);
+    SMState owner;
+    owner.SetDef(&def);
+    unsigned char byte = 0x5a;
+
+    EXPECT_EQ(owner.GetAttrib("on", static_cast<void*>(&byte)), 1);
+
+    EXPECT_EQ(byte, 0x5a);
+    owner.SetDef(nullptr);
 }
 
 TEST_F(SMStateAttrib, GenericGetterSaysZeroAndWritesNothingForVectors)
