@@ -88,8 +88,8 @@ void AssignPlain(BaseDef& def)
 /// Makes a copy that is never deleted: it shares the actions with its source.
 void CopyAway(BaseDef& def)
 {
-    static std::vector<BaseDef*> copies;
-    copies.push_back(new BaseDef(def));
+    static auto* copies = new std::vector<BaseDef*>;
+    copies->push_back(new BaseDef(def));
 }
 
 void AddHeads(BaseDef& def)
