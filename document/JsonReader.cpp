@@ -7,41 +7,44 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
+#include <map>
 #include <string_view>
+#include <vector>
 
 namespace vell
 {
 namespace
 {
 
-/// Every member that a document may have for this library. The vocabulary is asked for these alone.
+/// Every member that a document may have for this library, what most objects have first. The
+/// vocabulary is asked for these alone.
 constexpr __JSONTYPES__ kMembers[] = {
     JSON_Name,
     JSON_ID,
     JSON_ParentID,
     JSON_BuilderType,
-    JSON_GUID,
-    JSON_Attributes,
-    JSON_ClipName,
-    JSON_ClipFlag,
     JSON_ConditionType,
     JSON_ConditionParameter,
     JSON_ConditionEvaluation,
     JSON_ConditionValue,
+    JSON_TransitionPriority,
+    JSON_TransitionSource,
+    JSON_TransitionTarget,
+    JSON_Conditions,
+    JSON_Children,
+    JSON_Attributes,
+    JSON_GUID,
+    JSON_ClipName,
+    JSON_ClipFlag,
     JSON_ConnectorType,
     JSON_ParameterType,
     JSON_ParameterDefault,
     JSON_ParameterAssign,
     JSON_ParameterResetEachFrame,
     JSON_TransitionSwitchArgument,
-    JSON_Conditions,
-    JSON_TransitionSource,
-    JSON_TransitionTarget,
     JSON_TransitionUnread,
     JSON_TransitionTagArgument,
     JSON_TransitionTag,
-    JSON_TransitionPriority,
     JSON_TransitionDisabled,
     JSON_Parameters,
     JSON_Nodes,
@@ -51,7 +54,6 @@ constexpr __JSONTYPES__ kMembers[] = {
     JSON_AttributeType,
     JSON_SkeletonFileName,
     JSON_ModelFileName,
-    JSON_Children,
     JSON_EntryTarget,
     JSON_ExitConnector,
     JSON_ScriptName,
@@ -109,11 +111,16 @@ bool IsSameName(const char* left, const char* right, std::size_t length)
                       : HasSameEnds<std::uint16_t>(left, right, length);
 }
 
-/// The vocabulary: the members' names with their lengths, by number, and the numbers by name.
+/// The vocabulary: the members' names, by number and by length.
 class Vocabulary
 {
 public:
-    static constexpr int kNone = -1;
+    struct Word
+    {
+        std::string_view name;
+        __JSONTYPES__ member;
+        bool isShared; ///< with another member: possible in a vocabulary of a site's own
+    };
 
     static const Vocabulary& Get()
     {
@@ -126,77 +133,46 @@ public:
         return member >= 0 && member < kVocabularySize ? names[member] : std::string_view();
     }
 
-    /// Gives the first number of a name, `kNone` for a name that is not known.
-    int FindNumber(const char* text, std::size_t length) const
+    /// Gives the members whose names have `length` characters: a handful.
+    const std::vector<Word>& OfLength(std::size_t length) const
     {
-        unsigned int slot = GetSlot(text, length);
-        for (; slots[slot] != kNone; slot = (slot + 1) % kSlots)
-        {
-            const std::string_view name = names[slots[slot]];
-            if (name.size() == length && IsSameName(name.data(), text, length))
-            {
-                break;
-            }
-        }
-        return slots[slot];
-    }
-
-    /// Gives the next number of the same name, `kNone` behind the last.
-    int GetNext(int number) const
-    {
-        return next[number];
+        return byLength[std::min(length, byLength.size() - 1)];
     }
 
 private:
-    static constexpr unsigned int kSlots = 2 * kVocabularySize; ///< at most half of them in use
-
     Vocabulary()
     {
-        std::fill(std::begin(next), std::end(next), std::int16_t{kNone});
-        std::fill(std::begin(slots), std::end(slots), std::int16_t{kNone});
+        std::size_t longest = 0;
+        std::map<std::string_view, int> uses;
         for (const __JSONTYPES__ member : kMembers)
         {
             if (const char* text = DURMBaseLib::GetJsonName(member))
             {
                 names[member] = text;
-                File(static_cast<std::int16_t>(member));
+                longest = std::max(longest, names[member].size());
+                ++uses[names[member]];
             }
         }
-    }
-
-    void File(std::int16_t number)
-    {
-        const std::string_view name = names[number];
-        int known = FindNumber(name.data(), name.size());
-        if (known != kNone)
+        byLength.resize(longest + 2); // the last one is for names that are too long
+        for (const __JSONTYPES__ member : kMembers)
         {
-            // GCOVR_EXCL_START: two members of one name, in the vocabulary of a site alone
-            for (; next[known] != kNone; known = next[known])
+            const std::string_view name = names[member];
+            if (name.data() != nullptr)
             {
+                byLength[name.size()].push_back(Word{name, member, uses[name] > 1});
             }
-            next[known] = number;
-            return;
-            // GCOVR_EXCL_STOP
         }
-        unsigned int slot = GetSlot(name.data(), name.size());
-        while (slots[slot] != kNone)
-        {
-            slot = (slot + 1) % kSlots;
-        }
-        slots[slot] = number;
-    }
-
-    static unsigned int GetSlot(const char* text, std::size_t length)
-    {
-        const unsigned int first = static_cast<unsigned char>(text[0]);
-        const unsigned int last = static_cast<unsigned char>(text[length - (length != 0 ? 1 : 0)]);
-        return (static_cast<unsigned int>(length) + first * 9 + last * 5) % kSlots;
     }
 
     std::string_view names[kVocabularySize];
-    std::int16_t next[kVocabularySize];
-    std::int16_t slots[kSlots];
+    std::vector<std::vector<Word>> byLength;
 };
+
+/// Tells whether `text`, which is as long as `name`, equals it. Most differ in their first letter.
+bool IsName(const char* text, std::string_view name)
+{
+    return *text == *name.data() && IsSameName(text, name.data(), name.size());
+}
 
 const GenericValue* Find(const GenericValue& object, std::string_view name)
 {
@@ -204,17 +180,10 @@ const GenericValue* Find(const GenericValue& object, std::string_view name)
     {
         return nullptr;
     }
-    // Most members of a node have another length than the one that is looked for, or begin with
-    // another letter.
     const auto end = object.MemberEnd();
     for (auto member = object.MemberBegin(); member != end; ++member)
     {
-        if (member->name.GetStringLength() != name.size())
-        {
-            continue;
-        }
-        const char* text = member->name.GetString();
-        if (name.empty() || (text[0] == name[0] && IsSameName(text, name.data(), name.size())))
+        if (member->name.GetStringLength() == name.size() && IsName(member->name.GetString(), name))
         {
             return &member->value;
         }
@@ -265,12 +234,19 @@ Members::Members(const GenericValue& indexedObject) : object(indexedObject)
     for (unsigned int i = 0; i < count; ++i)
     {
         const GenericValue& name = first[i].name;
-        int number = vocabulary.FindNumber(name.GetString(), name.GetStringLength());
-        for (; number != Vocabulary::kNone; number = vocabulary.GetNext(number))
+        for (const Vocabulary::Word& word : vocabulary.OfLength(name.GetStringLength()))
         {
-            if (positions[number] == 0)
+            if (!IsName(name.GetString(), word.name))
             {
-                positions[number] = static_cast<std::uint8_t>(i + 1);
+                continue;
+            }
+            if (positions[word.member] == 0)
+            {
+                positions[word.member] = static_cast<std::uint8_t>(i + 1);
+            }
+            if (!word.isShared)
+            {
+                break;
             }
         }
     }
