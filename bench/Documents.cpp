@@ -27,7 +27,7 @@ constexpr unsigned int kLevelStep = 1000;
 constexpr unsigned int kTransitionOffset = 100;
 constexpr unsigned int kFillerId = 1000000;
 
-/// The head's figure: a hundredth of an arena with room for so many definitions, and not much
+/// The head's figure: a hundredth of an arena with space for so many definitions, and not much
 /// more, so that machines lie as close together as those of a host that counted.
 int MemoryFigure(int definitions)
 {

@@ -7,7 +7,7 @@
 namespace vell::bench
 {
 
-/// What stands on the stack of a machine that is ticked, and what lies around it.
+/// What is on the stack of a machine that is ticked, and what is around it.
 struct TickShape
 {
     int levels = 3;                 ///< states on the stack, four transitions each

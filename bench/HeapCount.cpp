@@ -23,7 +23,7 @@ struct BlockHead
     std::uint64_t padding; ///< keeps the alignment
 };
 
-/// Where the code of the table library lies.
+/// Where the code of the table library is.
 struct CodeRange
 {
     std::uintptr_t begin = 0;

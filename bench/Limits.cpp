@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// bench/Limits.cpp: hand-written machines that do the walk of an idle tick and nothing else.
+// bench/Limits.cpp: hand-written machines that do what an idle tick does and nothing else.
 #include "bench/Limits.h"
 
 #include <new>

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// bench/Limits.h: hand-written machines that do the walk of an idle tick and nothing else.
+// bench/Limits.h: hand-written machines that do what an idle tick does and nothing else.
 #pragma once
 
 #include <cstddef>
@@ -56,12 +56,12 @@ public:
     virtual bool Evaluate() const = 0;
 };
 
-/// The same walk with one virtual call a condition, every object allocated alone or all in one
-/// block in the order of the walk.
+/// The same loop with one virtual call a condition, every object allocated alone or all in one
+/// block in the order of the loop.
 class VirtualMachine
 {
 public:
-    /// Makes a machine in `block`, which has room for it, or scattered over the heap when null.
+    /// Creates a machine in `block`, which has space for it, or scattered over the heap when null.
     explicit VirtualMachine(unsigned char* block);
     ~VirtualMachine();
     VirtualMachine(const VirtualMachine&) = delete;

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// bench/TickBench.cpp: ticks, beside hand-written machines that do the same walk.
+// bench/TickBench.cpp: ticks, beside hand-written machines that do the same.
 #include "bench/Documents.h"
 #include "bench/Limits.h"
 #include "bench/Machines.h"
@@ -156,7 +156,7 @@ BENCHMARK(ManyLimitVirtualBlock)
     ->ArgNames({"machines", "shuffled"});
 
 /// Fills the heap with blocks and frees them in a shuffled order, so that what is allocated next
-/// lies all over it.
+/// is scattered over it.
 void ScatterHeap(std::size_t blockCount)
 {
     std::vector<std::unique_ptr<char[]>> blocks;

@@ -17,7 +17,7 @@ namespace
 
 constexpr float kTimeStep = 0.016f;
 
-/// Ends by saying where the machine stands, so that the work is there to be seen.
+/// Ends by saying where the machine is, so that the work is there to be seen.
 void Tick(IHSM& machine, int ticks)
 {
     for (int i = 0; i < ticks; ++i)

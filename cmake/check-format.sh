@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Checks that every source lies as clang-format 14 lays it; with --fix, lays it so.
+# Checks that every source is formatted as clang-format 14 does it; with --fix, formats it.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -12,4 +12,4 @@ if ((${#files[@]} < 5)); then
     exit 1
 fi
 printf '%s\0' "${files[@]}" | xargs -0 -n 16 -P "$(nproc)" clang-format-14 "${mode[@]}"
-echo "${#files[@]} sources are laid out alike"
+echo "${#files[@]} sources are formatted"

@@ -2,8 +2,8 @@
 # Compares what the three libraries export with the lists in cmake/symbols/:
 #     check-symbols.sh [--update] FOLDER_OF_THE_LIBRARIES
 # Weak symbols are left out but for the virtual tables of our classes, which hosts derive from: which
-# inline functions, templates and tables of interfaces a library carries is the compiler's choice.
-# With --update, writes the lists anew.
+# inline functions, templates and tables of interfaces a library contains is the compiler's choice.
+# With --update, writes the lists again.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -35,7 +35,7 @@ for name in VELLLibX64 DURMBaseX64 TesselX64; do
         echo "${library}: exports nothing" >&2
         failed=1
     elif ! diff -u --label "${list}" --label "${library}" "${list}" - <<<"${symbols}"; then
-        echo "${name}: exports differ from ${list}; \`make symbols\` writes it anew" >&2
+        echo "${name}: exports differ from ${list}; \`make symbols\` writes it again" >&2
         failed=1
     fi
 done

@@ -18,7 +18,7 @@ namespace
 
 constexpr const char* kDataMember = "ATTRIB_Data";
 
-/// Places the attribute class of a parameter type in the arena. Null when there is no room.
+/// Places the attribute class of a parameter type in the arena. Null when there is no space.
 AttribBase* PlaceAttrib(int type, HSMAlloc& alloc)
 {
     switch (type)

@@ -8,7 +8,8 @@
 namespace vell
 {
 
-/// Places a T in the arena and gives it its kind and class. Null when there is no arena or no room.
+/// Places a T in the arena and gives it its kind and class. Null when there is no arena or no
+/// space.
 template <class T>
 T* PlaceDef(HSMAlloc* alloc, eHSMDefTypes type, eHSMDefTypes classBit)
 {

@@ -12,7 +12,7 @@ class EnterDef : public BaseDef
 {
 public:
     /// The factory: places the definition in the arena, not yet initialised. Null with a log line
-    /// when `node` is no object or there is no room.
+    /// when `node` is no object or there is no space.
     static BaseDef* Create(const GenericValue& node, HSMAlloc* alloc);
 
     int Init(const GenericValue& node, HSMAlloc* alloc) override;

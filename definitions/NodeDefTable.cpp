@@ -22,7 +22,7 @@ namespace
 struct Builder
 {
     NodeDefFactory create;
-    bool isStandard; ///< the library's own, which hands what it makes to no host
+    bool isStandard; ///< the library's own, which hands what it creates to no host
 };
 
 using BuilderMap = std::map<__DURM_BUILDERS__, Builder>;

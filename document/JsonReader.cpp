@@ -92,7 +92,7 @@ bool HasSameEnds(const char* left, const char* right, std::size_t length)
 }
 
 /// Tells whether two names of one length are equal. Most names are short, and need no call. The
-/// table library compares its keys alike, but shows that to nobody.
+/// table library compares its keys in the same way, but does not export that.
 bool IsSameName(const char* left, const char* right, std::size_t length)
 {
     if (length > 16)

@@ -61,7 +61,7 @@ const GenericValue& GetFirstElement(const GenericValue& array);
 
 /// Gives the text in place in the document; null for any other type.
 const char* ReadText(const GenericValue& value);
-/// Gives the low 32 bits of a number in whatever form it stands: of a real number those of its
+/// Gives the low 32 bits of a number in whatever form it is: of a real number those of its
 /// double. 0 for any other type.
 unsigned int ReadUInt(const GenericValue& value);
 int ReadInt(const GenericValue& value);

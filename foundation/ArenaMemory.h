@@ -11,8 +11,8 @@
 namespace vell
 {
 
-/// Takes zero-filled room for a text of `length` characters and two bytes behind it. Null when
-/// there is no room.
+/// Takes zero-filled space for a text of `length` characters and two bytes behind it. Null when
+/// there is no space.
 inline char* AllocText(HSMAlloc& alloc, std::size_t length)
 {
     // Required: one byte for the terminator would do. A host sees two in `used`.
@@ -21,7 +21,7 @@ inline char* AllocText(HSMAlloc& alloc, std::size_t length)
                : static_cast<char*>(alloc.AllocRaw(static_cast<unsigned int>(length) + 2u));
 }
 
-/// Takes zero-filled room for an array. Null when `count` is 0 or there is no room. The array may
+/// Takes zero-filled space for an array. Null when `count` is 0 or there is no space. The array may
 /// be misaligned: elements are stored and loaded with `StoreElement` and `LoadElement`.
 template <class T>
 T* AllocArray(HSMAlloc& alloc, unsigned int count)

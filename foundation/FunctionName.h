@@ -76,14 +76,14 @@ struct SourcePlace
 
 } // namespace vell
 
-/// What the compiler calls the function in which it stands, for `QualifiedName`.
+/// What the compiler calls the function that it is in, for `QualifiedName`.
 #if defined(_MSC_VER) && !defined(__clang__)
 #define VELL_FUNCTION __FUNCTION__
 #else
 #define VELL_FUNCTION __PRETTY_FUNCTION__
 #endif
 
-/// The name of the source file in which it stands.
+/// The name of the source file that it is in.
 #define VELL_FILE                                                                                  \
     (                                                                                              \
         []                                                                                         \
@@ -92,7 +92,7 @@ struct SourcePlace
             return kName;                                                                          \
         }())
 
-/// The name of the source file in which it stands, " : " and the line.
+/// The name of the source file that it is in, " : " and the line.
 #define VELL_PLACE                                                                                 \
     (                                                                                              \
         []                                                                                         \

@@ -107,9 +107,9 @@ void LineBuffer::Grow(std::size_t count)
     std::unique_ptr<char[]> grown(new char[larger]);
     if (size != 0)
     {
-        std::memcpy(grown.get(), room.get(), size);
+        std::memcpy(grown.get(), storage.get(), size);
     }
-    room = std::move(grown);
+    storage = std::move(grown);
     capacity = larger;
 }
 

@@ -29,7 +29,7 @@ struct LineTag
     std::size_t size;
 };
 
-/// Where a line is built. Grows as needed and keeps its room.
+/// Where a line is built. Grows as needed and keeps its space.
 class LineBuffer
 {
 public:
@@ -40,8 +40,8 @@ public:
     /// Starts again with a tag. Cannot fail.
     void Start(const LineTag& tag)
     {
-        static_assert(kFirstCapacity >= sizeof(tag.text), "there is room for any tag");
-        std::memcpy(room.get(), tag.text, sizeof(tag.text));
+        static_assert(kFirstCapacity >= sizeof(tag.text), "there is space for any tag");
+        std::memcpy(storage.get(), tag.text, sizeof(tag.text));
         size = tag.size;
     }
     void Append(const char* characters, std::size_t count)
@@ -52,27 +52,27 @@ public:
         }
         if (count != 0) // an empty text may have no address, which memcpy does not take
         {
-            std::memcpy(room.get() + size, characters, count);
+            std::memcpy(storage.get() + size, characters, count);
             size += count;
         }
     }
-    /// Gives room for `count` more characters, for writing them in place.
+    /// Gives space for `count` more characters, for writing them in place.
     char* Reserve(std::size_t count)
     {
         if (count > capacity - size)
         {
             Grow(count);
         }
-        return room.get() + size;
+        return storage.get() + size;
     }
     /// Takes over what was written in place, up to `end`.
     void AppendUpTo(const char* end)
     {
-        size = static_cast<std::size_t>(end - room.get());
+        size = static_cast<std::size_t>(end - storage.get());
     }
     const char* Characters() const
     {
-        return room.get();
+        return storage.get();
     }
     std::size_t Size() const
     {
@@ -84,7 +84,7 @@ private:
 
     void Grow(std::size_t count);
 
-    std::unique_ptr<char[]> room;
+    std::unique_ptr<char[]> storage;
     std::size_t size = 0;
     std::size_t capacity = 0;
 };

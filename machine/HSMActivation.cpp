@@ -38,7 +38,7 @@ SMState* HSM::ActivateState(unsigned int id, float switchArgument)
             state = factory(id, &alloc);
             ERROR_BREAK(state);
             state->SetHSM(this);
-            // Required: a failing Init runs a second time, and the room of the state in the arena
+            // Required: a failing Init runs a second time, and the space of the state in the arena
             // is lost.
             ERROR_BREAK(state->Init(def));
             ActivateTransitions(state);

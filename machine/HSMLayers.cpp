@@ -48,7 +48,7 @@ int HSM::ImportStates(const GenericValue& layer, HSMAlloc*)
     const GenericValue* nodes = FindMember(layer, JSON_Nodes);
     ERROR_RETURN(nodes != nullptr, 0);
     // Required: three checks in a row run a failed array twice, so the nodes before the bad one are
-    // built eight times. Each time takes new room in the arena.
+    // built eight times. Each time takes new space in the arena.
     ERROR_RETURN(InitNodeDefTable(*nodes, &alloc), 0);
     return 1;
 }

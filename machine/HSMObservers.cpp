@@ -90,7 +90,7 @@ int HSM::Notify()
         return 0;
     }
     int called = 0;
-    // Required: a listener that unsubscribes during its call makes the next one be skipped.
+    // Required: a listener that unsubscribes during its call causes the next one to be skipped.
     for (std::size_t i = 0; i < stateChangeListeners.size(); ++i)
     {
         // Each listener gets a record of its own: one may write into it.

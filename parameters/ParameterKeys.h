@@ -37,7 +37,7 @@ inline int ReadBinding(const void* record)
 }
 
 /// What the three vector classes do with an event: input of their own binding sets the value, which
-/// lies at `offset` of the record; a bare value sets it too, and gives 0 all the same.
+/// is at `offset` of the record; a bare value sets it too, and gives 0 all the same.
 template <class Vector, class VectorParameter>
 int TakeVectorEvent(VectorParameter& parameter, int event, const void* record, std::size_t offset)
 {

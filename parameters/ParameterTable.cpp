@@ -221,19 +221,19 @@ void ParameterTable::PlaceValue(ParameterDef& def, int type)
 {
     const bool isScalar = type == DURMBaseLib::PARAM_Bool || type == DURMBaseLib::PARAM_Integer ||
                           type == DURMBaseLib::PARAM_Float;
-    void* room = isScalar ? values.Take() : nullptr;
-    if (room == nullptr)
+    void* space = isScalar ? values.Take() : nullptr;
+    if (space == nullptr)
     {
         return;
     }
     switch (type)
     {
     case DURMBaseLib::PARAM_Bool:
-        return static_cast<ParameterBoolDef&>(def).value.MoveTo(room);
+        return static_cast<ParameterBoolDef&>(def).value.MoveTo(space);
     case DURMBaseLib::PARAM_Integer:
-        return static_cast<ParameterIntegerDef&>(def).value.MoveTo(room);
+        return static_cast<ParameterIntegerDef&>(def).value.MoveTo(space);
     default:
-        return static_cast<ParameterFloatDef&>(def).value.MoveTo(room);
+        return static_cast<ParameterFloatDef&>(def).value.MoveTo(space);
     }
 }
 

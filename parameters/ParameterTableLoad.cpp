@@ -17,7 +17,7 @@ namespace
 
 constexpr const char* kVectorMember = "VARIANT_Data";
 
-/// Places the class of a parameter type in the arena. Null when there is no room.
+/// Places the class of a parameter type in the arena. Null when there is no space.
 ParameterDef* PlaceParameter(int type, HSMAlloc& alloc)
 {
     switch (type)

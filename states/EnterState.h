@@ -14,7 +14,7 @@ class EnterDef;
 class EnterState : public SMState
 {
 public:
-    /// The factory. Null with a log line when `alloc` is null or has no room.
+    /// The factory. Null with a log line when `alloc` is null or has no space.
     static SMState* Create(unsigned int id, HSMAlloc* alloc);
 
     ~EnterState() override;

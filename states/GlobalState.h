@@ -14,7 +14,7 @@ class GlobalDef;
 class GlobalState : public SMState
 {
 public:
-    /// The factory. Null with a log line when `alloc` is null or has no room.
+    /// The factory. Null with a log line when `alloc` is null or has no space.
     static SMState* Create(unsigned int id, HSMAlloc* alloc);
 
     int Init(BaseDef* newDef) override;

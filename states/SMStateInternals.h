@@ -12,7 +12,7 @@ namespace vell
 
 struct SMState::Internals
 {
-    /// Places a T in the arena and gives it its id; null when there is no room.
+    /// Places a T in the arena and gives it its id; null when there is no space.
     template <class T>
     static T* Place(unsigned int stateId, HSMAlloc* alloc)
     {

@@ -41,7 +41,7 @@ bool ConditionDefMessage::Evaluate(HSM*)
 {
     // Required: the operator is not looked at. The test is always for equality, up to the first
     // null character.
-    // There is no target after an Init that found no room for it.
+    // There is no target after an Init that found no space for it.
     return boundValue != nullptr && target != nullptr &&
            std::strcmp(boundValue->c_str(), target) == 0;
 }

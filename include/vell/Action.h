@@ -14,7 +14,7 @@ class BaseDef;
 /// A host derives from it and overrides `Perform`. An action that is put on a definition
 /// (IBaseDef::RegisterEnter, RegisterExecute, RegisterExit) is deleted by that definition: by
 /// IBaseDef::RemoveAction and when the machine is uninitialised; it must come from `new`, and one
-/// action stands on one list of one definition.
+/// action is on one list of one definition.
 class VELL_API Action
 {
 public:
@@ -26,7 +26,7 @@ public:
     /// Acts. `timeStep` is the frame's, in the host's unit, for an execution, and 0 for an entry
     /// and an exit. Nobody looks at the result. Returns 1.
     virtual int Perform(__ActType__ type, float timeStep);
-    /// Hears which definition the action was put on, before it stands in the list.
+    /// Hears which definition the action was put on, before it is in the list.
     virtual void SetOwner(BaseDef* owner);
 
     Action() = default;

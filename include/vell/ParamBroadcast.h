@@ -28,8 +28,8 @@ struct ParamBroadcast
 };
 
 static_assert(sizeof(ParamBroadcast) == 32, "the record ends with the fourth float");
-static_assert(offsetof(ParamBroadcast, binding) == 4, "the binding number lies at byte 4");
+static_assert(offsetof(ParamBroadcast, binding) == 4, "the binding number is at byte 4");
 static_assert(offsetof(ParamBroadcast, input) == 16, "the input starts at byte 16");
-static_assert(offsetof(ParamBroadcast, input.stick.scalar) == 20, "the scalar lies at byte 20");
+static_assert(offsetof(ParamBroadcast, input.stick.scalar) == 20, "the scalar is at byte 20");
 
 } // namespace vell

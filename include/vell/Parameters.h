@@ -32,10 +32,10 @@ public:
 
     /// Moves the value to four bytes that stay the parameter's for its lifetime. The old address of
     /// the value becomes invalid.
-    void MoveTo(void* room)
+    void MoveTo(void* space)
     {
-        std::memset(room, 0, sizeof(own));
-        place = new (room) T(*place);
+        std::memset(space, 0, sizeof(own));
+        place = new (space) T(*place);
     }
 
     T& operator*() const

@@ -17,7 +17,7 @@ struct Member
     const char* text;
 };
 
-/// A word that a document writes as a value, and the number it stands for.
+/// A word that a document writes as a value, and its number.
 struct Word
 {
     int number;

@@ -38,7 +38,7 @@ Integer Saturate(float value)
 }
 
 /// One key of a table with its value: 32 bytes on a 64-bit machine, the size that most decides what
-/// a tree of many small tables weighs. The key's address carries the kind in its low bits.
+/// a tree of many small tables takes. The low bits of the key's address are the kind.
 class Entry final : public KVValue
 {
 public:
@@ -88,7 +88,7 @@ public:
         SetKind(kind);
     }
 
-    /// Stores a text that may lie in this very entry. `buffer` has room for it when it is neither
+    /// Stores a text that may be in this very entry. `buffer` has space for it when it is neither
     /// short nor fits into the long text that the entry holds, and is taken over then. A table that
     /// the entry held is the caller's to release.
     void StoreText(const char* text, std::size_t length, std::unique_ptr<char[]>& buffer);

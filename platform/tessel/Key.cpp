@@ -50,12 +50,12 @@ void Free(void* memory)
 
 } // namespace
 
-struct alignas(Key::kAlignment) KeyRoom::Block
+struct alignas(Key::kAlignment) KeyPool::Block
 {
     Block* next;
 };
 
-KeyRoom::~KeyRoom()
+KeyPool::~KeyPool()
 {
     while (blocks != nullptr)
     {
@@ -65,7 +65,7 @@ KeyRoom::~KeyRoom()
     }
 }
 
-void* KeyRoom::Take(std::size_t size)
+void* KeyPool::Take(std::size_t size)
 {
     constexpr std::size_t kFirstSize = 256;
     constexpr std::size_t kLastSize = 4096;
@@ -102,10 +102,10 @@ const Key* Key::Acquire(const KeyText& name)
     return key != nullptr ? key : CreateOwned(name, hash);
 }
 
-const Key* Key::Acquire(const KeyText& name, KeyRoom& room)
+const Key* Key::Acquire(const KeyText& name, KeyPool& pool)
 {
     const bool isShort = name.length <= kMaxSharedLength;
-    return isShort && !IsWorthSharing(name) ? new (room.Take(GetSize(name)))
+    return isShort && !IsWorthSharing(name) ? new (pool.Take(GetSize(name)))
                                                   Key(name, name.ComputeHash(), false)
                                             : Acquire(name);
 }
@@ -143,7 +143,7 @@ const Key* Key::AcquireShared(const KeyText& name, std::uint32_t hash)
     {
         return key;
     }
-    // Another thread may have filed it meanwhile as the last one for which there was room.
+    // Another thread may have filed it meanwhile as the last one for which there was space.
     return GetSharedCount() < kMaxShared ? AddShared(name, hash) : FindShared(name, hash);
 }
 

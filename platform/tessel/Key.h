@@ -11,17 +11,17 @@
 namespace Tessel
 {
 
-/// Room for the keys of one large table, which go all at once.
-class KeyRoom
+/// Space for the keys of one large table, which are freed all at once.
+class KeyPool
 {
 public:
-    KeyRoom() = default;
-    ~KeyRoom();
+    KeyPool() = default;
+    ~KeyPool();
 
-    KeyRoom(const KeyRoom&) = delete;
-    KeyRoom& operator=(const KeyRoom&) = delete;
+    KeyPool(const KeyPool&) = delete;
+    KeyPool& operator=(const KeyPool&) = delete;
 
-    /// Gives room of `size` bytes, aligned as keys are. May throw `std::bad_alloc`; nothing is lost
+    /// Gives `size` bytes, aligned as keys are. May throw `std::bad_alloc`; nothing is lost
     /// then.
     void* Take(std::size_t size);
 
@@ -37,8 +37,8 @@ private:
 /// The stored text of a key. Names are shared by all tables and kept for good, so a table that has
 /// the same keys as a thousand others pays a pointer for each and takes no lock for them. What is
 /// not worth keeping (decimal ids, long texts, names beyond the first 4096) belongs to its one
-/// user, or stands in the room of the table that it is a key of. No text is both: once there is no
-/// room for further shared ones, there never is.
+/// user, or is in the pool of the table that it is a key of. No text is both: once there is no
+/// space for further shared ones, there never is.
 class Key
 {
 public:
@@ -48,7 +48,7 @@ public:
     /// The most keys that are shared and kept for good.
     static constexpr std::uint32_t kMaxShared = 4096;
 
-    /// What a shared key takes, its text and the final zero with it. They stand in a row.
+    /// What a shared key takes, its text and the final zero with it. They are contiguous.
     static constexpr std::size_t kSharedSize = 64;
 
     /// The longest text that is shared.
@@ -58,8 +58,8 @@ public:
     /// name that is seen for the first time. May throw `std::bad_alloc`.
     static const Key* Acquire(const KeyText& name);
 
-    /// As above; a decimal id is placed in `room`.
-    static const Key* Acquire(const KeyText& name, KeyRoom& room);
+    /// As above; a decimal id is placed in `pool`.
+    static const Key* Acquire(const KeyText& name, KeyPool& pool);
 
     /// Gives the shared key that `Remember` was last told of for the address `text`, if that is the
     /// text there now; otherwise null, also for null. Programs look up with the same literals again

@@ -15,10 +15,10 @@ namespace Tessel
 class KeyIndex
 {
 public:
-    /// Makes room for `count` entries in all. May throw `std::bad_alloc`; nothing is lost then.
+    /// Makes space for `count` entries in all. May throw `std::bad_alloc`; nothing is lost then.
     void Reserve(std::uint32_t count);
 
-    /// Adds the entry `number`, whose key is not there yet. There must be room for it.
+    /// Adds the entry `number`, whose key is not there yet. There must be space for it.
     void Insert(std::uint32_t hash, std::uint32_t number);
 
     /// Gives the entry of `name`, or null. `getEntry` gives the entry of a number.

@@ -339,7 +339,7 @@ inline Entry* Table::Find(const char* key)
 
 // These two call nothing but their last step: most of what a read or write costs is here.
 
-/// A text that is shared stands in no other key, so the address tells.
+/// A text that is shared is in no other key, so the address tells.
 Entry* Table::FindShared(const Key& key)
 {
     if (keyCount > kTaggedEntries)
@@ -377,7 +377,7 @@ Entry* Table::FindText(const char* text)
         return FindIndexed(key);
     }
     // A byte of `others` is zero where the tag is that of the key. The bytes of `hits` that this
-    // finds too many stand behind a true hit, and the comparison of the texts sorts them out.
+    // extra finds come after a true hit, and the comparison of the texts sorts them out.
     constexpr std::uint64_t kLowBits = 0x0101010101010101u;
     const std::uint64_t others = tags ^ kLowBits * key.GetTag();
     std::uint64_t hits = (others - kLowBits) & ~others & (kLowBits << 7);
@@ -403,7 +403,7 @@ Entry* Table::FindIndexed(KeyText key)
 }
 
 /// Adds a key that is not there yet, without a value. When there is no memory for it, the table
-/// keeps at most some room that is not used yet.
+/// keeps at most some space that is not used yet.
 Entry* Table::Add(const char* text)
 {
     const std::uint32_t index = keyCount;

@@ -23,8 +23,8 @@
 namespace Tessel
 {
 
-/// A table, and the slot that it stands in: made once, opened and closed many times. Two entries
-/// stand in the table itself, so that most tables need no memory of their own; three keys take
+/// A table, and the slot that it is in: made once, opened and closed many times. Two entries
+/// are in the table itself, so that most tables need no memory of their own; three keys take
 /// 168 bytes in all. Up to eight keys are found by a tag of one byte, more by an index.
 class Table final : public ITable
 {
@@ -93,10 +93,10 @@ private:
     // `link` of an open table: who holds it, and whether it may hold others.
     static constexpr std::uint32_t kHeldByCreator = 1;
     static constexpr std::uint32_t kMayHaveChildren = 2;
-    static constexpr std::uint32_t kOneParent = 4; ///< the count of parents stands above the bits
+    static constexpr std::uint32_t kOneParent = 4; ///< the count of parents is above the bits
     static constexpr std::uint32_t kHolders = ~kMayHaveChildren;
 
-    /// Two entries stand in the table itself, and the rest in blocks of 1, 3, 6, 12, 24 ...
+    /// Two entries are in the table itself, and the rest in blocks of 1, 3, 6, 12, 24 ...
     /// entries, so that after them 3, 6, 12, 24 ... fit: gives where the run of entries ends that
     /// begins at `first`.
     static constexpr std::uint32_t GetNextRunEnd(std::uint32_t first)
@@ -119,7 +119,7 @@ private:
     struct Extras
     {
         KeyIndex index; ///< filled when there are more than `kTaggedEntries` keys
-        KeyRoom keys;   ///< the room of those behind them
+        KeyPool keys;   ///< the pool of the other ones
         ElementArray elements;
         ListenerSet listeners;
     };
@@ -140,7 +140,7 @@ private:
 
     template <class Value>
     int Write(const char* key, Entry::Kind kind, Value value);
-    // In line, each write without listeners would pay for the room that the key is held in.
+    // In line, each write without listeners would pay for the space that the key is held in.
     template <class Value>
     TESSEL_NOINLINE int WriteValueHeard(const char* key, Entry::Kind kind, Value value);
     template <class PutAt>

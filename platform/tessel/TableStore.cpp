@@ -15,7 +15,7 @@ std::mutex chunkMutex;
 
 std::uint64_t MakeHead(std::uint64_t before, std::uint32_t slot)
 {
-    // The count makes a head that was taken and put back in between differ from what it was.
+    // The count tells a head that was taken and put back in between from an untouched one.
     return ((before >> 32) + 1) << 32 | slot;
 }
 

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// bench/LimitWalk.cpp: the walks of the hand-written machines.
+// bench/LimitLoops.cpp: the loops of the hand-written machines.
 #include "bench/Limits.h"
 
 #include <cmath>
