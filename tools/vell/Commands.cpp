@@ -1,0 +1,21 @@
+// VELL: data-driven hierarchical state machines.
+// tools/vell/Commands.cpp: the list of the commands. A new one gets an include and a line here.
+#include "tools/vell/Commands.h"
+
+#include "tools/vell/ContextCommand.h"
+#include "tools/vell/GraphCommand.h"
+#include "tools/vell/RunCommand.h"
+#include "tools/vell/TreeCommand.h"
+
+namespace vell::tool
+{
+
+void AddCommands(CLI::App& app, Session& session)
+{
+    AddRunCommand(app, session);
+    AddGraphCommand(app, session);
+    AddTreeCommand(app, session);
+    AddContextCommand(app, session);
+}
+
+} // namespace vell::tool

@@ -1,0 +1,92 @@
+// VELL: data-driven hierarchical state machines.
+// tools/vell/Session.h: one call of the command: its streams, its options, and what commands share.
+#pragma once
+
+#include "tools/vell/Runner.h"
+#include "tools/vell/Script.h"
+
+#include <cstdint>
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace CLI
+{
+class App;
+class Option;
+} // namespace CLI
+
+namespace vell::tool
+{
+
+class ObservedMachine;
+
+/// The values of the options that several commands have.
+struct Options
+{
+    std::string document;
+    std::string script;
+    std::string output; ///< empty for standard output
+    std::string log;    ///< empty when the library's log is discarded
+    std::string format; ///< empty for the command's default
+    std::optional<std::uint64_t> ticks;
+    RunOptions run;
+};
+
+/// One call of the command. Each command adds itself with `AddCommand` and the options it needs;
+/// its action then does the work with the help of the session.
+class Session
+{
+public:
+    /// Does the work of a command and returns an `ExitCode`.
+    using Action = std::function<int()>;
+
+    /// The streams must outlive the session.
+    Session(std::ostream& out, std::ostream& errors, bool isTerminal);
+
+    /// Adds a command to `app`. When it is the one called, `action` runs after the command line was
+    /// read, with the library's log discarded or in the file of --log.
+    CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& description,
+                         Action action);
+    /// The argument DOCUMENT and the option --log.
+    void AddDocument(CLI::App& command);
+    void AddFormat(CLI::App& command, const std::string& description,
+                   const std::vector<std::string>& formats);
+    /// The option -o.
+    void AddOutput(CLI::App& command);
+    /// The option --after: a script to run first, without output.
+    CLI::Option* AddAfter(CLI::App& command);
+    /// The options of commands that tick a machine and report it.
+    void AddRunOptions(CLI::App& command, const std::string& ticksHelp);
+
+    /// Runs the action of the command that was called.
+    int RunAction();
+
+    /// Reads the script of --script or --after. Returns null, with errors, when it has invalid
+    /// lines; an empty script when the option was not given.
+    std::unique_ptr<Script> LoadScript();
+    /// Loads DOCUMENT. Returns false, with errors, when it does not load.
+    bool LoadMachine(ObservedMachine& machine);
+    /// Starts the machine and runs the script without output. Returns false, with errors, when
+    /// nothing can run or an expectation failed.
+    bool RunQuietly(ObservedMachine& machine, const Script& script);
+    /// Runs the script and the ticks behind it, and returns the exit code.
+    int Drive(Runner& runner, const Script& script, std::uint64_t defaultTicks);
+    std::unique_ptr<Report> MakeReport();
+    /// Writes to standard output or to the file of -o, and returns the exit code.
+    int Write(const std::string& text);
+    /// Shows the first errors and warnings of the library's log.
+    void ShowComplaints(const ObservedMachine& machine);
+
+    Options options;
+    std::ostream& out;
+    std::ostream& errors;
+
+private:
+    Action action;
+};
+
+} // namespace vell::tool
