@@ -1,0 +1,108 @@
+// VELL: data-driven hierarchical state machines.
+// tools/check/Code.h: the codes of what the check can find, each with its explanation.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vell::check
+{
+
+enum class Severity
+{
+    Note,
+    Warning, ///< the library accepts it, and it is hardly meant
+    Error    ///< the library refuses or loses something, or a reference leads nowhere
+};
+
+/// The codes by family. A number is never used again for something else.
+enum class Code : int
+{
+    // 1 to 19: the text.
+    Empty = 1,
+    ByteOrderMark = 2,
+    Comment = 3,
+    TrailingComma = 4,
+    MissingComma = 5,
+    MissingColon = 6,
+    Name = 7,
+    MissingValue = 8,
+    Bracket = 9,
+    OpenText = 10,
+    Escape = 11,
+    ControlCharacter = 12,
+    Number = 13,
+    Word = 14,
+    Character = 15,
+    AfterRoot = 16,
+    DuplicateMember = 17,
+    LostCharacter = 18,
+    TooDeep = 19,
+    // 20 to 39: members.
+    UnknownMember = 20,
+    MissingMember = 21,
+    WrongType = 22,
+    OutOfRange = 23,
+    Fraction = 24,
+    MisplacedMember = 25,
+    TooLong = 26,
+    EmptyText = 27,
+    MemberWithoutOther = 28,
+    VersionTooLow = 29,
+    VectorText = 30,
+    FurtherElements = 31,
+    NoElement = 32,
+    // 40 to 49: words.
+    UnknownBuilder = 40,
+    UnknownOperator = 41,
+    UnknownParameterType = 42,
+    UnknownConditionType = 43,
+    UnknownInput = 44,
+    UnknownMachineType = 45,
+    UnknownConnector = 46,
+    UnknownAttributeType = 47,
+    TextParameter = 48,
+    // 50 to 69: ids.
+    // 70 to 99: references.
+    // 100 to 119: types.
+    // 120 to 149: meaning.
+    // 150 to 159: memory.
+    // From 190: what the library says when it loads the document.
+};
+
+/// What is known about a code. The texts are Markdown.
+struct CodeEntry
+{
+    Code code;
+    Severity severity;
+    const char* title;       ///< a phrase without a capital and a full stop
+    const char* explanation; ///< a paragraph: what happens, and what to do
+    const char* bad;         ///< a piece of a document that is reported
+    const char* good;        ///< the same, corrected
+};
+
+using CodeTable = std::vector<CodeEntry>;
+
+// One table a family, in a file of its own; Code.cpp lists them.
+const CodeTable& TextCodes();
+
+/// Gives all codes in ascending order.
+const std::vector<const CodeEntry*>& AllCodes();
+
+/// Gives the entry of a code. Every code has one.
+const CodeEntry& GetEntry(Code code);
+/// Gives the entry of a name such as "VELL012", upper or lower case; null when there is none.
+const CodeEntry* FindEntry(std::string_view name);
+
+/// Gives "VELL012".
+std::string NameOf(Code code);
+/// Gives "error", "warning" or "note".
+const char* NameOf(Severity severity);
+
+/// Gives the page of all codes, docs/checks.md.
+std::string CodesPage();
+/// Gives what --explain prints about one.
+std::string Explain(const CodeEntry& entry);
+
+} // namespace vell::check

@@ -1,0 +1,40 @@
+// VELL: data-driven hierarchical state machines.
+// tools/check/Finding.h: what the check found in a document.
+#pragma once
+
+#include "tools/check/Code.h"
+#include "tools/source/Value.h"
+
+#include <string>
+#include <vector>
+
+namespace vell::check
+{
+
+/// One thing that is wrong with a document.
+struct Finding
+{
+    Code code = Code::Empty;
+    source::Span where;
+    std::string message; ///< a sentence without a capital and a full stop
+    std::string hint;    ///< what to do: "did you mean 'less'?"; empty when there is none
+    bool hasOther = false;
+    source::Span other;    ///< a second place, such as that of the first of two equal ids
+    std::string otherNote; ///< what is there: "the first is here"
+};
+
+/// Collects what is found.
+class Findings
+{
+public:
+    Finding& Add(Code code, const source::Span& where, std::string message, std::string hint = {});
+    /// The same, with a second place.
+    Finding& Add(Code code, const source::Span& where, std::string message, std::string hint,
+                 const source::Span& other, std::string otherNote);
+
+    bool HasErrors() const;
+
+    std::vector<Finding> list;
+};
+
+} // namespace vell::check
