@@ -4,6 +4,8 @@
 #include <vell/HSMAlloc.h>
 
 #include "definitions/AttribDefs.h"
+#include "definitions/AttribTypes.h"
+#include "document/DataMembers.h"
 #include "document/JsonReader.h"
 #include "document/NumberText.h"
 #include "document/VectorWidth.h"
@@ -15,8 +17,6 @@ namespace vell
 {
 namespace
 {
-
-constexpr const char* kDataMember = "ATTRIB_Data";
 
 /// Places the attribute class of a parameter type in the arena. Null when there is no space.
 AttribBase* PlaceAttrib(int type, HSMAlloc& alloc)
@@ -43,17 +43,7 @@ AttribBase* PlaceAttrib(int type, HSMAlloc& alloc)
 /// Gives the parameter type of an attribute type name, or 0.
 int FindAttribType(const char* typeName)
 {
-    static constexpr struct
-    {
-        const char* name;
-        int type;
-    } kTypes[] = {
-        {"QString", DURMBaseLib::PARAM_Message},  {"int", DURMBaseLib::PARAM_Integer},
-        {"double", DURMBaseLib::PARAM_Float},     {"QVector2D", DURMBaseLib::PARAM_Float2},
-        {"QVector3D", DURMBaseLib::PARAM_Float3}, {"QVector4D", DURMBaseLib::PARAM_Float4},
-        {"bool", DURMBaseLib::PARAM_Bool},
-    };
-    for (const auto& entry : kTypes)
+    for (const AttribType& entry : kAttribTypes)
     {
         if (EqualsIgnoringCase(typeName, entry.name))
         {
@@ -109,7 +99,7 @@ int BaseDef::Init_Attrib(const GenericValue& element, HSMAlloc* alloc)
 {
     ERROR_RETURN(element.IsObject(), 0);
     // Required: an attribute without its data, or without a type in it, is skipped without a line.
-    const GenericValue* array = FindMember(element, kDataMember);
+    const GenericValue* array = FindMember(element, kAttribDataMember);
     if (array == nullptr)
     {
         return 1;

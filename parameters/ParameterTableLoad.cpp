@@ -4,6 +4,7 @@
 #include <vell/HSMAlloc.h>
 #include <vell/Parameters.h>
 
+#include "document/DataMembers.h"
 #include "document/JsonReader.h"
 #include "document/NumberText.h"
 #include "document/VectorWidth.h"
@@ -14,8 +15,6 @@ namespace vell
 {
 namespace
 {
-
-constexpr const char* kVectorMember = "VARIANT_Data";
 
 /// Places the class of a parameter type in the arena. Null when there is no space.
 ParameterDef* PlaceParameter(int type, HSMAlloc& alloc)
@@ -142,7 +141,7 @@ ParameterDef* ParameterTable::CreateParameterDef(const GenericValue& node, HSMAl
             {
                 ERROR_BREAK(defaultMember.IsArray());
                 const char* text =
-                    ReadText(GetMember(GetFirstElement(defaultMember), kVectorMember));
+                    ReadText(GetMember(GetFirstElement(defaultMember), kVectorDataMember));
                 ERROR_BREAK(ReadNumbers(text, vector, width));
             }
             PlaceValue(*placed, type);

@@ -99,6 +99,8 @@ Findings CheckDocument(const source::Text& text)
     CheckText(document, findings);
     if (text.isWhole)
     {
+        CheckMembers(document, findings);
+        CheckWords(document, findings);
         LeaveOutAllowed(document.root, findings);
     }
     std::stable_sort(findings.list.begin(), findings.list.end(),

@@ -29,6 +29,8 @@ Findings CheckDocument(const source::Text& text);
 
 /// The member by which an object allows what is wrong with it: an array of codes.
 constexpr const char* kAllowMember = "$allow";
+/// The member that any object may have, and nobody reads.
+constexpr const char* kCommentMember = "$comment";
 /// The member of the root by which an editor finds the schema.
 constexpr const char* kSchemaMember = "$schema";
 

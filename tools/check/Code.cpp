@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
+#include <sstream>
 #include <stdexcept>
 
 namespace vell::check
@@ -20,7 +21,12 @@ struct Family
 
 constexpr Family kFamilies[] = {
     {"Text", TextCodes},
+    {"Members", MemberCodes},
+    {"Words", WordCodes},
 };
+
+constexpr std::size_t kPageWidth = 118;
+constexpr std::size_t kTerminalWidth = 80;
 
 constexpr const char* kPageHead = R"(# What `vell check` finds
 
@@ -34,6 +40,22 @@ word. Each finding has a code. `vell check --explain CODE` prints its section of
 `--allow CODE` leaves a code out. The member `"$allow": ["CODE"]` does so for the object that it is in and for all
 within it.
 )";
+
+/// Breaks a paragraph into lines.
+std::string Wrap(const std::string& paragraph, std::size_t width)
+{
+    std::string all;
+    std::size_t line = 0;
+    std::istringstream words(paragraph);
+    for (std::string word; words >> word;)
+    {
+        const bool fits = line + 1 + word.size() <= width;
+        all += line == 0 ? "" : fits ? " " : "\n";
+        line = line == 0 || !fits ? word.size() : line + 1 + word.size();
+        all += word;
+    }
+    return all;
+}
 
 std::string Example(const char* title, const char* text)
 {
@@ -122,10 +144,12 @@ std::string CodesPage()
         for (const CodeEntry& entry : family.table())
         {
             page += "\n### " + NameOf(entry.code) + ": " + entry.title + "\n\n" +
-                    (entry.severity == Severity::Error     ? "An error. "
-                     : entry.severity == Severity::Warning ? "A warning. "
-                                                           : "A note. ") +
-                    entry.explanation + "\n\n" + Example("Reported:", entry.bad) + "\n" +
+                    Wrap(std::string(entry.severity == Severity::Error     ? "An error. "
+                                     : entry.severity == Severity::Warning ? "A warning. "
+                                                                           : "A note. ") +
+                             entry.explanation,
+                         kPageWidth) +
+                    "\n\n" + Example("Reported:", entry.bad) + "\n" +
                     Example("Correct:", entry.good);
         }
     }
@@ -144,8 +168,8 @@ std::string Explain(const CodeEntry& entry)
         return all + "\n";
     };
     return NameOf(entry.code) + " (" + NameOf(entry.severity) + "): " + entry.title + "\n\n" +
-           entry.explanation + "\n\nReported:\n\n" + indented(entry.bad) + "\nCorrect:\n\n" +
-           indented(entry.good);
+           Wrap(entry.explanation, kTerminalWidth) + "\n\nReported:\n\n" + indented(entry.bad) +
+           "\nCorrect:\n\n" + indented(entry.good);
 }
 
 } // namespace vell::check

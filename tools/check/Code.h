@@ -53,6 +53,7 @@ enum class Code : int
     VectorText = 30,
     FurtherElements = 31,
     NoElement = 32,
+    UnknownCode = 33,
     // 40 to 49: words.
     UnknownBuilder = 40,
     UnknownOperator = 41,
@@ -86,6 +87,8 @@ using CodeTable = std::vector<CodeEntry>;
 
 // One table a family, in a file of its own; Code.cpp lists them.
 const CodeTable& TextCodes();
+const CodeTable& MemberCodes();
+const CodeTable& WordCodes();
 
 /// Gives all codes in ascending order.
 const std::vector<const CodeEntry*>& AllCodes();

@@ -52,18 +52,33 @@ std::size_t Distance(const std::string& left, const std::string& right)
     return last.back();
 }
 
-/// A word of which the other is the front: "less" of "lessThan", "enter" of "entering".
-bool IsFrontOf(const std::string& left, const std::string& right)
+/// Words with a long front in common: "less" and "lessThan", "childs" and "children".
+bool HaveOneFront(const std::string& left, const std::string& right)
 {
     const std::size_t shorter = std::min(left.size(), right.size());
-    return shorter >= 3 && left.compare(0, shorter, right, 0, shorter) == 0;
+    const auto ends = std::mismatch(
+        left.begin(), left.begin() + static_cast<std::ptrdiff_t>(shorter), right.begin());
+    const auto common = static_cast<std::size_t>(ends.first - left.begin());
+    return common >= 3 && common * 3 >= shorter * 2;
+}
+
+/// Words of the same letters: "stickLeft" and "leftStick".
+bool HaveTheSameLetters(const std::string& left, const std::string& right)
+{
+    return left.size() == right.size() && left.size() >= 4 &&
+           std::is_permutation(left.begin(), left.end(), right.begin());
 }
 
 std::size_t Farness(const std::string& wrong, const std::string& word)
 {
     const std::size_t distance = Distance(wrong, word);
     const std::size_t limit = std::max<std::size_t>(1, std::min(wrong.size(), word.size()) / 3);
-    return distance <= limit ? distance : IsFrontOf(wrong, word) ? limit + 1 : kFar;
+    if (distance <= limit)
+    {
+        return distance;
+    }
+    return HaveOneFront(wrong, word) || HaveTheSameLetters(wrong, word) ? kLongest + distance
+                                                                        : kFar;
 }
 
 } // namespace

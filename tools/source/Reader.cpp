@@ -454,9 +454,9 @@ private:
         frame.value.members.push_back(std::move(frame.member));
     }
 
-    void FindDuplicates(const Value& object)
+    void FindDuplicates(Value& object)
     {
-        const std::vector<Member>& members = object.members;
+        std::vector<Member>& members = object.members;
         if (members.size() < 2)
         {
             return;
@@ -474,12 +474,13 @@ private:
         for (std::size_t i = 1; i < order.size(); ++i)
         {
             const Member& earlier = members[order[first]];
-            const Member& member = members[order[i]];
+            Member& member = members[order[i]];
             if (member.name != earlier.name)
             {
                 first = i;
                 continue;
             }
+            member.isRepeated = true;
             Problem& problem = Report(Flaw::Duplicate, member.nameSpan,
                                       "the member '" + member.name + "' is already on line " +
                                           std::to_string(earlier.nameSpan.begin.line) +

@@ -74,8 +74,9 @@ public:
 /// A name and its value.
 struct Member
 {
-    std::string name; ///< decoded
-    Span nameSpan;    ///< with the quotes
+    std::string name;        ///< decoded
+    Span nameSpan;           ///< with the quotes
+    bool isRepeated = false; ///< an earlier member of the object has its name: this one is not read
     Value value;
 };
 

@@ -2,6 +2,7 @@
 // tools/vell/Commands.cpp: the list of the commands. A new one gets an include and a line here.
 #include "tools/vell/Commands.h"
 
+#include "tools/vell/CheckCommand.h"
 #include "tools/vell/ContextCommand.h"
 #include "tools/vell/GraphCommand.h"
 #include "tools/vell/RunCommand.h"
@@ -12,6 +13,7 @@ namespace vell::tool
 
 void AddCommands(CLI::App& app, Session& session)
 {
+    AddCheckCommand(app, session);
     AddRunCommand(app, session);
     AddGraphCommand(app, session);
     AddTreeCommand(app, session);

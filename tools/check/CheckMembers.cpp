@@ -1,0 +1,234 @@
+// VELL: data-driven hierarchical state machines.
+// tools/check/CheckMembers.cpp: members that are unknown, missing, or have no place there.
+#include "tools/check/Check.h"
+#include "tools/check/CheckValue.h"
+#include "tools/check/MemberTable.h"
+#include "tools/check/Nearest.h"
+#include "tools/check/Walk.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace vell::check
+{
+namespace
+{
+
+using source::Member;
+using source::Value;
+using namespace DURMBaseLib;
+
+std::vector<std::string_view> NamesOf(const Visit& visit)
+{
+    std::vector<std::string_view> names;
+    for (const MemberRule& rule : RulesOf(visit.kind))
+    {
+        names.emplace_back(rule.name);
+    }
+    if (visit.kind == ObjectKind::Node)
+    {
+        for (const MemberRule& rule : RulesOfBuilder(visit.builder))
+        {
+            names.emplace_back(rule.name);
+        }
+    }
+    return names;
+}
+
+/// A node whose builder is a host's own, which may read any member.
+bool IsHostNode(const Visit& visit)
+{
+    return visit.kind == ObjectKind::Node && visit.builder != 0 &&
+           !IsStandardBuilder(visit.builder);
+}
+
+/// A member that is not the machine's business.
+bool IsRemark(const Visit& visit, const std::string& name)
+{
+    return name == kCommentMember || name == kAllowMember ||
+           (name == kSchemaMember && visit.kind == ObjectKind::Root);
+}
+
+void CheckUnknown(const Visit& visit, const Member& member, Findings& findings)
+{
+    if (IsRemark(visit, member.name) || IsHostNode(visit))
+    {
+        return;
+    }
+    const std::string owners = OwnersOf(member.name);
+    if (!owners.empty())
+    {
+        // Of a node without a builder nobody knows what it should have.
+        if (visit.kind != ObjectKind::Node || visit.builder != 0)
+        {
+            findings.Add(Code::MisplacedMember, member.nameSpan,
+                         NameOf(visit) + " does not read the member '" + member.name + "'",
+                         "it belongs in " + owners);
+        }
+        return;
+    }
+    findings.Add(Code::UnknownMember, member.nameSpan, "unknown member '" + member.name + "'",
+                 DidYouMean(member.name, NamesOf(visit)));
+}
+
+/// The ids of nodes and parameters are the business of the family of ids.
+bool IsIdOfItsOwn(const Visit& visit, const MemberRule& rule)
+{
+    return (visit.kind == ObjectKind::Node || visit.kind == ObjectKind::Parameter) &&
+           std::string_view(rule.name) == GetJsonName(JSON_ID);
+}
+
+/// The place of an object's opening bracket.
+source::Span OpeningOf(const Value& object)
+{
+    source::Span span{object.span.begin, object.span.begin};
+    ++span.end.column;
+    ++span.end.offset;
+    return span;
+}
+
+void AddMissing(const Visit& visit, const char* name, Findings& findings)
+{
+    findings.Add(Code::MissingMember, OpeningOf(visit.object),
+                 NameOf(visit) + " has no member '" + name + "'");
+}
+
+void CheckRequired(const Visit& visit, const MemberRules& rules, Findings& findings)
+{
+    for (const MemberRule& rule : rules)
+    {
+        if (rule.isRequired && !IsIdOfItsOwn(visit, rule) &&
+            visit.object.Find(rule.name) == nullptr)
+        {
+            AddMissing(visit, rule.name, findings);
+        }
+    }
+}
+
+void CheckVectorDefault(const Visit& visit, Findings& findings)
+{
+    if (visit.kind == ObjectKind::Parameter && VectorWidthOf(visit.object) != 0 &&
+        visit.object.Find(GetJsonName(JSON_ParameterDefault)) == nullptr)
+    {
+        AddMissing(visit, GetJsonName(JSON_ParameterDefault), findings);
+    }
+}
+
+/// A member that is read only when another one is there.
+void CheckPair(const Visit& visit, __JSONTYPES__ member, __JSONTYPES__ other, Findings& findings)
+{
+    const Member* found = visit.object.FindMember(GetJsonName(member));
+    if (found != nullptr && visit.object.Find(GetJsonName(other)) == nullptr)
+    {
+        findings.Add(Code::MemberWithoutOther, found->nameSpan,
+                     std::string("'") + GetJsonName(member) + "' is read only beside '" +
+                         GetJsonName(other) + "'");
+    }
+}
+
+void CheckPairs(const Visit& visit, Findings& findings)
+{
+    if (visit.builder == BUILDER_Transition)
+    {
+        CheckPair(visit, JSON_TransitionTagArgument, JSON_TransitionTag, findings);
+    }
+    if (visit.builder == BUILDER_AnimClip)
+    {
+        CheckPair(visit, JSON_ClipSecondaryB, JSON_ClipSecondaryA, findings);
+    }
+}
+
+void CheckVersion(const Visit& visit, Findings& findings)
+{
+    if (visit.kind != ObjectKind::Head)
+    {
+        return;
+    }
+    const Value* version = visit.object.Find(GetJsonName(JSON_HeadVersion));
+    if (version == nullptr || !version->IsInteger())
+    {
+        return;
+    }
+    for (const Member& member : visit.object.members)
+    {
+        const MemberRule* rule = FindRule(visit, member.name);
+        if (rule != nullptr && version->ReadUInt() < rule->version)
+        {
+            findings.Add(Code::VersionTooLow, version->span,
+                         "a head of version " + version->text + " does not read '" + member.name +
+                             "'",
+                         "write 3");
+        }
+    }
+}
+
+void CheckAllow(const Member& member, Findings& findings)
+{
+    if (!member.value.IsArray())
+    {
+        findings.Add(Code::WrongType, member.value.span,
+                     "'$allow' must be an array of codes, not " + Describe(member.value),
+                     "write [\"VELL020\"]");
+    }
+    for (const Value& code : member.value.elements)
+    {
+        if (!code.IsString() || FindEntry(code.text) == nullptr)
+        {
+            findings.Add(Code::UnknownCode, code.span,
+                         "unknown code " +
+                             (code.IsString() ? "'" + code.text + "'" : Describe(code)));
+        }
+    }
+}
+
+void CheckObject(const Visit& visit, Findings& findings)
+{
+    for (const Member& member : visit.object.members)
+    {
+        if (member.isRepeated)
+        {
+            continue;
+        }
+        const MemberRule* rule = FindRule(visit, member.name);
+        if (rule != nullptr)
+        {
+            CheckValue(visit, *rule, member.value, findings);
+        }
+        else
+        {
+            CheckUnknown(visit, member, findings);
+        }
+        if (member.name == kAllowMember)
+        {
+            CheckAllow(member, findings);
+        }
+    }
+    CheckRequired(visit, RulesOf(visit.kind), findings);
+    if (visit.kind == ObjectKind::Node)
+    {
+        CheckRequired(visit, RulesOfBuilder(visit.builder), findings);
+    }
+    CheckVectorDefault(visit, findings);
+    CheckPairs(visit, findings);
+    CheckVersion(visit, findings);
+}
+
+} // namespace
+
+void CheckMembers(const Document& document, Findings& findings)
+{
+    if (!document.root.IsObject())
+    {
+        findings.Add(Code::WrongType, document.root.span,
+                     "the document is an object, not " + Describe(document.root));
+        return;
+    }
+    VisitObjects(document.root,
+                 [&findings](const Visit& visit)
+                 {
+                     CheckObject(visit, findings);
+                 });
+}
+
+} // namespace vell::check

@@ -1,0 +1,108 @@
+// VELL: data-driven hierarchical state machines.
+// tools/check/CheckWords.cpp: words that the vocabulary does not have.
+#include "tools/check/Check.h"
+#include "tools/check/MemberTable.h"
+#include "tools/check/Nearest.h"
+#include "tools/check/Walk.h"
+
+#include <string>
+
+namespace vell::check
+{
+namespace
+{
+
+using source::Value;
+
+/// Lists of up to this many words are told whole when no word is near.
+constexpr std::size_t kShortList = 10;
+
+Code CodeOf(Words words)
+{
+    switch (words)
+    {
+    case Words::Builders:
+        return Code::UnknownBuilder;
+    case Words::Operators:
+        return Code::UnknownOperator;
+    case Words::ParameterTypes:
+        return Code::UnknownParameterType;
+    case Words::ConditionTypes:
+        return Code::UnknownConditionType;
+    case Words::Inputs:
+        return Code::UnknownInput;
+    case Words::MachineTypes:
+        return Code::UnknownMachineType;
+    case Words::Connectors:
+        return Code::UnknownConnector;
+    case Words::AttributeTypes:
+    case Words::None:
+        break;
+    }
+    return Code::UnknownAttributeType;
+}
+
+std::string HintFor(Words words, const std::string& wrong)
+{
+    const std::vector<std::string_view>& list = WordsOf(words);
+    const std::string nearest = DidYouMean(wrong, list);
+    if (!nearest.empty())
+    {
+        return nearest;
+    }
+    if (list.size() > kShortList)
+    {
+        return "see the list in docs/document-format.md";
+    }
+    std::string all = "expected ";
+    for (std::size_t i = 0; i < list.size(); ++i)
+    {
+        all += i == 0 ? "'" : i + 1 == list.size() ? "' or '" : "', '";
+        all += list[i];
+    }
+    return all + "'";
+}
+
+void CheckWord(const MemberRule& rule, const Value& value, Findings& findings)
+{
+    const int number = NumberOf(rule.words, value.text);
+    if (number == 0 && rule.words == Words::ConditionTypes &&
+        NumberOf(Words::ParameterTypes, value.text) != 0)
+    {
+        findings.Add(Code::UnknownConditionType, value.span,
+                     "a condition cannot test a parameter of type '" + value.text + "'",
+                     HintFor(rule.words, ""));
+    }
+    else if (number == 0)
+    {
+        findings.Add(CodeOf(rule.words), value.span,
+                     std::string("unknown ") + TitleOf(rule.words) + " '" + value.text + "'",
+                     HintFor(rule.words, value.text));
+    }
+    else if (rule.words == Words::ParameterTypes && number == DURMBaseLib::PARAM_Text)
+    {
+        findings.Add(Code::TextParameter, value.span, "do not use the type '" + value.text + "'",
+                     "write 'message'");
+    }
+}
+
+} // namespace
+
+void CheckWords(const Document& document, Findings& findings)
+{
+    VisitObjects(document.root,
+                 [&findings](const Visit& visit)
+                 {
+                     for (const source::Member& member : visit.object.members)
+                     {
+                         const MemberRule* rule =
+                             member.value.IsString() ? FindRule(visit, member.name) : nullptr;
+                         if (rule != nullptr && rule->words != Words::None && !member.isRepeated)
+                         {
+                             CheckWord(*rule, member.value, findings);
+                         }
+                     }
+                 });
+}
+
+} // namespace vell::check

@@ -1,0 +1,172 @@
+// VELL: data-driven hierarchical state machines.
+// tools/check/OutputText.cpp: findings for people.
+#include "tools/check/Output.h"
+#include "tools/check/Printable.h"
+#include "tools/source/Cursor.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace vell::check
+{
+namespace
+{
+
+constexpr std::size_t kWidth = 100; ///< characters of a line that are shown
+constexpr std::size_t kBefore = 40; ///< of them before the mark, where the line is longer
+
+/// The escape sequences of a terminal (ECMA-48), or nothing.
+struct Colors
+{
+    const char* bold = "";
+    const char* severity = "";
+    const char* mark = "";
+    const char* end = "";
+};
+
+Colors ColorsOf(Severity severity, bool hasColor)
+{
+    if (!hasColor)
+    {
+        return {};
+    }
+    const char* color = severity == Severity::Error     ? "\033[1;31m"
+                        : severity == Severity::Warning ? "\033[1;35m"
+                                                        : "\033[1;36m";
+    return {"\033[1m", color, "\033[1;32m", "\033[0m"};
+}
+
+/// The bytes of `line` from its character `from` on, `count` characters.
+std::string_view Characters(std::string_view line, std::size_t from, std::size_t count)
+{
+    source::Cursor cursor(line);
+    for (std::size_t i = 0; i < from && !cursor.AtEnd(); ++i)
+    {
+        cursor.AdvanceCharacter();
+    }
+    const std::size_t begin = cursor.Offset();
+    for (std::size_t i = 0; i < count && !cursor.AtEnd(); ++i)
+    {
+        cursor.AdvanceCharacter();
+    }
+    return cursor.From(begin);
+}
+
+std::size_t CharactersIn(std::string_view text)
+{
+    source::Cursor cursor(text);
+    std::size_t count = 0;
+    for (; !cursor.AtEnd(); ++count)
+    {
+        cursor.AdvanceCharacter();
+    }
+    return count;
+}
+
+/// The line of the document and, below it, a mark.
+std::string ShowPlace(const source::Text& text, const source::Span& span, const Colors& colors)
+{
+    const std::string line = source::GetLine(text.bytes, span.begin);
+    const std::size_t length = CharactersIn(line);
+    const std::size_t at = std::min<std::size_t>(span.begin.column - 1, length);
+    const std::size_t first = length <= kWidth || at <= kBefore ? 0 : at - kBefore;
+    const bool isCut = first + kWidth < length;
+    const std::string_view shown = Characters(line, first, kWidth);
+    const bool isOneLine = span.end.line == span.begin.line;
+    const std::size_t end = isOneLine ? span.end.column - 1 : length;
+    const std::size_t last = std::min(end, first + kWidth);
+    const std::string front = first == 0 ? "" : "...";
+    std::string all = "    " + front + ToPrintable(shown) + (isCut ? "..." : "") + "\n";
+    all += "    " + std::string(front.size() + at - first, ' ') + colors.mark + "^";
+    all += std::string(last > at + 1 ? last - at - 1 : 0, '~') + colors.end + "\n";
+    return all;
+}
+
+std::string PlaceText(const CheckedDocument& document, const source::Place& place)
+{
+    return ToPrintable(document.path) + ":" + std::to_string(place.line) + ":" +
+           std::to_string(place.column) + ": ";
+}
+
+std::string Plural(std::size_t count, const char* noun)
+{
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+} // namespace
+
+Counts Count(const Findings& findings)
+{
+    Counts counts;
+    for (const Finding& finding : findings.list)
+    {
+        const Severity severity = GetEntry(finding.code).severity;
+        ++(severity == Severity::Error     ? counts.errors
+           : severity == Severity::Warning ? counts.warnings
+                                           : counts.notes);
+    }
+    return counts;
+}
+
+Counts Count(const CheckedDocuments& documents)
+{
+    Counts all;
+    for (const CheckedDocument& document : documents)
+    {
+        const Counts counts = Count(document.findings);
+        all.errors += counts.errors;
+        all.warnings += counts.warnings;
+        all.notes += counts.notes;
+    }
+    return all;
+}
+
+std::string ToText(const CheckedDocument& document, bool hasColor)
+{
+    std::string all;
+    for (const Finding& finding : document.findings.list)
+    {
+        const Severity severity = GetEntry(finding.code).severity;
+        const Colors colors = ColorsOf(severity, hasColor);
+        all += colors.bold + PlaceText(document, finding.where.begin) + colors.end;
+        all += std::string(colors.severity) + NameOf(severity) + " " + NameOf(finding.code) + ":" +
+               colors.end + " ";
+        all += ToPrintable(finding.message);
+        all += finding.hint.empty() ? "\n" : "; " + ToPrintable(finding.hint) + "\n";
+        all += ShowPlace(document.text, finding.where, colors);
+        if (finding.hasOther)
+        {
+            const Colors note = ColorsOf(Severity::Note, hasColor);
+            all += note.bold + PlaceText(document, finding.other.begin) + note.end + note.severity +
+                   "note:" + note.end + " " + ToPrintable(finding.otherNote) + "\n";
+            all += ShowPlace(document.text, finding.other, note);
+        }
+    }
+    return all;
+}
+
+std::string SummaryOf(const CheckedDocuments& documents)
+{
+    const Counts counts = Count(documents);
+    std::vector<std::string> parts;
+    const auto add = [&parts](std::size_t count, const char* noun)
+    {
+        if (count != 0)
+        {
+            parts.push_back(Plural(count, noun));
+        }
+    };
+    add(counts.errors, "error");
+    add(counts.warnings, "warning");
+    add(counts.notes, "note");
+    std::string text;
+    for (std::size_t i = 0; i < parts.size(); ++i)
+    {
+        text += i == 0 ? "" : i + 1 == parts.size() ? " and " : ", ";
+        text += parts[i];
+    }
+    return (text.empty() ? "nothing found" : text) + " in " + Plural(documents.size(), "document") +
+           "\n";
+}
+
+} // namespace vell::check

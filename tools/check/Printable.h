@@ -1,0 +1,15 @@
+// VELL: data-driven hierarchical state machines.
+// tools/check/Printable.h: pieces of a document that are safe to show.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace vell::check
+{
+
+/// Gives `text` with one printable character for each of its characters: a blank for a tab, and a
+/// replacement character for other control characters and for bytes that are not UTF-8.
+std::string ToPrintable(std::string_view text);
+
+} // namespace vell::check

@@ -1,0 +1,232 @@
+// VELL: data-driven hierarchical state machines.
+// tools/vell/CheckCommand.cpp: checking documents.
+#include "tools/vell/CheckCommand.h"
+
+#include <durm/DURMBaseLib.h>
+
+#include "tools/check/Check.h"
+#include "tools/check/Output.h"
+#include "tools/vell/CommandLine.h"
+#include "tools/vell/DocumentFiles.h"
+#include "tools/vell/Session.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace vell::tool
+{
+namespace
+{
+
+using check::CheckedDocument;
+using check::CheckedDocuments;
+
+constexpr const char* kCheckHelp = R"(
+A DOCUMENT may be a folder, which stands for all files *.json in it, or - for
+standard input. Each finding is a line such as
+
+  hero.json:12:29: error VELL041: unknown operator 'lessThan'; did you mean 'less'?
+
+An error: the library refuses the document or loses a part of it, or a
+reference leads nowhere. A warning: it is accepted, but hardly meant.
+
+In a document, the member "$allow": ["CODE"] leaves a code out for the object
+it is in and for all within it.
+
+Exit codes: 0 no errors, 1 errors (with --strict also warnings), 2 invalid
+command line, or a file that cannot be read.)";
+
+struct CheckOptions
+{
+    std::vector<std::string> paths;
+    std::vector<std::string> allowed;
+    std::string explained;
+    std::string color = "auto";
+    bool isStrict = false;
+};
+
+bool WantsColor(const CheckOptions& options, const std::ostream& out)
+{
+    const char* noColor = std::getenv("NO_COLOR");
+    const bool isRefused = noColor != nullptr && *noColor != '\0';
+    const bool isTerminal = &out == &std::cout && isatty(STDOUT_FILENO) != 0;
+    return options.color == "always" || (options.color == "auto" && isTerminal && !isRefused);
+}
+
+/// A file of a folder that is JSON, but has nothing of a machine.
+bool IsNoMachine(const source::Text& text)
+{
+    using namespace DURMBaseLib;
+    const auto has = [&text](__JSONTYPES__ member)
+    {
+        return text.root.Find(GetJsonName(member)) != nullptr;
+    };
+    return text.isWhole && !has(JSON_Head) && !has(JSON_Layers) && !has(JSON_Parameters) &&
+           !has(JSON_Nodes) && !has(JSON_Global);
+}
+
+class CheckRun
+{
+public:
+    CheckRun(Session& newSession, const CheckOptions& newOptions)
+        : session(newSession), options(newOptions)
+    {
+    }
+
+    int Run()
+    {
+        if (!options.explained.empty())
+        {
+            return ExplainCode();
+        }
+        if (options.paths.empty())
+        {
+            session.errors << "DOCUMENT is required; see: vell check --help\n";
+            return ExitUsage;
+        }
+        for (const std::string& name : options.allowed)
+        {
+            if (check::FindEntry(name) == nullptr)
+            {
+                session.errors << "--allow: unknown code '" << name << "'\n";
+                return ExitUsage;
+            }
+        }
+        CheckAll();
+        Show();
+        return ExitCode();
+    }
+
+private:
+    int ExplainCode()
+    {
+        const check::CodeEntry* entry = check::FindEntry(options.explained);
+        if (entry == nullptr)
+        {
+            session.errors << "--explain: unknown code '" << options.explained << "'\n";
+            return ExitUsage;
+        }
+        session.out << check::Explain(*entry);
+        return ExitWell;
+    }
+
+    void CheckAll()
+    {
+        for (const DocumentFile& file : FindDocuments(options.paths))
+        {
+            FileText text = ReadWholeFile(file.path);
+            if (!text.error.empty())
+            {
+                session.errors << file.path << ": cannot read the file: " << text.error << '\n';
+                hasUnread = true;
+                continue;
+            }
+            CheckedDocument document;
+            document.path = file.path == "-" ? "stdin" : file.path;
+            document.text = source::ReadText(std::move(text.bytes));
+            if (!file.isNamed && IsNoMachine(document.text))
+            {
+                ++skipped;
+                continue;
+            }
+            document.findings = check::CheckDocument(document.text);
+            LeaveOutAllowed(document.findings);
+            document.text.root = source::Value(); // Only the bytes are needed to show it.
+            documents.push_back(std::move(document));
+        }
+    }
+
+    void LeaveOutAllowed(check::Findings& findings) const
+    {
+        const auto isAllowed = [this](const check::Finding& finding)
+        {
+            return std::any_of(options.allowed.begin(), options.allowed.end(),
+                               [&finding](const std::string& name)
+                               {
+                                   return check::FindEntry(name)->code == finding.code;
+                               });
+        };
+        std::vector<check::Finding>& list = findings.list;
+        list.erase(std::remove_if(list.begin(), list.end(), isAllowed), list.end());
+    }
+
+    void Show()
+    {
+        if (session.options.format == "json")
+        {
+            session.out << check::ToJson(documents);
+            return;
+        }
+        if (session.options.format == "sarif")
+        {
+            session.out << check::ToSarif(documents, VELL_VERSION);
+            return;
+        }
+        const bool hasColor = WantsColor(options, session.out);
+        for (const CheckedDocument& document : documents)
+        {
+            session.out << check::ToText(document, hasColor);
+        }
+        if (!documents.empty())
+        {
+            session.out << check::SummaryOf(documents);
+        }
+        if (skipped != 0)
+        {
+            session.out << "left out " << skipped << (skipped == 1 ? " file" : " files")
+                        << " without a machine\n";
+        }
+    }
+
+    int ExitCode() const
+    {
+        if (hasUnread || documents.empty())
+        {
+            return ExitUsage;
+        }
+        const check::Counts counts = check::Count(documents);
+        const bool hasFailed = counts.errors != 0 || (options.isStrict && counts.warnings != 0);
+        return hasFailed ? ExitFailed : ExitWell;
+    }
+
+    Session& session;
+    const CheckOptions& options;
+    CheckedDocuments documents;
+    std::size_t skipped = 0;
+    bool hasUnread = false;
+};
+
+} // namespace
+
+void AddCheckCommand(CLI::App& app, Session& session)
+{
+    const auto options = std::make_shared<CheckOptions>();
+    CLI::App* command = session.AddCommand(app, "check", "Finds what is wrong with documents",
+                                           [&session, options]
+                                           {
+                                               return CheckRun(session, *options).Run();
+                                           });
+    command->add_option("DOCUMENT", options->paths, "Machine documents and folders of them");
+    command->add_option("--allow", options->allowed, "Leave this code out; may be repeated")
+        ->allow_extra_args(false)
+        ->delimiter(',')
+        ->type_name("CODE");
+    command->add_option("--explain", options->explained, "Print what a code means, with an example")
+        ->type_name("CODE");
+    command->add_flag("--strict", options->isStrict, "Exit with 1 for warnings too");
+    session.AddFormat(*command, "text (default), json, or sarif", {"text", "json", "sarif"});
+    command->add_option("--color", options->color, "auto (default), always or never")
+        ->check(CLI::IsMember({"auto", "always", "never"}))
+        ->type_name("WHEN");
+    command->footer(kCheckHelp);
+}
+
+} // namespace vell::tool

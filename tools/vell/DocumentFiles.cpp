@@ -1,0 +1,96 @@
+// VELL: data-driven hierarchical state machines.
+// tools/vell/DocumentFiles.cpp: reading files and walking folders.
+#include "tools/vell/DocumentFiles.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <system_error>
+
+namespace vell::tool
+{
+namespace
+{
+
+namespace fs = std::filesystem;
+
+bool IsHidden(const fs::path& path)
+{
+    const std::string name = path.filename().string();
+    return name.size() > 1 && name[0] == '.' && name != "..";
+}
+
+/// Adds the documents of a folder. False when it cannot be read.
+bool AddFolder(const std::string& folder, std::vector<DocumentFile>& files)
+{
+    std::vector<std::string> found;
+    std::error_code error;
+    fs::recursive_directory_iterator walk(folder, fs::directory_options::skip_permission_denied,
+                                          error);
+    for (const fs::recursive_directory_iterator end; !error && walk != end; walk.increment(error))
+    {
+        std::error_code ignored;
+        if (walk->is_directory(ignored) && IsHidden(walk->path()))
+        {
+            walk.disable_recursion_pending();
+        }
+        else if (walk->is_regular_file(ignored) && walk->path().extension() == ".json")
+        {
+            found.push_back(walk->path().string());
+        }
+    }
+    std::sort(found.begin(), found.end());
+    for (std::string& path : found)
+    {
+        files.push_back({std::move(path), false});
+    }
+    return !error;
+}
+
+} // namespace
+
+FileText ReadWholeFile(const std::string& path)
+{
+    FileText text;
+    if (path == "-")
+    {
+        text.bytes.assign(std::istreambuf_iterator<char>(std::cin), {});
+        return text;
+    }
+    std::error_code ignored;
+    if (fs::is_directory(path, ignored))
+    {
+        text.error = std::strerror(EISDIR);
+        return text;
+    }
+    std::ifstream in(path, std::ios::binary);
+    if (in)
+    {
+        text.bytes.assign(std::istreambuf_iterator<char>(in), {});
+    }
+    if (!in && !in.eof())
+    {
+        text.error = std::strerror(errno);
+    }
+    return text;
+}
+
+std::vector<DocumentFile> FindDocuments(const std::vector<std::string>& paths)
+{
+    std::vector<DocumentFile> files;
+    for (const std::string& path : paths)
+    {
+        std::error_code ignored;
+        if (path == "-" || !fs::is_directory(path, ignored) || !AddFolder(path, files))
+        {
+            files.push_back({path, true});
+        }
+    }
+    return files;
+}
+
+} // namespace vell::tool
