@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(g++ cmake ninja-build rapidjson-dev zlib1g-dev libcli11-dev libgtest-dev libgmock-dev
-          libbenchmark-dev graphviz patch pkg-config python3)
+          libbenchmark-dev graphviz patch pkg-config python3 python3-jsonschema)
 if [[ -n "${CI:-}" && "${CI}" != "false" ]]; then
     packages+=(clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev valgrind gcovr xz-utils
                abigail-tools)

@@ -59,8 +59,11 @@ void CheckUnknown(const Visit& visit, const Member& member, Findings& findings)
     const std::string owners = OwnersOf(member.name);
     if (!owners.empty())
     {
-        // Of a node without a builder nobody knows what it should have.
-        if (visit.kind != ObjectKind::Node || visit.builder != 0)
+        // Of a node without a builder nobody knows what it should have. Nodes at the root are the
+        // business of the family of references.
+        const bool isRoot = visit.kind == ObjectKind::Root;
+        if ((visit.kind != ObjectKind::Node || visit.builder != 0) &&
+            !(isRoot && member.name == GetJsonName(JSON_Nodes)))
         {
             findings.Add(Code::MisplacedMember, member.nameSpan,
                          NameOf(visit) + " does not read the member '" + member.name + "'",
@@ -72,11 +75,14 @@ void CheckUnknown(const Visit& visit, const Member& member, Findings& findings)
                  DidYouMean(member.name, NamesOf(visit)));
 }
 
-/// The ids of nodes and parameters are the business of the family of ids.
-bool IsIdOfItsOwn(const Visit& visit, const MemberRule& rule)
+/// The ids of nodes and parameters, and the conditions of transitions, are the business of the
+/// families of ids and references.
+bool IsOfOtherFamily(const Visit& visit, const MemberRule& rule)
 {
-    return (visit.kind == ObjectKind::Node || visit.kind == ObjectKind::Parameter) &&
-           std::string_view(rule.name) == GetJsonName(JSON_ID);
+    const std::string_view name = rule.name;
+    return (name == GetJsonName(JSON_ID) &&
+            (visit.kind == ObjectKind::Node || visit.kind == ObjectKind::Parameter)) ||
+           (name == GetJsonName(JSON_Conditions) && visit.builder == BUILDER_Transition);
 }
 
 /// The place of an object's opening bracket.
@@ -98,7 +104,7 @@ void CheckRequired(const Visit& visit, const MemberRules& rules, Findings& findi
 {
     for (const MemberRule& rule : rules)
     {
-        if (rule.isRequired && !IsIdOfItsOwn(visit, rule) &&
+        if (rule.isRequired && !IsOfOtherFamily(visit, rule) &&
             visit.object.Find(rule.name) == nullptr)
         {
             AddMissing(visit, rule.name, findings);
@@ -153,7 +159,9 @@ void CheckVersion(const Visit& visit, Findings& findings)
     for (const Member& member : visit.object.members)
     {
         const MemberRule* rule = FindRule(visit, member.name);
-        if (rule != nullptr && version->ReadUInt() < rule->version)
+        // What a machine starts with is the business of the family of references.
+        if (rule != nullptr && version->ReadUInt() < rule->version &&
+            member.name != GetJsonName(JSON_HeadSubstateRoot))
         {
             findings.Add(Code::VersionTooLow, version->span,
                          "a head of version " + version->text + " does not read '" + member.name +

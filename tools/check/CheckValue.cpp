@@ -3,7 +3,6 @@
 #include "tools/check/CheckValue.h"
 
 #include <durm/DURMBaseLib.h>
-#include <vell/ConditionDef.h>
 
 #include "definitions/NodeDefTable.h"
 #include "document/NumberText.h"
@@ -283,23 +282,6 @@ void CheckByType(const Subject& subject, int type)
     }
 }
 
-void CheckOperand(const Visit& visit, const Subject& subject)
-{
-    const int type = TypeOf(*visit.parent, JSON_ConditionType, Words::ConditionTypes);
-    const Value* word = visit.parent->Find(GetJsonName(JSON_ConditionEvaluation));
-    const bool isRange = word != nullptr && word->IsString() &&
-                         NumberOf(Words::Operators, word->text) == EvaluateInRange;
-    if (type == PARAM_Message)
-    {
-        CheckFilled(subject);
-    }
-    // The texts of ranges are the business of the family of types.
-    else if (!isRange || type == PARAM_Bool)
-    {
-        CheckByType(subject, type);
-    }
-}
-
 void CheckAttribute(const Visit& visit, const Subject& subject)
 {
     const int type = TypeOf(visit.object, JSON_AttributeType, Words::AttributeTypes);
@@ -317,7 +299,7 @@ void CheckAttribute(const Visit& visit, const Subject& subject)
     }
 }
 
-/// A value whose type another member gives.
+/// A value whose type another member gives. Operands are the business of the family of types.
 void CheckDependent(const Visit& visit, const MemberRule& rule, const Subject& subject)
 {
     switch (visit.kind)
@@ -335,8 +317,6 @@ void CheckDependent(const Visit& visit, const MemberRule& rule, const Subject& s
             CheckVector(subject, VectorWidthOf(*visit.parent));
         }
         return;
-    case ObjectKind::Operand:
-        return CheckOperand(visit, subject);
     case ObjectKind::AttributeData:
         return CheckAttribute(visit, subject);
     default:
@@ -354,11 +334,6 @@ void CheckArray(const Subject& subject, const MemberRule& rule)
                              value.IsObject() || (isIds && value.IsNumber()) ? "put it in [ ]"
                                                                              : "");
         return;
-    }
-    if (value.elements.empty() && rule.contents == ObjectKind::Condition)
-    {
-        subject.Add(Code::NoElement,
-                    "is empty: the transition fires only by a trigger of the host");
     }
     for (const Value& element : value.elements)
     {

@@ -48,20 +48,16 @@ const CodeTable& MemberCodes()
          "\"walker-1-with-a-name-so-long-that-nobody-will-ever-want-to-read-it-again-at-all\"",
          "\"guid\": \"walker-1\""},
         {Code::EmptyText, Severity::Error, "a text is empty",
-         "The text that a message is compared with, and the file names of the skeleton, may not be "
-         "empty. The condition "
-         "fails, and those behind it are left out; the file name is not stored.",
-         "\"operand\": [{ \"value\": \"\" }]", "\"operand\": [{ \"value\": \"now\" }]"},
+         "The file names of the skeleton may not be empty: the library stores none.",
+         "\"modelFile\": \"\"", "\"modelFile\": \"hero.fbx\""},
         {Code::MemberWithoutOther, Severity::Warning,
          "a member that is read only beside another one",
          "`tagArgument` is read only where there is a `tag`, and `secondaryB` only where there is "
          "a `secondaryA`.",
          "\"tagArgument\": 7", "\"tag\": 1, \"tagArgument\": 7"},
         {Code::VersionTooLow, Severity::Error, "the head's version is too low",
-         "`guid` and `buildId` are read from version 2 on, `substateRoot` and `value84` from "
-         "version 3 on. A machine of a "
-         "lower version than 3 cannot start.",
-         "\"version\": 2, \"substateRoot\": 10", "\"version\": 3, \"substateRoot\": 10"},
+         "`guid` and `buildId` are read from version 2 on, `value84` from version 3 on.",
+         "\"version\": 1, \"guid\": \"walker-1\"", "\"version\": 3, \"guid\": \"walker-1\""},
         {Code::VectorText, Severity::Error, "the text of a vector is invalid",
          "A vector is written as one text with 2, 3 or 4 numbers, separated by commas. Too few "
          "numbers fail; the library "
@@ -73,14 +69,8 @@ const CodeTable& MemberCodes()
          "read.",
          "\"operand\": [{ \"value\": 1 }, { \"value\": 2 }]", "\"operand\": [{ \"value\": 1 }]"},
         {Code::NoElement, Severity::Error, "an empty array",
-         "An empty `operand`, `ATTRIB_Data` or vector's `default` fails as if it were missing. A "
-         "transition without "
-         "conditions is an error line in the log and fires only by a trigger that the host "
-         "registers; where that is "
-         "meant, write `\"$allow\": [\"VELL032\"]` in the transition.",
-         "\"conditions\": []",
-         "\"conditions\": [{ \"conditionType\": \"bool\", \"parameter\": 3564297305,\n"
-         "                 \"operator\": \"equal\", \"operand\": [{ \"value\": true }] }]"},
+         "An empty `operand`, `ATTRIB_Data` or vector's `default` fails as if it were missing.",
+         "\"operand\": []", "\"operand\": [{ \"value\": 0.5 }]"},
         {Code::UnknownCode, Severity::Warning, "an unknown code in `$allow`",
          "The member `\"$allow\"` is an array of codes. One that does not exist allows nothing.",
          "\"$allow\": [\"VELL999\"]", "\"$allow\": [\"VELL020\"]"},

@@ -6,6 +6,7 @@
 #include "tools/vell/ContextCommand.h"
 #include "tools/vell/GraphCommand.h"
 #include "tools/vell/RunCommand.h"
+#include "tools/vell/SchemaCommand.h"
 #include "tools/vell/TreeCommand.h"
 
 namespace vell::tool
@@ -14,6 +15,7 @@ namespace vell::tool
 void AddCommands(CLI::App& app, Session& session)
 {
     AddCheckCommand(app, session);
+    AddSchemaCommand(app, session);
     AddRunCommand(app, session);
     AddGraphCommand(app, session);
     AddTreeCommand(app, session);
