@@ -2,6 +2,8 @@
 // tools/check/Check.cpp: all families in turn, and what a document allows.
 #include "tools/check/Check.h"
 
+#include "tools/check/Rules.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <utility>
@@ -101,6 +103,7 @@ Findings CheckDocument(const source::Text& text)
     {
         CheckMembers(document, findings);
         CheckWords(document, findings);
+        CheckRules(document, findings);
         LeaveOutAllowed(document.root, findings);
     }
     std::stable_sort(findings.list.begin(), findings.list.end(),

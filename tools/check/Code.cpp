@@ -20,9 +20,9 @@ struct Family
 };
 
 constexpr Family kFamilies[] = {
-    {"Text", TextCodes},
-    {"Members", MemberCodes},
-    {"Words", WordCodes},
+    {"Text", TextCodes},       {"Members", MemberCodes},       {"Words", WordCodes},
+    {"Ids", IdCodes},          {"References", ReferenceCodes}, {"Types", TypeCodes},
+    {"Meaning", MeaningCodes}, {"Loading", LoadingCodes},
 };
 
 constexpr std::size_t kPageWidth = 118;

@@ -65,11 +65,75 @@ enum class Code : int
     UnknownAttributeType = 47,
     TextParameter = 48,
     // 50 to 69: ids.
+    NodeIdZero = 50,
+    DuplicateNodeId = 51,
+    ParameterIdZero = 52,
+    DuplicateParameterId = 53,
+    DuplicateParameterName = 54,
+    ParameterIdNotCrc = 55,
     // 70 to 99: references.
+    TargetAbsent = 70,
+    TargetCannotRun = 71,
+    TargetZero = 72,
+    ChildAbsent = 73,
+    ChildZero = 74,
+    ChildOfOther = 75,
+    TransitionUnlisted = 76,
+    TransitionListedTwice = 77,
+    ListerCannotRun = 78,
+    SourceNotLister = 79,
+    ParentNotLevel = 80,
+    TargetOfOtherLevel = 81,
+    ParentWrong = 82,
+    EntryTarget = 83,
+    SubstateEnter = 84,
+    SubstateExit = 85,
+    EndOfOtherLevel = 86,
+    SecondEnterNode = 87,
+    EnterNodeAbsent = 88,
+    EnterNodeCannotRun = 89,
+    StartWrong = 90,
+    ExitConnectorWrong = 91,
+    ConditionParameter = 92,
+    NoConditions = 93,
+    NodesAtRoot = 94,
+    NoLayers = 95,
+    GlobalInLayer = 96,
+    SecondGlobalNode = 97,
+    NoGlobalNode = 98,
+    VersionWithoutStart = 99,
     // 100 to 119: types.
+    ConditionTypeDiffers = 100,
+    ConditionOfVector = 101,
+    OperandType = 102,
+    OperandEmpty = 103,
+    OperandFraction = 104,
+    OperandRange = 105,
+    RangeNotText = 106,
+    RangeText = 107,
+    RangePiece = 108,
+    OperatorUnread = 109,
     // 120 to 149: meaning.
+    StateUnreached = 120,
+    EndUnused = 121,
+    StateNeverLeft = 122,
+    ConditionNever = 123,
+    ConditionAlways = 124,
+    TransitionShadowed = 125,
+    BackAndForth = 126,
+    TransitionToItself = 127,
+    TargetLeftAtOnce = 128,
+    BlipTooWeak = 129,
+    BlipWithoutEnd = 130,
+    ParameterUntested = 131,
+    MessageUnawaited = 132,
+    MessageReset = 133,
     // 150 to 159: memory.
+    MemoryTooSmall = 150,
+    MemoryTooLarge = 151,
     // From 190: what the library says when it loads the document.
+    LibraryError = 190,
+    LibraryWarning = 191,
 };
 
 /// What is known about a code. The texts are Markdown.
@@ -89,6 +153,11 @@ using CodeTable = std::vector<CodeEntry>;
 const CodeTable& TextCodes();
 const CodeTable& MemberCodes();
 const CodeTable& WordCodes();
+const CodeTable& IdCodes();
+const CodeTable& ReferenceCodes();
+const CodeTable& TypeCodes();
+const CodeTable& MeaningCodes();
+const CodeTable& LoadingCodes();
 
 /// Gives all codes in ascending order.
 const std::vector<const CodeEntry*>& AllCodes();

@@ -1,0 +1,304 @@
+// VELL: data-driven hierarchical state machines.
+// tools/check/CheckLevels.cpp: what `children`, `source` and `parentId` say of each other.
+#include "tools/check/NearId.h"
+#include "tools/check/Rules.h"
+
+#include <deque>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace vell::check
+{
+namespace
+{
+
+using namespace DURMBaseLib;
+using source::Value;
+
+bool IsAny(const NodeModel&)
+{
+    return true;
+}
+
+bool IsSubstate(const NodeModel& node)
+{
+    return node.Is(BUILDER_Substate);
+}
+
+void CheckChildren(const DocumentModel& model, const NodeModel& node, Findings& findings)
+{
+    for (const ChildModel& child : node.children)
+    {
+        const std::string begin = "'children' of " + Titled(node) + " names ";
+        if (!child.value->IsNumber())
+        {
+            continue;
+        }
+        if (child.id == 0)
+        {
+            findings.Add(Code::ChildZero, child.value->span,
+                         begin + "0, which means none: the document is refused");
+        }
+        else if (child.node == nullptr)
+        {
+            findings.Add(Code::ChildAbsent, child.value->span,
+                         begin + "node " + std::to_string(child.id) + ", which does not exist",
+                         SuggestNode(model, child.id, IsAny));
+        }
+        else if (!child.node->Is(BUILDER_Transition) && child.node->parentId != node.id)
+        {
+            findings.Add(Code::ChildOfOther, child.value->span,
+                         begin + Named(*child.node) + ", whose parentId is " +
+                             std::to_string(child.node->parentId),
+                         "", PlaceOf(*child.node->value, JSON_ParentID), "its parentId");
+        }
+    }
+}
+
+/// A transition belongs to the state that lists it; its source should be that state.
+void CheckListers(const DocumentModel& model, const NodeModel& transition, Findings& findings)
+{
+    const Value& value = *transition.value;
+    const unsigned int sourceId = ReadId(value, JSON_TransitionSource);
+    const NodeModel* source = model.FindNode(sourceId);
+    if (transition.listers.empty())
+    {
+        const std::string advice = source == nullptr ? ""
+                                                     : "add " + std::to_string(transition.id) +
+                                                           " to those of " + Named(*source);
+        findings.Add(Code::TransitionUnlisted, TitlePlace(value),
+                     Titled(transition) + " is in no node's children, so it is never tested",
+                     advice);
+        return;
+    }
+    if (transition.listers.size() > 1)
+    {
+        const NodeModel& first = *transition.listers[0];
+        const NodeModel& second = *transition.listers[1];
+        findings.Add(Code::TransitionListedTwice, TitlePlace(value),
+                     Titled(transition) + " is in the children of " + Named(first) + " and of " +
+                         Named(second) + ": both test it",
+                     "", PlaceOf(*second.value, JSON_Children), "the second list");
+    }
+    const NodeModel& lister = *transition.listers[0];
+    if (!lister.CanRun())
+    {
+        findings.Add(Code::ListerCannotRun, PlaceOf(*lister.value, JSON_Children),
+                     "'children' of " + Titled(lister) + " has " + Titled(transition) + ", but " +
+                         KindOf(lister) + " tests no transitions");
+    }
+    bool isLister = sourceId == 0;
+    for (const NodeModel* candidate : transition.listers)
+    {
+        isLister = isLister || candidate->id == sourceId;
+    }
+    if (!isLister)
+    {
+        findings.Add(Code::SourceNotLister, PlaceOf(value, JSON_TransitionSource),
+                     "the source of " + Titled(transition) + " is " +
+                         (source == nullptr ? std::to_string(sourceId) : Named(*source)) +
+                         ", but it is in the children of " + Named(lister) + " and leaves that",
+                     "", PlaceOf(*lister.value, JSON_Children), "the list");
+    }
+}
+
+/// Where a state comes to run: in a level, which is a substate or null for the top.
+struct Arrival
+{
+    NodeModel* state;
+    const NodeModel* level;
+    const NodeModel* by; ///< the transition, enter node or substate that brings it there, or null
+};
+
+/// Follows the machine from its start through all transitions, and says where states run in another
+/// level than they say.
+class LevelWalk
+{
+public:
+    LevelWalk(const DocumentModel& documentModel, Findings& filledFindings)
+        : model(documentModel), findings(filledFindings)
+    {
+    }
+
+    /// Gives the states whose parentId it reported.
+    const std::unordered_set<const NodeModel*>& Run()
+    {
+        Arrive(model.start, nullptr, nullptr);
+        if (model.global != nullptr)
+        {
+            for (const NodeModel* transition : model.global->transitions)
+            {
+                Arrive(model.FindNode(transition->target), nullptr, transition);
+            }
+        }
+        while (!open.empty())
+        {
+            const Arrival arrival = open.front();
+            open.pop_front();
+            Follow(arrival);
+        }
+        for (const NodeModel& node : model.nodes)
+        {
+            const auto entry = arrivals.find(&node);
+            if (entry != arrivals.end())
+            {
+                Judge(node, entry->second);
+            }
+        }
+        return reported;
+    }
+
+private:
+    /// A state is followed into two levels at most, so the walk is linear.
+    static constexpr std::size_t kMaxLevels = 2;
+
+    void Arrive(NodeModel* state, const NodeModel* level, const NodeModel* by)
+    {
+        if (state == nullptr || !state->CanRun())
+        {
+            return;
+        }
+        std::vector<Arrival>& known = arrivals[state];
+        for (const Arrival& arrival : known)
+        {
+            if (arrival.level == level)
+            {
+                return;
+            }
+        }
+        if (known.size() < kMaxLevels)
+        {
+            known.push_back({state, level, by});
+            open.push_back(known.back());
+        }
+    }
+
+    void Follow(const Arrival& arrival)
+    {
+        NodeModel& state = *arrival.state;
+        for (const NodeModel* transition : state.transitions)
+        {
+            Arrive(model.FindNode(transition->target), arrival.level, transition);
+        }
+        if (state.Is(BUILDER_Substate) && state.enter != nullptr && state.enter->Is(BUILDER_Enter))
+        {
+            Arrive(model.FindNode(state.enter->entryTarget), &state, state.enter);
+        }
+    }
+
+    static unsigned int IdOf(const NodeModel* level)
+    {
+        return level == nullptr ? 0 : level->id;
+    }
+    static std::string NameOf(const NodeModel* level)
+    {
+        return level == nullptr ? "at the top" : "in " + Named(*level);
+    }
+
+    void Judge(const NodeModel& state, const std::vector<Arrival>& known)
+    {
+        const Arrival* wrong = nullptr;
+        bool isRightSomewhere = false;
+        for (const Arrival& arrival : known)
+        {
+            const bool isRight = IdOf(arrival.level) == state.parentId;
+            isRightSomewhere = isRightSomewhere || isRight;
+            wrong = isRight || wrong != nullptr ? wrong : &arrival;
+        }
+        // A global node that is a target is told elsewhere.
+        if (wrong == nullptr || state.Is(BUILDER_Global))
+        {
+            return;
+        }
+        const bool isCrossing =
+            isRightSomewhere && wrong->by != nullptr && wrong->by->Is(BUILDER_Transition);
+        isCrossing ? ReportCrossing(state, *wrong) : ReportParent(state, *wrong);
+    }
+
+    void ReportCrossing(const NodeModel& state, const Arrival& wrong)
+    {
+        const NodeModel& transition = *wrong.by;
+        findings.Add(Code::TargetOfOtherLevel, PlaceOf(*transition.value, JSON_TransitionTarget),
+                     Titled(transition) + " leads to " + Named(state) + ", whose parentId is " +
+                         std::to_string(state.parentId) + ", but there it runs " +
+                         NameOf(wrong.level),
+                     "a transition stays in the level of its state; to leave a level, give its "
+                     "substate the transition",
+                     PlaceOf(*state.value, JSON_ParentID), "the parentId of the target");
+    }
+
+    void ReportParent(const NodeModel& state, const Arrival& wrong)
+    {
+        const bool isWritten = Find(*state.value, JSON_ParentID) != nullptr;
+        const std::string has =
+            isWritten ? "its parentId is " + std::to_string(state.parentId) : "it has no parentId";
+        std::string effect;
+        if (wrong.level != nullptr)
+        {
+            effect = ", so " + Named(*wrong.level) + " does not resume it";
+        }
+        reported.insert(&state);
+        findings.Add(Code::ParentNotLevel, PlaceOf(*state.value, JSON_ParentID),
+                     Titled(state) + " runs " + NameOf(wrong.level) + ", but " + has + effect,
+                     "parentId should be " + std::to_string(IdOf(wrong.level)));
+    }
+
+    const DocumentModel& model;
+    Findings& findings;
+    std::deque<Arrival> open;
+    std::unordered_map<const NodeModel*, std::vector<Arrival>> arrivals;
+    std::unordered_set<const NodeModel*> reported;
+};
+
+void CheckParent(const DocumentModel& model, const NodeModel& node, Findings& findings)
+{
+    const Value* value = Find(*node.value, JSON_ParentID);
+    const bool isState = node.CanRun() && !node.Is(BUILDER_Global);
+    if (!isState || node.parentId == 0 || value == nullptr || !value->IsNumber())
+    {
+        return;
+    }
+    const NodeModel* parent = model.FindNode(node.parentId);
+    if (parent == nullptr)
+    {
+        findings.Add(Code::ParentWrong, value->span,
+                     "the parentId of " + Titled(node) + " is " + std::to_string(node.parentId) +
+                         ", and there is no such node",
+                     SuggestNode(model, node.parentId, IsSubstate));
+    }
+    else if (parent == &node)
+    {
+        findings.Add(Code::ParentWrong, value->span,
+                     "the parentId of " + Titled(node) + " is its own id");
+    }
+    else if (!parent->Is(BUILDER_Substate))
+    {
+        findings.Add(Code::ParentWrong, value->span,
+                     "the parentId of " + Titled(node) + " is " + Named(*parent) + ", " +
+                         KindOf(*parent) + " and not a substate",
+                     "", TitlePlace(*parent->value), "the node");
+    }
+}
+
+} // namespace
+
+void CheckLevels(const DocumentModel& model, Findings& findings)
+{
+    LevelWalk walk(model, findings);
+    const std::unordered_set<const NodeModel*>& reported = walk.Run();
+    for (const NodeModel& node : model.nodes)
+    {
+        CheckChildren(model, node, findings);
+        if (reported.count(&node) == 0)
+        {
+            CheckParent(model, node, findings);
+        }
+        if (node.Is(BUILDER_Transition) && node.isFirst)
+        {
+            CheckListers(model, node, findings);
+        }
+    }
+}
+
+} // namespace vell::check

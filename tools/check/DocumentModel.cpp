@@ -1,0 +1,376 @@
+// VELL: data-driven hierarchical state machines.
+// tools/check/DocumentModel.cpp: reading the nodes of a document and linking them by id.
+#include "tools/check/DocumentModel.h"
+
+#include "platform/durm/Vocabulary.h"
+
+#include <algorithm>
+
+namespace vell::check
+{
+namespace
+{
+
+using namespace DURMBaseLib;
+using source::Value;
+
+constexpr int kDefaultPriority = 5;
+constexpr unsigned int kVersionWithStart = 3;
+
+/// Gives the first element of an array when it is an object.
+const Value* FirstObject(const Value* array)
+{
+    const bool has = array != nullptr && array->IsArray() && !array->elements.empty();
+    return has && array->elements.front().IsObject() ? &array->elements.front() : nullptr;
+}
+
+int ReadConditionType(const Value& condition)
+{
+    const std::string name(ReadText(condition, JSON_ConditionType));
+    const int type = GetParameterName(name.c_str());
+    const bool isTestable =
+        type == PARAM_Bool || type == PARAM_Integer || type == PARAM_Float || type == PARAM_Message;
+    return isTestable ? type : PARAM_None;
+}
+
+const char* BuilderWord(int builder)
+{
+    for (const Word& word : kBuilders)
+    {
+        if (word.number == builder)
+        {
+            return word.text;
+        }
+    }
+    return nullptr;
+}
+
+bool IsStateBuilder(int builder)
+{
+    return builder == BUILDER_Generic || builder == BUILDER_AnimClip || builder == BUILDER_Global ||
+           builder == BUILDER_Enter || builder == BUILDER_Exit || builder == BUILDER_Substate;
+}
+
+} // namespace
+
+const Value* Find(const Value& value, __JSONTYPES__ member)
+{
+    return value.Find(GetJsonName(member));
+}
+
+unsigned int ReadId(const Value& object, __JSONTYPES__ member)
+{
+    const Value* value = Find(object, member);
+    return value == nullptr ? 0 : value->ReadUInt();
+}
+
+std::string_view ReadText(const Value* value)
+{
+    if (value == nullptr || !value->IsString())
+    {
+        return {};
+    }
+    const std::string_view text = value->text;
+    return text.substr(0, text.find('\0'));
+}
+
+std::string_view ReadText(const Value& object, __JSONTYPES__ member)
+{
+    return ReadText(Find(object, member));
+}
+
+source::Span PlaceOf(const Value& object, __JSONTYPES__ member)
+{
+    const Value* value = Find(object, member);
+    return value == nullptr ? TitlePlace(object) : value->span;
+}
+
+source::Span TitlePlace(const Value& object)
+{
+    for (const __JSONTYPES__ member : {JSON_Name, JSON_ID})
+    {
+        if (const Value* value = Find(object, member))
+        {
+            return value->span;
+        }
+    }
+    source::Span brace = object.span;
+    if (object.IsObject())
+    {
+        brace.end = brace.begin;
+        ++brace.end.column;
+        ++brace.end.offset;
+    }
+    return brace;
+}
+
+bool NodeModel::CanRun() const
+{
+    return IsStateBuilder(builder) || (builder != 0 && BuilderWord(builder) == nullptr);
+}
+
+DocumentModel::DocumentModel(const Value& documentRoot) : root(documentRoot)
+{
+    const Value* headValue = Find(root, JSON_Head);
+    head = headValue != nullptr && headValue->IsObject() ? headValue : nullptr;
+    ReadParameters();
+    ReadArrays();
+    Link();
+}
+
+NodeModel* DocumentModel::FindNode(unsigned int id) const
+{
+    const auto entry = nodesById.find(id);
+    return id == 0 || entry == nodesById.end() ? nullptr
+                                               : const_cast<NodeModel*>(&nodes[entry->second]);
+}
+
+const ParameterModel* DocumentModel::FindParameter(unsigned int id) const
+{
+    const auto entry = parametersById.find(id);
+    return id == 0 || entry == parametersById.end() ? nullptr : &parameters[entry->second];
+}
+
+const ParameterModel* DocumentModel::FindParameterByName(std::string_view name) const
+{
+    const auto entry = parametersByName.find(name);
+    return entry == parametersByName.end() ? nullptr : &parameters[entry->second];
+}
+
+void DocumentModel::ReadParameters()
+{
+    const Value* array = Find(root, JSON_Parameters);
+    if (array == nullptr)
+    {
+        return;
+    }
+    for (const Value& value : array->elements)
+    {
+        if (!value.IsObject())
+        {
+            continue;
+        }
+        ParameterModel parameter;
+        parameter.value = &value;
+        parameter.name = ReadText(value, JSON_Name);
+        parameter.id = ReadId(value, JSON_ID);
+        const std::string type(ReadText(value, JSON_ParameterType));
+        parameter.type = GetParameterName(type.c_str());
+        parametersById.emplace(parameter.id, parameters.size());
+        parametersByName.emplace(parameter.name, parameters.size());
+        parameters.push_back(parameter);
+    }
+}
+
+void DocumentModel::ReadArrays()
+{
+    if (const Value* layers = Find(root, JSON_Layers))
+    {
+        for (const Value& layer : layers->elements)
+        {
+            arrays.push_back({Find(layer, JSON_Nodes), ReadText(layer, JSON_Name), false});
+        }
+    }
+    arrays.push_back({Find(root, JSON_Global), {}, true});
+
+    std::size_t count = 0;
+    for (const NodeArray& array : arrays)
+    {
+        count += array.value == nullptr ? 0 : array.value->elements.size();
+    }
+    nodes.reserve(count);
+    nodesById.reserve(count);
+    for (std::size_t i = 0; i < arrays.size(); ++i)
+    {
+        if (arrays[i].value == nullptr)
+        {
+            continue;
+        }
+        for (const Value& value : arrays[i].value->elements)
+        {
+            if (value.IsObject())
+            {
+                ReadNode(value);
+                nodes.back().array = static_cast<int>(i);
+            }
+        }
+    }
+}
+
+void DocumentModel::ReadNode(const Value& value)
+{
+    NodeModel node;
+    node.value = &value;
+    node.name = ReadText(value, JSON_Name);
+    node.id = ReadId(value, JSON_ID);
+    node.parentId = ReadId(value, JSON_ParentID);
+    const std::string builder(ReadText(value, JSON_BuilderType));
+    node.builder = GetBuilderIndex(builder.c_str());
+    node.isFirst = nodesById.emplace(node.id, nodes.size()).second;
+    if (node.Is(BUILDER_Transition))
+    {
+        ReadTransition(node);
+    }
+    else if (node.Is(BUILDER_Enter) || node.Is(BUILDER_Exit))
+    {
+        node.entryTarget = ReadId(value, JSON_EntryTarget);
+    }
+    nodes.push_back(std::move(node));
+}
+
+void DocumentModel::ReadTransition(NodeModel& node)
+{
+    const Value& value = *node.value;
+    node.target = ReadId(value, JSON_TransitionTarget);
+    const Value* priority = Find(value, JSON_TransitionPriority);
+    node.priority = priority == nullptr ? kDefaultPriority : static_cast<int>(priority->ReadUInt());
+    const Value* disabled = Find(value, JSON_TransitionDisabled);
+    node.isDisabled = disabled != nullptr && disabled->IsBool() && disabled->boolean;
+    const Value* conditions = Find(value, JSON_Conditions);
+    if (conditions == nullptr)
+    {
+        return;
+    }
+    for (const Value& condition : conditions->elements)
+    {
+        if (condition.IsObject())
+        {
+            node.conditions.push_back(ReadCondition(condition));
+        }
+    }
+}
+
+ConditionModel DocumentModel::ReadCondition(const Value& value) const
+{
+    ConditionModel condition;
+    condition.value = &value;
+    condition.parameterId = ReadId(value, JSON_ConditionParameter);
+    condition.parameter = FindParameter(condition.parameterId);
+    condition.type = ReadConditionType(value);
+    const std::string word(ReadText(value, JSON_ConditionEvaluation));
+    condition.evaluation = GetEvaluationEnum(word.c_str());
+    const Value* first = FirstObject(Find(value, JSON_ConditionValue));
+    condition.operand = first == nullptr ? nullptr : Find(*first, JSON_Value);
+    return condition;
+}
+
+void DocumentModel::Link()
+{
+    for (NodeModel& node : nodes)
+    {
+        LinkChildren(node);
+        if (node.Is(BUILDER_Substate))
+        {
+            node.enter = FindNode(ReadId(*node.value, JSON_SubstateEnter));
+            node.exit = FindNode(ReadId(*node.value, JSON_SubstateExit));
+        }
+        const bool isGlobal = arrays[static_cast<std::size_t>(node.array)].isGlobal;
+        if (isGlobal && node.Is(BUILDER_Global) && node.isFirst)
+        {
+            global = &node;
+        }
+    }
+    if (head != nullptr && ReadId(*head, JSON_HeadVersion) >= kVersionWithStart)
+    {
+        NodeModel* state = FindNode(ReadId(*head, JSON_HeadSubstateRoot));
+        start = state != nullptr && state->CanRun() ? state : nullptr;
+    }
+}
+
+void DocumentModel::LinkChildren(NodeModel& node)
+{
+    const Value* children = Find(*node.value, JSON_Children);
+    if (children == nullptr)
+    {
+        return;
+    }
+    node.children.reserve(children->elements.size());
+    for (const Value& value : children->elements)
+    {
+        const unsigned int id = value.ReadUInt();
+        NodeModel* child = FindNode(id);
+        node.children.push_back({&value, child, id});
+        if (child == nullptr)
+        {
+            continue;
+        }
+        // Its listers are appended node by node, so a node that has it twice is the last.
+        if (child->listers.empty() || child->listers.back() != &node)
+        {
+            child->listers.push_back(&node);
+        }
+        if (child->Is(BUILDER_Transition) && !child->isDisabled && node.CanRun())
+        {
+            node.transitions.push_back(child);
+        }
+    }
+    const auto isBefore = [](const NodeModel* left, const NodeModel* right)
+    {
+        return left->priority < right->priority;
+    };
+    std::stable_sort(node.transitions.begin(), node.transitions.end(), isBefore);
+}
+
+std::string Named(const NodeModel& node)
+{
+    const std::string id = std::to_string(node.id);
+    return node.name.empty() ? "node " + id : "'" + std::string(node.name) + "' (" + id + ")";
+}
+
+std::string Named(const ParameterModel& parameter)
+{
+    const std::string id = std::to_string(parameter.id);
+    return parameter.name.empty() ? "parameter " + id
+                                  : "'" + std::string(parameter.name) + "' (" + id + ")";
+}
+
+std::string Titled(const NodeModel& node)
+{
+    std::string word = "node";
+    if (node.Is(BUILDER_Enter) || node.Is(BUILDER_Exit) || node.Is(BUILDER_Global))
+    {
+        word = std::string(BuilderWord(node.builder)) + " node";
+    }
+    else if (node.Is(BUILDER_Generic) || node.Is(BUILDER_AnimClip))
+    {
+        word = "state";
+    }
+    else if (const char* text = BuilderWord(node.builder))
+    {
+        word = node.Is(BUILDER_Base) ? "node" : text;
+    }
+    const std::string id = std::to_string(node.id);
+    return node.name.empty() ? word + " " + id : word + " " + Named(node);
+}
+
+std::string TitledCondition(const NodeModel& transition, std::size_t index)
+{
+    const std::string which = transition.conditions.size() == 1
+                                  ? "the condition"
+                                  : "condition " + std::to_string(index + 1);
+    return which + " of " + Titled(transition);
+}
+
+std::string KindOf(const NodeModel& node)
+{
+    switch (node.builder)
+    {
+    case BUILDER_Enter:
+        return "an enter node";
+    case BUILDER_Exit:
+        return "an exit node";
+    case BUILDER_Global:
+        return "a global node";
+    case BUILDER_Generic:
+    case BUILDER_AnimClip:
+        return "a state";
+    case BUILDER_Base:
+        return "a base node";
+    default:
+        break;
+    }
+    const char* word = BuilderWord(node.builder);
+    return word == nullptr ? "a node of another kind" : "a " + std::string(word);
+}
+
+} // namespace vell::check
