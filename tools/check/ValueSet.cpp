@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 
@@ -28,7 +29,27 @@ std::int64_t NumberOfFloat(float value)
     return bits >= 0 ? std::int64_t{bits} : -std::int64_t{bits & 0x7fffffff};
 }
 
+float FloatOfNumber(std::int64_t number)
+{
+    const auto bits = static_cast<std::uint32_t>(number < 0 ? -number | 0x80000000 : number);
+    float value = 0.0f;
+    std::memcpy(&value, &bits, sizeof(value));
+    return value;
+}
+
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
+
+/// Gives the last of the floats from `inside` towards `limit` that counts as equal to `target`.
+/// `inside` does, and `limit` does not.
+std::int64_t FindLastEqual(float target, std::int64_t inside, std::int64_t limit)
+{
+    while (std::abs(limit - inside) > 1)
+    {
+        const std::int64_t middle = inside + (limit - inside) / 2;
+        (IsEqual(FloatOfNumber(middle), target) ? inside : limit) = middle;
+    }
+    return inside;
+}
 
 /// Gives the floats that count as equal to `target`.
 std::vector<Interval> EqualFloats(float target)
@@ -37,23 +58,9 @@ std::vector<Interval> EqualFloats(float target)
     {
         return {};
     }
-    float low = target - kFloatTolerance;
-    for (; !IsEqual(low, target); low = std::nextafterf(low, target))
-    {
-    }
-    for (float next = low; IsEqual(next, target); next = std::nextafterf(next, -kInfinity))
-    {
-        low = next;
-    }
-    float high = target + kFloatTolerance;
-    for (; !IsEqual(high, target); high = std::nextafterf(high, target))
-    {
-    }
-    for (float next = high; IsEqual(next, target); next = std::nextafterf(next, kInfinity))
-    {
-        high = next;
-    }
-    return {{NumberOfFloat(low), NumberOfFloat(high)}};
+    const std::int64_t number = NumberOfFloat(target);
+    return {{FindLastEqual(target, number, NumberOfFloat(-kInfinity)),
+             FindLastEqual(target, number, NumberOfFloat(kInfinity))}};
 }
 
 /// Gives the values of `all` for which an operator other than equality and range holds.
