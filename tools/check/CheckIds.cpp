@@ -2,6 +2,7 @@
 // tools/check/CheckIds.cpp: ids that are missing, taken or not what they should be.
 #include "tools/check/Rules.h"
 
+#include <cstdint>
 #include <string>
 #include <unordered_map>
 
@@ -12,12 +13,6 @@ namespace
 
 using namespace DURMBaseLib;
 using source::Value;
-
-unsigned int CrcOf(std::string_view name)
-{
-    std::string text(name);
-    return ConvertStringToCRC(text);
-}
 
 std::string Quoted(std::string_view text)
 {
@@ -40,6 +35,21 @@ std::string WhereRead(const NodeArray& array)
     return array.layer.empty() ? "in its layer" : "in layer " + Quoted(array.layer);
 }
 
+void CheckNodeId(const NodeModel& node, Findings& findings)
+{
+    const std::string name = node.name.empty() ? "a node" : Quoted(node.name);
+    if (Find(*node.value, JSON_ID) == nullptr)
+    {
+        findings.Add(Code::NodeWithoutId, TitlePlace(*node.value),
+                     name + " has no id: nothing can refer to it");
+    }
+    else if (node.id == 0 && HasNumber(*node.value, JSON_ID))
+    {
+        findings.Add(Code::NodeWithoutId, PlaceOf(*node.value, JSON_ID),
+                     "the id of " + name + " is 0, which means none: nothing can refer to it");
+    }
+}
+
 void CheckNodeIds(const DocumentModel& model, Findings& findings)
 {
     // How many nodes of each array come behind the first with a duplicate id, which ends it.
@@ -53,12 +63,7 @@ void CheckNodeIds(const DocumentModel& model, Findings& findings)
     {
         const auto array = static_cast<std::size_t>(node.array);
         --left[array];
-        if (node.id == 0 && HasNumber(*node.value, JSON_ID))
-        {
-            findings.Add(Code::NodeIdZero, PlaceOf(*node.value, JSON_ID),
-                         "the id of " + (node.name.empty() ? "a node" : Quoted(node.name)) +
-                             " is 0, which means none: nothing can refer to it");
-        }
+        CheckNodeId(node, findings);
         if (node.isFirst || node.id == 0)
         {
             isEnded[array] = isEnded[array] || !node.isFirst;
@@ -83,16 +88,21 @@ void CheckParameterId(const DocumentModel& model, const ParameterModel& paramete
                       Findings& findings)
 {
     const Value& value = *parameter.value;
-    if (parameter.name.empty() || !HasNumber(value, JSON_ID))
+    const bool isMissing = Find(value, JSON_ID) == nullptr;
+    const std::string name = parameter.name.empty() ? "without a name" : Quoted(parameter.name);
+    if (!isMissing && !HasNumber(value, JSON_ID))
     {
         return;
     }
     const unsigned int crc = CrcOf(parameter.name);
-    const std::string advice = "it should be " + std::to_string(crc) + ", the CRC of its name";
+    const std::string advice =
+        parameter.name.empty() ? ""
+                               : "it should be " + std::to_string(crc) + ", the CRC of its name";
     if (parameter.id == 0)
     {
-        findings.Add(Code::ParameterIdZero, PlaceOf(value, JSON_ID),
-                     "the id of parameter " + Quoted(parameter.name) + " is 0, so it is left out",
+        findings.Add(Code::ParameterWithoutId, PlaceOf(value, JSON_ID),
+                     isMissing ? "parameter " + name + " has no id, so it is left out"
+                               : "the id of parameter " + name + " is 0, so it is left out",
                      advice);
         return;
     }
@@ -101,12 +111,12 @@ void CheckParameterId(const DocumentModel& model, const ParameterModel& paramete
     if (first != &parameter && namesake == &parameter)
     {
         findings.Add(Code::DuplicateParameterId, PlaceOf(value, JSON_ID),
-                     "parameter " + Quoted(parameter.name) + " has the id of " +
-                         Quoted(first->name) + " and is left out",
+                     "parameter " + name + " has the id of " + Quoted(first->name) +
+                         " and is left out",
                      crc == parameter.id ? "" : advice, PlaceOf(*first->value, JSON_ID),
                      "the first parameter with this id");
     }
-    else if (crc != parameter.id)
+    else if (crc != parameter.id && !parameter.name.empty())
     {
         findings.Add(Code::ParameterIdNotCrc, PlaceOf(value, JSON_ID),
                      "the id of parameter " + Quoted(parameter.name) + " is " +
@@ -131,12 +141,104 @@ void CheckParameterIds(const DocumentModel& model, Findings& findings)
     }
 }
 
+/// Finds where a name is written in place of an id, and gives what to write, by place.
+class NamesForIds
+{
+public:
+    explicit NamesForIds(const DocumentModel& documentModel) : model(documentModel)
+    {
+        for (const NodeModel& node : model.nodes)
+        {
+            nodesByName.emplace(node.name, &node);
+        }
+        if (model.head != nullptr)
+        {
+            TakeNode(Find(*model.head, JSON_HeadEnterNode));
+            TakeNode(Find(*model.head, JSON_HeadSubstateRoot));
+        }
+        for (const NodeModel& node : model.nodes)
+        {
+            Take(node);
+        }
+    }
+
+    /// Gives the advice for the value that begins at `offset`, or null.
+    const std::string* FindAdvice(std::uint32_t offset) const
+    {
+        const auto entry = advices.find(offset);
+        return entry == advices.end() ? nullptr : &entry->second;
+    }
+
+private:
+    void Take(const NodeModel& node)
+    {
+        for (const __JSONTYPES__ member :
+             {JSON_ParentID, JSON_ExitConnector, JSON_TransitionSource, JSON_TransitionTarget,
+              JSON_SubstateEnter, JSON_SubstateExit, JSON_EntryTarget})
+        {
+            TakeNode(Find(*node.value, member));
+        }
+        for (const ChildModel& child : node.children)
+        {
+            TakeNode(child.value);
+        }
+        for (const ConditionModel& condition : node.conditions)
+        {
+            const Value* value = Find(*condition.value, JSON_ConditionParameter);
+            const bool isName = value != nullptr && value->IsString() && !value->text.empty();
+            const auto* parameter = isName ? model.FindParameterByName(value->text) : nullptr;
+            if (parameter != nullptr)
+            {
+                Add(*value, CrcOf(parameter->name));
+            }
+        }
+    }
+
+    void TakeNode(const Value* value)
+    {
+        const bool isName = value != nullptr && value->IsString() && !value->text.empty();
+        const auto entry = isName ? nodesByName.find(value->text) : nodesByName.end();
+        if (entry != nodesByName.end())
+        {
+            Add(*value, entry->second->id);
+        }
+    }
+
+    void Add(const Value& value, unsigned int id)
+    {
+        advices.emplace(value.span.begin.offset,
+                        "the id of " + Quoted(value.text) + " is " + std::to_string(id));
+    }
+
+    const DocumentModel& model;
+    std::unordered_map<std::string_view, const NodeModel*> nodesByName;
+    std::unordered_map<std::uint32_t, std::string> advices;
+};
+
+/// A name in place of an id is a value of the wrong type; here is what to write instead.
+void ExplainNames(const DocumentModel& model, Findings& findings)
+{
+    const NamesForIds names(model);
+    for (Finding& finding : findings.list)
+    {
+        const std::string* advice = finding.code == Code::WrongType
+                                        ? names.FindAdvice(finding.where.begin.offset)
+                                        : nullptr;
+        if (advice != nullptr)
+        {
+            finding.code = Code::NameForId;
+            finding.hint = *advice;
+        }
+    }
+}
+
 } // namespace
 
 void CheckIds(const DocumentModel& model, Findings& findings)
 {
     CheckNodeIds(model, findings);
     CheckParameterIds(model, findings);
+    ExplainNames(model, findings);
 }
 
 } // namespace vell::check

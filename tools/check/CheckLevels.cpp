@@ -3,6 +3,7 @@
 #include "tools/check/NearId.h"
 #include "tools/check/Rules.h"
 
+#include <algorithm>
 #include <deque>
 #include <string>
 #include <unordered_map>
@@ -46,7 +47,8 @@ void CheckChildren(const DocumentModel& model, const NodeModel& node, Findings& 
                          begin + "node " + std::to_string(child.id) + ", which does not exist",
                          SuggestNode(model, child.id, IsAny));
         }
-        else if (!child.node->Is(BUILDER_Transition) && child.node->parentId != node.id)
+        else if (!child.node->Is(BUILDER_Transition) && child.node->builder != 0 &&
+                 child.node->parentId != node.id)
         {
             findings.Add(Code::ChildOfOther, child.value->span,
                          begin + Named(*child.node) + ", whose parentId is " +
@@ -93,12 +95,13 @@ void CheckListers(const DocumentModel& model, const NodeModel& transition, Findi
     {
         isLister = isLister || candidate->id == sourceId;
     }
-    if (!isLister)
+    if (!isLister && lister.isFirst && lister.id != 0)
     {
         findings.Add(Code::SourceNotLister, PlaceOf(value, JSON_TransitionSource),
                      "the source of " + Titled(transition) + " is " +
                          (source == nullptr ? std::to_string(sourceId) : Named(*source)) +
-                         ", but it is in the children of " + Named(lister) + " and leaves that",
+                         ", but the transition leaves " + Named(lister) +
+                         ", whose children list it",
                      "", PlaceOf(*lister.value, JSON_Children), "the list");
     }
 }
@@ -132,11 +135,9 @@ public:
                 Arrive(model.FindNode(transition->target), nullptr, transition);
             }
         }
-        while (!open.empty())
+        while (!right.empty() || !wrong.empty())
         {
-            const Arrival arrival = open.front();
-            open.pop_front();
-            Follow(arrival);
+            FollowNext();
         }
         for (const NodeModel& node : model.nodes)
         {
@@ -170,7 +171,21 @@ private:
         if (known.size() < kMaxLevels)
         {
             known.push_back({state, level, by});
-            open.push_back(known.back());
+            (IsRight(known.back()) ? right : wrong).push_back(known.back());
+        }
+    }
+
+    /// A state that runs in the wrong level is followed there only when it runs nowhere else, or
+    /// the states that it leads to would be told to be wrong as well.
+    void FollowNext()
+    {
+        std::deque<Arrival>& open = right.empty() ? wrong : right;
+        const Arrival arrival = open.front();
+        open.pop_front();
+        const std::vector<Arrival>& known = arrivals[arrival.state];
+        if (IsRight(arrival) || std::none_of(known.begin(), known.end(), IsRight))
+        {
+            Follow(arrival);
         }
     }
 
@@ -187,6 +202,10 @@ private:
         }
     }
 
+    static bool IsRight(const Arrival& arrival)
+    {
+        return IdOf(arrival.level) == arrival.state->parentId;
+    }
     static unsigned int IdOf(const NodeModel* level)
     {
         return level == nullptr ? 0 : level->id;
@@ -198,55 +217,50 @@ private:
 
     void Judge(const NodeModel& state, const std::vector<Arrival>& known)
     {
-        const Arrival* wrong = nullptr;
-        bool isRightSomewhere = false;
-        for (const Arrival& arrival : known)
-        {
-            const bool isRight = IdOf(arrival.level) == state.parentId;
-            isRightSomewhere = isRightSomewhere || isRight;
-            wrong = isRight || wrong != nullptr ? wrong : &arrival;
-        }
+        const auto bad = std::find_if_not(known.begin(), known.end(), IsRight);
         // A global node that is a target is told elsewhere.
-        if (wrong == nullptr || state.Is(BUILDER_Global))
+        if (bad == known.end() || state.Is(BUILDER_Global))
         {
             return;
         }
+        const bool isRightElsewhere = std::any_of(known.begin(), known.end(), IsRight);
         const bool isCrossing =
-            isRightSomewhere && wrong->by != nullptr && wrong->by->Is(BUILDER_Transition);
-        isCrossing ? ReportCrossing(state, *wrong) : ReportParent(state, *wrong);
+            isRightElsewhere && bad->by != nullptr && bad->by->Is(BUILDER_Transition);
+        isCrossing ? ReportCrossing(state, *bad) : ReportParent(state, *bad);
     }
 
-    void ReportCrossing(const NodeModel& state, const Arrival& wrong)
+    void ReportCrossing(const NodeModel& state, const Arrival& arrival)
     {
-        const NodeModel& transition = *wrong.by;
+        const NodeModel& transition = *arrival.by;
         findings.Add(Code::TargetOfOtherLevel, PlaceOf(*transition.value, JSON_TransitionTarget),
                      Titled(transition) + " leads to " + Named(state) + ", whose parentId is " +
                          std::to_string(state.parentId) + ", but there it runs " +
-                         NameOf(wrong.level),
+                         NameOf(arrival.level),
                      "a transition stays in the level of its state; to leave a level, give its "
                      "substate the transition",
                      PlaceOf(*state.value, JSON_ParentID), "the parentId of the target");
     }
 
-    void ReportParent(const NodeModel& state, const Arrival& wrong)
+    void ReportParent(const NodeModel& state, const Arrival& arrival)
     {
         const bool isWritten = Find(*state.value, JSON_ParentID) != nullptr;
         const std::string has =
             isWritten ? "its parentId is " + std::to_string(state.parentId) : "it has no parentId";
         std::string effect;
-        if (wrong.level != nullptr)
+        if (arrival.level != nullptr)
         {
-            effect = ", so " + Named(*wrong.level) + " does not resume it";
+            effect = ", so " + Named(*arrival.level) + " does not resume it";
         }
         reported.insert(&state);
         findings.Add(Code::ParentNotLevel, PlaceOf(*state.value, JSON_ParentID),
-                     Titled(state) + " runs " + NameOf(wrong.level) + ", but " + has + effect,
-                     "parentId should be " + std::to_string(IdOf(wrong.level)));
+                     Titled(state) + " runs " + NameOf(arrival.level) + ", but " + has + effect,
+                     "parentId should be " + std::to_string(IdOf(arrival.level)));
     }
 
     const DocumentModel& model;
     Findings& findings;
-    std::deque<Arrival> open;
+    std::deque<Arrival> right; ///< to be followed, in the level that the state names
+    std::deque<Arrival> wrong; ///< in another one
     std::unordered_map<const NodeModel*, std::vector<Arrival>> arrivals;
     std::unordered_set<const NodeModel*> reported;
 };

@@ -37,7 +37,7 @@ void CheckMemory(const DocumentModel& model, const Loading& loading, Findings& f
     const std::uint64_t size = GetArenaSize(model);
     const std::string need =
         "at least " + Grouped(needed) + " are needed (" + Grouped(bytes) + " bytes)";
-    if (memory != nullptr && !memory->IsNumber())
+    if (memory != nullptr && !memory->IsInteger())
     {
         return;
     }

@@ -236,8 +236,8 @@ void CheckBlips(const DocumentModel& model, Findings& findings)
 void CheckReach(const DocumentModel& model, Findings& findings)
 {
     CheckBlips(model, findings);
-    // Without a start everything is out of reach, which is told once.
-    if (model.start == nullptr)
+    // What does not lead where it should leaves much out of reach; that is told first.
+    if (model.start == nullptr || findings.HasErrors())
     {
         return;
     }

@@ -192,6 +192,21 @@ void CheckExitConnector(const DocumentModel& model, const NodeModel& node, Findi
     }
 }
 
+/// Says which parameter an id that none has may mean.
+std::string AdviseParameter(const DocumentModel& model, unsigned int id)
+{
+    if (const NodeModel* node = model.FindNode(id))
+    {
+        return "it is the id of " + Titled(*node);
+    }
+    if (const ParameterModel* parameter = model.FindParameterByCrc(id))
+    {
+        return "'" + std::string(parameter->name) + "' should have this id, but has " +
+               std::to_string(parameter->id);
+    }
+    return SuggestParameter(model, id);
+}
+
 void CheckConditionParameters(const DocumentModel& model, const NodeModel& transition,
                               Findings& findings)
 {
@@ -211,23 +226,10 @@ void CheckConditionParameters(const DocumentModel& model, const NodeModel& trans
                                  "are left out");
             continue;
         }
-        const NodeModel* node = model.FindNode(condition.parameterId);
         findings.Add(Code::ConditionParameter, value->span,
                      begin + "parameter " + std::to_string(condition.parameterId) +
                          ", which does not exist",
-                     node != nullptr ? "it is the id of " + Titled(*node)
-                                     : SuggestParameter(model, condition.parameterId));
-    }
-}
-
-void CheckConditionCount(const NodeModel& transition, Findings& findings)
-{
-    const Value* conditions = Find(*transition.value, JSON_Conditions);
-    if (conditions == nullptr || (conditions->IsArray() && conditions->elements.empty()))
-    {
-        findings.Add(Code::NoConditions, PlaceOf(*transition.value, JSON_Conditions),
-                     Titled(transition) +
-                         " has no conditions: only a trigger of the host can make it fire");
+                     AdviseParameter(model, condition.parameterId));
     }
 }
 
@@ -258,35 +260,31 @@ void CheckEnterNodes(const DocumentModel& model, Findings& findings)
 void CheckSubstateRoot(const DocumentModel& model, Findings& findings)
 {
     const Value& head = *model.head;
-    const Value* version = Find(head, JSON_HeadVersion);
-    if (version != nullptr && version->IsNumber() && version->ReadUInt() < kVersionWithStart)
-    {
-        findings.Add(Code::VersionWithoutStart, version->span,
-                     "the machine starts nothing: 'substateRoot' is read from version 3 on, and "
-                     "the version is " +
-                         std::to_string(version->ReadUInt()));
-        return;
-    }
-    const Reference root(model, head, JSON_HeadSubstateRoot);
-    if (!root.IsWritten())
+    // The rules of members tell of a version that does not read it.
+    if (ReadId(head, JSON_HeadVersion) < kVersionWithStart)
     {
         return;
     }
-    const source::Span& place = root.value->span;
+    const Reference start(model, head, JSON_HeadSubstateRoot);
+    if (!start.IsWritten())
+    {
+        return;
+    }
+    const source::Span& place = start.value->span;
     const std::string effect = ": the machine starts nothing";
-    if (root.id == 0)
+    if (start.id == 0)
     {
         findings.Add(Code::StartWrong, place, "'substateRoot' is 0, which means none" + effect);
     }
-    else if (root.node == nullptr)
+    else if (start.node == nullptr)
     {
-        findings.Add(Code::StartWrong, place, "'substateRoot' is " + Missing(model, root.id),
-                     SuggestNode(model, root.id, CanRun));
+        findings.Add(Code::StartWrong, place, "'substateRoot' is " + Missing(model, start.id),
+                     SuggestNode(model, start.id, CanRun));
     }
-    else if (!root.node->CanRun())
+    else if (!start.node->CanRun())
     {
         findings.Add(Code::StartWrong, place,
-                     "'substateRoot' is " + Named(*root.node) + ", " + KindOf(*root.node) +
+                     "'substateRoot' is " + Named(*start.node) + ", " + KindOf(*start.node) +
                          ", which cannot run" + effect);
     }
 }
@@ -384,7 +382,6 @@ void CheckReferences(const DocumentModel& model, Findings& findings)
         {
         case BUILDER_Transition:
             CheckTarget(model, node, findings);
-            CheckConditionCount(node, findings);
             CheckConditionParameters(model, node, findings);
             break;
         case BUILDER_Substate:

@@ -80,7 +80,11 @@ public:
                 CheckSameTick(node);
             }
         }
-        CheckParameters();
+        // Conditions on another parameter than was meant are told first.
+        if (!findings.HasErrors())
+        {
+            CheckParameters();
+        }
     }
 
 private:

@@ -8,9 +8,9 @@ namespace vell::check
 const CodeTable& IdCodes()
 {
     static const CodeTable table = {
-        {Code::NodeIdZero, Severity::Error, "a node with the id 0",
-         "The id 0 means none, so nothing can refer to the node, and a second such node ends its "
-         "layer. Give the node an id of its own.",
+        {Code::NodeWithoutId, Severity::Error, "a node without an id",
+         "The id is missing or 0, which means none, so nothing can refer to the node, and a second "
+         "such node ends its layer. Give the node an id of its own.",
          "{\"name\": \"Walk\", \"id\": 0, \"builder\": \"generic\"}",
          "{\"name\": \"Walk\", \"id\": 11, \"builder\": \"generic\"}"},
         {Code::DuplicateNodeId, Severity::Error, "two nodes with one id",
@@ -21,9 +21,9 @@ const CodeTable& IdCodes()
          "11, \"builder\": \"generic\"}",
          "{\"name\": \"Walk\", \"id\": 11, \"builder\": \"generic\"},\n{\"name\": \"Run\", \"id\": "
          "12, \"builder\": \"generic\"}"},
-        {Code::ParameterIdZero, Severity::Error, "a parameter with the id 0",
-         "The id 0 means none, and the library leaves the parameter out. The id of a parameter is "
-         "the CRC of its name; `vell id NAME` prints it.",
+        {Code::ParameterWithoutId, Severity::Error, "a parameter without an id",
+         "The id is missing or 0, which means none, and the library leaves the parameter out. The "
+         "id of a parameter is the CRC of its name; `vell id NAME` prints it.",
          "{\"name\": \"speed\", \"id\": 0, \"parameterType\": \"float\"}",
          "{\"name\": \"speed\", \"id\": 254213878, \"parameterType\": \"float\"}"},
         {Code::DuplicateParameterId, Severity::Error, "two parameters with one id",
@@ -46,6 +46,11 @@ const CodeTable& IdCodes()
          "NAME` prints the id.",
          "{\"name\": \"speed\", \"id\": 7, \"parameterType\": \"float\"}",
          "{\"name\": \"speed\", \"id\": 254213878, \"parameterType\": \"float\"}"},
+        {Code::NameForId, Severity::Error, "a name in place of an id",
+         "Nodes and parameters are named by their ids. The library reads a text as 0. `vell id "
+         "NAME` prints the id of a parameter.",
+         "{\"conditionType\": \"float\", \"parameter\": \"speed\"}",
+         "{\"conditionType\": \"float\", \"parameter\": 254213878}"},
     };
     return table;
 }

@@ -79,6 +79,12 @@ std::string_view ReadText(const Value& object, __JSONTYPES__ member)
     return ReadText(Find(object, member));
 }
 
+unsigned int CrcOf(std::string_view name)
+{
+    std::string text(name);
+    return ConvertStringToCRC(text);
+}
+
 source::Span PlaceOf(const Value& object, __JSONTYPES__ member)
 {
     const Value* value = Find(object, member);
@@ -106,7 +112,7 @@ source::Span TitlePlace(const Value& object)
 
 bool NodeModel::CanRun() const
 {
-    return IsStateBuilder(builder) || (builder != 0 && BuilderWord(builder) == nullptr);
+    return IsStateBuilder(builder) || BuilderWord(builder) == nullptr;
 }
 
 DocumentModel::DocumentModel(const Value& documentRoot) : root(documentRoot)
@@ -129,6 +135,12 @@ const ParameterModel* DocumentModel::FindParameter(unsigned int id) const
 {
     const auto entry = parametersById.find(id);
     return id == 0 || entry == parametersById.end() ? nullptr : &parameters[entry->second];
+}
+
+const ParameterModel* DocumentModel::FindParameterByCrc(unsigned int crc) const
+{
+    const auto entry = parametersByCrc.find(crc);
+    return entry == parametersByCrc.end() ? nullptr : &parameters[entry->second];
 }
 
 const ParameterModel* DocumentModel::FindParameterByName(std::string_view name) const
@@ -157,6 +169,7 @@ void DocumentModel::ReadParameters()
         const std::string type(ReadText(value, JSON_ParameterType));
         parameter.type = GetParameterName(type.c_str());
         parametersById.emplace(parameter.id, parameters.size());
+        parametersByCrc.emplace(CrcOf(parameter.name), parameters.size());
         parametersByName.emplace(parameter.name, parameters.size());
         parameters.push_back(parameter);
     }

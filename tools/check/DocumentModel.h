@@ -74,7 +74,8 @@ struct NodeModel
     {
         return builder == builderNumber;
     }
-    /// Tells whether a state can be created from it. A host's own builder may.
+    /// Tells whether a state can be created from it. One of a host's own builder may, and so may
+    /// one without a valid builder, which is told elsewhere.
     bool CanRun() const;
 };
 
@@ -99,6 +100,8 @@ public:
     /// Gives the node that `id` means, or null.
     NodeModel* FindNode(unsigned int id) const;
     const ParameterModel* FindParameter(unsigned int id) const;
+    /// Gives the parameter whose name has this CRC, whatever its id is.
+    const ParameterModel* FindParameterByCrc(unsigned int crc) const;
     const ParameterModel* FindParameterByName(std::string_view name) const;
 
     const source::Value& root;
@@ -120,6 +123,7 @@ private:
 
     std::unordered_map<unsigned int, std::size_t> nodesById;
     std::unordered_map<unsigned int, std::size_t> parametersById;
+    std::unordered_map<unsigned int, std::size_t> parametersByCrc;
     std::unordered_map<std::string_view, std::size_t> parametersByName;
 };
 
@@ -131,6 +135,8 @@ const source::Value* Find(const source::Value& value, DURMBaseLib::__JSONTYPES__
 unsigned int ReadId(const source::Value& object, DURMBaseLib::__JSONTYPES__ member);
 std::string_view ReadText(const source::Value& object, DURMBaseLib::__JSONTYPES__ member);
 std::string_view ReadText(const source::Value* value);
+/// Gives the CRC of a text, which is the id of a parameter of that name.
+unsigned int CrcOf(std::string_view name);
 /// Gives the place of the member's value, or of its object's beginning where it is missing.
 source::Span PlaceOf(const source::Value& object, DURMBaseLib::__JSONTYPES__ member);
 
