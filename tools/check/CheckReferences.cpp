@@ -233,6 +233,17 @@ void CheckConditionParameters(const DocumentModel& model, const NodeModel& trans
     }
 }
 
+void CheckConditionCount(const NodeModel& transition, Findings& findings)
+{
+    const Value* conditions = Find(*transition.value, JSON_Conditions);
+    if (conditions == nullptr || (conditions->IsArray() && conditions->elements.empty()))
+    {
+        findings.Add(Code::NoConditions, PlaceOf(*transition.value, JSON_Conditions),
+                     Titled(transition) +
+                         " has no conditions: only a trigger of the host can make it fire");
+    }
+}
+
 /// Two enter nodes with one parent: the library files the first and says so.
 void CheckEnterNodes(const DocumentModel& model, Findings& findings)
 {
@@ -260,9 +271,14 @@ void CheckEnterNodes(const DocumentModel& model, Findings& findings)
 void CheckSubstateRoot(const DocumentModel& model, Findings& findings)
 {
     const Value& head = *model.head;
-    // The rules of members tell of a version that does not read it.
-    if (ReadId(head, JSON_HeadVersion) < kVersionWithStart)
+    const Value* version = Find(head, JSON_HeadVersion);
+    if (version != nullptr && version->IsInteger() && version->ReadUInt() < kVersionWithStart)
     {
+        findings.Add(Code::VersionWithoutStart, version->span,
+                     "the machine starts nothing: 'substateRoot' is read from version 3 on, and "
+                     "the version is " +
+                         std::to_string(version->ReadUInt()),
+                     "write 3");
         return;
     }
     const Reference start(model, head, JSON_HeadSubstateRoot);
@@ -382,6 +398,7 @@ void CheckReferences(const DocumentModel& model, Findings& findings)
         {
         case BUILDER_Transition:
             CheckTarget(model, node, findings);
+            CheckConditionCount(node, findings);
             CheckConditionParameters(model, node, findings);
             break;
         case BUILDER_Substate:

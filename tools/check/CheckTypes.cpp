@@ -164,6 +164,75 @@ void CheckRange(const Case& condition, const Value& operand, Findings& findings)
     }
 }
 
+/// What to write when a number or a flag is in quotes.
+std::string WithoutQuotes(const Value& operand)
+{
+    const bool isQuoted =
+        operand.IsString() &&
+        (operand.text == "true" || operand.text == "false" || IsNumberText(operand.text));
+    return isQuoted ? "write " + operand.text + " without quotes" : "";
+}
+
+/// The value of a condition with another operator than `range`.
+void CheckValue(const Case& condition, const Value& operand, Findings& findings)
+{
+    const int type = condition.Condition().type;
+    const std::string begin = "the value of " + condition.Title() + " ";
+    const std::string ofType = ": the condition is of the type '" + TypeName(type) + "'";
+    switch (type)
+    {
+    case PARAM_Bool:
+        if (!operand.IsBool())
+        {
+            findings.Add(Code::OperandType, operand.span,
+                         begin + "is neither true nor false and counts as false" + ofType,
+                         WithoutQuotes(operand));
+        }
+        return;
+    case PARAM_Message:
+        if (!operand.IsString())
+        {
+            findings.Add(Code::OperandType, operand.span,
+                         begin + "is no text, so it and those behind it are left out" + ofType);
+        }
+        else if (ReadText(&operand).empty())
+        {
+            findings.Add(Code::OperandEmpty, operand.span,
+                         begin + "is an empty text, so it and those behind it are left out",
+                         "no condition can test for a message that was not fired");
+        }
+        return;
+    default:
+        break;
+    }
+    if (!operand.IsNumber())
+    {
+        findings.Add(Code::OperandType, operand.span,
+                     begin + "is no number and counts as 0" + ofType,
+                     operand.IsString() && Pieces(operand.text).size() == 2
+                         ? "the operator of a range is 'range'"
+                         : "");
+    }
+    else if (type == PARAM_Integer && !operand.IsInteger())
+    {
+        findings.Add(Code::OperandFraction, operand.span,
+                     begin + "is not a whole number and counts as " +
+                         std::to_string(static_cast<std::int32_t>(operand.ReadUInt())) + ofType);
+    }
+    else if (type == PARAM_Integer &&
+             (operand.number < -2147483648.0 || operand.number > 2147483647.0))
+    {
+        findings.Add(Code::OperandRange, operand.span,
+                     begin + "does not fit 32 bits and counts as " +
+                         std::to_string(static_cast<std::int32_t>(operand.ReadUInt())));
+    }
+    else if (type == PARAM_Float && std::isinf(static_cast<float>(operand.number)))
+    {
+        findings.Add(Code::OperandRange, operand.span,
+                     begin + "does not fit a float and counts as infinite");
+    }
+}
+
 void CheckOperator(const Case& condition, Findings& findings)
 {
     const ConditionModel& model = condition.Condition();
@@ -197,10 +266,13 @@ void CheckTypes(const DocumentModel& model, Findings& findings)
             CheckConditionType(condition, findings);
             CheckOperator(condition, findings);
             const bool isNumber = read.type == PARAM_Integer || read.type == PARAM_Float;
-            if (read.operand != nullptr && isNumber && read.evaluation == EvaluateInRange)
+            if (read.operand == nullptr || read.type == 0)
             {
-                CheckRange(condition, *read.operand, findings);
+                continue;
             }
+            isNumber&& read.evaluation == EvaluateInRange
+                ? CheckRange(condition, *read.operand, findings)
+                : CheckValue(condition, *read.operand, findings);
         }
     }
 }

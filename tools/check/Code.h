@@ -101,6 +101,8 @@ enum class Code : int
     GlobalInLayer = 95,
     SecondGlobalNode = 96,
     NoGlobalNode = 97,
+    NoConditions = 98,
+    VersionWithoutStart = 99,
     // 100 to 119: types.
     ConditionTypeDiffers = 100,
     ConditionOfVector = 101,
@@ -108,6 +110,10 @@ enum class Code : int
     RangeText = 103,
     RangePiece = 104,
     OperatorUnread = 105,
+    OperandType = 106,
+    OperandEmpty = 107,
+    OperandFraction = 108,
+    OperandRange = 109,
     // 120 to 149: meaning.
     StateUnreached = 120,
     EndUnused = 121,

@@ -171,6 +171,18 @@ const CodeTable& ReferenceCodes()
          "nodes that belong to it. None of these has the builder `global`.",
          "\"global\": [{\"name\": \"Hits\", \"id\": 5, \"builder\": \"generic\"}]",
          "\"global\": [{\"name\": \"Hits\", \"id\": 5, \"builder\": \"global\"}]"},
+        {Code::NoConditions, Severity::Error, "a transition without conditions",
+         "A transition holds when one of its conditions holds. Without any, only a trigger that "
+         "the host assigns can make it fire; the library logs an error and a warning. When a "
+         "trigger is meant, allow this code for the transition.",
+         "{\"name\": \"StandToWalk\", \"id\": 100, \"builder\": \"transition\", \"source\": 10, "
+         "\"target\": 11}",
+         "{\"name\": \"StandToWalk\", \"id\": 100, \"builder\": \"transition\", \"source\": 10, "
+         "\"target\": 11,\n    \"$allow\": [\"VELL098\"]}"},
+        {Code::VersionWithoutStart, Severity::Error, "a version without a start state",
+         "`substateRoot`, the state that the machine starts with, is read from version 3 of the "
+         "head on. With a lower version the machine starts nothing.",
+         "\"version\": 2, \"substateRoot\": 10", "\"version\": 3, \"substateRoot\": 10"},
     };
     return table;
 }

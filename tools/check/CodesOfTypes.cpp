@@ -54,6 +54,35 @@ const CodeTable& TypeCodes()
          "true}]}",
          "{\"conditionType\": \"bool\", \"operator\": \"equal\", \"operand\": [{\"value\": "
          "false}]}"},
+        {Code::OperandType, Severity::Error, "a value of another type than its condition",
+         "A bool condition takes `true` or `false`, an integer or float condition a number, a "
+         "message condition a text. Anything else counts as false or 0; in a message condition it "
+         "leaves out the condition and those behind it.",
+         "{\"conditionType\": \"bool\", \"operator\": \"equal\", \"operand\": [{\"value\": "
+         "\"true\"}]}",
+         "{\"conditionType\": \"bool\", \"operator\": \"equal\", \"operand\": [{\"value\": "
+         "true}]}"},
+        {Code::OperandEmpty, Severity::Error, "a message condition with an empty text",
+         "A message condition needs a text. With an empty one, the condition and those behind it "
+         "are left out.",
+         "{\"conditionType\": \"message\", \"operator\": \"equal\", \"operand\": [{\"value\": "
+         "\"\"}]}",
+         "{\"conditionType\": \"message\", \"operator\": \"equal\", \"operand\": [{\"value\": "
+         "\"now\"}]}"},
+        {Code::OperandFraction, Severity::Warning, "an integer condition with a fraction",
+         "The library takes the low 32 bits of a number with a fraction or an exponent, which is "
+         "another number. Write a whole number.",
+         "{\"conditionType\": \"integer\", \"operator\": \"equal\", \"operand\": [{\"value\": "
+         "2.0}]}",
+         "{\"conditionType\": \"integer\", \"operator\": \"equal\", \"operand\": [{\"value\": "
+         "2}]}"},
+        {Code::OperandRange, Severity::Warning, "a value that does not fit",
+         "Integers have 32 bits, and of a larger one the low 32 bits are taken. Floats end at "
+         "about 3.4e38; a larger one is infinite.",
+         "{\"conditionType\": \"integer\", \"operator\": \"less\", \"operand\": [{\"value\": "
+         "3000000000}]}",
+         "{\"conditionType\": \"integer\", \"operator\": \"less\", \"operand\": [{\"value\": "
+         "2000000000}]}"},
     };
     return table;
 }

@@ -1,0 +1,112 @@
+// VELL: data-driven hierarchical state machines.
+// tests/check/TruthTest.cpp: the check says no less than the library, for every document.
+#include "tests/check/Truth.h"
+
+#include "tests/check/Mutation.h"
+#include "tests/fuzz/Bytes.h"
+#include "tests/fuzz/GrammarDocument.h"
+#include "tests/model/ModelCase.h"
+#include "tests/support/SourceDir.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace vell::test
+{
+namespace
+{
+
+constexpr int kShards = 8;
+/// So many of ten documents come from the fuzzers' grammar, the others from the model's and the
+/// samples, with one mistake more.
+constexpr int kGrammarOfTen = 4;
+constexpr int kModelOfTen = 2;
+
+int DocumentCount()
+{
+    return CountFromEnvironment("VELL_CHECK_DOCUMENTS", 10000);
+}
+
+std::string ReadSample(const std::string& name)
+{
+    std::ifstream file(std::string(SourceDir()) + "/samples/" + name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string GrammarText(std::mt19937& random)
+{
+    std::vector<unsigned char> bytes(3000);
+    std::generate(bytes.begin(), bytes.end(),
+                  [&random]
+                  {
+                      return static_cast<unsigned char>(random());
+                  });
+    fuzz::Bytes decisions(bytes.data(), bytes.size());
+    return fuzz::GrammarDocument(decisions);
+}
+
+/// A document, and where the mistake is, if that is known.
+struct Document
+{
+    std::string text;
+    source::Span mistake;
+    bool isPlaceKnown = false;
+};
+
+Document MakeDocument(int number)
+{
+    std::mt19937 random(static_cast<unsigned int>(number));
+    const int kind = number % 10;
+    if (kind < kGrammarOfTen)
+    {
+        return {GrammarText(random), {}, false};
+    }
+    if (kind < kGrammarOfTen + kModelOfTen)
+    {
+        const auto seed = static_cast<unsigned long long>(number);
+        return {
+            Mutate(model::WriteDocument(model::MakeCase(seed).document), random).text, {}, false};
+    }
+    static const std::string samples[] = {ReadSample("character.json"),
+                                          ReadSample("locomotion.json")};
+    const Mutated mutated = Mutate(samples[number % 2], random);
+    return {mutated.text, mutated.object, !mutated.isId};
+}
+
+class CheckTruth : public testing::TestWithParam<int>
+{
+};
+
+} // namespace
+
+// A counterexample is shown with its number: VELL_CHECK_DOCUMENT=NUMBER checks that one alone.
+TEST_P(CheckTruth, HoldsForRandomDocuments)
+{
+    const int only = CountFromEnvironment("VELL_CHECK_DOCUMENT", -1);
+    const int first = only < 0 ? GetParam() : only;
+    const int end = only < 0 ? DocumentCount() : only + 1;
+    int failures = 0;
+    for (int number = first; number < end && failures < 5; number += kShards)
+    {
+        const Document document = MakeDocument(number);
+        const Loaded loaded = Load(document.text);
+        const Checked checked(document.text);
+        std::string untrue = Compare(loaded, checked);
+        const bool isMisplaced = document.isPlaceKnown && loaded.HasComplaints() &&
+                                 !checked.HasFindingAt(document.mistake);
+        untrue += isMisplaced ? "no finding is where the mistake is" : "";
+        failures += untrue.empty() ? 0 : 1;
+        EXPECT_EQ(untrue, "") << "document " << number << "\n"
+                              << checked.Lines() << (only < 0 ? "" : document.text);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Shards, CheckTruth, testing::Range(0, kShards));
+
+} // namespace vell::test
