@@ -72,26 +72,6 @@ std::size_t OpenDescriptors()
     return count;
 }
 
-/// Puts a text in the place of standard input for as long as it lives.
-class StandardInput
-{
-public:
-    explicit StandardInput(const std::string& text) : in(text), saved(std::cin.rdbuf(in.rdbuf()))
-    {
-    }
-    ~StandardInput()
-    {
-        std::cin.rdbuf(saved);
-        std::cin.clear();
-    }
-    StandardInput(const StandardInput&) = delete;
-    StandardInput& operator=(const StandardInput&) = delete;
-
-private:
-    std::istringstream in;
-    std::streambuf* saved;
-};
-
 /// A document that the library complains of twelve times before it refuses it: a transition without
 /// conditions is worth a warning.
 DocumentBuilder Lamentable()

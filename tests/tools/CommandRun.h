@@ -4,6 +4,8 @@
 
 #include "tests/support/DocumentBuilder.h"
 
+#include <iostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -42,6 +44,26 @@ public:
 
 private:
     std::string path;
+};
+
+/// Puts a text in the place of standard input for as long as it lives.
+class StandardInput
+{
+public:
+    explicit StandardInput(const std::string& text) : in(text), saved(std::cin.rdbuf(in.rdbuf()))
+    {
+    }
+    ~StandardInput()
+    {
+        std::cin.rdbuf(saved);
+        std::cin.clear();
+    }
+    StandardInput(const StandardInput&) = delete;
+    StandardInput& operator=(const StandardInput&) = delete;
+
+private:
+    std::istringstream in;
+    std::streambuf* saved;
 };
 
 /// A level, Locomotion, of Stand and Walk, over which a hit starts a blip of Hurt that ends at

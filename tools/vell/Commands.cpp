@@ -4,6 +4,7 @@
 
 #include "tools/vell/CheckCommand.h"
 #include "tools/vell/ContextCommand.h"
+#include "tools/vell/FmtCommand.h"
 #include "tools/vell/GraphCommand.h"
 #include "tools/vell/RunCommand.h"
 #include "tools/vell/SchemaCommand.h"
@@ -20,6 +21,7 @@ void AddCommands(CLI::App& app, Session& session)
     AddGraphCommand(app, session);
     AddTreeCommand(app, session);
     AddContextCommand(app, session);
+    AddFmtCommand(app, session);
 }
 
 } // namespace vell::tool

@@ -1,0 +1,67 @@
+// VELL: data-driven hierarchical state machines.
+// tools/vell/DocumentText.cpp: reading, and the first thing that is wrong.
+#include "tools/vell/DocumentText.h"
+
+#include "tools/layout/SafeFile.h"
+#include "tools/vell/CommandLine.h"
+#include "tools/vell/Session.h"
+
+#include <ostream>
+
+namespace vell::tool
+{
+namespace
+{
+
+/// The library can parse a text with these.
+bool IsHarmless(source::Flaw flaw)
+{
+    return flaw == source::Flaw::Duplicate || flaw == source::Flaw::NotUtf8 ||
+           flaw == source::Flaw::NulCharacter;
+}
+
+void ShowFirstProblem(Session& session, const std::string& path, const source::Text& text)
+{
+    for (const source::Problem& problem : text.problems)
+    {
+        if (IsHarmless(problem.flaw))
+        {
+            continue;
+        }
+        session.errors << DocumentName(path) << ':' << problem.where.begin.line << ':'
+                       << problem.where.begin.column << ": error: " << problem.message
+                       << (problem.hint.empty() ? "" : "; " + problem.hint) << '\n';
+        return;
+    }
+    session.errors << DocumentName(path) << ": error: not JSON\n";
+}
+
+} // namespace
+
+std::string DocumentName(const std::string& path)
+{
+    return path == "-" ? "<stdin>" : path;
+}
+
+int ReadDocumentText(Session& session, const std::string& path, source::Text* text)
+{
+    std::string bytes;
+    const std::string error = layout::ReadFile(path, &bytes);
+    if (!error.empty())
+    {
+        session.errors << path << ": cannot read the file: " << error << '\n';
+        return ExitUsage;
+    }
+    source::Options options;
+    options.allowComments = true;
+    options.allowTrailingCommas = true;
+    *text = source::ReadText(std::move(bytes), options);
+    if (!text->parsed)
+    {
+        ShowFirstProblem(session, path, *text);
+        return ExitFailed;
+    }
+    return ExitWell;
+}
+
+} // namespace vell::tool

@@ -1,0 +1,22 @@
+// VELL: data-driven hierarchical state machines.
+// tools/vell/DocumentText.h: reading a document as a text, for commands that do not run it.
+#pragma once
+
+#include "tools/source/Reader.h"
+
+#include <string>
+
+namespace vell::tool
+{
+
+class Session;
+
+/// Reads a document, or standard input for "-". Comments and trailing commas are allowed. Returns
+/// `ExitWell`, `ExitUsage` when the file cannot be read, or `ExitFailed` when it is not JSON; both
+/// with an error line, the latter with line and column.
+int ReadDocumentText(Session& session, const std::string& path, source::Text* text);
+
+/// The name of a document in messages.
+std::string DocumentName(const std::string& path);
+
+} // namespace vell::tool
