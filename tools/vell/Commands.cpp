@@ -4,8 +4,10 @@
 
 #include "tools/vell/CheckCommand.h"
 #include "tools/vell/ContextCommand.h"
+#include "tools/vell/DiffCommand.h"
 #include "tools/vell/FmtCommand.h"
 #include "tools/vell/GraphCommand.h"
+#include "tools/vell/IdCommand.h"
 #include "tools/vell/RunCommand.h"
 #include "tools/vell/SchemaCommand.h"
 #include "tools/vell/TreeCommand.h"
@@ -22,6 +24,8 @@ void AddCommands(CLI::App& app, Session& session)
     AddTreeCommand(app, session);
     AddContextCommand(app, session);
     AddFmtCommand(app, session);
+    AddDiffCommand(app, session);
+    AddIdCommand(app, session);
 }
 
 } // namespace vell::tool

@@ -1,0 +1,100 @@
+// VELL: data-driven hierarchical state machines.
+// tools/vell/DiffCommand.cpp: what differs between two documents.
+#include "tools/vell/DiffCommand.h"
+
+#include "tools/diff/Difference.h"
+#include "tools/diff/DifferenceText.h"
+#include "tools/diff/DocumentModel.h"
+#include "tools/layout/SafeFile.h"
+#include "tools/vell/CommandLine.h"
+#include "tools/vell/DocumentText.h"
+#include "tools/vell/Session.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vell::tool
+{
+namespace
+{
+
+constexpr const char* kDiffHelp = R"(
+Nodes and parameters are matched by id and name, so a new id alone does not make every reference
+to it a change. Layout, the order of members and default values do not count. An empty file, such
+as /dev/null, is an empty document.
+
+Exit codes:
+  0  no differences
+  1  differences, or a document is not JSON
+  2  invalid command line, or a file cannot be read
+
+Examples:
+  vell diff old.json new.json
+  vell diff old.json new.json --format markdown -o review.md
+  git difftool --extcmd 'vell diff' --no-prompt main -- hero.json)";
+
+struct DiffOptions
+{
+    std::string before;
+    std::string after;
+};
+
+int ReadModelOf(Session& session, const std::string& path, diff::DocumentModel* model)
+{
+    std::string bytes;
+    if (path != "-" && layout::ReadFile(path, &bytes).empty() && bytes.empty())
+    {
+        return ExitWell;
+    }
+    source::Text text;
+    const int code = ReadDocumentText(session, path, &text);
+    if (code == ExitWell)
+    {
+        *model = diff::ReadModel(text.root);
+    }
+    return code;
+}
+
+int ShowDifferences(Session& session, const DiffOptions& options)
+{
+    diff::DocumentModel before;
+    diff::DocumentModel after;
+    const int beforeCode = ReadModelOf(session, options.before, &before);
+    const int afterCode = ReadModelOf(session, options.after, &after);
+    if (beforeCode != ExitWell || afterCode != ExitWell)
+    {
+        return std::max(beforeCode, afterCode);
+    }
+    const std::vector<diff::Difference> differences = diff::Compare(before, after);
+    const std::string& format = session.options.format;
+    const int code = session.Write(
+        format == "json"       ? diff::ToJson(differences, options.before, options.after)
+        : format == "markdown" ? diff::ToMarkdown(differences, options.before, options.after)
+                               : diff::ToText(differences));
+    return code != ExitWell || differences.empty() ? code : ExitFailed;
+}
+
+} // namespace
+
+void AddDiffCommand(CLI::App& app, Session& session)
+{
+    const auto options = std::make_shared<DiffOptions>();
+    CLI::App* command = session.AddCommand(app, "diff", "Shows what differs between two documents",
+                                           [&session, options]
+                                           {
+                                               return ShowDifferences(session, *options);
+                                           });
+    command->add_option("A", options->before, "The document before; - is standard input")
+        ->required();
+    command->add_option("B", options->after, "The document after")->required();
+    session.AddFormat(*command, "text (default), json, or markdown: for a review",
+                      {"text", "json", "markdown"});
+    session.AddOutput(*command);
+    command->footer(kDiffHelp);
+}
+
+} // namespace vell::tool
