@@ -10,6 +10,7 @@
 #include "tools/vell/IdCommand.h"
 #include "tools/vell/RunCommand.h"
 #include "tools/vell/SchemaCommand.h"
+#include "tools/vell/StatsCommand.h"
 #include "tools/vell/TreeCommand.h"
 
 namespace vell::tool
@@ -25,6 +26,7 @@ void AddCommands(CLI::App& app, Session& session)
     AddContextCommand(app, session);
     AddFmtCommand(app, session);
     AddDiffCommand(app, session);
+    AddStatsCommand(app, session);
     AddIdCommand(app, session);
 }
 

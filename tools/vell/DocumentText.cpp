@@ -43,7 +43,8 @@ std::string DocumentName(const std::string& path)
     return path == "-" ? "<stdin>" : path;
 }
 
-int ReadDocumentText(Session& session, const std::string& path, source::Text* text)
+int ReadDocumentText(Session& session, const std::string& path, source::Text* text,
+                     const source::Options& options)
 {
     std::string bytes;
     const std::string error = layout::ReadFile(path, &bytes);
@@ -52,9 +53,6 @@ int ReadDocumentText(Session& session, const std::string& path, source::Text* te
         session.errors << path << ": cannot read the file: " << error << '\n';
         return ExitUsage;
     }
-    source::Options options;
-    options.allowComments = true;
-    options.allowTrailingCommas = true;
     *text = source::ReadText(std::move(bytes), options);
     if (!text->parsed)
     {

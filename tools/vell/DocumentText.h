@@ -11,10 +11,14 @@ namespace vell::tool
 
 class Session;
 
-/// Reads a document, or standard input for "-". Comments and trailing commas are allowed. Returns
-/// `ExitWell`, `ExitUsage` when the file cannot be read, or `ExitFailed` when it is not JSON; both
-/// with an error line, the latter with line and column.
-int ReadDocumentText(Session& session, const std::string& path, source::Text* text);
+/// Allows comments and trailing commas, for commands that do not hand the document to the library.
+constexpr source::Options kLenient{true, true};
+
+/// Reads a document, or standard input for "-". Returns `ExitWell`, `ExitUsage` when the file
+/// cannot be read, or `ExitFailed` when it is not JSON; both with an error line, the latter with
+/// line and column.
+int ReadDocumentText(Session& session, const std::string& path, source::Text* text,
+                     const source::Options& options = kLenient);
 
 /// The name of a document in messages.
 std::string DocumentName(const std::string& path);
