@@ -9,9 +9,9 @@
 #include "tests/tools/CommandRun.h"
 #include "tools/diff/Difference.h"
 #include "tools/diff/DifferenceText.h"
-#include "tools/layout/SafeFile.h"
 #include "tools/source/Reader.h"
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/DocumentFiles.h"
 
 #include <gtest/gtest.h>
 
@@ -119,9 +119,7 @@ Lines Sides(const std::vector<Difference>& differences, bool isSwapped)
 
 std::string ReadSample(const std::string& name)
 {
-    std::string bytes;
-    EXPECT_EQ(layout::ReadFile(std::string(SourceDir()) + "/samples/" + name, &bytes), "");
-    return bytes;
+    return tool::ReadWholeFile(std::string(SourceDir()) + "/samples/" + name).bytes;
 }
 
 void CollectScalars(const source::Value& value, std::vector<const source::Value*>* scalars)

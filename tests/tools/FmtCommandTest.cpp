@@ -85,16 +85,27 @@ TEST(VellFmt, LeavesAFileThatIsNotJsonAndFormatsTheOthers)
     EXPECT_EQ(folder.Read("messy.json"), kTidy);
 }
 
+TEST(VellFmt, FormatsTheDocumentsOfAFolder)
+{
+    const Folder folder;
+    folder.Write("messy.json", kMessy);
+    folder.Write("messy.txt", kMessy);
+
+    EXPECT_EQ(CallVell({"fmt", folder.PathOf("")}).code, tool::ExitWell);
+
+    EXPECT_EQ(folder.Read("messy.json"), kTidy);
+    EXPECT_EQ(folder.Read("messy.txt"), kMessy);
+}
+
 TEST(VellFmt, SaysWhichFileItCannotRead)
 {
     const Folder folder;
     const std::string none = folder.PathOf("none.json");
 
-    const Outcome outcome = CallVell({"fmt", none, folder.PathOf("")});
+    const Outcome outcome = CallVell({"fmt", none});
 
     EXPECT_EQ(outcome.code, tool::ExitUsage);
-    EXPECT_EQ(outcome.errors, none + ": cannot read the file: No such file or directory\n" +
-                                  folder.PathOf("") + ": cannot read the file: Is a directory\n");
+    EXPECT_EQ(outcome.errors, none + ": cannot read the file: No such file or directory\n");
 }
 
 TEST(VellFmt, KeepsCommentsAndDuplicates)

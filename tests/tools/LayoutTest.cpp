@@ -5,6 +5,7 @@
 #include "tests/support/SourceDir.h"
 #include "tests/tools/CommandRun.h"
 #include "tools/layout/SafeFile.h"
+#include "tools/vell/DocumentFiles.h"
 
 #include <gtest/gtest.h>
 
@@ -155,8 +156,8 @@ TEST(Layout, LeavesTheSamplesAsTheyAre)
 {
     for (const char* name : {"samples/locomotion.json", "samples/character.json"})
     {
-        std::string bytes;
-        ASSERT_EQ(layout::ReadFile(std::string(SourceDir()) + "/" + name, &bytes), "") << name;
+        const std::string bytes = tool::ReadWholeFile(std::string(SourceDir()) + "/" + name).bytes;
+        ASSERT_NE(bytes, "") << name;
 
         EXPECT_EQ(LayOutText(bytes), bytes) << name;
     }
@@ -321,16 +322,6 @@ TEST(SafeFile, LeavesNothingBesideAFileThatItCannotReplace)
         names.push_back(entry.path().filename().string());
     }
     EXPECT_EQ(names, std::vector<std::string>{"inner"});
-}
-
-TEST(SafeFile, SaysWhyAFileCannotBeRead)
-{
-    const Folder folder;
-    std::string bytes = "before";
-
-    EXPECT_EQ(layout::ReadFile(folder.PathOf("none"), &bytes), "No such file or directory");
-    EXPECT_EQ(layout::ReadFile(folder.PathOf(""), &bytes), "Is a directory");
-    EXPECT_EQ(bytes, "");
 }
 
 } // namespace vell::test

@@ -8,8 +8,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
-#include <iostream>
-#include <iterator>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,8 +15,6 @@ namespace vell::layout
 {
 namespace
 {
-
-constexpr std::size_t kBlock = 65536;
 
 bool WriteAll(int file, const std::string& bytes)
 {
@@ -49,30 +45,6 @@ std::string LastError()
 }
 
 } // namespace
-
-std::string ReadFile(const std::string& path, std::string* bytes)
-{
-    bytes->clear();
-    if (path == "-")
-    {
-        bytes->assign(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>());
-        return "";
-    }
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (file == nullptr)
-    {
-        return LastError();
-    }
-    char block[kBlock];
-    std::size_t count = 0;
-    while ((count = std::fread(block, 1, sizeof(block), file)) != 0)
-    {
-        bytes->append(block, count);
-    }
-    const std::string error = std::ferror(file) != 0 ? LastError() : "";
-    std::fclose(file);
-    return error;
-}
 
 std::string ReplaceFile(const std::string& path, const std::string& bytes)
 {

@@ -1,15 +1,11 @@
 // VELL: data-driven hierarchical state machines.
-// tools/layout/SafeFile.h: reading a file, and replacing it so that nothing is lost.
+// tools/layout/SafeFile.h: replacing a file so that nothing is lost.
 #pragma once
 
 #include <string>
 
 namespace vell::layout
 {
-
-/// Reads a file, or standard input for "-". Returns an empty text, or why it cannot be read, such
-/// as "is a directory".
-std::string ReadFile(const std::string& path, std::string* bytes);
 
 /// Replaces the content of a file: it is written to a temporary file beside it, which then takes
 /// its place with its permissions. If this fails or is interrupted, the file is as before. A link

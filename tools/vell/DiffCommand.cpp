@@ -5,8 +5,8 @@
 #include "tools/diff/Difference.h"
 #include "tools/diff/DifferenceText.h"
 #include "tools/diff/DocumentModel.h"
-#include "tools/layout/SafeFile.h"
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/DocumentFiles.h"
 #include "tools/vell/DocumentText.h"
 #include "tools/vell/Session.h"
 
@@ -43,10 +43,15 @@ struct DiffOptions
     std::string after;
 };
 
+bool IsEmptyFile(const std::string& path)
+{
+    const FileText file = ReadWholeFile(path);
+    return file.error.empty() && file.bytes.empty();
+}
+
 int ReadModelOf(Session& session, const std::string& path, diff::DocumentModel* model)
 {
-    std::string bytes;
-    if (path != "-" && layout::ReadFile(path, &bytes).empty() && bytes.empty())
+    if (path != "-" && IsEmptyFile(path))
     {
         return ExitWell;
     }

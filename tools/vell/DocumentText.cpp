@@ -2,11 +2,12 @@
 // tools/vell/DocumentText.cpp: reading, and the first thing that is wrong.
 #include "tools/vell/DocumentText.h"
 
-#include "tools/layout/SafeFile.h"
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/DocumentFiles.h"
 #include "tools/vell/Session.h"
 
 #include <ostream>
+#include <utility>
 
 namespace vell::tool
 {
@@ -46,14 +47,13 @@ std::string DocumentName(const std::string& path)
 int ReadDocumentText(Session& session, const std::string& path, source::Text* text,
                      const source::Options& options)
 {
-    std::string bytes;
-    const std::string error = layout::ReadFile(path, &bytes);
-    if (!error.empty())
+    FileText file = ReadWholeFile(path);
+    if (!file.error.empty())
     {
-        session.errors << path << ": cannot read the file: " << error << '\n';
+        session.errors << path << ": cannot read the file: " << file.error << '\n';
         return ExitUsage;
     }
-    *text = source::ReadText(std::move(bytes), options);
+    *text = source::ReadText(std::move(file.bytes), options);
     if (!text->parsed)
     {
         ShowFirstProblem(session, path, *text);

@@ -5,6 +5,7 @@
 #include "tools/layout/Layout.h"
 #include "tools/layout/SafeFile.h"
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/DocumentFiles.h"
 #include "tools/vell/DocumentText.h"
 #include "tools/vell/Session.h"
 
@@ -92,9 +93,9 @@ int FormatFile(Session& session, const std::string& path, bool isCheck)
 int FormatFiles(Session& session, const FmtOptions& options)
 {
     int code = ExitWell;
-    for (const std::string& path : options.files)
+    for (const DocumentFile& file : FindDocuments(options.files))
     {
-        code = std::max(code, FormatFile(session, path, options.isCheck));
+        code = std::max(code, FormatFile(session, file.path, options.isCheck));
     }
     return code;
 }
@@ -109,8 +110,10 @@ void AddFmtCommand(CLI::App& app, Session& session)
                                        {
                                            return FormatFiles(session, *options);
                                        });
-    fmt->add_option("FILE", options->files,
-                    "Documents, changed in place; - formats standard input to standard output")
+    fmt->add_option(
+           "FILE", options->files,
+           "Documents, changed in place; a folder stands for all files *.json in it; - formats "
+           "standard input to standard output")
         ->required();
     fmt->add_flag("--check", options->isCheck, "Change nothing, and print what would change");
     fmt->footer(kFmtHelp);
