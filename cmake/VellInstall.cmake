@@ -8,6 +8,15 @@ install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHIN
 if(TARGET vell)
     set_target_properties(vell PROPERTIES INSTALL_RPATH "${VELL_EXTERNAL_FOLDERS}")
     install(TARGETS vell RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    set(vell_texts ${PROJECT_BINARY_DIR}/tools/vell)
+    install(FILES ${vell_texts}/vell.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    # Where each shell looks for completions.
+    install(FILES ${vell_texts}/completions/vell
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+    install(FILES ${vell_texts}/completions/_vell
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+    install(FILES ${vell_texts}/completions/vell.fish
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
 
 install(EXPORT VELLTargets NAMESPACE VELL:: DESTINATION ${vell_package_dir})

@@ -24,4 +24,8 @@ done
 # The command stands on its own.
 if [[ -x "${build}/bin/vell" ]]; then
     "${scratch}/moved/bin/vell" --version
+    for file in man/man1/vell.1 bash-completion/completions/vell zsh/site-functions/_vell \
+        fish/vendor_completions.d/vell.fish; do
+        [[ -s "${scratch}/moved/share/${file}" ]] || { echo "${file} was not installed" >&2; exit 1; }
+    done
 fi

@@ -15,6 +15,24 @@
 namespace vell::test
 {
 
+namespace
+{
+
+std::size_t StartOfTotals(const std::string& text)
+{
+    for (const char* mark : {"  arena    ", "\"event\":\"end\""})
+    {
+        const std::size_t at = text.rfind(mark);
+        if (at != std::string::npos)
+        {
+            return text.rfind('\n', at) + 1;
+        }
+    }
+    return text.size();
+}
+
+} // namespace
+
 Outcome CallVell(const std::vector<std::string>& words, bool isTerminal)
 {
     std::vector<const char*> arguments{"vell"};
@@ -25,9 +43,14 @@ Outcome CallVell(const std::vector<std::string>& words, bool isTerminal)
     std::ostringstream out;
     std::ostringstream errors;
     Outcome outcome;
-    outcome.code = tool::RunCommandLine(static_cast<int>(arguments.size()), arguments.data(), out,
-                                        errors, isTerminal);
+    tool::Console console{out, errors};
+    console.isErrorTerminal = isTerminal;
+    outcome.code =
+        tool::RunCommandLine(static_cast<int>(arguments.size()), arguments.data(), console);
     outcome.out = out.str();
+    const std::size_t totals = StartOfTotals(outcome.out);
+    outcome.closing = outcome.out.substr(totals);
+    outcome.out.erase(totals);
     outcome.errors = errors.str();
     return outcome;
 }

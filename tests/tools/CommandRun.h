@@ -16,7 +16,8 @@ namespace vell::test
 struct Outcome
 {
     int code = 0;
-    std::string out;
+    std::string out;     ///< without the lines below
+    std::string closing; ///< the lines of a run that give its totals, the last ones
     std::string errors;
 };
 

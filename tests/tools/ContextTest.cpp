@@ -145,7 +145,7 @@ TEST(VellContext, SaysWhyARecordCannotBeRead)
 
     EXPECT_EQ(outcome.code, tool::ExitFailed);
     EXPECT_EQ(outcome.errors,
-              folder.PathOf("none.json") + ": cannot read the file: No such file or directory\n");
+              "cannot read " + folder.PathOf("none.json") + ": No such file or directory\n");
     EXPECT_EQ(outcome.out, "");
 }
 

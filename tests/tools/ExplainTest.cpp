@@ -23,7 +23,7 @@ std::string ExplainTick(const DocumentBuilder& builder, const std::string& scrip
     const Folder folder;
     const Outcome outcome =
         CallVell({"run", folder.Write("a.json", builder.Text()), "--script",
-                  folder.Write("a.script", script), "--explain", "--format", format});
+                  folder.Write("a.script", script), "--explain=all", "--format", format});
     EXPECT_EQ(outcome.errors, "");
     const std::size_t begin = outcome.out.find("     " + tick + "  explain");
     return begin == std::string::npos ? outcome.out : outcome.out.substr(begin);

@@ -109,12 +109,22 @@ TEST(VellValues, AreRefusedWithTheFormThatTheParameterTakes)
         std::vector<std::string> texts;
     };
     const std::vector<Case> cases = {
-        {"flag", "true or false", {"True", "yes", "2", "true false", "-1"}},
-        {"count", "a whole number", {"x", "5x", "1.5", "5 6", "2147483648", "-2147483649", "1e3"}},
-        {"speed", "a number", {"x", "1.5x", "1,2", "1 2", "1e99", "0.5f"}},
-        {"stick", "two numbers such as 0.3,0.8", {"1", "1,", ",1", "1,2,3", "1,2x", "1;2", "1,2,"}},
-        {"place", "three numbers such as 1,0,0", {"1", "1,2", "1,2,3,4", "1,,3", "1,2,3x"}},
-        {"turn", "four numbers such as 1,0,0,1", {"1", "1,2,3", "1,2,3,4,5", "1,2,3,", "x,2,3,4"}},
+        {"flag", "a bool: expected true or false", {"True", "yes", "2", "true false", "-1"}},
+        {"count",
+         "an integer: expected a whole number",
+         {"x", "5x", "1.5", "5 6", "2147483648", "-2147483649", "1e3"}},
+        {"speed",
+         "a float: expected a number such as 1.5",
+         {"nan", "inf", "-infinity", "x", "1.5x", "1,2", "1 2", "1e99", "0.5f"}},
+        {"stick",
+         "a float2: expected two numbers such as 0.3,0.8",
+         {"nan,0", "1", "1,", ",1", "1,2,3", "1,2x", "1;2", "1,2,"}},
+        {"place",
+         "a float3: expected three numbers such as 1,0,0",
+         {"1", "1,2", "1,2,3,4", "1,,3", "1,2,3x"}},
+        {"turn",
+         "a float4: expected four numbers such as 1,0,0,1",
+         {"1", "1,2,3", "1,2,3,4,5", "1,2,3,", "x,2,3,4"}},
     };
     for (const Case& one : cases)
     {
@@ -125,9 +135,8 @@ TEST(VellValues, AreRefusedWithTheFormThatTheParameterTakes)
                 const Outcome outcome = RunScript(EachClass(), verb + one.name + " " + text + "\n");
 
                 EXPECT_EQ(outcome.code, tool::ExitFailed) << one.name << " " << text;
-                EXPECT_EQ(outcome.errors, "a.script:1: '" + text +
-                                              "' is not a valid value for the parameter '" +
-                                              one.name + "', which takes " + one.form + "\n");
+                EXPECT_EQ(outcome.errors, "a.script:1: '" + one.name + "' is " + one.form +
+                                              ", got '" + text + "'\n");
                 EXPECT_EQ(outcome.out, "     0  entered  A\n"
                                        "     0  stack    A\n");
             }
@@ -152,13 +161,15 @@ TEST(VellValues, HaveNamesThatTheDocumentKnows)
 
         const Outcome some = RunScript(two, std::string(line) + "\n");
         EXPECT_EQ(some.code, tool::ExitFailed) << line;
-        const std::string names =
-            ParameterId("speed") < ParameterId("hit") ? "speed, hit" : "hit, speed";
         EXPECT_EQ(some.errors,
-                  "a.script:1: the document has no parameter 'sped'; it has " + names + "\n");
+                  "a.script:1: the document has no parameter 'sped'; did you mean 'speed'?\n");
         EXPECT_EQ(some.out, "     0  entered  A\n"
                             "     0  stack    A\n");
     }
+    const std::string names =
+        ParameterId("speed") < ParameterId("hit") ? "speed or hit" : "hit or speed";
+    EXPECT_EQ(RunScript(two, "set health 1\n").errors,
+              "a.script:1: the document has no parameter 'health'; expected " + names + "\n");
 }
 
 } // namespace

@@ -168,7 +168,7 @@ TEST(VellRunner, NamesAStateWithoutANameByItsId)
               "     1  stack    B\n");
 }
 
-TEST(VellRunner, RunsAMachineOfAGlobalNodeAlone)
+TEST(VellRunner, RunsAMachineOfAGlobalNodeAloneAndExitsWithOne)
 {
     DocumentBuilder builder;
     builder.Start(77)
@@ -179,8 +179,9 @@ TEST(VellRunner, RunsAMachineOfAGlobalNodeAlone)
 
     const Outcome outcome = RunScript(builder, "expect stack -\nset hit true\ntick\n");
 
-    EXPECT_EQ(outcome.errors, "");
-    EXPECT_EQ(outcome.code, tool::ExitWell);
+    EXPECT_EQ(outcome.errors, "a.json: only the global state runs: the start state does not exist: "
+                              "no node has the id 77\n");
+    EXPECT_EQ(outcome.code, tool::ExitFailed);
     EXPECT_EQ(outcome.out, "     0  stack    -\n"
                            "     0  set      hit = true\n"
                            "     1  fired    Hit (101) of Any, priority 5: hit == true (saw true)\n"

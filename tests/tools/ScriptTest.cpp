@@ -186,9 +186,8 @@ TEST(Script, SaysWhyAFileCannotBeRead)
 {
     const Script script = ReadScriptFile("no/such/file.script");
 
-    EXPECT_EQ(script.errors,
-              std::vector<std::string>{
-                  "no/such/file.script: cannot read the file: No such file or directory"});
+    EXPECT_EQ(script.errors, std::vector<std::string>{
+                                 "cannot read no/such/file.script: No such file or directory"});
 }
 
 } // namespace

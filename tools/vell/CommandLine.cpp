@@ -3,11 +3,19 @@
 #include "tools/vell/CommandLine.h"
 
 #include "tools/vell/Commands.h"
+#include "tools/vell/HelpFormatter.h"
 #include "tools/vell/Session.h"
+#include "tools/vell/TextFile.h"
+#include "tools/vell/UsageError.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <cerrno>
+#include <memory>
 #include <ostream>
+#include <string>
+#include <vector>
 
 namespace vell::tool
 {
@@ -16,45 +24,99 @@ namespace
 
 constexpr const char* kFooter = R"(
 Examples:
-  vell run hero.json                          show the first ten ticks
-  vell run hero.json --script jump.script     drive the machine and check what it does
-  vell run hero.json --script - --explain     show why a transition did not fire
+  vell run hero.json                        show the first ten ticks
+  vell run hero.json --script jump.script   drive the machine, and check it
+  vell run hero.json --script - --explain   show why a transition did not fire
   vell graph hero.json --format svg -o hero.svg
-  vell tree hero.json --after jump.script     print parameters, nodes and stacks as JSON
+  vell tree hero.json --after jump.script   print parameters, nodes and stacks
   vell context save hero.json --after jump.script -o jump.json
-  vell context restore hero.json jump.json    continue from there
-  vell COMMAND --help                         the options of one command
+  vell context restore hero.json jump.json  continue from there
+  vell help COMMAND                         the options of one command
 
 Exit codes:
   0  success
-  1  a document could not be loaded, or an expectation failed
-  2  invalid command line or script)";
+  1  a document could not be loaded, or was loaded with losses; a tick was
+     aborted; an expectation failed
+  2  invalid command line or script; output could not be written)";
 
-} // namespace
-
-int RunCommandLine(int argc, const char* const* argv, std::ostream& out, std::ostream& errors,
-                   bool isTerminal)
+/// Flushes `out` before each write to `errors`, so that a reader of both sees them in order.
+class Tie
 {
-    Session session(out, errors, isTerminal);
-    CLI::App app("Inspects and runs machine documents.", "vell");
-    app.set_version_flag("--version", "vell " VELL_VERSION);
-    app.require_subcommand(1);
-    app.footer(kFooter);
-    AddCommands(app, session);
-    if (argc < 2)
+public:
+    explicit Tie(const Console& console) : errors(console.errors), saved(errors.tie(&console.out))
     {
-        errors << app.help();
+    }
+    ~Tie()
+    {
+        errors.tie(saved);
+    }
+    Tie(const Tie&) = delete;
+    Tie& operator=(const Tie&) = delete;
+
+private:
+    std::ostream& errors;
+    std::ostream* saved;
+};
+
+int Call(const std::vector<std::string>& words, const Console& console)
+{
+    Session session(console);
+    CLI::App app("Inspects and runs machine documents.", "vell");
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.set_help_flag("-h,--help", "Show this help");
+    app.set_version_flag("--version", "vell " VELL_VERSION, "Show the version");
+    app.require_subcommand(1);
+    AddCommands(app, session);
+    app.footer(kFooter); // behind the commands, which would inherit it
+    if (words.empty())
+    {
+        console.errors << app.help();
+        return ExitUsage;
+    }
+    std::string fault;
+    if (FindCommand(app, words, &fault) == nullptr)
+    {
+        console.errors << fault << '\n';
         return ExitUsage;
     }
     try
     {
-        app.parse(argc, argv);
+        app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+    }
+    catch (const CLI::Success& success)
+    {
+        return app.exit(success, console.out, console.errors);
     }
     catch (const CLI::ParseError& error)
     {
-        return app.exit(error, out, errors) == 0 ? ExitWell : ExitUsage;
+        console.errors << UsageErrorText(app, error) << '\n';
+        return ExitUsage;
     }
     return session.RunAction();
+}
+
+/// Tells whether everything that was written to the output has arrived.
+bool IsWritten(std::ostream& out)
+{
+    const bool wasWell = out.good();
+    out.clear(); // a stream in a bad state would not be asked again for the reason
+    errno = 0;
+    out.flush();
+    return wasWell && out.good();
+}
+
+} // namespace
+
+int RunCommandLine(int argc, const char* const* argv, const Console& console)
+{
+    const Tie tie(console);
+    const int code = Call({argv + std::min(argc, 1), argv + argc}, console);
+    if (!IsWritten(console.out))
+    {
+        console.errors << CannotWrite("standard output", errno) << '\n';
+        return ExitUsage;
+    }
+    return code;
 }
 
 } // namespace vell::tool

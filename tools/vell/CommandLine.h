@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// tools/vell/CommandLine.h: the command's words, options and exit codes.
+// tools/vell/CommandLine.h: one call of the command, and its exit codes.
 #pragma once
 
 #include <iosfwd>
@@ -11,14 +11,21 @@ namespace vell::tool
 enum ExitCode : int
 {
     ExitWell = 0,   ///< success
-    ExitFailed = 1, ///< a document could not be loaded, or an expectation failed
-    ExitUsage = 2   ///< invalid command line or script
+    ExitFailed = 1, ///< a document is not sound, or an expectation failed
+    ExitUsage = 2   ///< invalid command line or script, or output that cannot be written
 };
 
-/// Runs the command. Output goes to `out`, errors to `errors`, which must not be the process's
-/// standard error: the library's log goes there. `isTerminal` says whether `errors` is shown on a
-/// terminal.
-int RunCommandLine(int argc, const char* const* argv, std::ostream& out, std::ostream& errors,
-                   bool isTerminal);
+/// Where a call writes to.
+struct Console
+{
+    std::ostream& out;
+    std::ostream& errors;       ///< not the process's standard error: the library's log goes there
+    bool isOutTerminal = false; ///< a person watches `out`
+    bool isErrorTerminal = false; ///< a person watches `errors`
+};
+
+/// Runs the command, and returns its exit code. What was written to `out` is flushed before
+/// anything is written to `errors`, so that both can be shown together.
+int RunCommandLine(int argc, const char* const* argv, const Console& console);
 
 } // namespace vell::tool

@@ -3,11 +3,14 @@
 #include "tools/vell/Commands.h"
 
 #include "tools/vell/CheckCommand.h"
+#include "tools/vell/CompletionCommand.h"
 #include "tools/vell/ContextCommand.h"
 #include "tools/vell/DiffCommand.h"
 #include "tools/vell/FmtCommand.h"
 #include "tools/vell/GraphCommand.h"
+#include "tools/vell/HelpCommand.h"
 #include "tools/vell/IdCommand.h"
+#include "tools/vell/ManualCommand.h"
 #include "tools/vell/RunCommand.h"
 #include "tools/vell/SchemaCommand.h"
 #include "tools/vell/StatsCommand.h"
@@ -28,6 +31,9 @@ void AddCommands(CLI::App& app, Session& session)
     AddDiffCommand(app, session);
     AddStatsCommand(app, session);
     AddIdCommand(app, session);
+    AddCompletionCommand(app, session);
+    AddManualCommand(app, session);
+    AddHelpCommand(app, session);
 }
 
 } // namespace vell::tool

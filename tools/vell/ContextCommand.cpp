@@ -7,15 +7,11 @@
 #include "tools/vell/HelpText.h"
 #include "tools/vell/ObservedMachine.h"
 #include "tools/vell/Session.h"
+#include "tools/vell/TextFile.h"
 
 #include <CLI/CLI.hpp>
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
-#include <iterator>
 #include <memory>
-#include <ostream>
 #include <string>
 
 namespace vell::tool
@@ -24,12 +20,12 @@ namespace
 {
 
 constexpr const char* kContextHelp = R"(
-A context has both stacks and the last state change, by node id. It does not have:
+A context has both stacks and the last state change, by node id. It does not
+have:
   - parameters: set them with a script after restoring;
   - the blip flags: a restored machine runs its main stack;
-  - the child that each substate had reached: a restored substate pushes its first child in its
-    first tick, above the states that were restored.
-)";
+  - the child that each substate had reached: a restored substate pushes its
+    first child in its first tick, above the states that were restored.)";
 
 int SaveTheContext(Session& session)
 {
@@ -46,14 +42,6 @@ int SaveTheContext(Session& session)
     return session.Write(SaveContext(machine));
 }
 
-/// Restores the context in `json`. Returns an error message, or an empty text.
-std::string Restore(ObservedMachine& machine, const std::string& json)
-{
-    // A tick needs a started machine; the context then replaces its stacks.
-    machine.StartRunning();
-    return RestoreContext(machine, json);
-}
-
 int ContinueFromContext(Session& session, const std::string& path)
 {
     const std::unique_ptr<Script> script = session.LoadScript();
@@ -61,22 +49,32 @@ int ContinueFromContext(Session& session, const std::string& path)
     {
         return ExitUsage;
     }
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
+    std::string json;
+    std::string fault = ReadTextFile(path, &json);
+    if (!fault.empty())
     {
-        session.errors << path << ": cannot read the file: " << std::strerror(errno) << '\n';
+        session.Complain(fault);
         return ExitFailed;
     }
-    const std::string json{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     ObservedMachine machine;
     if (!session.LoadMachine(machine))
     {
         return ExitFailed;
     }
-    const std::string fault = Restore(machine, json);
+    if (!session.CheckExplain(machine))
+    {
+        return ExitUsage;
+    }
+    // A tick needs a started machine; the context then replaces its stacks.
+    const std::string startFault = machine.StartRunning();
+    if (!startFault.empty())
+    {
+        session.Complain(startFault);
+    }
+    fault = RestoreContext(machine, json);
     if (!fault.empty())
     {
-        session.errors << path << ": " << fault << '\n';
+        session.Complain(FileName(path) + ": " + fault);
         return ExitFailed;
     }
     const std::unique_ptr<Report> report = session.MakeReport();
@@ -95,7 +93,7 @@ void AddSave(CLI::App& context, Session& session)
     session.AddDocument(*save);
     session.AddAfter(*save)->required();
     session.AddOutput(*save);
-    save->footer(std::string(kContextHelp) + kLogHelp);
+    save->footer(kContextHelp);
 }
 
 void AddRestore(CLI::App& context, Session& session)
@@ -110,7 +108,7 @@ void AddRestore(CLI::App& context, Session& session)
     session.AddDocument(*restore);
     restore->add_option("CONTEXT", *path, "The file that context save wrote")->required();
     session.AddRunOptions(*restore, "Ticks after the script; default 0");
-    restore->footer(std::string(kContextHelp) + kScriptHelp + kLogHelp);
+    restore->footer(std::string(kContextHelp) + '\n' + kScriptHelp);
 }
 
 } // namespace

@@ -6,9 +6,11 @@
 #include <vell/SMState.h>
 #include <vell/TransitionDef.h>
 
+#include "tools/vell/ObservedMachine.h"
 #include "tools/vell/ParameterText.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vell::tool
 {
@@ -80,6 +82,52 @@ std::vector<TransitionReading> ExplainState(const SMState& state, const Transiti
         readings.push_back(reading);
     }
     return readings;
+}
+
+ExplainFilter::ExplainFilter(const ExplainOptions& newOptions) : options(newOptions)
+{
+}
+
+bool ExplainFilter::Select(std::uint64_t tick, const SMState& state,
+                           std::vector<TransitionReading>& readings)
+{
+    if (!options.isOn || tick < options.from || tick > options.to)
+    {
+        return false;
+    }
+    Reading now{tick, {}};
+    for (const TransitionReading& reading : readings)
+    {
+        now.lines.push_back(VerdictText(reading) + ConditionsText(reading.conditions));
+    }
+    const auto entry = last.find(&state);
+    const bool isNew = options.isAll || entry == last.end() || entry->second.tick + 1 < tick;
+    std::vector<TransitionReading> shown;
+    for (std::size_t i = 0; i < readings.size(); ++i)
+    {
+        const bool isChanged =
+            isNew || i >= entry->second.lines.size() || entry->second.lines[i] != now.lines[i];
+        if (isChanged && (IsNamed(state) || IsNamed(readings[i])))
+        {
+            shown.push_back(readings[i]);
+        }
+    }
+    const bool isEmptyAndNew = readings.empty() && isNew && IsNamed(state);
+    last[&state] = std::move(now);
+    readings = std::move(shown);
+    return isEmptyAndNew || !readings.empty();
+}
+
+bool ExplainFilter::IsNamed(const SMState& state) const
+{
+    return options.name.empty() || NameOf(state) == options.name ||
+           std::to_string(state.GetID()) == options.name;
+}
+
+bool ExplainFilter::IsNamed(const TransitionReading& reading) const
+{
+    return NameOf(*reading.transition) == options.name ||
+           std::to_string(reading.transition->GetID()) == options.name;
 }
 
 std::string HeldText(const TransitionDef& transition, IParameterTable* parameters)

@@ -2,6 +2,9 @@
 // tools/vell/Explain.h: why each transition of a state fired or did not.
 #pragma once
 
+#include <cstdint>
+#include <limits>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -51,6 +54,40 @@ std::vector<ConditionReading> ReadConditions(const TransitionDef& transition,
 std::vector<TransitionReading> ExplainState(const SMState& state, const TransitionDef* fired,
                                             bool isRefused, int blipPriority,
                                             IParameterTable* parameters);
+
+/// What to explain.
+struct ExplainOptions
+{
+    bool isOn = false;
+    bool isAll = false;     ///< in every tick, even what is as it was in the tick before
+    std::string name;       ///< of the one state or transition to explain, or its id; empty for all
+    std::uint64_t from = 0; ///< the first tick
+    std::uint64_t to = std::numeric_limits<std::uint64_t>::max(); ///< the last tick
+};
+
+/// Leaves out what a reader has seen: a reading that is the same as in the tick before.
+class ExplainFilter
+{
+public:
+    explicit ExplainFilter(const ExplainOptions& options);
+
+    /// Removes from `readings`, which are those of `state`, what is not to be shown. Returns
+    /// whether there is anything to show: a state without transitions is shown when it is new.
+    bool Select(std::uint64_t tick, const SMState& state, std::vector<TransitionReading>& readings);
+
+private:
+    struct Reading
+    {
+        std::uint64_t tick = 0;
+        std::vector<std::string> lines; ///< one for each transition
+    };
+
+    bool IsNamed(const SMState& state) const;
+    bool IsNamed(const TransitionReading& reading) const;
+
+    ExplainOptions options;
+    std::map<const SMState*, Reading> last;
+};
 
 /// Gives what made `transition` hold: the first condition, with the value it saw, or a trigger.
 std::string HeldText(const TransitionDef& transition, IParameterTable* parameters);

@@ -10,7 +10,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <ostream>
 #include <string>
 
 namespace vell::tool
@@ -35,7 +34,7 @@ int DrawGraph(Session& session)
     const std::string svg = DotToSvg(GraphToDot(graph), &fault);
     if (!fault.empty())
     {
-        session.errors << fault << '\n';
+        session.Complain(fault);
         return ExitFailed;
     }
     return session.Write(svg);
@@ -54,10 +53,9 @@ void AddGraphCommand(CLI::App& app, Session& session)
     session.AddFormat(*graph, "dot (default), mermaid, or svg: drawn by Graphviz",
                       {"dot", "mermaid", "svg"});
     session.AddOutput(*graph);
-    graph->footer(
-        "\nEach transition shows its priority and its conditions, any one of which is "
-        "enough.\nA disabled transition is dashed. A target that does not exist is red.\n" +
-        std::string(kLogHelp));
+    graph->footer(R"(
+Each transition shows its priority and its conditions, any one of which is
+enough. A disabled transition is dashed. A target that does not exist is red.)");
 }
 
 } // namespace vell::tool

@@ -13,15 +13,15 @@
 #include "states/EnterState.h"
 #include "states/ExitState.h"
 #include "states/GlobalState.h"
+#include "tools/vell/Losses.h"
+#include "tools/vell/TextFile.h"
 
 #include <rapidjson/error/en.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <exception>
-#include <fstream>
-#include <sstream>
+#include <filesystem>
+#include <system_error>
 
 namespace vell::tool
 {
@@ -156,40 +156,51 @@ void ObservedMachine::RegisterBuilders()
 std::string ObservedMachine::Load(const std::string& newPath)
 {
     path = newPath;
-    if (!std::ifstream(path))
+    std::string fault = ReadTextFile(path, &text);
+    if (!fault.empty())
     {
-        return path + ": cannot read the file: " + std::strerror(errno);
+        return fault;
     }
     const ComplaintCollector collector(complaints);
-    filePath = path.c_str();
+    std::error_code error;
+    if (std::filesystem::is_regular_file(path, error))
+    {
+        filePath = path.c_str();
+    }
+    else
+    {
+        jsonText = text.c_str(); // a pipe cannot be read a second time
+    }
     isCreated = Create() != 0;
     if (document.HasParseError())
     {
         complaints.clear();
-        return ParseFault(path);
+        return ParseFault();
     }
     if (!isCreated)
     {
-        return path + ": not a machine document: its head is missing or incomplete";
+        return FileName(path) + ": not a machine document: its head is missing or incomplete";
     }
     if (Init() == 0)
     {
-        return path + ": cannot build the machine";
+        return FileName(path) + ": cannot build the machine";
     }
     return "";
 }
 
-std::string ObservedMachine::ParseFault(const std::string& file)
+std::string ObservedMachine::Losses() const
 {
-    std::ostringstream whole;
-    whole << std::ifstream(file, std::ios::binary).rdbuf();
-    const std::string text = whole.str();
+    return LossText(document, *nodeDefTable);
+}
+
+std::string ObservedMachine::ParseFault() const
+{
     const std::size_t offset = std::min(document.GetErrorOffset(), text.size());
     const auto fault = text.begin() + static_cast<std::ptrdiff_t>(offset);
     const auto line = 1 + std::count(text.begin(), fault, '\n');
     const std::size_t lineStart = offset == 0 ? std::string::npos : text.rfind('\n', offset - 1);
     const std::size_t column = lineStart == std::string::npos ? offset + 1 : offset - lineStart;
-    return file + ":" + std::to_string(line) + ":" + std::to_string(column) +
+    return FileName(path) + ":" + std::to_string(line) + ":" + std::to_string(column) +
            ": invalid JSON: " + rapidjson::GetParseError_En(document.GetParseError());
 }
 
@@ -197,12 +208,40 @@ std::string ObservedMachine::StartRunning()
 {
     const ComplaintCollector collector(complaints);
     Start();
-    if (GetCurrentState() == nullptr && globalState == nullptr)
+    if (GetCurrentState() != nullptr)
     {
-        return path + ": nothing to run: the start state, node " + std::to_string(startStateID) +
-               ", cannot be entered";
+        return "";
     }
-    return "";
+    return FileName(path) + ": " +
+           (CanRun() ? "only the global state runs: " : "nothing to run: ") + StartFault();
+}
+
+bool ObservedMachine::CanRun() const
+{
+    return !Stack().empty() || globalState != nullptr;
+}
+
+std::string ObservedMachine::StartFault() const
+{
+    if (startStateID == 0)
+    {
+        return "the head names no start state: \"substateRoot\" is missing or 0, or \"version\" is "
+               "below 3";
+    }
+    BaseDef* def = nodeDefTable == nullptr ? nullptr : nodeDefTable->Find(startStateID);
+    const std::string id = std::to_string(startStateID);
+    return def == nullptr ? "the start state does not exist: no node has the id " + id
+                          : "the start state " + NameOf(*def) + " (" + id + ") cannot be entered";
+}
+
+unsigned int ObservedMachine::ArenaUsed() const
+{
+    return alloc.used;
+}
+
+unsigned int ObservedMachine::ArenaSize() const
+{
+    return alloc.capacity;
 }
 
 const std::vector<std::string>& ObservedMachine::Complaints() const

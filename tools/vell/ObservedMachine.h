@@ -44,8 +44,13 @@ public:
     /// Loads the document in a file. Returns an empty text, or an error message, with line and
     /// column for invalid JSON. `Complaints` then has the lines of the library's log.
     std::string Load(const std::string& path);
-    /// Enters the start state. Returns an empty text, or an error message when nothing can run.
+    /// Tells which nodes of the loaded document the machine does not have; empty when it has all.
+    std::string Losses() const;
+    /// Enters the start state. Returns an empty text, or an error message when that failed. The
+    /// machine may have a global state that runs all the same.
     std::string StartRunning();
+    /// Tells whether there is anything to run.
+    bool CanRun() const;
     /// Errors and warnings that the library logged while loading and starting.
     const std::vector<std::string>& Complaints() const;
 
@@ -64,6 +69,9 @@ public:
     bool IsGlobalState(const SMState& state) const;
     NodeDefTable* Nodes() const;
     unsigned int StartStateId() const;
+    /// Bytes of the arena: those in use, and all.
+    unsigned int ArenaUsed() const;
+    unsigned int ArenaSize() const;
 
     // For the states.
     void ReportEntered(const SMState& state);
@@ -76,10 +84,12 @@ protected:
 
 private:
     void CheckTarget();
-    std::string ParseFault(const std::string& path);
+    std::string ParseFault() const;
+    std::string StartFault() const;
 
     MachineObserver* observer = nullptr;
-    std::string path;
+    std::string path; ///< "-" for standard input
+    std::string text; ///< of the document
     std::vector<std::string> complaints;
     unsigned int pendingTarget = 0; ///< what the transition that fired last is to enter
     bool isCreated = false;

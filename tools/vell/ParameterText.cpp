@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <initializer_list>
 #include <string_view>
@@ -24,6 +25,11 @@ namespace
 std::string Quoted(const std::string& text)
 {
     return '"' + text + '"';
+}
+
+std::string Apostrophes(const std::string& text)
+{
+    return "'" + text + "'";
 }
 
 std::string BoolText(bool value)
@@ -39,6 +45,18 @@ std::string ByteText(const void* bound)
     return byte > 1 ? std::to_string(byte) : BoolText(byte == 1);
 }
 
+bool IsFinite(int)
+{
+    return true;
+}
+
+bool IsFinite(float number)
+{
+    return std::isfinite(number);
+}
+
+/// Reads a number, and nothing else. Neither "nan" nor "inf" is one: no transition tests them in
+/// the way that a designer would expect.
 template <class Number>
 bool ParseNumber(std::string_view text, Number* out)
 {
@@ -52,7 +70,7 @@ bool ParseNumber(std::string_view text, Number* out)
     }
     const char* end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, *out);
-    return error == std::errc() && stop == end;
+    return error == std::errc() && stop == end && IsFinite(*out);
 }
 
 /// Reads exactly `count` numbers, separated by commas.
@@ -84,18 +102,16 @@ std::string FloatsText(const float* numbers, std::size_t count)
 std::string Fault(ParameterDef& parameter, const std::string& text)
 {
     const auto type = static_cast<__ePARAMTYPE__>(parameter.GetParamType());
-    static const char* const forms[] = {"",
-                                        "true or false",
-                                        "a whole number",
-                                        "a number",
-                                        "two numbers such as 0.3,0.8",
-                                        "three numbers such as 1,0,0",
-                                        "four numbers such as 1,0,0,1"};
-    const std::string form = type >= DURMBaseLib::PARAM_Bool && type <= DURMBaseLib::PARAM_Float4
-                                 ? forms[type]
-                                 : "another kind of value";
-    return "'" + text + "' is not a valid value for the parameter '" + parameter.GetName() +
-           "', which takes " + form;
+    static const char* const forms[] = {"of another type: expected another kind of value",
+                                        "a bool: expected true or false",
+                                        "an integer: expected a whole number",
+                                        "a float: expected a number such as 1.5",
+                                        "a float2: expected two numbers such as 0.3,0.8",
+                                        "a float3: expected three numbers such as 1,0,0",
+                                        "a float4: expected four numbers such as 1,0,0,1"};
+    const bool isKnown = type >= DURMBaseLib::PARAM_Bool && type <= DURMBaseLib::PARAM_Float4;
+    return Apostrophes(parameter.GetName()) + " is " + forms[isKnown ? type : 0] + ", got " +
+           Apostrophes(text);
 }
 
 /// A value parsed from a text, for a parameter of any class.

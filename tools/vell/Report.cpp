@@ -4,6 +4,7 @@
 
 #include <vell/TransitionDef.h>
 
+#include "tools/vell/Color.h"
 #include "tools/vell/ObservedMachine.h"
 
 #include <rapidjson/stringbuffer.h>
@@ -27,57 +28,74 @@ std::string Joined(const std::vector<std::string>& names)
     return path.empty() ? "-" : path;
 }
 
+/// Gives `27,016` for 27016.
+std::string Grouped(unsigned int number)
+{
+    std::string text = std::to_string(number);
+    for (std::size_t i = text.size(); i > 3; i -= 3)
+    {
+        text.insert(i - 3, ",");
+    }
+    return text;
+}
+
+std::string Counted(unsigned int count, const std::string& one)
+{
+    return std::to_string(count) + " " + one + (count == 1 ? "" : "s");
+}
+
 class TextReport : public Report
 {
 public:
-    explicit TextReport(std::ostream& stream) : out(stream)
+    TextReport(std::ostream& stream, bool newHasColor) : out(stream), hasColor(newHasColor)
     {
     }
 
     void Entered(std::uint64_t tick, const std::string& state, unsigned int) override
     {
-        Line(tick, "entered") << state << '\n';
+        Line(tick, "entered", Color::Green) << state << '\n';
     }
     void Left(std::uint64_t tick, const std::string& state, unsigned int) override
     {
-        Line(tick, "left") << state << '\n';
+        Line(tick, "left", Color::Blue) << state << '\n';
     }
     void Fired(std::uint64_t tick, const Firing& firing) override
     {
-        Line(tick, firing.isRefused ? "refused" : "fired")
+        (firing.isRefused ? Line(tick, "refused", Color::Yellow) : Line(tick, "fired", Color::Cyan))
             << firing.name << " (" << firing.id << ") of " << firing.state << ", priority "
             << firing.priority << ": " << firing.held << '\n';
     }
     void BlipStarted(std::uint64_t tick, int priority, bool isDisplacing) override
     {
-        Line(tick, "blip") << (isDisplacing ? "displaced" : "started") << ", priority " << priority
-                           << '\n';
+        Line(tick, "blip", Color::Magenta)
+            << (isDisplacing ? "displaced" : "started") << ", priority " << priority << '\n';
     }
     void BlipEnded(std::uint64_t tick) override
     {
-        Line(tick, "blip") << "ended\n";
+        Line(tick, "blip", Color::Magenta) << "ended\n";
     }
     void Message(std::uint64_t tick, const std::string& name) override
     {
-        Line(tick, "message") << name << '\n';
+        Line(tick, "message", Color::Plain) << name << '\n';
     }
     void Set(std::uint64_t tick, const std::string& name, const std::string& value) override
     {
-        Line(tick, "set") << name << " = " << value << '\n';
+        Line(tick, "set", Color::Plain) << name << " = " << value << '\n';
     }
     void Failed(std::uint64_t tick, const std::string& what) override
     {
-        Line(tick, "failed") << what << '\n';
+        Line(tick, "failed", Color::Red) << what << '\n';
     }
     void Explained(std::uint64_t tick, const std::string& state,
                    const std::vector<TransitionReading>& readings) override
     {
-        Line(tick, "explain") << state << (readings.empty() ? ": no transitions" : ":") << '\n';
+        Line(tick, "explain", Color::Dim)
+            << state << (readings.empty() ? ": no transitions" : ":") << '\n';
         for (const TransitionReading& reading : readings)
         {
-            Line(tick, "explain") << "    " << NameOf(*reading.transition) << " ("
-                                  << reading.transition->GetID() << "), priority "
-                                  << reading.transition->priority << ": " << VerdictText(reading);
+            Line(tick, "explain", Color::Dim)
+                << "    " << NameOf(*reading.transition) << " (" << reading.transition->GetID()
+                << "), priority " << reading.transition->priority << ": " << VerdictText(reading);
             if (!reading.conditions.empty())
             {
                 out << ": " << ConditionsText(reading.conditions);
@@ -87,22 +105,42 @@ public:
     }
     void Stack(std::uint64_t tick, const StackReading& stack) override
     {
-        Line(tick, "stack") << Joined(stack.isBlip ? stack.blip : stack.main);
+        Line(tick, "stack", Color::Bold) << Joined(stack.isBlip ? stack.blip : stack.main);
         if (stack.isBlip)
         {
             out << "  (blip over " << Joined(stack.main) << ")";
         }
         out << '\n';
     }
+    void End(std::uint64_t tick, const Summary& summary) override
+    {
+        Line(tick, "arena", Color::Plain) << Grouped(summary.arenaUsed) << " of "
+                                          << Grouped(summary.arenaSize) << " bytes used\n";
+        if (summary.held + summary.failed + summary.otherErrors == 0)
+        {
+            return;
+        }
+        std::string text = Counted(summary.held, "expectation") + " held";
+        text += summary.failed == 0 ? "" : ", " + std::to_string(summary.failed) + " failed";
+        text += summary.otherErrors == 0 ? "" : ", " + Counted(summary.otherErrors, "other error");
+        const bool isWell = summary.failed + summary.otherErrors == 0;
+        out << Painted(hasColor, isWell ? Color::Green : Color::Red, text) << '\n';
+    }
+    bool IsLost() const override
+    {
+        return !out;
+    }
 
 private:
-    std::ostream& Line(std::uint64_t tick, const char* what)
+    std::ostream& Line(std::uint64_t tick, const std::string& what, Color color)
     {
-        return out << std::right << std::setw(6) << tick << "  " << std::left << std::setw(9)
-                   << what;
+        const std::string blanks(what.size() < 9 ? 9 - what.size() : 0, ' ');
+        return out << std::right << std::setw(6) << tick << "  " << Painted(hasColor, color, what)
+                   << blanks;
     }
 
     std::ostream& out;
+    bool hasColor;
 };
 
 /// One object, which the destructor writes on a line of its own.
@@ -253,6 +291,32 @@ public:
             line.Texts("blip", stack.blip);
         }
     }
+    void Wrong(std::uint64_t tick, const Failure& failure) override
+    {
+        JsonLine line(out, tick, failure.isExpectation ? "expectation" : "error");
+        if (failure.isExpectation)
+        {
+            line.Flag("held", false);
+        }
+        line.Text("what", failure.what);
+        if (failure.line != 0)
+        {
+            line.Text("file", failure.file).Number("line", failure.line);
+        }
+    }
+    void End(std::uint64_t tick, const Summary& summary) override
+    {
+        JsonLine(out, tick, "end")
+            .Number("held", summary.held)
+            .Number("failed", summary.failed)
+            .Number("otherErrors", summary.otherErrors)
+            .Number("arenaUsed", summary.arenaUsed)
+            .Number("arenaSize", summary.arenaSize);
+    }
+    bool IsLost() const override
+    {
+        return !out;
+    }
 
 private:
     std::ostream& out;
@@ -290,10 +354,20 @@ void Report::Explained(std::uint64_t, const std::string&, const std::vector<Tran
 void Report::Stack(std::uint64_t, const StackReading&)
 {
 }
-
-std::unique_ptr<Report> MakeTextReport(std::ostream& out)
+void Report::Wrong(std::uint64_t, const Failure&)
 {
-    return std::make_unique<TextReport>(out);
+}
+void Report::End(std::uint64_t, const Summary&)
+{
+}
+bool Report::IsLost() const
+{
+    return false;
+}
+
+std::unique_ptr<Report> MakeTextReport(std::ostream& out, bool hasColor)
+{
+    return std::make_unique<TextReport>(out, hasColor);
 }
 
 std::unique_ptr<Report> MakeJsonReport(std::ostream& out)

@@ -38,6 +38,25 @@ struct StackReading
     bool isBlip = false; ///< the blip's is the one that runs
 };
 
+/// What was wrong with a script's instruction, or with the machine.
+struct Failure
+{
+    bool isExpectation = false; ///< one that did not hold
+    std::string file;           ///< the script; empty outside of one
+    unsigned int line = 0;      ///< counted from 1; 0 outside of a script
+    std::string what;
+};
+
+/// The totals of a run.
+struct Summary
+{
+    unsigned int held = 0; ///< expectations
+    unsigned int failed = 0;
+    unsigned int otherErrors = 0;
+    unsigned int arenaUsed = 0; ///< bytes
+    unsigned int arenaSize = 0;
+};
+
 /// Is told what happened, in order. `tick` counts from 1; 0 is the start. This class prints
 /// nothing.
 class Report
@@ -58,10 +77,16 @@ public:
     virtual void Explained(std::uint64_t tick, const std::string& state,
                            const std::vector<TransitionReading>& readings);
     virtual void Stack(std::uint64_t tick, const StackReading& stack);
+    /// An expectation or an instruction failed. People read it among the errors.
+    virtual void Wrong(std::uint64_t tick, const Failure& failure);
+    virtual void End(std::uint64_t tick, const Summary& summary);
+
+    /// Tells whether what is reported can no longer be written.
+    virtual bool IsLost() const;
 };
 
 /// Lines for people, in columns.
-std::unique_ptr<Report> MakeTextReport(std::ostream& out);
+std::unique_ptr<Report> MakeTextReport(std::ostream& out, bool hasColor = false);
 /// One JSON object per line.
 std::unique_ptr<Report> MakeJsonReport(std::ostream& out);
 

@@ -31,6 +31,10 @@ int RunMachine(Session& session)
     {
         return ExitFailed;
     }
+    if (!session.CheckExplain(machine))
+    {
+        return ExitUsage;
+    }
     const std::unique_ptr<Report> report = session.MakeReport();
     Runner runner(machine, *report, session.errors, session.options.run);
     if (!runner.Start())
@@ -52,7 +56,7 @@ void AddRunCommand(CLI::App& app, Session& session)
                                        });
     session.AddDocument(*run);
     session.AddRunOptions(*run, "Ticks after the script; default 10 without a script");
-    run->footer(std::string(kScriptHelp) + kLogHelp);
+    run->footer(kScriptHelp);
 }
 
 } // namespace vell::tool

@@ -7,7 +7,9 @@
 #include <vell/TransitionDef.h>
 
 #include "definitions/NodeDefTable.h"
+#include "tools/vell/Color.h"
 #include "tools/vell/ParameterText.h"
+#include "tools/vell/Suggestion.h"
 
 #include <ostream>
 
@@ -31,6 +33,12 @@ std::vector<std::string> Names(const std::vector<SMState*>& stack)
     return names;
 }
 
+bool IsExpectation(Operation operation)
+{
+    return operation == Operation::ExpectStack || operation == Operation::ExpectParam ||
+           operation == Operation::ExpectBlip;
+}
+
 std::string OrDash(const std::string& path)
 {
     return path.empty() ? "-" : path;
@@ -40,7 +48,11 @@ std::string OrDash(const std::string& path)
 
 Runner::Runner(ObservedMachine& newMachine, Report& newReport, std::ostream& newErrors,
                const RunOptions& newOptions)
-    : machine(newMachine), report(newReport), errors(newErrors), options(newOptions)
+    : machine(newMachine),
+      report(newReport),
+      errors(newErrors),
+      options(newOptions),
+      filter(newOptions.explain)
 {
     machine.SetObserver(this);
 }
@@ -56,6 +68,9 @@ bool Runner::Start()
     if (!fault.empty())
     {
         Fail(fault);
+    }
+    if (!machine.CanRun())
+    {
         return false;
     }
     ReportStack();
@@ -66,9 +81,14 @@ void Runner::Run(const Script& script)
 {
     for (const Instruction& instruction : script.instructions)
     {
-        where = script.file + ":" + std::to_string(instruction.line) + ": ";
+        file = script.file;
+        line = instruction.line;
         const std::string fault = CarryOut(instruction);
-        if (!fault.empty())
+        if (IsExpectation(instruction.operation))
+        {
+            Check(fault);
+        }
+        else if (!fault.empty())
         {
             Fail(fault);
         }
@@ -77,7 +97,7 @@ void Runner::Run(const Script& script)
             break;
         }
     }
-    where.clear();
+    file.clear();
 }
 
 bool Runner::Tick(std::uint64_t count)
@@ -96,6 +116,7 @@ bool Runner::Tick(std::uint64_t count)
             isBroken = true;
             Fail("tick " + std::to_string(tick) + ": " + fault);
         }
+        isBroken = isBroken || report.IsLost();
         if (options.showProgress && count >= kLongRun && (i + 1) % kProgressStep == 0)
         {
             ShowProgress(i + 1, count);
@@ -125,6 +146,17 @@ void Runner::ReportStack()
     isStackShown = true;
 }
 
+void Runner::ReportEnd()
+{
+    Summary summary;
+    summary.held = held;
+    summary.failed = failed;
+    summary.otherErrors = failures - failed;
+    summary.arenaUsed = machine.ArenaUsed();
+    summary.arenaSize = machine.ArenaSize();
+    report.End(tick, summary);
+}
+
 unsigned int Runner::Failures() const
 {
     return failures;
@@ -146,12 +178,15 @@ void Runner::OnLeft(const SMState& state)
 
 void Runner::OnTested(const SMState& state, const TransitionDef* fired, bool isRefused)
 {
-    if (options.explain)
+    if (options.explain.isOn)
     {
-        report.Explained(tick, NameOf(state),
-                         ExplainState(state, fired, isRefused, machine.BlipPriority(),
-                                      machine.GetParameterTable()));
-        hasHappened = true;
+        std::vector<TransitionReading> readings = ExplainState(
+            state, fired, isRefused, machine.BlipPriority(), machine.GetParameterTable());
+        if (filter.Select(tick, state, readings))
+        {
+            report.Explained(tick, NameOf(state), readings);
+            hasHappened = true;
+        }
     }
     if (fired == nullptr)
     {
@@ -284,21 +319,42 @@ std::string Runner::SendMessage(const std::string& name)
 std::string Runner::UnknownParameter(const std::string& name) const
 {
     IParameterTable* table = machine.GetParameterTable();
-    std::string known;
+    std::vector<std::string> known;
     const int count = table == nullptr ? 0 : table->GetParameterCount();
     for (int i = 0; i < count; ++i)
     {
         const unsigned int id = table->GetParameterIDByIndex(static_cast<unsigned int>(i));
-        known += (known.empty() ? "" : ", ") + std::string(table->GetParameterName(id));
+        known.emplace_back(table->GetParameterName(id));
     }
-    return "the document has no parameter '" + name + "'; it has " +
-           (known.empty() ? "none" : known);
+    const std::string hint = DidYouMean(name, known);
+    return "the document has no parameter '" + name + "'" +
+           (!hint.empty()   ? hint
+            : known.empty() ? "; it has none"
+                            : "; expected " + ListOfWords(known));
 }
 
-void Runner::Fail(const std::string& text)
+void Runner::Check(const std::string& fault)
 {
-    errors << where << text << '\n';
+    if (fault.empty())
+    {
+        ++held;
+        return;
+    }
+    ++failed;
+    Fail(fault, true);
+}
+
+void Runner::Fail(const std::string& text, bool isExpectation)
+{
     ++failures;
+    Failure failure;
+    failure.isExpectation = isExpectation;
+    failure.file = file;
+    failure.line = file.empty() ? 0 : line;
+    failure.what = text;
+    report.Wrong(tick, failure);
+    const std::string place = file.empty() ? "" : file + ":" + std::to_string(line) + ": ";
+    errors << Painted(options.hasErrorColor, Color::Red, place + text) + "\n";
 }
 
 } // namespace vell::tool

@@ -16,8 +16,9 @@ namespace vell::tool
 struct RunOptions
 {
     float timeStep = 1.0f / 60.0f; ///< seconds a tick
-    bool explain = false;          ///< report also why transitions did not fire
+    ExplainOptions explain;        ///< why transitions fire or do not
     bool showProgress = false;     ///< of long runs, on the stream of errors
+    bool hasErrorColor = false;    ///< errors are shown in colour
 };
 
 /// Ticks a machine and reports what happens. The machine, the report and the stream must outlive
@@ -32,14 +33,17 @@ public:
     Runner(const Runner&) = delete;
     Runner& operator=(const Runner&) = delete;
 
-    /// Enters the start state. Returns false, with an error, when nothing can run.
+    /// Enters the start state. Returns false, with an error, when nothing can run. Without a start
+    /// state, a global state runs all the same, and there is an error.
     bool Start();
     /// Runs a script, to its end even when an expectation fails.
     void Run(const Script& script);
-    /// Returns false, with an error, when a tick was aborted.
+    /// Returns false when a tick was aborted, with an error, or when nobody can read the report.
     bool Tick(std::uint64_t count);
     /// Reports the stack, unless the last line shows it as it is now.
     void ReportStack();
+    /// Reports the totals. Call it last.
+    void ReportEnd();
 
     /// The number of failed expectations and other errors.
     unsigned int Failures() const;
@@ -61,7 +65,8 @@ private:
     std::string SendMessage(const std::string& name);
     std::string UnknownParameter(const std::string& name) const;
     void ShowProgress(std::uint64_t done, std::uint64_t count);
-    void Fail(const std::string& text);
+    void Check(const std::string& fault);
+    void Fail(const std::string& text, bool isExpectation = false);
 
     ObservedMachine& machine;
     Report& report;
@@ -72,8 +77,12 @@ private:
     bool isStackShown = false;   ///< that line still shows it as it is
     bool hasHappened = false;    ///< something was reported in this tick
     bool isBroken = false;       ///< a tick was aborted: no more ticks
-    std::string where;           ///< `file:line: ` of the instruction that is carried out
-    unsigned int failures = 0;
+    ExplainFilter filter;
+    std::string file;          ///< the script that is carried out; empty before and after it
+    unsigned int line = 0;     ///< of the instruction that is carried out
+    unsigned int held = 0;     ///< expectations
+    unsigned int failed = 0;   ///< expectations
+    unsigned int failures = 0; ///< failed expectations and other errors
 };
 
 } // namespace vell::tool

@@ -2,12 +2,11 @@
 // tools/vell/Script.cpp: from the text of a script to its instructions.
 #include "tools/vell/Script.h"
 
-#include <cerrno>
+#include "tools/vell/TextFile.h"
+
 #include <charconv>
-#include <cstring>
-#include <fstream>
-#include <iostream>
 #include <istream>
+#include <sstream>
 
 namespace vell::tool
 {
@@ -221,18 +220,16 @@ Script ReadScript(std::istream& in, const std::string& file)
 
 Script ReadScriptFile(const std::string& path)
 {
-    if (path == "-")
-    {
-        return ReadScript(std::cin, "standard input");
-    }
-    std::ifstream in(path);
-    if (!in)
+    std::string text;
+    const std::string fault = ReadTextFile(path, &text);
+    if (!fault.empty())
     {
         Script script;
-        script.errors.push_back(path + ": cannot read the file: " + std::strerror(errno));
+        script.errors.push_back(fault);
         return script;
     }
-    return ReadScript(in, path);
+    std::istringstream in(text);
+    return ReadScript(in, FileName(path));
 }
 
 } // namespace vell::tool

@@ -2,6 +2,7 @@
 // tools/vell/Session.h: one call of the command: its streams, its options, and what commands share.
 #pragma once
 
+#include "tools/vell/CommandLine.h"
 #include "tools/vell/Runner.h"
 #include "tools/vell/Script.h"
 
@@ -29,6 +30,7 @@ struct Options
 {
     std::string document;
     std::string script;
+    std::string color = "auto";
     std::string output; ///< empty for standard output
     std::string log;    ///< empty when the library's log is discarded
     std::string format; ///< empty for the command's default
@@ -45,7 +47,7 @@ public:
     using Action = std::function<int()>;
 
     /// The streams must outlive the session.
-    Session(std::ostream& out, std::ostream& errors, bool isTerminal);
+    explicit Session(const Console& console);
 
     /// Adds a command to `app`. When it is the one called, `action` runs after the command line was
     /// read, with the library's log discarded or in the file of --log.
@@ -53,6 +55,11 @@ public:
                          Action action);
     /// The argument DOCUMENT and the option --log.
     void AddDocument(CLI::App& command);
+    /// The option --color.
+    void AddColor(CLI::App& command);
+    /// An option, or an argument, that takes one of `words`.
+    CLI::Option* AddChoice(CLI::App& command, const std::string& name, std::string& value,
+                           const std::string& description, const std::vector<std::string>& words);
     void AddFormat(CLI::App& command, const std::string& description,
                    const std::vector<std::string>& formats);
     /// The option -o.
@@ -68,7 +75,8 @@ public:
     /// Reads the script of --script or --after. Returns null, with errors, when it has invalid
     /// lines; an empty script when the option was not given.
     std::unique_ptr<Script> LoadScript();
-    /// Loads DOCUMENT. Returns false, with errors, when it does not load.
+    /// Loads DOCUMENT. Returns false, with errors, when it does not load. When it loads and loses
+    /// nodes, there is an error too, and the call will exit with 1.
     bool LoadMachine(ObservedMachine& machine);
     /// Starts the machine and runs the script without output. Returns false, with errors, when
     /// nothing can run or an expectation failed.
@@ -78,15 +86,28 @@ public:
     std::unique_ptr<Report> MakeReport();
     /// Writes to standard output or to the file of -o, and returns the exit code.
     int Write(const std::string& text);
-    /// Shows the first errors and warnings of the library's log.
+    /// Writes an error message, in colour on a terminal. The call goes on, and will exit with 1.
+    void Complain(const std::string& text);
+    /// Tells whether the words of --explain name something in the document. If not, there are
+    /// errors.
+    bool CheckExplain(const ObservedMachine& machine);
+    /// Shows the first errors and warnings of the library's log that were not shown before.
     void ShowComplaints(const ObservedMachine& machine);
 
     Options options;
     std::ostream& out;
     std::ostream& errors;
+    const bool isOutTerminal;
+    const bool isErrorTerminal;
 
 private:
+    std::string OverwriteFault() const;
+    void ReadExplain();
+
     Action action;
+    std::string explain;             ///< the value of --explain; empty without it
+    std::size_t complaintsShown = 0; ///< of the machine
+    bool hasComplained = false;      ///< of something that the exit code must tell
 };
 
 } // namespace vell::tool

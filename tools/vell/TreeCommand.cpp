@@ -49,8 +49,7 @@ void AddTreeCommand(CLI::App& app, Session& session)
     session.AddAfter(*tree);
     session.AddFormat(*tree, "json (default), or text: one line per value", {"json", "text"});
     session.AddOutput(*tree);
-    tree->footer("\nWithout --after, the machine is loaded but not started.\n" +
-                 std::string(kLogHelp));
+    tree->footer("\nWithout --after, the machine is loaded but not started.");
 }
 
 } // namespace vell::tool

@@ -1,0 +1,21 @@
+// VELL: data-driven hierarchical state machines.
+// tools/vell/LogExplanation.h: what the lines of the library's log mean.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace vell::tool
+{
+
+/// Explains a line of the library's log to the author of a document, or gives an empty text for a
+/// line that says it itself.
+std::string ExplainLogLine(const std::string& line);
+
+/// Gives at most `most` different lines of `complaints` in their order, each followed by lines that
+/// explain it where that helps, but only once for lines of one kind. A line that occurs several
+/// times is shown once, with the number; a line that only names a place in the library is left out.
+std::vector<std::string> ExplainLog(const std::vector<std::string>& complaints, std::size_t most);
+
+} // namespace vell::tool
