@@ -63,7 +63,7 @@ void AddStatsCommand(CLI::App& app, Session& session)
     session.AddDocument(*stats);
     session.AddFormat(*stats, "text (default), or json", {"text", "json"});
     session.AddOutput(*stats);
-    stats->footer(std::string(kStatsHelp) + kLogHelp);
+    stats->footer(kStatsHelp);
 }
 
 } // namespace vell::tool
