@@ -8,7 +8,7 @@ set -euo pipefail
 vell=$1
 folder=$2
 pictures=$(cd "$(dirname "$0")" && pwd)
-minimum=4
+minimum=9
 
 version()
 {

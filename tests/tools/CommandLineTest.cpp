@@ -156,7 +156,7 @@ TEST(VellCommand, TakesEachFormatThatItNames)
         {{"run", path, "--format", "jsonl"}, "{\"tick\":0"},
         {{"graph", path}, "digraph"},
         {{"graph", path, "--format", "dot"}, "digraph"},
-        {{"graph", path, "--format", "mermaid"}, "flowchart"},
+        {{"graph", path, "--format", "mermaid"}, "---\ntitle: "},
         {{"tree", path}, "{\n"},
         {{"tree", path, "--format", "json"}, "{\n"},
         {{"tree", path, "--format", "text"}, "filename = "}};

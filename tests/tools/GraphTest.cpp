@@ -1,244 +1,393 @@
 // VELL: data-driven hierarchical state machines.
-// tests/tools/GraphTest.cpp: the pictures of a machine as text.
+// tests/tools/GraphTest.cpp: the texts of pictures, for Graphviz and for Mermaid.
 #include "tools/vell/Graph.h"
 
-#include <vell/ConditionDef.h>
+#include <vell/TransitionDef.h>
 #include <vell/Types.h>
 
 #include "tests/tools/CommandRun.h"
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/GraphDot.h"
+#include "tools/vell/GraphMermaid.h"
+#include "tools/vell/GraphText.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace vell::test
 {
 namespace
 {
 
-TEST(VellGraph, WritesLevelsAsClustersForGraphviz)
+using Words = std::vector<std::string>;
+
+std::string GraphOf(const DocumentBuilder& builder, const Words& options = {},
+                    const std::string& script = "")
 {
     const Folder folder;
-
-    const Outcome outcome = CallVell({"graph", folder.Write("a.json", Walker().Text())});
-
+    Words words{"graph", folder.Write("a.json", builder.Text())};
+    words.insert(words.end(), options.begin(), options.end());
+    if (!script.empty())
+    {
+        words.emplace_back("--after");
+        words.push_back(folder.Write("a.script", script));
+    }
+    const Outcome outcome = CallVell(words);
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.code, tool::ExitWell);
-    EXPECT_EQ(
-        outcome.out,
-        "digraph machine {\n"
-        "    compound=true;\n"
-        "    fontname=\"Helvetica\";\n"
-        "    node [fontname=\"Helvetica\", shape=box, style=rounded];\n"
-        "    edge [fontname=\"Helvetica\", fontsize=10];\n"
-        "    subgraph cluster_n10 {\n"
-        "        label=\"Locomotion\";\n"
-        "        style=rounded;\n"
-        "        n10 [shape=point, style=invis];\n"
-        "        n11 [label=\"Stand\"];\n"
-        "        n12 [label=\"Walk\"];\n"
-        "        n20 [label=\"In\", shape=oval, style=filled, fillcolor=lightgrey];\n"
-        "        n21 [label=\"Out\", shape=oval, peripheries=2, style=filled, "
-        "fillcolor=lightgrey];\n"
-        "    }\n"
-        "    n50 [label=\"Reactions\", shape=octagon, style=filled, fillcolor=lightyellow];\n"
-        "    n51 [label=\"Hurt\"];\n"
-        "    n52 [label=\"Done\", shape=oval, peripheries=2, style=filled, fillcolor=lightgrey];\n"
-        "    n99 [label=\"no node 99\", style=dashed, color=red, fontcolor=red];\n"
-        "    start [shape=point, width=0.2];\n"
-        "    start -> n10 [lhead=cluster_n10];\n"
-        "    n11 -> n12 [label=\" 5: speed > 1.5 \", tooltip=\"ToWalk\"];\n"
-        "    n12 -> n11 [label=\" 3: speed < 0.5 or halt == \\\"now\\\" \", tooltip=\"ToStand\"];\n"
-        "    n12 -> n99 [label=\" 1: speed > 0 \", tooltip=\"ToNowhere\", style=dashed];\n"
-        "    n20 -> n11 [style=dotted];\n"
-        "    n50 -> n51 [label=\" 20: hit == true \", tooltip=\"TakeHit\"];\n"
-        "    n51 -> n52 [label=\" 5: hit == false \", tooltip=\"Healed\"];\n"
-        "}\n");
+    return outcome.out;
 }
 
-TEST(VellGraph, WritesLevelsAsSubgraphsForMermaid)
+/// Gives the lines that contain `part`, without indent.
+std::string LinesWith(const std::string& text, const std::string& part)
 {
-    const Folder folder;
-
-    const Outcome outcome =
-        CallVell({"graph", folder.Write("a.json", Walker().Text()), "--format", "mermaid"});
-
-    EXPECT_EQ(outcome.out, "flowchart TB\n"
-                           "    classDef unknown stroke:#c00,color:#c00,stroke-dasharray:4\n"
-                           "    subgraph n10[\"Locomotion\"]\n"
-                           "        n11(\"Stand\")\n"
-                           "        n12(\"Walk\")\n"
-                           "        n20((\"In\"))\n"
-                           "        n21(((\"Out\")))\n"
-                           "    end\n"
-                           "    n50{{\"Reactions\"}}\n"
-                           "    n51(\"Hurt\")\n"
-                           "    n52(((\"Done\")))\n"
-                           "    n99[\"no node 99\"]:::unknown\n"
-                           "    start((\" \")) --> n10\n"
-                           "    n11 -->|\"5: speed #gt; 1.5\"| n12\n"
-                           "    n12 -->|\"3: speed #lt; 0.5 or halt == #quot;now#quot;\"| n11\n"
-                           "    n12 -.->|\"1: speed #gt; 0\"| n99\n"
-                           "    n20 -.-> n11\n"
-                           "    n50 -->|\"20: hit == true\"| n51\n"
-                           "    n51 -->|\"5: hit == false\"| n52\n");
+    std::istringstream lines(text);
+    std::string found;
+    for (std::string line; std::getline(lines, line);)
+    {
+        const std::size_t start = line.find_first_not_of(' ');
+        found += line.find(part) == std::string::npos ? "" : line.substr(start) + "\n";
+    }
+    return found;
 }
 
-TEST(VellGraph, ShowsWhatIsWrongWithADocumentInsteadOfDroppingIt)
+/// Gives the rows of the boxes of a text for Graphviz: `Name` or `- transition`, without markup.
+std::string Rows(const std::string& dot)
+{
+    std::string rows;
+    for (std::istringstream lines(dot); !lines.eof();)
+    {
+        std::string line;
+        std::getline(lines, line);
+        const bool isHead = line.find("PORT=\"head\"") != std::string::npos;
+        if (!isHead && line.find("PORT=\"row") == std::string::npos)
+        {
+            continue;
+        }
+        std::string text;
+        bool isMarkup = false;
+        for (const char c : line)
+        {
+            isMarkup = c == '<' || (isMarkup && c != '>');
+            text += isMarkup || c == '>' ? "" : std::string(1, c);
+        }
+        text.erase(0, text.find_first_not_of(' '));
+        rows += (isHead ? "" : "- ") + text + "\n";
+    }
+    return rows;
+}
+
+TEST(GraphDot, WritesLevelsAsFramesAndTransitionsAsRows)
+{
+    const std::string dot = GraphOf(Walker());
+
+    EXPECT_EQ(Rows(dot), "Stand\n"
+                         "- speed &gt; 1.5\n"
+                         "Walk\n"
+                         "- 1&#160;&#160;speed &gt; 0 (disabled)\n"
+                         "- 3&#160;&#160;speed &lt; 0.5or halt == &quot;now&quot;\n"
+                         "Reactions\n"
+                         "- 20&#160;&#160;hit == true\n"
+                         "Hurt\n"
+                         "- hit == false\n"
+                         "no node 99\n");
+    EXPECT_EQ(
+        dot.substr(dot.find("    start ->")),
+        "    start -> n20 [tooltip=\"The machine starts here\", lhead=cluster_n10];\n"
+        "    n11:row0:_ -> n12:head:_ [color=\"#0072b2\", tooltip=\"ToWalk (Stand -> Walk), "
+        "priority 5: speed > 1.5\"];\n"
+        "    n12:row0:_ -> n99:head:_ [color=\"#a84300\", tooltip=\"ToNowhere (Walk -> no node "
+        "99), "
+        "priority 1: speed > 0 (disabled)\", style=dashed];\n"
+        "    n12:row1:_ -> n11:head:_ [color=\"#a84300\", tooltip=\"ToStand (Walk -> Stand), "
+        "priority 3: speed < 0.5 or halt == \\\"now\\\"\"];\n"
+        "    n20 -> n11:head:_ [weight=8, tooltip=\"The level starts here\"];\n"
+        "    n50:row0:_ -> n51:head:_ [color=\"#00664b\", tooltip=\"TakeHit (Reactions -> Hurt), "
+        "priority 20: hit == true\"];\n"
+        "    n51:row0:_ -> n52 [color=\"#a14fa6\", tooltip=\"Healed (Hurt -> Done), priority 5: "
+        "hit "
+        "== false\"];\n"
+        "}\n");
+    const std::string frame = dot.substr(dot.find("subgraph cluster_n10"));
+    EXPECT_EQ(frame.substr(0, frame.find("n11")),
+              "subgraph cluster_n10 {\n"
+              "            label=<<B><FONT COLOR=\"#1f2933\">Locomotion</FONT></B>>; labelloc=t;\n"
+              "            tooltip=\"Locomotion, id 10\";\n"
+              "            style=\"rounded,filled\"; peripheries=1; margin=14; penwidth=1;\n"
+              "            fillcolor=\"#f6f8fa\"; color=\"#8b96a5\";\n"
+              "            ");
+    EXPECT_EQ(LinesWith(dot, "tooltip=\"Stand"),
+              ">, tooltip=\"Stand, id 11\\nToWalk (Stand -> Walk), priority 5: speed > 1.5\"];\n");
+}
+
+TEST(GraphMermaid, WritesTheWholePicture)
+{
+    EXPECT_EQ(GraphOf(Walker(), {"--format", "mermaid"}),
+              "---\n"
+              "title: \"a\"\n"
+              "---\n"
+              "flowchart LR\n"
+              "    classDef mark fill:#57606a,stroke:#57606a\n"
+              "    classDef port stroke-dasharray:4\n"
+              "    classDef unknown stroke:#c00,color:#c00,stroke-dasharray:4\n"
+              "    classDef active fill:#1158c7,color:#fff,stroke:#1158c7,stroke-width:3px\n"
+              "    classDef waiting fill:#6e7781,color:#fff,stroke:#6e7781,stroke-width:3px\n"
+              "    subgraph n10[\"Locomotion\"]\n"
+              "        n11(\"Stand\")\n"
+              "        n12(\"Walk\")\n"
+              "        n20((\" \")):::mark\n"
+              "    end\n"
+              "    n50{{\"Reactions\"}}\n"
+              "    n51(\"Hurt\")\n"
+              "    n52(((\"Done\")))\n"
+              "    n99[\"no node 99\"]:::unknown\n"
+              "    start((\" \")):::mark --> n10\n"
+              "    n11 -->|\"speed #gt; 1.5\"| n12\n"
+              "    n12 -.->|\"1: speed #gt; 0 (disabled)\"| n99\n"
+              "    n12 -->|\"3: speed #lt; 0.5 or halt == #quot;now#quot;\"| n11\n"
+              "    n20 --> n11\n"
+              "    n50 -->|\"20: hit == true\"| n51\n"
+              "    n51 -->|\"hit == false\"| n52\n"
+              "    linkStyle 1 stroke:#0072b2\n"
+              "    linkStyle 2 stroke:#a84300\n"
+              "    linkStyle 3 stroke:#a84300\n"
+              "    linkStyle 5 stroke:#00664b\n"
+              "    linkStyle 6 stroke:#a14fa6\n");
+}
+
+TEST(GraphDot, ShowsWhatIsWrongWithADocumentInsteadOfDroppingIt)
 {
     DocumentBuilder builder;
     builder.Start(77)
         .Node(Generic("A \"quoted\"", 10, {100}))
         .Node(Transition("Nowhere", 100, 10, 0))
         .Node(Transition("Unlisted", 101, 10, 11))
+        .Node(Transition("FromNobody", 102, 98, 10))
         // Two levels that claim to hold one another.
         .Node(Substate("P", 20, 30, 31, {}, 21))
         .Node(Substate("Q", 21, 30, 31, {}, 20));
-    const Folder folder;
 
-    const Outcome outcome = CallVell({"graph", folder.Write("a.json", builder.Text())});
+    const std::string dot = GraphOf(builder);
 
-    EXPECT_EQ(outcome.errors, "");
-    const std::string body = outcome.out.substr(outcome.out.find("    n10"));
-    EXPECT_EQ(body,
-              "    n10 [label=\"A \\\"quoted\\\"\"];\n"
-              "    subgraph cluster_n20 {\n"
-              "        label=\"P\";\n"
-              "        style=rounded;\n"
-              "        n20 [shape=point, style=invis];\n"
-              "        subgraph cluster_n21 {\n"
-              "            label=\"Q\";\n"
-              "            style=rounded;\n"
-              "            n21 [shape=point, style=invis];\n"
-              "        }\n"
-              "    }\n"
-              "    n0 [label=\"no node\", style=dashed, color=red, fontcolor=red];\n"
-              "    n11 [label=\"no node 11\", style=dashed, color=red, fontcolor=red];\n"
-              "    n77 [label=\"no node 77\", style=dashed, color=red, fontcolor=red];\n"
-              "    start [shape=point, width=0.2];\n"
-              "    start -> n77;\n"
-              "    n10 -> n0 [label=\" 5: a trigger \", tooltip=\"Nowhere\"];\n"
-              "    n10 -> n11 [label=\" 5: a trigger (no state lists it) \", tooltip=\"Unlisted\", "
-              "style=dashed];\n"
-              "}\n");
+    EXPECT_EQ(Rows(dot), "A &quot;quoted&quot;\n"
+                         "- a trigger\n"
+                         "- a trigger (no state lists it)\n"
+                         "no node\n"
+                         "no node 11\n"
+                         "no node 98\n"
+                         "- a trigger (no state lists it)\n"
+                         "no node 77\n");
+    EXPECT_EQ(LinesWith(dot, "subgraph cluster_n"),
+              "subgraph cluster_n20 {\nsubgraph cluster_n21 {\n");
+    EXPECT_EQ(
+        LinesWith(dot, " -> n"),
+        ">, tooltip=\"A \\\"quoted\\\", id 10\\n"
+        "Nowhere (A \\\"quoted\\\" -> no node), priority 5: a trigger\\n"
+        "Unlisted (A \\\"quoted\\\" -> no node 11), priority 5: a trigger (no state lists it)\"];\n"
+        "start -> n77:head:_ [tooltip=\"The machine starts here\"];\n"
+        "n10:row0:_ -> n0:head:_ [color=\"#0072b2\", tooltip=\"Nowhere (A \\\"quoted\\\" -> no "
+        "node), priority 5: a trigger\"];\n"
+        "n10:row1:_ -> n11:head:_ [color=\"#0072b2\", tooltip=\"Unlisted (A \\\"quoted\\\" -> no "
+        "node 11), priority 5: a trigger (no state lists it)\", style=dashed];\n"
+        "n98:row0:_ -> n10:head:_ [color=\"#a84300\", tooltip=\"FromNobody (no node 98 -> A "
+        "\\\"quoted\\\"), priority 5: a trigger (no state lists it)\", style=dashed];\n");
 }
 
-TEST(VellGraph, CutsEdgesOffAtTheBorderOfALevelThatTheyDoNotStartIn)
+tool::GraphNode NodeOf(unsigned int id, const std::string& name,
+                       tool::NodeShape shape = tool::NodeShape::State)
+{
+    tool::GraphNode node;
+    node.id = id;
+    node.name = name;
+    node.shape = shape;
+    return node;
+}
+
+TEST(GraphDot, CutsEdgesOffAtTheBorderOfALevelThatTheyDoNotStartIn)
 {
     tool::Graph graph;
-    tool::GraphNode level;
-    level.id = 1;
-    level.name = "L";
-    level.shape = tool::NodeShape::Level;
-    tool::GraphNode inside;
-    inside.id = 2;
-    inside.name = "I";
-    level.inside.push_back(inside);
-    tool::GraphNode outside;
-    outside.id = 3;
-    outside.name = "O";
-    graph.nodes = {level, outside};
+    graph.nodes = {NodeOf(1, "L", tool::NodeShape::Level), NodeOf(3, "O")};
+    graph.nodes[0].inside = {NodeOf(2, "I")};
     for (const auto& [from, to] : {std::pair(1u, 3u), std::pair(3u, 1u), std::pair(1u, 2u),
                                    std::pair(2u, 1u), std::pair(1u, 1u)})
     {
         tool::GraphEdge edge;
         edge.from = from;
         edge.to = to;
-        edge.isEntry = true;
+        edge.priority = tool::kDefaultPriority;
+        edge.name = "T";
         graph.edges.push_back(edge);
     }
 
-    const std::string dot = tool::GraphToDot(graph);
-    EXPECT_EQ(dot.substr(dot.find("    n1 ->")), "    n1 -> n3 [style=dotted, ltail=cluster_n1];\n"
-                                                 "    n3 -> n1 [style=dotted, lhead=cluster_n1];\n"
-                                                 "    n1 -> n2 [style=dotted];\n"
-                                                 "    n2 -> n1 [style=dotted];\n"
-                                                 "    n1 -> n1 [style=dotted];\n"
-                                                 "}\n");
-    const std::string mermaid = tool::GraphToMermaid(graph);
-    EXPECT_EQ(mermaid.substr(mermaid.find("    subgraph")), "    subgraph n1[\"L\"]\n"
-                                                            "        n1_level(\"L\")\n"
-                                                            "        n2(\"I\")\n"
-                                                            "    end\n"
-                                                            "    n3(\"O\")\n"
-                                                            "    n1 -.-> n3\n"
-                                                            "    n3 -.-> n1\n"
-                                                            "    n1_level -.-> n2\n"
-                                                            "    n2 -.-> n1_level\n"
-                                                            "    n1_level -.-> n1_level\n");
+    const std::string dot = tool::GraphToDot(graph, "LR");
+    EXPECT_EQ(
+        LinesWith(dot, " -> "),
+        "n1:row0:_ -> n3:head:_ [color=\"#0072b2\", tooltip=\"T (), priority 5: a trigger\"];\n"
+        "n3:row0:_ -> n1:head:_ [color=\"#00664b\", tooltip=\"T (), priority 5: a trigger\", "
+        "lhead=cluster_n1];\n"
+        "n1:row1:_ -> n2:head:_ [color=\"#0072b2\", tooltip=\"T (), priority 5: a trigger\"];\n"
+        "n2:row0:_ -> n1:head:_ [color=\"#a84300\", tooltip=\"T (), priority 5: a trigger\"];\n"
+        "n1:row2:_ -> n1:head:_ [color=\"#0072b2\", tooltip=\"T (), priority 5: a trigger\"];\n");
+    const std::string mermaid = tool::GraphToMermaid(graph, "TB");
+    EXPECT_EQ(mermaid.substr(mermaid.find("    subgraph")),
+              "    subgraph n1[\"L\"]\n"
+              "        n1_level(\"L\")\n"
+              "        n2(\"I\")\n"
+              "    end\n"
+              "    n3(\"O\")\n"
+              "    n1 -->|\"a trigger\"| n3\n"
+              "    n3 -->|\"a trigger\"| n1\n"
+              "    n1_level -->|\"a trigger\"| n2\n"
+              "    n2 -->|\"a trigger\"| n1_level\n"
+              "    n1_level -->|\"a trigger\"| n1_level\n"
+              "    linkStyle 0 stroke:#0072b2\n"
+              "    linkStyle 1 stroke:#00664b\n"
+              "    linkStyle 2 stroke:#0072b2\n"
+              "    linkStyle 3 stroke:#a84300\n"
+              "    linkStyle 4 stroke:#0072b2\n");
 }
 
-/// Gives the lines of the graph of `builder` that contain `part`.
-std::string LinesWith(const DocumentBuilder& builder, const std::string& part,
-                      const std::string& format = "dot")
-{
-    const Folder folder;
-    const Outcome outcome =
-        CallVell({"graph", folder.Write("a.json", builder.Text()), "--format", format});
-    EXPECT_EQ(outcome.errors, "");
-    EXPECT_EQ(outcome.code, tool::ExitWell);
-    std::istringstream lines(outcome.out);
-    std::string found;
-    for (std::string line; std::getline(lines, line);)
-    {
-        found += line.find(part) == std::string::npos ? "" : line + "\n";
-    }
-    return found;
-}
-
-TEST(VellGraph, DrawsTransitionsWithoutSourceOrTargetOfLevelsAndStates)
+TEST(GraphDot, ListsTransitionsInTheOrderInWhichTheyAreTested)
 {
     DocumentBuilder builder;
-    builder.Start(20)
-        .Level("L", 20, 11, {100})
-        .Node(Generic("A", 11, {101}, 20))
-        .Node(Transition("LevelNowhere", 100, 20, 0))
-        .Node(Transition("StateNowhere", 101, 11, 0))
-        .Node(Transition("FromNobody", 102, 98, 20))
-        .Node(Transition("FromNothing", 103, 0, 20));
+    builder.Start(10)
+        .Node(Generic("A", 10, {103, 102, 101, 100}))
+        .Node(Transition("Last", 100, 10, 10).Set(JSON_TransitionPriority, 9))
+        .Node(Transition("Second", 101, 10, 10))
+        .Node(Transition("First", 102, 10, 10))
+        .Node(Transition("Before", 103, 10, 10).Set(JSON_TransitionPriority, -1));
 
-    EXPECT_EQ(LinesWith(builder, " -> "),
-              "    start -> n20 [lhead=cluster_n20];\n"
-              "    n11 -> n0 [label=\" 5: a trigger \", tooltip=\"StateNowhere\"];\n"
-              "    n20 -> n0 [label=\" 5: a trigger \", tooltip=\"LevelNowhere\", "
-              "ltail=cluster_n20];\n"
-              "    n21 -> n11 [style=dotted];\n"
-              "    n98 -> n20 [label=\" 5: a trigger (no state lists it) \", "
-              "tooltip=\"FromNobody\", style=dashed, lhead=cluster_n20];\n"
-              "    n0 -> n20 [label=\" 5: a trigger (no state lists it) \", "
-              "tooltip=\"FromNothing\", style=dashed, lhead=cluster_n20];\n");
-    EXPECT_EQ(LinesWith(builder, "no node"),
-              "    n0 [label=\"no node\", style=dashed, color=red, fontcolor=red];\n"
-              "    n98 [label=\"no node 98\", style=dashed, color=red, fontcolor=red];\n");
-    EXPECT_EQ(LinesWith(builder, "n0", "mermaid"),
-              "    n0[\"no node\"]:::unknown\n"
-              "    n11 -->|\"5: a trigger\"| n0\n"
-              "    n20 -->|\"5: a trigger\"| n0\n"
-              "    n0 -.->|\"5: a trigger (no state lists it)\"| n20\n");
+    const std::string dot = GraphOf(builder);
+
+    EXPECT_EQ(Rows(dot), "A\n"
+                         "- -1&#160;&#160;a trigger\n"
+                         "- a trigger\n"
+                         "- a trigger\n"
+                         "- 9&#160;&#160;a trigger\n");
+    EXPECT_EQ(LinesWith(dot, "n10:row"), "n10:row0:_ -> n10:head:_ [color=\"#0072b2\", "
+                                         "tooltip=\"Before (A -> A), priority -1: a trigger\"];\n"
+                                         "n10:row1:_ -> n10:head:_ [color=\"#0072b2\", "
+                                         "tooltip=\"First (A -> A), priority 5: a trigger\"];\n"
+                                         "n10:row2:_ -> n10:head:_ [color=\"#0072b2\", "
+                                         "tooltip=\"Second (A -> A), priority 5: a trigger\"];\n"
+                                         "n10:row3:_ -> n10:head:_ [color=\"#0072b2\", "
+                                         "tooltip=\"Last (A -> A), priority 9: a trigger\"];\n");
 }
 
-TEST(VellGraph, DrawsConnectorsApartFromStates)
+TEST(GraphDot, ShowsExitNodesOnlyWhereSomethingReachesThem)
+{
+    DocumentBuilder builder;
+    builder.Start(10)
+        .Level("L", 10, 13)
+        .Node(Generic("A", 13, {100}, 10))
+        .Node(Exit("Reached", 14, 10))
+        .Node(Exit("Unreached", 15, 10))
+        .Node(Transition("ToReached", 100, 13, 14));
+
+    const std::string dot = GraphOf(builder);
+
+    EXPECT_EQ(LinesWith(dot, "doublecircle"),
+              "n14 [shape=doublecircle, width=0.13, label=\"\", style=filled, "
+              "fillcolor=\"#1f2933\", color=\"#1f2933\", tooltip=\"Reached, id 14\"];\n");
+    EXPECT_EQ(dot.find("Unreached"), std::string::npos);
+    EXPECT_EQ(dot.find("LOut"), std::string::npos);
+}
+
+TEST(GraphDot, LightsBothStacks)
+{
+    const std::string dot = GraphOf(Walker(), {}, "tick\nset hit true\ntick\n");
+
+    EXPECT_EQ(LinesWith(dot, "a.script"),
+              "label=<<FONT POINT-SIZE=\"20\"><B>a</B></FONT><BR ALIGN=\"LEFT\"/><FONT "
+              "POINT-SIZE=\"12\"><FONT COLOR=\"#57606a\">after a.script: Hurt interrupts "
+              "Locomotion/Stand</FONT></FONT><BR ALIGN=\"LEFT\"/>>;\n");
+    EXPECT_EQ(LinesWith(dot, "BORDER=\"3\""),
+              "<TABLE BORDER=\"3\" COLOR=\"#0072b2\" STYLE=\"ROUNDED\" BGCOLOR=\"#6e7781\" "
+              "CELLBORDER=\"0\" CELLSPACING=\"0\" CELLPADDING=\"4\">\n"
+              "<TABLE BORDER=\"3\" COLOR=\"#a14fa6\" STYLE=\"ROUNDED\" BGCOLOR=\"#1158c7\" "
+              "CELLBORDER=\"0\" CELLSPACING=\"0\" CELLPADDING=\"4\">\n");
+    EXPECT_EQ(LinesWith(dot, "penwidth=3"),
+              "style=\"rounded,filled\"; peripheries=1; margin=14; penwidth=3;\n");
+    const std::string mermaid =
+        GraphOf(Walker(), {"--format", "mermaid"}, "tick\nset hit true\ntick\n");
+    EXPECT_EQ(LinesWith(mermaid, ":::active") + LinesWith(mermaid, ":::waiting") +
+                  LinesWith(mermaid, "style "),
+              "n51(\"Hurt\"):::active\n"
+              "n11(\"Stand\"):::waiting\n"
+              "style n10 stroke:#6e7781,stroke-width:3px\n");
+}
+
+TEST(GraphDot, ExplainsInTheLegendWhatIsInThePictureAndNothingElse)
+{
+    const auto legend =
+        [](const DocumentBuilder& builder, const Words& options, const std::string& script)
+    {
+        const std::string dot = GraphOf(builder, options, script);
+        const std::size_t start = dot.find("label=<<TABLE");
+        std::string text;
+        for (std::size_t at = start;
+             (at = dot.find("POINT-SIZE=\"11\"><FONT COLOR=\"#57606a\">", at)) < dot.find(">];");)
+        {
+            at = dot.find('>', dot.find('>', at) + 1) + 1;
+            text += dot.substr(at, dot.find('<', at) - at) + "\n";
+        }
+        return text;
+    };
+    DocumentBuilder plain;
+    plain.Start(10).Node(Generic("A", 10));
+    DocumentBuilder connector;
+    connector.Start(10).Node(Generic("A", 10)).Node(Connector("C", 11, "in"));
+
+    const std::string start = "where the machine or a level starts\n";
+    EXPECT_EQ(legend(plain, {}, ""), start);
+    EXPECT_EQ(legend(connector, {}, ""), start + "connector, or another node that cannot run\n");
+    EXPECT_EQ(legend(plain, {}, "tick\n"), start + "on the stack that runs\n");
+    EXPECT_EQ(legend(Walker(), {}, "tick\nset hit true\ntick\n"),
+              "where the machine or a level starts\n"
+              "exit node: ends a blip\n"
+              "global node: starts blips, whatever runs\n"
+              "a node that does not exist\n"
+              "priority, where it is not 5; smaller is tested first\n"
+              "a transition that is never tested\n"
+              "on the stack that runs\n"
+              "on the stack that waits\n");
+    EXPECT_EQ(legend(Walker(), {"--collapse"}, ""),
+              "where the machine or a level starts\n"
+              "exit node: ends a blip\n"
+              "global node: starts blips, whatever runs\n"
+              "a level, drawn as one box\n"
+              "a node that does not exist\n"
+              "priority, where it is not 5; smaller is tested first\n"
+              "a transition that is never tested\n");
+    EXPECT_EQ(legend(Walker(), {"--level", "Locomotion"}, ""),
+              "where the machine or a level starts\n"
+              "outside the level that is drawn\n"
+              "a node that does not exist\n"
+              "priority, where it is not 5; smaller is tested first\n"
+              "a transition that is never tested\n");
+}
+
+TEST(GraphDot, DrawsConnectorsApartFromStates)
 {
     DocumentBuilder builder;
     builder.Start(10).Node(Clip("A", 10, "a.anim")).Node(Connector("C", 11, "in"));
 
-    EXPECT_EQ(LinesWith(builder, "label="), "    n10 [label=\"A\"];\n"
-                                            "    n11 [label=\"C\", style=dotted];\n");
-    EXPECT_EQ(LinesWith(builder, "\"]", "mermaid") + LinesWith(builder, "\")", "mermaid"),
-              "    n11[\"C\"]\n"
-              "    n10(\"A\")\n"
-              "    start((\" \")) --> n10\n");
+    EXPECT_EQ(LinesWith(GraphOf(builder), "COLOR=\"#8b96a5\" STYLE=\"ROUNDED,DASHED\" BGCOLOR"),
+              "<TABLE BORDER=\"1\" COLOR=\"#8b96a5\" STYLE=\"ROUNDED,DASHED\" BGCOLOR=\"#fefefe\" "
+              "CELLBORDER=\"0\" CELLSPACING=\"0\" CELLPADDING=\"4\">\n");
+    const std::string mermaid = GraphOf(builder, {"--format", "mermaid"});
+    EXPECT_EQ(LinesWith(mermaid, "\"]") + LinesWith(mermaid, "\")"),
+              "n11[\"C\"]\n"
+              "n10(\"A\")\n"
+              "start((\" \")):::mark --> n10\n");
 }
 
-TEST(VellGraph, EscapesNamesOfStatesLevelsAndTransitions)
+TEST(GraphDot, EscapesNamesOfStatesLevelsAndTransitions)
 {
-    const std::string name = "a\"b\\c\nd#e<f>g`h";
-    const std::string dot = "a\\\"b\\\\c\\nd#e<f>g`h";
-    const std::string mermaid = "a#quot;b\\c d#35;e#lt;f#gt;g#96;h";
+    const std::string name = "a\"b\\c\nd#e<f>g`h&i\x01";
     DocumentBuilder builder;
     builder.Start(20)
         .Parameter(MessageParameter("m", ""))
@@ -246,114 +395,125 @@ TEST(VellGraph, EscapesNamesOfStatesLevelsAndTransitions)
         .Node(Generic(name, 10, {100}, 20))
         .Node(Transition(name, 100, 10, 10, {MessageCondition("m", name)}));
 
-    EXPECT_EQ(LinesWith(builder, "d#e"),
-              "        label=\"" + dot + "\";\n        n10 [label=\"" + dot +
-                  "\"];\n        n21 [label=\"" + dot +
-                  "In\", shape=oval, style=filled, fillcolor=lightgrey];\n        n22 [label=\"" +
-                  dot +
-                  "Out\", shape=oval, peripheries=2, style=filled, fillcolor=lightgrey];\n"
-                  "    n10 -> n10 [label=\" 5: m == \\\"" +
-                  dot + "\\\" \", tooltip=\"" + dot + "\"];\n");
-    EXPECT_EQ(LinesWith(builder, "#35;", "mermaid"),
-              "    subgraph n20[\"" + mermaid + "\"]\n        n10(\"" + mermaid +
-                  "\")\n        n21((\"" + mermaid + "In\"))\n        n22(((\"" + mermaid +
-                  "Out\")))\n    n10 -->|\"5: m == #quot;" + mermaid + "#quot;\"| n10\n");
+    EXPECT_EQ(
+        LinesWith(GraphOf(builder), "d#e"),
+        "label=<<B><FONT COLOR=\"#1f2933\">a&quot;b\\c<BR/>d#e&lt;f&gt;g`h&amp;i?</FONT></B>>; "
+        "labelloc=t;\n"
+        "tooltip=\"a\\\"b\\\\c\\n"
+        "d#e<f>g`h&i?, id 20\";\n"
+        "<TR><TD PORT=\"head\" CELLPADDING=\"6\"><B><FONT "
+        "COLOR=\"#1f2933\">a&quot;b\\c<BR/>d#e&lt;f&gt;g`h&amp;i?</FONT></B></TD></TR>\n"
+        "<HR/><TR><TD PORT=\"row0\" ALIGN=\"LEFT\" BALIGN=\"LEFT\"><FONT POINT-SIZE=\"11\"><FONT "
+        "COLOR=\"#1f2933\">m == &quot;a&quot;b\\c<BR/>d#e&lt;f&gt;g`h&amp;i?&quot;<BR "
+        "ALIGN=\"LEFT\"/></FONT></FONT></TD></TR>\n"
+        ">, tooltip=\"a\\\"b\\\\c\\n"
+        "d#e<f>g`h&i?, id 10\\n"
+        "a\\\"b\\\\c\\n"
+        "d#e<f>g`h&i? (a\\\"b\\\\c\\n"
+        "d#e<f>g`h&i? -> a\\\"b\\\\c\\n"
+        "d#e<f>g`h&i?), priority 5: m == \\\"a\\\"b\\\\c\\n"
+        "d#e<f>g`h&i?\\\"\"];\n"
+        "n21 [shape=circle, width=0.16, label=\"\", style=filled, fillcolor=\"#1f2933\", "
+        "color=\"#1f2933\", tooltip=\"a\\\"b\\\\c\\n"
+        "d#e<f>g`h&i?In, id 21\"];\n"
+        "n10:row0:_ -> n10:head:_ [color=\"#0072b2\", tooltip=\"a\\\"b\\\\c\\n"
+        "d#e<f>g`h&i? (a\\\"b\\\\c\\n"
+        "d#e<f>g`h&i? -> a\\\"b\\\\c\\n"
+        "d#e<f>g`h&i?), priority 5: m == \\\"a\\\"b\\\\c\\n"
+        "d#e<f>g`h&i?\\\"\"];\n");
+    EXPECT_EQ(LinesWith(GraphOf(builder, {"--format", "mermaid"}), "#35;"),
+              "subgraph n20[\"a#quot;b\\c d#35;e#lt;f#gt;g#96;h#amp;i?\"]\n"
+              "n10(\"a#quot;b\\c d#35;e#lt;f#gt;g#96;h#amp;i?\")\n"
+              "n10 -->|\"m == #quot;a#quot;b\\c d#35;e#lt;f#gt;g#96;h#amp;i?#quot;\"| n10\n");
 }
 
-/// Sets a variable of the environment for as long as it lives.
-class Variable
-{
-public:
-    Variable(const char* variable, const std::string& value) : name(variable)
-    {
-        const char* old = std::getenv(name);
-        wasSet = old != nullptr;
-        saved = wasSet ? old : "";
-        setenv(name, value.c_str(), 1);
-    }
-    ~Variable()
-    {
-        wasSet ? setenv(name, saved.c_str(), 1) : unsetenv(name);
-    }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
-
-private:
-    const char* name;
-    bool wasSet = false;
-    std::string saved;
-};
-
-/// Draws the Walker by a program `dot` of these lines.
-Outcome DrawBy(const Folder& folder, const std::string& lines)
-{
-    const std::string program = folder.Write("dot", "#!/bin/sh\n" + lines);
-    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
-    const std::string document = folder.Write("a.json", Walker().Text());
-    const Variable path("PATH", folder.PathOf("") + ":" + std::getenv("PATH"));
-    return CallVell({"graph", document, "--format", "svg"});
-}
-
-TEST(VellGraph, SaysThatGraphvizCouldNotDraw)
-{
-    for (const char* end : {"exit 1\n", "exit 2\n", "exit 126\n", "kill -9 $$\n"})
-    {
-        const Folder folder;
-
-        const Outcome outcome = DrawBy(folder, std::string("echo half a picture\n") + end);
-
-        EXPECT_EQ(outcome.code, tool::ExitFailed) << end;
-        EXPECT_EQ(outcome.errors,
-                  "Graphviz could not draw the picture; use --log FILE to see its messages\n");
-        EXPECT_EQ(outcome.out, "") << end;
-    }
-}
-
-TEST(VellGraph, TakesThePictureWholeAndLeavesNoFileBehind)
-{
-    const Folder folder;
-    const Folder temporary;
-    const Variable place("TMPDIR", temporary.PathOf(""));
-
-    const Outcome outcome = DrawBy(folder, "yes 0123456789 | head -n 5000\n");
-    const Outcome failed = DrawBy(folder, "exit 1\n");
-
-    EXPECT_EQ(outcome.errors, "");
-    EXPECT_EQ(outcome.out.size(), 55000u);
-    EXPECT_EQ(failed.code, tool::ExitFailed);
-    EXPECT_TRUE(std::filesystem::is_empty(temporary.PathOf("")));
-}
-
-TEST(VellGraph, SaysThatGraphvizIsMissing)
+TEST(GraphOptions, AreCheckedOneByOne)
 {
     const Folder folder;
     const std::string path = folder.Write("a.json", Walker().Text());
-    const Variable nothing("PATH", "/nowhere");
+    const std::vector<Words> wrong{{"--depth", "0"},         {"--depth", "-1"},
+                                   {"--depth", "x"},         {"--depth", "1", "--collapse"},
+                                   {"--direction", "up"},    {"--theme", "blue"},
+                                   {"--level", "Locomtion"}, {"--after", "/nowhere.script"}};
+    for (const Words& options : wrong)
+    {
+        Words words{"graph", path};
+        words.insert(words.end(), options.begin(), options.end());
 
-    const Outcome outcome = CallVell({"graph", path, "--format", "svg"});
+        const Outcome outcome = CallVell(words);
 
-    EXPECT_EQ(outcome.code, tool::ExitFailed);
-    EXPECT_EQ(outcome.errors,
-              "svg needs Graphviz's program dot, which is not installed; install the package "
-              "graphviz, or use --format dot or mermaid\n");
-    EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.code, tool::ExitUsage) << options[0] << ' ' << options[1];
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_NE(outcome.errors, "");
+    }
 }
 
-TEST(VellGraph, DrawsAPictureIntoAFile)
+TEST(GraphOptions, SetDirectionAndTitle)
 {
-    const Folder folder;
-    // A program of the name stands in for Graphviz, which need not be here.
-    const std::string program = folder.Write("dot", "#!/bin/sh\nprintf 'drawn from '\n"
-                                                    "head -n 1 \"$2\"\n");
-    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
-    const Variable path("PATH", folder.PathOf("") + ":" + std::getenv("PATH"));
+    const Words options{"--direction", "BT", "--title", "The \"walker\""};
+    const std::string dot = GraphOf(Walker(), options);
+    EXPECT_EQ(LinesWith(dot, "digraph"), "digraph \"The \\\"walker\\\"\" {\n");
+    EXPECT_NE(dot.find("rankdir=BT,"), std::string::npos);
 
-    const Outcome outcome = CallVell({"graph", folder.Write("a.json", Walker().Text()), "--format",
-                                      "svg", "-o", folder.PathOf("a.svg")});
+    const Words mermaid{"--direction", "BT", "--title", "The \"walker\"", "--format", "mermaid"};
+    EXPECT_EQ(GraphOf(Walker(), mermaid).substr(0, 54),
+              "---\ntitle: \"The \\\"walker\\\"\"\n---\nflowchart BT\n    class");
+}
 
-    EXPECT_EQ(outcome.errors, "");
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(folder.Read("a.svg"), "drawn from digraph machine {\n");
+TEST(GraphText, ShowsConditionsAsLinesOfBoundedLength)
+{
+    struct Case
+    {
+        Words conditions;
+        Words lines;
+    };
+    const std::string wide(48, 'w');
+    std::string accents;
+    for (int i = 0; i < 50; ++i)
+    {
+        accents += "\xC3\xA9";
+    }
+    const std::vector<Case> cases{
+        {{}, {"a trigger"}},
+        {{"a"}, {"a"}},
+        {{"a", "b"}, {"a", "or b"}},
+        {{"1", "2", "3", "4", "5", "6"}, {"1", "or 2", "or 3", "or 4", "or 5", "or 6"}},
+        {{"1", "2", "3", "4", "5", "6", "7"}, {"1", "or 2", "or 3", "or 4", "or 5", "or 2 more"}},
+        {{wide}, {wide}},
+        {{wide + "x"}, {wide + "..."}},
+        {{accents}, {accents.substr(0, 96) + "..."}}};
+    for (const Case& one : cases)
+    {
+        tool::GraphEdge edge;
+        edge.conditions = one.conditions;
+
+        EXPECT_EQ(tool::TransitionLines(edge), one.lines);
+    }
+}
+
+TEST(GraphText, ReplacesWhatNoPictureCanShow)
+{
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"plain\ntext", "plain\ntext"},
+        {"\x01\t\x7F", "???"},
+        {"\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80", "\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80"},
+        {"\xE9", "?"},
+        {"\xC3", "?"},
+        {"\xC3(", "?("},
+        {"\xC0\x80", "??"},
+        {"\xE0\x80\x80", "???"},
+        {"\xED\xA0\x80", "???"},
+        {"\xF4\x90\x80\x80", "????"},
+        {"\xF0\x80\x80\x80", "????"}};
+    for (const auto& [text, printable] : cases)
+    {
+        EXPECT_EQ(tool::Printable(text), printable);
+    }
+}
+
+TEST(GraphText, LeavesOutThePriorityThatADocumentNeedNotName)
+{
+    EXPECT_EQ(TransitionDef().priority, tool::kDefaultPriority);
 }
 
 } // namespace

@@ -13,6 +13,7 @@
 #include "tools/vell/ObservedMachine.h"
 #include "tools/vell/ParameterText.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -53,6 +54,9 @@ public:
 
     Graph Read()
     {
+        Light(machine.MainStack(), NodeLight::Waiting);
+        Light(machine.BlipStack(), NodeLight::Waiting);
+        Light(machine.Stack(), NodeLight::Active);
         SortByLevel();
         for (BaseDef* def : levels[0])
         {
@@ -81,6 +85,20 @@ private:
         return (def.GetFlags() & (DefTypesTransition | DefTypesCondition | DefTypesParameter)) == 0;
     }
 
+    void Light(const std::vector<SMState*>& stack, NodeLight light)
+    {
+        for (const SMState* state : stack)
+        {
+            lights[state->GetID()] = light;
+        }
+    }
+
+    NodeLight LightOf(unsigned int id) const
+    {
+        const auto entry = lights.find(id);
+        return entry == lights.end() ? NodeLight::None : entry->second;
+    }
+
     void SortByLevel()
     {
         for (const auto& [id, def] : table.nodes)
@@ -106,6 +124,7 @@ private:
         node.name = NameOf(def);
         node.shape = ShapeOf(def);
         node.isStart = id == machine.StartStateId();
+        node.light = LightOf(id);
         if (node.shape == NodeShape::Level)
         {
             for (BaseDef* inner : levels[id])
@@ -118,14 +137,24 @@ private:
 
     void AddEdgesOf(unsigned int id, BaseDef& def)
     {
+        std::vector<TransitionDef*> transitions;
         for (unsigned int i = 0; i < def.GetNumChildren(); ++i)
         {
             auto* transition = dynamic_cast<TransitionDef*>(table.Find(def.GetChildID(i)));
             if (transition != nullptr)
             {
                 listed.insert(transition);
-                AddTransition(id, *transition, "");
+                transitions.push_back(transition);
             }
+        }
+        std::stable_sort(transitions.begin(), transitions.end(),
+                         [](const TransitionDef* left, const TransitionDef* right)
+                         {
+                             return left->priority < right->priority;
+                         });
+        for (TransitionDef* transition : transitions)
+        {
+            AddTransition(id, *transition);
         }
         if (auto* enter = dynamic_cast<EnterDef*>(&def))
         {
@@ -144,27 +173,36 @@ private:
             auto* transition = dynamic_cast<TransitionDef*>(def);
             if (transition != nullptr && listed.count(transition) == 0)
             {
-                AddTransition(def->GetParentID(), *transition, " (no state lists it)");
-                graph.edges.back().isDisabled = true;
+                AddTransition(def->GetParentID(), *transition);
+                graph.edges.back().isUnlisted = true;
             }
         }
     }
 
-    void AddTransition(unsigned int from, TransitionDef& transition, const char* remark)
+    void AddTransition(unsigned int from, TransitionDef& transition)
     {
         GraphEdge edge;
         edge.from = from;
         edge.to = transition.targetID;
         edge.name = NameOf(transition);
+        edge.ends = NameOfId(from) + " -> " + NameOfId(transition.targetID);
+        edge.priority = transition.priority;
         edge.isDisabled = transition.disabled;
         for (const ConditionDef* condition : transition.conditions)
         {
-            edge.label +=
-                (edge.label.empty() ? "" : " or ") + ConditionText(*condition, Parameters());
+            edge.conditions.push_back(ConditionText(*condition, Parameters()));
         }
-        edge.label = std::to_string(transition.priority) + ": " +
-                     (edge.label.empty() ? "a trigger" : edge.label) + remark;
         graph.edges.push_back(edge);
+    }
+
+    std::string NameOfId(unsigned int id) const
+    {
+        BaseDef* def = table.Find(id);
+        if (def != nullptr)
+        {
+            return NameOf(*def);
+        }
+        return id == 0 ? "no node" : "no node " + std::to_string(id);
     }
 
     IParameterTable* Parameters() const
@@ -190,7 +228,7 @@ private:
         }
         GraphNode node;
         node.id = id;
-        node.name = id == 0 ? "no node" : "no node " + std::to_string(id);
+        node.name = NameOfId(id);
         node.shape = NodeShape::Unknown;
         node.isStart = id == machine.StartStateId();
         graph.nodes.push_back(node);
@@ -200,6 +238,7 @@ private:
     NodeDefTable& table;
     Graph graph;
     std::map<unsigned int, std::vector<BaseDef*>> levels; ///< what each level holds; 0 is the top
+    std::map<unsigned int, NodeLight> lights;
     std::set<unsigned int> placed;
     std::set<const TransitionDef*> listed;
 };

@@ -4,12 +4,18 @@
 
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/Graph.h"
+#include "tools/vell/GraphDot.h"
+#include "tools/vell/GraphMermaid.h"
+#include "tools/vell/GraphScope.h"
+#include "tools/vell/GraphSvg.h"
 #include "tools/vell/HelpText.h"
 #include "tools/vell/ObservedMachine.h"
 #include "tools/vell/Session.h"
 
 #include <CLI/CLI.hpp>
 
+#include <filesystem>
+#include <memory>
 #include <string>
 
 namespace vell::tool
@@ -17,45 +23,134 @@ namespace vell::tool
 namespace
 {
 
-int DrawGraph(Session& session)
+constexpr const char* kGraphHelp = R"(
+Each box is a state. Its rows are its transitions, in the order in which they
+are tested, with their conditions, any one of which is enough. Move the pointer
+over a box or an arrow of the svg to see names, ids and priorities.
+
+--level draws one level alone. What lies outside of it and has a transition
+into it or out of it is drawn with a dashed border.
+--depth 1 draws every level as one box, --depth 2 opens the outermost ones.
+)";
+
+/// The options that only this command has.
+struct GraphOptions
 {
-    ObservedMachine machine;
-    if (!session.LoadMachine(machine))
-    {
-        return ExitFailed;
-    }
-    const Graph graph = ReadGraph(machine);
+    GraphScope scope;
+    bool isCollapsed = false;
+    std::string direction = "LR";
+    std::string theme = "auto";
+    std::string title;
+};
+
+/// Says after which script the states are lit, and where the stacks are.
+std::string LitText(const ObservedMachine& machine, const std::string& script)
+{
+    const bool isBlip = &machine.Stack() == &machine.BlipStack();
+    const std::string name =
+        script == "-" ? "the script" : std::filesystem::path(script).filename().string();
+    return "after " + name + ": " + machine.StackPath() +
+           (isBlip ? " interrupts " + PathOf(machine.MainStack()) : "");
+}
+
+int WriteGraph(Session& session, const Graph& graph, const GraphOptions& options)
+{
     const std::string& format = session.options.format;
+    if (format == "mermaid")
+    {
+        return session.Write(GraphToMermaid(graph, options.direction));
+    }
+    const std::string dot = GraphToDot(graph, options.direction);
     if (format != "svg")
     {
-        return session.Write(format == "mermaid" ? GraphToMermaid(graph) : GraphToDot(graph));
+        return session.Write(dot);
     }
     std::string fault;
-    const std::string svg = DotToSvg(GraphToDot(graph), &fault);
+    const std::string svg = DotToSvg(dot, &fault);
     if (!fault.empty())
     {
         session.Complain(fault);
         return ExitFailed;
     }
-    return session.Write(svg);
+    return session.Write(ThemedSvg(svg, options.theme));
+}
+
+int DrawGraph(Session& session, const GraphOptions& options)
+{
+    const std::unique_ptr<Script> script = session.LoadScript();
+    if (script == nullptr)
+    {
+        return ExitUsage;
+    }
+    ObservedMachine machine;
+    const std::string& scriptPath = session.options.script;
+    if (!session.LoadMachine(machine) ||
+        (!scriptPath.empty() && !session.RunQuietly(machine, *script)))
+    {
+        return ExitFailed;
+    }
+    Graph graph = ReadGraph(machine);
+    graph.title = options.title.empty()
+                      ? std::filesystem::path(session.options.document).stem().string()
+                      : options.title;
+    graph.subtitle = scriptPath.empty() ? "" : LitText(machine, scriptPath);
+    GraphScope scope = options.scope;
+    if (options.isCollapsed)
+    {
+        scope.depth = 1;
+    }
+    const std::string fault = NarrowGraph(&graph, scope);
+    if (!fault.empty())
+    {
+        session.Complain(session.options.document + ": " + fault);
+        return ExitUsage;
+    }
+    return WriteGraph(session, graph, options);
+}
+
+void AddGraphOptions(CLI::App& command, Session& session, GraphOptions* options)
+{
+    command.add_option("--level", options->scope.level, "Draw only this level and its neighbours")
+        ->type_name("NAME");
+    CLI::Option* depth =
+        command
+            .add_option("--depth", options->scope.depth,
+                        "Draw N levels deep; the levels below are boxes")
+            ->check(CLI::PositiveNumber)
+            ->type_name("N");
+    command.add_flag("--collapse", options->isCollapsed, "Draw each level as one box: --depth 1")
+        ->excludes(depth);
+    session
+        .AddChoice(command, "--direction", options->direction,
+                   "Where arrows lead: LR (default, to the right), TB (down), RL or BT",
+                   {"LR", "TB", "RL", "BT"})
+        ->type_name("DIRECTION");
+    session
+        .AddChoice(command, "--theme", options->theme,
+                   "Colours of an svg: auto (default, as the viewer prefers), light or dark",
+                   {"auto", "light", "dark"})
+        ->type_name("THEME");
+    command.add_option("--title", options->title, "Title; default is the document's file name")
+        ->type_name("TEXT");
 }
 
 } // namespace
 
 void AddGraphCommand(CLI::App& app, Session& session)
 {
+    const auto options = std::make_shared<GraphOptions>();
     CLI::App* graph = session.AddCommand(app, "graph", "Draws the states and transitions",
-                                         [&session]
+                                         [&session, options]
                                          {
-                                             return DrawGraph(session);
+                                             return DrawGraph(session, *options);
                                          });
     session.AddDocument(*graph);
     session.AddFormat(*graph, "dot (default), mermaid, or svg: drawn by Graphviz",
                       {"dot", "mermaid", "svg"});
+    AddGraphOptions(*graph, session, options.get());
+    session.AddAfter(*graph);
     session.AddOutput(*graph);
-    graph->footer(R"(
-Each transition shows its priority and its conditions, any one of which is
-enough. A disabled transition is dashed. A target that does not exist is red.)");
+    graph->footer(kGraphHelp);
 }
 
 } // namespace vell::tool

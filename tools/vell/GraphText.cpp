@@ -1,42 +1,232 @@
 // VELL: data-driven hierarchical state machines.
-// tools/vell/GraphText.cpp: a graph in the languages of Graphviz and Mermaid.
-#include "tools/vell/Graph.h"
+// tools/vell/GraphText.cpp: what the writers of pictures share.
+#include "tools/vell/GraphText.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <map>
-#include <set>
-#include <string_view>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <algorithm>
 
 namespace vell::tool
 {
 namespace
 {
 
-std::string Escaped(const std::string& text, const std::map<char, std::string_view>& replacements)
+constexpr std::size_t kLinesShown = 6;
+constexpr std::size_t kLineLength = 48;
+
+/// Gives the length of the UTF-8 character at `at`, or 0 when the bytes are not one.
+std::size_t CharacterLength(const std::string& text, std::size_t at)
 {
-    std::string escaped;
+    const auto first = static_cast<unsigned char>(text[at]);
+    const std::size_t length = first < 0x80    ? 1u
+                               : first < 0xC2  ? 0u
+                               : first < 0xE0  ? 2u
+                               : first < 0xF0  ? 3u
+                               : first <= 0xF4 ? 4u
+                                               : 0u;
+    if (length == 0 || at + length > text.size())
+    {
+        return 0;
+    }
+    for (std::size_t i = 1; i < length; ++i)
+    {
+        if ((static_cast<unsigned char>(text[at + i]) & 0xC0) != 0x80)
+        {
+            return 0;
+        }
+    }
+    // Overlong forms, surrogates, and numbers above the last character.
+    const auto second = static_cast<unsigned char>(length > 1 ? text[at + 1] : '\0');
+    const bool isWrong = (first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F) ||
+                         (first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F);
+    return isWrong ? 0 : length;
+}
+
+/// Cuts a text that is too long for a box; the tool tip has all of it.
+std::string Shortened(const std::string& text)
+{
+    const std::string whole = Printable(text);
+    std::size_t end = 0;
+    for (std::size_t count = 0; end < whole.size(); ++count)
+    {
+        if (count == kLineLength)
+        {
+            return whole.substr(0, end) + "...";
+        }
+        end += CharacterLength(whole, end);
+    }
+    return whole;
+}
+
+std::string Remark(const GraphEdge& edge)
+{
+    return std::string(edge.isDisabled ? " (disabled)" : "") +
+           (edge.isUnlisted ? " (no state lists it)" : "");
+}
+
+} // namespace
+
+GraphIndex::GraphIndex(const Graph& graph)
+{
+    for (const GraphNode& node : graph.nodes)
+    {
+        Take(node, 0);
+    }
+    for (const GraphEdge& edge : graph.edges)
+    {
+        if (!edge.isEntry)
+        {
+            places[edge.from].transitions.push_back(&edge);
+        }
+        places[edge.to].isReached = true;
+    }
+    std::size_t count = 0;
+    for (const GraphNode* node : nodes)
+    {
+        Place& place = places[node->id];
+        place.colourNumber = place.transitions.empty() ? 0 : count++;
+    }
+}
+
+void GraphIndex::Take(const GraphNode& node, unsigned int level)
+{
+    places[node.id].node = &node;
+    places[node.id].level = level;
+    nodes.push_back(&node);
+    for (const GraphNode& inner : node.inside)
+    {
+        Take(inner, node.id);
+    }
+}
+
+const GraphNode* GraphIndex::Find(unsigned int id) const
+{
+    const auto entry = places.find(id);
+    return entry == places.end() ? nullptr : entry->second.node;
+}
+
+bool GraphIndex::IsOpenLevel(unsigned int id) const
+{
+    const GraphNode* node = Find(id);
+    return node != nullptr && node->shape == NodeShape::Level && !node->isClosed;
+}
+
+std::vector<const GraphNode*> GraphIndex::Around(unsigned int id) const
+{
+    std::vector<const GraphNode*> around;
+    for (auto entry = places.find(id); entry != places.end() && entry->second.level != 0;)
+    {
+        entry = places.find(entry->second.level);
+        around.insert(around.begin(), entry->second.node);
+    }
+    return around;
+}
+
+bool GraphIndex::Holds(unsigned int level, unsigned int id) const
+{
+    const std::vector<const GraphNode*> around = Around(id);
+    return id == level || std::any_of(around.begin(), around.end(),
+                                      [level](const GraphNode* node)
+                                      {
+                                          return node->id == level;
+                                      });
+}
+
+const std::vector<const GraphEdge*>& GraphIndex::TransitionsOf(unsigned int id) const
+{
+    static const std::vector<const GraphEdge*> kNone;
+    const auto entry = places.find(id);
+    return entry == places.end() ? kNone : entry->second.transitions;
+}
+
+std::size_t GraphIndex::ColourNumber(unsigned int id) const
+{
+    return places.at(id).colourNumber;
+}
+
+bool GraphIndex::IsShown(const GraphNode& node) const
+{
+    const Place& place = places.at(node.id);
+    return node.shape != NodeShape::Exit || place.isReached || node.isStart ||
+           node.light != NodeLight::None || !place.transitions.empty();
+}
+
+const std::vector<const GraphNode*>& GraphIndex::Nodes() const
+{
+    return nodes;
+}
+
+std::vector<std::string> TransitionLines(const GraphEdge& edge)
+{
+    std::vector<std::string> lines;
+    const std::size_t count = edge.conditions.size();
+    // A last line that says "1 more" would take the room of what it leaves out.
+    const std::size_t shown = count <= kLinesShown ? count : kLinesShown - 1;
+    for (std::size_t i = 0; i < shown; ++i)
+    {
+        lines.push_back((i == 0 ? "" : "or ") + Shortened(edge.conditions[i]));
+    }
+    if (shown < count)
+    {
+        lines.push_back("or " + std::to_string(count - shown) + " more");
+    }
+    if (lines.empty())
+    {
+        lines.emplace_back("a trigger");
+    }
+    if (!edge.via.empty())
+    {
+        lines.front() = Shortened(edge.via) + ": " + lines.front();
+    }
+    lines.back() += Remark(edge);
+    return lines;
+}
+
+std::string TransitionTip(const GraphEdge& edge)
+{
+    std::string tip = edge.name + " (" + edge.ends + "), priority " + std::to_string(edge.priority);
+    const char* separator = ": ";
+    for (const std::string& condition : edge.conditions)
+    {
+        tip += separator + condition;
+        separator = " or ";
+    }
+    return Printable(tip + (edge.conditions.empty() ? ": a trigger" : "") + Remark(edge));
+}
+
+std::string NodeTip(const GraphNode& node, const GraphIndex& index)
+{
+    std::string tip = node.shape == NodeShape::Unknown
+                          ? node.name
+                          : node.name + ", id " + std::to_string(node.id);
+    for (const GraphEdge* edge : index.TransitionsOf(node.id))
+    {
+        tip += "\n" + TransitionTip(*edge);
+    }
+    return Printable(tip);
+}
+
+std::string Printable(const std::string& text)
+{
+    std::string printable;
+    for (std::size_t i = 0; i < text.size();)
+    {
+        const std::size_t length = CharacterLength(text, i);
+        const auto first = static_cast<unsigned char>(text[i]);
+        const bool isControl = (first < 0x20 && first != '\n') || first == 0x7F;
+        printable += length == 0 || isControl ? "?" : text.substr(i, length);
+        i += std::max<std::size_t>(length, 1);
+    }
+    return printable;
+}
+
+std::string Replaced(const std::string& text, const std::map<char, std::string_view>& replacements)
+{
+    std::string replaced;
     for (const char c : text)
     {
         const auto entry = replacements.find(c);
-        escaped += entry == replacements.end() ? std::string(1, c) : std::string(entry->second);
+        replaced += entry == replacements.end() ? std::string(1, c) : std::string(entry->second);
     }
-    return '"' + escaped + '"';
-}
-
-std::string DotText(const std::string& text)
-{
-    return Escaped(text, {{'"', "\\\""}, {'\\', "\\\\"}, {'\n', "\\n"}});
-}
-
-std::string MermaidText(const std::string& text)
-{
-    return Escaped(
-        text,
-        {{'"', "#quot;"}, {'#', "#35;"}, {'<', "#lt;"}, {'>', "#gt;"}, {'`', "#96;"}, {'\n', " "}});
+    return replaced;
 }
 
 std::string NodeKey(unsigned int id)
@@ -44,350 +234,9 @@ std::string NodeKey(unsigned int id)
     return "n" + std::to_string(id);
 }
 
-/// What both writers need to know of the substates.
-class Levels
+std::string Indent(std::size_t depth)
 {
-public:
-    explicit Levels(const Graph& graph)
-    {
-        for (const GraphNode& node : graph.nodes)
-        {
-            Take(node, 0);
-        }
-    }
-
-    bool IsLevel(unsigned int id) const
-    {
-        return levels.count(id) != 0;
-    }
-
-    /// Tells whether `id` is `level` or somewhere inside it.
-    bool Holds(unsigned int level, unsigned int id) const
-    {
-        while (id != level)
-        {
-            const auto entry = enclosing.find(id);
-            if (entry == enclosing.end() || entry->second == 0)
-            {
-                return false;
-            }
-            id = entry->second;
-        }
-        return true;
-    }
-
-private:
-    void Take(const GraphNode& node, unsigned int level)
-    {
-        enclosing[node.id] = level;
-        if (node.shape == NodeShape::Level)
-        {
-            levels.insert(node.id);
-        }
-        for (const GraphNode& inner : node.inside)
-        {
-            Take(inner, node.id);
-        }
-    }
-
-    std::set<unsigned int> levels;
-    std::map<unsigned int, unsigned int> enclosing; ///< the level around each node; 0 is the top
-};
-
-std::string Indent(unsigned int depth)
-{
-    return std::string(std::size_t{depth} * 4, ' ');
-}
-
-class DotWriter
-{
-public:
-    explicit DotWriter(const Graph& newGraph) : graph(newGraph), levels(newGraph)
-    {
-    }
-
-    std::string Write()
-    {
-        text = "digraph machine {\n"
-               "    compound=true;\n"
-               "    fontname=\"Helvetica\";\n"
-               "    node [fontname=\"Helvetica\", shape=box, style=rounded];\n"
-               "    edge [fontname=\"Helvetica\", fontsize=10];\n";
-        for (const GraphNode& node : graph.nodes)
-        {
-            AddNode(node, 1);
-        }
-        text += starts;
-        for (const GraphEdge& edge : graph.edges)
-        {
-            AddEdge(edge);
-        }
-        return text + "}\n";
-    }
-
-private:
-    static std::string Look(NodeShape shape)
-    {
-        switch (shape)
-        {
-        case NodeShape::Enter:
-            return ", shape=oval, style=filled, fillcolor=lightgrey";
-        case NodeShape::Exit:
-            return ", shape=oval, peripheries=2, style=filled, fillcolor=lightgrey";
-        case NodeShape::Global:
-            return ", shape=octagon, style=filled, fillcolor=lightyellow";
-        case NodeShape::Other:
-            return ", style=dotted";
-        case NodeShape::Unknown:
-            return ", style=dashed, color=red, fontcolor=red";
-        case NodeShape::State:
-        case NodeShape::Level:
-            break;
-        }
-        return "";
-    }
-
-    void AddNode(const GraphNode& node, unsigned int depth)
-    {
-        const std::string indent = Indent(depth);
-        const std::string key = NodeKey(node.id);
-        if (node.shape == NodeShape::Level)
-        {
-            // Edges lead to a point inside and are clipped at the border.
-            text += indent + "subgraph cluster_" + key + " {\n" + Indent(depth + 1) +
-                    "label=" + DotText(node.name) + ";\n" + Indent(depth + 1) + "style=rounded;\n" +
-                    Indent(depth + 1) + key + " [shape=point, style=invis];\n";
-            for (const GraphNode& inner : node.inside)
-            {
-                AddNode(inner, depth + 1);
-            }
-            text += indent + "}\n";
-        }
-        else
-        {
-            text += indent + key + " [label=" + DotText(node.name) + Look(node.shape) + "];\n";
-        }
-        if (node.isStart)
-        {
-            starts += "    start [shape=point, width=0.2];\n    start -> " + key +
-                      (node.shape == NodeShape::Level ? " [lhead=cluster_" + key + "]" : "") +
-                      ";\n";
-        }
-    }
-
-    void AddEdge(const GraphEdge& edge)
-    {
-        std::string look;
-        if (edge.isEntry)
-        {
-            look = "style=dotted";
-        }
-        else
-        {
-            look = "label=" + DotText(" " + edge.label + " ") + ", tooltip=" + DotText(edge.name) +
-                   (edge.isDisabled ? ", style=dashed" : "");
-        }
-        if (levels.IsLevel(edge.from) && !levels.Holds(edge.from, edge.to))
-        {
-            look += ", ltail=cluster_" + NodeKey(edge.from);
-        }
-        if (levels.IsLevel(edge.to) && !levels.Holds(edge.to, edge.from))
-        {
-            look += ", lhead=cluster_" + NodeKey(edge.to);
-        }
-        text += "    " + NodeKey(edge.from) + " -> " + NodeKey(edge.to) + " [" + look + "];\n";
-    }
-
-    const Graph& graph;
-    const Levels levels;
-    std::string text;
-    std::string starts;
-};
-
-class MermaidWriter
-{
-public:
-    explicit MermaidWriter(const Graph& newGraph) : graph(newGraph), levels(newGraph)
-    {
-    }
-
-    std::string Write()
-    {
-        for (const GraphEdge& edge : graph.edges)
-        {
-            NoteAnchors(edge);
-        }
-        text = "flowchart TB\n"
-               "    classDef unknown stroke:#c00,color:#c00,stroke-dasharray:4\n";
-        for (const GraphNode& node : graph.nodes)
-        {
-            AddNode(node, 1);
-        }
-        text += starts;
-        for (const GraphEdge& edge : graph.edges)
-        {
-            AddEdge(edge);
-        }
-        return text;
-    }
-
-private:
-    /// An edge between a substate and a node inside it cannot end at the frame of the substate; an
-    /// extra node inside represents the substate then.
-    void NoteAnchors(const GraphEdge& edge)
-    {
-        if (levels.IsLevel(edge.from) && levels.Holds(edge.from, edge.to))
-        {
-            anchors.insert(edge.from);
-        }
-        if (levels.IsLevel(edge.to) && levels.Holds(edge.to, edge.from))
-        {
-            anchors.insert(edge.to);
-        }
-    }
-
-    std::string End(unsigned int id, unsigned int other) const
-    {
-        const bool isAnchored = levels.IsLevel(id) && levels.Holds(id, other);
-        return NodeKey(id) + (isAnchored ? "_level" : "");
-    }
-
-    static std::string Shaped(const GraphNode& node)
-    {
-        const std::string name = MermaidText(node.name);
-        switch (node.shape)
-        {
-        case NodeShape::Enter:
-            return "((" + name + "))";
-        case NodeShape::Exit:
-            return "(((" + name + ")))";
-        case NodeShape::Global:
-            return "{{" + name + "}}";
-        case NodeShape::Other:
-            return "[" + name + "]";
-        case NodeShape::Unknown:
-            return "[" + name + "]:::unknown";
-        case NodeShape::State:
-        case NodeShape::Level:
-            break;
-        }
-        return "(" + name + ")";
-    }
-
-    void AddNode(const GraphNode& node, unsigned int depth)
-    {
-        const std::string indent = Indent(depth);
-        const std::string key = NodeKey(node.id);
-        if (node.shape == NodeShape::Level)
-        {
-            text += indent + "subgraph " + key + "[" + MermaidText(node.name) + "]\n";
-            if (anchors.count(node.id) != 0)
-            {
-                text += Indent(depth + 1) + key + "_level" + Shaped(node) + "\n";
-            }
-            for (const GraphNode& inner : node.inside)
-            {
-                AddNode(inner, depth + 1);
-            }
-            text += indent + "end\n";
-        }
-        else
-        {
-            text += indent + key + Shaped(node) + "\n";
-        }
-        if (node.isStart)
-        {
-            starts += "    start((\" \")) --> " + key + "\n";
-        }
-    }
-
-    void AddEdge(const GraphEdge& edge)
-    {
-        const char* arrow = edge.isDisabled || edge.isEntry ? " -.->" : " -->";
-        text += "    " + End(edge.from, edge.to) + arrow +
-                (edge.isEntry ? "" : "|" + MermaidText(edge.label) + "|") + " " +
-                End(edge.to, edge.from) + "\n";
-    }
-
-    const Graph& graph;
-    const Levels levels;
-    std::set<unsigned int> anchors;
-    std::string text;
-    std::string starts;
-};
-
-/// A temporary file that is deleted with the object.
-class TemporaryFile
-{
-public:
-    TemporaryFile()
-    {
-        path = (std::filesystem::temp_directory_path() / "vell-XXXXXX").string();
-        descriptor = mkstemp(path.data());
-    }
-    ~TemporaryFile()
-    {
-        if (descriptor >= 0)
-        {
-            close(descriptor);
-            unlink(path.c_str());
-        }
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    bool Fill(const std::string& text) const
-    {
-        return descriptor >= 0 &&
-               write(descriptor, text.data(), text.size()) == static_cast<ssize_t>(text.size());
-    }
-
-    std::string path;
-
-private:
-    int descriptor = -1;
-};
-
-constexpr int kCommandNotFound = 127;
-
-} // namespace
-
-std::string GraphToDot(const Graph& graph)
-{
-    return DotWriter(graph).Write();
-}
-
-std::string GraphToMermaid(const Graph& graph)
-{
-    return MermaidWriter(graph).Write();
-}
-
-std::string DotToSvg(const std::string& dot, std::string* fault)
-{
-    const TemporaryFile file;
-    std::FILE* pipe =
-        file.Fill(dot) ? popen(("dot -Tsvg '" + file.path + "'").c_str(), "r") : nullptr;
-    if (pipe == nullptr)
-    {
-        *fault = "cannot draw the picture: failed to create a temporary file or a process";
-        return "";
-    }
-    std::string svg;
-    char block[4096];
-    for (std::size_t size = 0; (size = std::fread(block, 1, sizeof(block), pipe)) != 0;)
-    {
-        svg.append(block, size);
-    }
-    const int status = pclose(pipe);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
-    {
-        return svg;
-    }
-    *fault = WIFEXITED(status) && WEXITSTATUS(status) == kCommandNotFound
-                 ? "svg needs Graphviz's program dot, which is not installed; install the package "
-                   "graphviz, or use --format dot or mermaid"
-                 : "Graphviz could not draw the picture; use --log FILE to see its messages";
-    return "";
+    return std::string(depth * 4, ' ');
 }
 
 } // namespace vell::tool
