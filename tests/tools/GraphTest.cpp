@@ -84,7 +84,8 @@ TEST(GraphDot, WritesLevelsAsFramesAndTransitionsAsRows)
 {
     const std::string dot = GraphOf(Walker());
 
-    EXPECT_EQ(Rows(dot), "Stand\n"
+    EXPECT_EQ(Rows(dot), "Locomotion\n"
+                         "Stand\n"
                          "- speed &gt; 1.5\n"
                          "Walk\n"
                          "- 1&#160;&#160;speed &gt; 0 (disabled)\n"
@@ -94,31 +95,36 @@ TEST(GraphDot, WritesLevelsAsFramesAndTransitionsAsRows)
                          "Hurt\n"
                          "- hit == false\n"
                          "no node 99\n");
-    EXPECT_EQ(
-        dot.substr(dot.find("    start ->")),
-        "    start -> n20 [tooltip=\"The machine starts here\", lhead=cluster_n10];\n"
-        "    n11:row0:_ -> n12:head:_ [color=\"#0072b2\", tooltip=\"ToWalk (Stand -> Walk), "
-        "priority 5: speed > 1.5\"];\n"
-        "    n12:row0:_ -> n99:head:_ [color=\"#a84300\", tooltip=\"ToNowhere (Walk -> no node "
-        "99), "
-        "priority 1: speed > 0 (disabled)\", style=dashed];\n"
-        "    n12:row1:_ -> n11:head:_ [color=\"#a84300\", tooltip=\"ToStand (Walk -> Stand), "
-        "priority 3: speed < 0.5 or halt == \\\"now\\\"\"];\n"
-        "    n20 -> n11:head:_ [weight=8, tooltip=\"The level starts here\"];\n"
-        "    n50:row0:_ -> n51:head:_ [color=\"#00664b\", tooltip=\"TakeHit (Reactions -> Hurt), "
-        "priority 20: hit == true\"];\n"
-        "    n51:row0:_ -> n52 [color=\"#a14fa6\", tooltip=\"Healed (Hurt -> Done), priority 5: "
-        "hit "
-        "== false\"];\n"
-        "}\n");
+    EXPECT_EQ(dot.substr(dot.find("    start ->")),
+              "    start -> n10:head:w [tooltip=\"The machine starts here\"];\n"
+              "    n11:row0:_ -> n12:head:_ [color=\"#0072b2\", tooltip=\"ToWalk (Stand -> Walk), "
+              "priority 5: speed > 1.5\"];\n"
+              "    n12:row0:_ -> n99:head:_ [color=\"#a84300\", tooltip=\"ToNowhere (Walk -> no "
+              "node 99), priority 1: speed > 0 (disabled)\", style=dashed];\n"
+              "    n12:row1:_ -> n11:head:_ [color=\"#a84300\", tooltip=\"ToStand (Walk -> Stand), "
+              "priority 3: speed < 0.5 or halt == \\\"now\\\"\"];\n"
+              "    n10:head:_ -> n11:head:_ [weight=8, tooltip=\"The level starts here: In, id "
+              "20\", dir=both, arrowtail=dot];\n"
+              "    n50:row0:_ -> n51:head:_ [color=\"#00664b\", tooltip=\"TakeHit (Reactions -> "
+              "Hurt), priority 20: hit == true\"];\n"
+              "    n51:row0:_ -> n52 [color=\"#a14fa6\", tooltip=\"Healed (Hurt -> Done), priority "
+              "5: hit == false\"];\n"
+              "}\n");
     const std::string frame = dot.substr(dot.find("subgraph cluster_n10"));
-    EXPECT_EQ(frame.substr(0, frame.find("n11")),
-              "subgraph cluster_n10 {\n"
-              "            label=<<B><FONT COLOR=\"#1f2933\">Locomotion</FONT></B>>; labelloc=t;\n"
-              "            tooltip=\"Locomotion, id 10\";\n"
-              "            style=\"rounded,filled\"; peripheries=1; margin=14; penwidth=1;\n"
-              "            fillcolor=\"#f6f8fa\"; color=\"#8b96a5\";\n"
-              "            ");
+    EXPECT_EQ(
+        frame.substr(0, frame.find("n11")),
+        "subgraph cluster_n10 {\n"
+        "            label=\"\"; tooltip=\"Locomotion, id 10\";\n"
+        "            style=\"rounded,filled\"; peripheries=1; margin=14; penwidth=1;\n"
+        "            fillcolor=\"#f6f8fa\"; color=\"#8b96a5\";\n"
+        "            n10 [label=<\n"
+        "                <TABLE BORDER=\"1\" COLOR=\"#8b96a5\" STYLE=\"ROUNDED\" "
+        "BGCOLOR=\"#d9e2ee\" CELLBORDER=\"0\" CELLSPACING=\"0\" CELLPADDING=\"4\">\n"
+        "                <TR><TD PORT=\"head\" CELLPADDING=\"6\"><FONT POINT-SIZE=\"16\"><B><FONT "
+        "COLOR=\"#1f2933\">Locomotion</FONT></B></FONT></TD></TR>\n"
+        "                </TABLE>\n"
+        "            >, tooltip=\"Locomotion, id 10\"];\n"
+        "            ");
     EXPECT_EQ(LinesWith(dot, "tooltip=\"Stand"),
               ">, tooltip=\"Stand, id 11\\nToWalk (Stand -> Walk), priority 5: speed > 1.5\"];\n");
 }
@@ -175,6 +181,8 @@ TEST(GraphDot, ShowsWhatIsWrongWithADocumentInsteadOfDroppingIt)
     EXPECT_EQ(Rows(dot), "A &quot;quoted&quot;\n"
                          "- a trigger\n"
                          "- a trigger (no state lists it)\n"
+                         "P\n"
+                         "Q\n"
                          "no node\n"
                          "no node 11\n"
                          "no node 98\n"
@@ -206,7 +214,7 @@ tool::GraphNode NodeOf(unsigned int id, const std::string& name,
     return node;
 }
 
-TEST(GraphDot, CutsEdgesOffAtTheBorderOfALevelThatTheyDoNotStartIn)
+TEST(GraphDot, LeadsEdgesOfLevelsToTheirBoxes)
 {
     tool::Graph graph;
     graph.nodes = {NodeOf(1, "L", tool::NodeShape::Level), NodeOf(3, "O")};
@@ -226,11 +234,9 @@ TEST(GraphDot, CutsEdgesOffAtTheBorderOfALevelThatTheyDoNotStartIn)
     EXPECT_EQ(
         LinesWith(dot, " -> "),
         "n1:row0:_ -> n3:head:_ [color=\"#0072b2\", tooltip=\"T (), priority 5: a trigger\"];\n"
-        "n3:row0:_ -> n1:head:_ [color=\"#00664b\", tooltip=\"T (), priority 5: a trigger\", "
-        "lhead=cluster_n1];\n"
+        "n3:row0:_ -> n1:head:w [color=\"#00664b\", tooltip=\"T (), priority 5: a trigger\"];\n"
         "n1:row1:_ -> n2:head:_ [color=\"#0072b2\", tooltip=\"T (), priority 5: a trigger\"];\n"
-        "n2:row0:_ -> n1:head:_ [color=\"#a84300\", tooltip=\"T (), priority 5: a trigger\"];\n"
-        "n1:row2:_ -> n1:head:_ [color=\"#0072b2\", tooltip=\"T (), priority 5: a trigger\"];\n");
+        "n2:row0:_ -> n1:head:w [color=\"#a84300\", tooltip=\"T (), priority 5: a trigger\"];\n");
     const std::string mermaid = tool::GraphToMermaid(graph, "TB");
     EXPECT_EQ(mermaid.substr(mermaid.find("    subgraph")),
               "    subgraph n1[\"L\"]\n"
@@ -250,31 +256,31 @@ TEST(GraphDot, CutsEdgesOffAtTheBorderOfALevelThatTheyDoNotStartIn)
               "    linkStyle 4 stroke:#0072b2\n");
 }
 
-TEST(GraphDot, ListsTransitionsInTheOrderInWhichTheyAreTested)
+TEST(GraphDot, ListsTransitionsInTheOrderInWhichTheyAreTestedAndMarksLoops)
 {
     DocumentBuilder builder;
     builder.Start(10)
         .Node(Generic("A", 10, {103, 102, 101, 100}))
-        .Node(Transition("Last", 100, 10, 10).Set(JSON_TransitionPriority, 9))
-        .Node(Transition("Second", 101, 10, 10))
+        .Node(Generic("B", 11))
+        .Node(Transition("Last", 100, 10, 11).Set(JSON_TransitionPriority, 9))
+        .Node(Transition("Second", 101, 10, 11))
         .Node(Transition("First", 102, 10, 10))
-        .Node(Transition("Before", 103, 10, 10).Set(JSON_TransitionPriority, -1));
+        .Node(Transition("Before", 103, 10, 11).Set(JSON_TransitionPriority, -1));
 
     const std::string dot = GraphOf(builder);
 
     EXPECT_EQ(Rows(dot), "A\n"
                          "- -1&#160;&#160;a trigger\n"
+                         "- a trigger&#160;&#160;&#8635;\n"
                          "- a trigger\n"
-                         "- a trigger\n"
-                         "- 9&#160;&#160;a trigger\n");
-    EXPECT_EQ(LinesWith(dot, "n10:row"), "n10:row0:_ -> n10:head:_ [color=\"#0072b2\", "
-                                         "tooltip=\"Before (A -> A), priority -1: a trigger\"];\n"
-                                         "n10:row1:_ -> n10:head:_ [color=\"#0072b2\", "
-                                         "tooltip=\"First (A -> A), priority 5: a trigger\"];\n"
-                                         "n10:row2:_ -> n10:head:_ [color=\"#0072b2\", "
-                                         "tooltip=\"Second (A -> A), priority 5: a trigger\"];\n"
-                                         "n10:row3:_ -> n10:head:_ [color=\"#0072b2\", "
-                                         "tooltip=\"Last (A -> A), priority 9: a trigger\"];\n");
+                         "- 9&#160;&#160;a trigger\n"
+                         "B\n");
+    EXPECT_EQ(LinesWith(dot, "n10:row"), "n10:row0:_ -> n11:head:_ [color=\"#0072b2\", "
+                                         "tooltip=\"Before (A -> B), priority -1: a trigger\"];\n"
+                                         "n10:row2:_ -> n11:head:_ [color=\"#0072b2\", "
+                                         "tooltip=\"Second (A -> B), priority 5: a trigger\"];\n"
+                                         "n10:row3:_ -> n11:head:_ [color=\"#0072b2\", "
+                                         "tooltip=\"Last (A -> B), priority 9: a trigger\"];\n");
 }
 
 TEST(GraphDot, ShowsExitNodesOnlyWhereSomethingReachesThem)
@@ -305,6 +311,8 @@ TEST(GraphDot, LightsBothStacks)
               "POINT-SIZE=\"12\"><FONT COLOR=\"#57606a\">after a.script: Hurt interrupts "
               "Locomotion/Stand</FONT></FONT><BR ALIGN=\"LEFT\"/>>;\n");
     EXPECT_EQ(LinesWith(dot, "BORDER=\"3\""),
+              "<TABLE BORDER=\"3\" COLOR=\"#8b96a5\" STYLE=\"ROUNDED\" BGCOLOR=\"#6e7781\" "
+              "CELLBORDER=\"0\" CELLSPACING=\"0\" CELLPADDING=\"4\">\n"
               "<TABLE BORDER=\"3\" COLOR=\"#0072b2\" STYLE=\"ROUNDED\" BGCOLOR=\"#6e7781\" "
               "CELLBORDER=\"0\" CELLSPACING=\"0\" CELLPADDING=\"4\">\n"
               "<TABLE BORDER=\"3\" COLOR=\"#a14fa6\" STYLE=\"ROUNDED\" BGCOLOR=\"#1158c7\" "
@@ -349,6 +357,7 @@ TEST(GraphDot, ExplainsInTheLegendWhatIsInThePictureAndNothingElse)
               "where the machine or a level starts\n"
               "exit node: ends a blip\n"
               "global node: starts blips, whatever runs\n"
+              "level: its transitions hold in all its states\n"
               "a node that does not exist\n"
               "priority, where it is not 5; smaller is tested first\n"
               "a transition that is never tested\n"
@@ -358,12 +367,13 @@ TEST(GraphDot, ExplainsInTheLegendWhatIsInThePictureAndNothingElse)
               "where the machine or a level starts\n"
               "exit node: ends a blip\n"
               "global node: starts blips, whatever runs\n"
-              "a level, drawn as one box\n"
+              "level: its transitions hold in all its states\n"
               "a node that does not exist\n"
               "priority, where it is not 5; smaller is tested first\n"
               "a transition that is never tested\n");
     EXPECT_EQ(legend(Walker(), {"--level", "Locomotion"}, ""),
               "where the machine or a level starts\n"
+              "level: its transitions hold in all its states\n"
               "outside the level that is drawn\n"
               "a node that does not exist\n"
               "priority, where it is not 5; smaller is tested first\n"
@@ -397,30 +407,21 @@ TEST(GraphDot, EscapesNamesOfStatesLevelsAndTransitions)
 
     EXPECT_EQ(
         LinesWith(GraphOf(builder), "d#e"),
-        "label=<<B><FONT COLOR=\"#1f2933\">a&quot;b\\c<BR/>d#e&lt;f&gt;g`h&amp;i?</FONT></B>>; "
-        "labelloc=t;\n"
-        "tooltip=\"a\\\"b\\\\c\\n"
-        "d#e<f>g`h&i?, id 20\";\n"
-        "<TR><TD PORT=\"head\" CELLPADDING=\"6\"><B><FONT "
-        "COLOR=\"#1f2933\">a&quot;b\\c<BR/>d#e&lt;f&gt;g`h&amp;i?</FONT></B></TD></TR>\n"
+        "label=\"\"; tooltip=\"a\\\"b\\\\c\\nd#e<f>g`h&i?, id 20\";\n"
+        "<TR><TD PORT=\"head\" CELLPADDING=\"6\"><FONT POINT-SIZE=\"16\"><B><FONT "
+        "COLOR=\"#1f2933\">a&quot;b\\c<BR/>d#e&lt;f&gt;g`h&amp;i?</FONT></B></FONT></TD></TR>\n"
+        ">, tooltip=\"a\\\"b\\\\c\\nd#e<f>g`h&i?, id 20\"];\n"
+        "<TR><TD PORT=\"head\" CELLPADDING=\"6\"><FONT POINT-SIZE=\"13\"><B><FONT "
+        "COLOR=\"#1f2933\">a&quot;b\\c<BR/>d#e&lt;f&gt;g`h&amp;i?</FONT></B></FONT></TD></TR>\n"
         "<HR/><TR><TD PORT=\"row0\" ALIGN=\"LEFT\" BALIGN=\"LEFT\"><FONT POINT-SIZE=\"11\"><FONT "
-        "COLOR=\"#1f2933\">m == &quot;a&quot;b\\c<BR/>d#e&lt;f&gt;g`h&amp;i?&quot;<BR "
+        "COLOR=\"#1f2933\">m == "
+        "&quot;a&quot;b\\c<BR/>d#e&lt;f&gt;g`h&amp;i?&quot;&#160;&#160;&#8635;<BR "
         "ALIGN=\"LEFT\"/></FONT></FONT></TD></TR>\n"
-        ">, tooltip=\"a\\\"b\\\\c\\n"
-        "d#e<f>g`h&i?, id 10\\n"
-        "a\\\"b\\\\c\\n"
-        "d#e<f>g`h&i? (a\\\"b\\\\c\\n"
-        "d#e<f>g`h&i? -> a\\\"b\\\\c\\n"
-        "d#e<f>g`h&i?), priority 5: m == \\\"a\\\"b\\\\c\\n"
-        "d#e<f>g`h&i?\\\"\"];\n"
-        "n21 [shape=circle, width=0.16, label=\"\", style=filled, fillcolor=\"#1f2933\", "
-        "color=\"#1f2933\", tooltip=\"a\\\"b\\\\c\\n"
-        "d#e<f>g`h&i?In, id 21\"];\n"
-        "n10:row0:_ -> n10:head:_ [color=\"#0072b2\", tooltip=\"a\\\"b\\\\c\\n"
-        "d#e<f>g`h&i? (a\\\"b\\\\c\\n"
-        "d#e<f>g`h&i? -> a\\\"b\\\\c\\n"
-        "d#e<f>g`h&i?), priority 5: m == \\\"a\\\"b\\\\c\\n"
-        "d#e<f>g`h&i?\\\"\"];\n");
+        ">, tooltip=\"a\\\"b\\\\c\\nd#e<f>g`h&i?, id 10\\na\\\"b\\\\c\\nd#e<f>g`h&i? "
+        "(a\\\"b\\\\c\\nd#e<f>g`h&i? -> a\\\"b\\\\c\\nd#e<f>g`h&i?), priority 5: m == "
+        "\\\"a\\\"b\\\\c\\nd#e<f>g`h&i?\\\"\"];\n"
+        "n20:head:_ -> n10:head:_ [weight=8, tooltip=\"The level starts here: "
+        "a\\\"b\\\\c\\nd#e<f>g`h&i?In, id 21\", dir=both, arrowtail=dot];\n");
     EXPECT_EQ(LinesWith(GraphOf(builder, {"--format", "mermaid"}), "#35;"),
               "subgraph n20[\"a#quot;b\\c d#35;e#lt;f#gt;g#96;h#amp;i?\"]\n"
               "n10(\"a#quot;b\\c d#35;e#lt;f#gt;g#96;h#amp;i?\")\n"

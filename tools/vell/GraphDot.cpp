@@ -56,8 +56,8 @@ private:
         text = "digraph " + Quoted(graph.title.empty() ? "machine" : graph.title) +
                " {\n"
                "    graph [rankdir=" +
-               direction + ", compound=true, nodesep=0.3, ranksep=0.7, pad=0.2, bgcolor=\"" +
-               kGround.light + "\", " + fonts +
+               direction + ", nodesep=0.3, ranksep=0.7, pad=0.2, bgcolor=\"" + kGround.light +
+               "\", " + fonts +
                "];\n"
                "    graph [labelloc=b, labeljust=l, tooltip=\" \", label=<" +
                LegendMarkup(graph, index) +
@@ -91,19 +91,34 @@ private:
             AddLevel(node, depth);
             return;
         }
-        text += Indent(depth) + NodeKey(node.id) + " [";
-        if (IsMark(node))
+        if (!IsMark(node))
+        {
+            AddBox(node, depth);
+        }
+        else if (!IsInBox(node))
         {
             const Colour& colour = node.light == NodeLight::Active    ? kActive
                                    : node.light == NodeLight::Waiting ? kWaiting
                                                                       : kInk;
-            text += MarkLook(node.shape == NodeShape::Exit, colour);
+            text += Indent(depth) + NodeKey(node.id) + " [" +
+                    MarkLook(node.shape == NodeShape::Exit, colour) +
+                    ", tooltip=" + Quoted(NodeTip(node, index)) + "];\n";
         }
-        else
-        {
-            text += "label=<\n" + BoxMarkup(node, Indent(depth + 1)) + Indent(depth) + ">";
-        }
-        text += ", tooltip=" + Quoted(NodeTip(node, index)) + "];\n";
+    }
+
+    /// An enter node is a dot on the box of its level, from where an arrow leads into the level; it
+    /// is a dot of its own when something else leads to it.
+    bool IsInBox(const GraphNode& node) const
+    {
+        return node.shape == NodeShape::Enter && IsMark(node) && !index.IsReached(node.id) &&
+               !node.isStart && !index.Around(node.id).empty();
+    }
+
+    void AddBox(const GraphNode& node, std::size_t depth)
+    {
+        text += Indent(depth) + NodeKey(node.id) + " [label=<\n" +
+                BoxMarkup(node, Indent(depth + 1)) + Indent(depth) +
+                ">, tooltip=" + Quoted(NodeTip(node, index)) + "];\n";
     }
 
     static std::string MarkLook(bool isExit, const Colour& colour)
@@ -117,8 +132,7 @@ private:
     {
         text += Indent(depth) + "start [" + MarkLook(false, kInk) +
                 ", tooltip=\"The machine starts here\"];\n";
-        starts = "    start -> " + Head(node.id) + " [tooltip=\"The machine starts here\"" +
-                 (index.IsOpenLevel(node.id) ? ", lhead=cluster_" + NodeKey(node.id) : "") + "];\n";
+        starts = "    start -> " + Head(node.id) + " [tooltip=\"The machine starts here\"];\n";
     }
 
     void AddLevel(const GraphNode& node, std::size_t depth)
@@ -127,21 +141,12 @@ private:
         const bool isLit = node.light != NodeLight::None;
         const Colour& frame = node.light == NodeLight::Active ? kActive : isLit ? kWaiting : kFrame;
         text += Indent(depth) + "subgraph cluster_" + NodeKey(node.id) + " {\n";
-        text += indent + "label=<<B>" + Coloured(Markup(node.name), kInk) + "</B>>; labelloc=t;\n";
-        text += indent + "tooltip=" + Quoted(NodeTip(node, index)) + ";\n";
+        text += indent + "label=\"\"; tooltip=" + Quoted(NodeTip(node, index)) + ";\n";
         text += indent + "style=\"rounded,filled\"; peripheries=1; margin=14; penwidth=" +
                 (isLit ? "3" : "1") + ";\n";
         text += indent + "fillcolor=\"" + LevelGround(depth - 2).light + "\"; color=\"" +
                 frame.light + "\";\n";
-        if (!index.TransitionsOf(node.id).empty())
-        {
-            text += indent + NodeKey(node.id) + " [label=<\n" + BoxMarkup(node, indent + "    ") +
-                    indent + ">, tooltip=" + Quoted(NodeTip(node, index)) + "];\n";
-        }
-        else if (Anchor(node.id) == NodeKey(node.id))
-        {
-            text += indent + NodeKey(node.id) + " [shape=point, style=invis, label=\"\"];\n";
-        }
+        AddBox(node, depth + 1);
         for (const GraphNode& inner : node.inside)
         {
             AddNode(inner, depth + 1);
@@ -149,29 +154,20 @@ private:
         text += Indent(depth) + "}\n";
     }
 
-    /// Gives the node inside an open level that edges to the level lead to; they are cut off at its
-    /// frame. It is the enter node, or else the box of the level's own transitions.
-    std::string Anchor(unsigned int id) const
-    {
-        const GraphNode* node = index.Find(id);
-        for (const GraphNode& inner : node->inside)
-        {
-            if (inner.shape == NodeShape::Enter && IsMark(inner))
-            {
-                return NodeKey(inner.id);
-            }
-        }
-        return NodeKey(id);
-    }
-
-    /// Gives the end of an edge that leads to a node.
+    /// Gives the end of an edge that leads to a node. The arrow out of an open level's dot takes
+    /// the other side of its box.
     std::string Head(unsigned int id) const
     {
-        const std::string anchor = index.IsOpenLevel(id) ? Anchor(id) : NodeKey(id);
-        const bool isBox = index.IsOpenLevel(id)
-                               ? anchor == NodeKey(id) && !index.TransitionsOf(id).empty()
-                               : !IsMark(*index.Find(id));
-        return anchor + (isBox ? ":head:_" : "");
+        if (IsMark(*index.Find(id)))
+        {
+            return NodeKey(id);
+        }
+        const char* side = !index.IsOpenLevel(id) ? "_"
+                           : direction == "LR"    ? "w"
+                           : direction == "RL"    ? "e"
+                           : direction == "TB"    ? "n"
+                                                  : "_";
+        return NodeKey(id) + ":head:" + side;
     }
 
     struct BoxLook
@@ -209,10 +205,6 @@ private:
                         ? kFrame.light
                         : EdgeColour(index.ColourNumber(node.id)).light;
         look.isDashed = node.isPort || node.shape == NodeShape::Other;
-        if (index.IsOpenLevel(node.id))
-        {
-            return look; // The frame has the look of the level.
-        }
         look.ground = GroundOf(node.shape);
         if (node.shape == NodeShape::Unknown)
         {
@@ -229,14 +221,14 @@ private:
         return look;
     }
 
-    /// The box of a node: its name, and a row for each transition. The box inside an open level has
-    /// the level's own transitions; the frame has the name.
+    /// The box of a node: its name, and a row for each transition. The box of an open level is
+    /// inside its frame.
     std::string BoxMarkup(const GraphNode& node, const std::string& indent) const
     {
         const BoxLook look = LookOf(node);
-        const std::string name = index.IsOpenLevel(node.id)
-                                     ? Coloured("<I>anywhere inside</I>", kFaintInk)
-                                     : "<B>" + Coloured(Markup(node.name), look.ink) + "</B>";
+        const std::string name = "<FONT POINT-SIZE=\"" +
+                                 std::to_string(index.IsOpenLevel(node.id) ? 16 : 13) + "\"><B>" +
+                                 Coloured(Markup(node.name), look.ink) + "</B></FONT>";
         std::string markup =
             indent + "<TABLE BORDER=\"" + std::to_string(look.width) + "\" COLOR=\"" + look.line +
             "\" STYLE=\"ROUNDED" + (look.isDashed ? ",DASHED" : "") + "\" BGCOLOR=\"" +
@@ -262,6 +254,10 @@ private:
         {
             lines += Markup(line) + "<BR ALIGN=\"LEFT\"/>";
         }
+        if (edge.from == edge.to)
+        {
+            lines.insert(lines.rfind("<BR"), std::string("&#160;&#160;") + kAgainSign);
+        }
         return "<HR/><TR><TD PORT=\"row" + std::to_string(row) +
                "\" ALIGN=\"LEFT\" BALIGN=\"LEFT\"><FONT POINT-SIZE=\"11\">" + Coloured(lines, ink) +
                "</FONT></TD></TR>\n";
@@ -269,26 +265,31 @@ private:
 
     void AddEdge(const GraphEdge& edge)
     {
-        std::string look;
-        std::string tail = NodeKey(edge.from);
-        if (!edge.isEntry)
+        if (edge.isEntry)
         {
-            tail += ":row" + std::to_string(rows[edge.from]++) + ":_";
-            look = "color=\"" + std::string(EdgeColour(index.ColourNumber(edge.from)).light) +
-                   "\", tooltip=" + Quoted(TransitionTip(edge)) +
-                   (edge.isDisabled || edge.isUnlisted ? ", style=dashed" : "");
+            AddEntry(edge);
+            return;
         }
-        else
+        const std::size_t row = rows[edge.from]++;
+        if (edge.from == edge.to)
         {
-            tail += index.Find(edge.from) != nullptr && !IsMark(*index.Find(edge.from)) ? ":head:_"
-                                                                                        : "";
-            look = "weight=8, tooltip=\"The level starts here\"";
+            return; // A sign in its row says so.
         }
-        if (index.IsOpenLevel(edge.to) && !index.Holds(edge.to, edge.from))
-        {
-            look += ", lhead=cluster_" + NodeKey(edge.to);
-        }
-        text += "    " + tail + " -> " + Head(edge.to) + " [" + look + "];\n";
+        text += "    " + NodeKey(edge.from) + ":row" + std::to_string(row) + ":_ -> " +
+                Head(edge.to) + " [color=\"" + EdgeColour(index.ColourNumber(edge.from)).light +
+                "\", tooltip=" + Quoted(TransitionTip(edge)) +
+                (edge.isDisabled || edge.isUnlisted ? ", style=dashed" : "") + "];\n";
+    }
+
+    void AddEntry(const GraphEdge& edge)
+    {
+        const GraphNode& enter = *index.Find(edge.from);
+        const bool isInBox = IsInBox(enter);
+        const std::string tail =
+            isInBox ? NodeKey(index.Around(edge.from).back()->id) + ":head:_" : Head(edge.from);
+        text += "    " + tail + " -> " + Head(edge.to) +
+                " [weight=8, tooltip=" + Quoted("The level starts here: " + NodeTip(enter, index)) +
+                (isInBox ? ", dir=both, arrowtail=dot" : "") + "];\n";
     }
 
     const Graph& graph;

@@ -104,9 +104,9 @@ private:
         Add(HasNode(
                 [](const GraphNode& node)
                 {
-                    return node.isClosed && !node.isPort;
+                    return node.shape == NodeShape::Level;
                 }),
-            BoxCell(kLevelBox, kFrame), "a level, drawn as one box");
+            BoxCell(kLevelBox, kFrame), "level: its transitions hold in all its states");
         Add(HasNode(
                 [](const GraphNode& node)
                 {
@@ -120,12 +120,6 @@ private:
 
     void AddTransitions()
     {
-        Add(HasNode(
-                [this](const GraphNode& node)
-                {
-                    return index.IsOpenLevel(node.id) && !index.TransitionsOf(node.id).empty();
-                }),
-            "", "<I>anywhere inside</I>: transitions of the level, in all its states");
         Add(HasEdge(
                 [](const GraphEdge& edge)
                 {
@@ -134,6 +128,12 @@ private:
             SignCell("<B>1</B>"),
             "priority, where it is not " + std::to_string(kDefaultPriority) +
                 "; smaller is tested first");
+        Add(HasEdge(
+                [](const GraphEdge& edge)
+                {
+                    return !edge.isEntry && edge.from == edge.to;
+                }),
+            SignCell(kAgainSign), "leaves the state and enters it again");
         Add(HasEdge(
                 [](const GraphEdge& edge)
                 {

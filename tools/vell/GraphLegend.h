@@ -11,6 +11,9 @@
 namespace vell::tool
 {
 
+/// Marks a transition that leads back to its own state.
+constexpr const char* kAgainSign = "&#8635;";
+
 /// Gives a text in Graphviz's markup.
 std::string Markup(const std::string& text);
 

@@ -142,6 +142,11 @@ std::size_t GraphIndex::ColourNumber(unsigned int id) const
     return places.at(id).colourNumber;
 }
 
+bool GraphIndex::IsReached(unsigned int id) const
+{
+    return places.at(id).isReached;
+}
+
 bool GraphIndex::IsShown(const GraphNode& node) const
 {
     const Place& place = places.at(node.id);

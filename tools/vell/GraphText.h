@@ -32,6 +32,8 @@ public:
     /// The number of the colour of the node's transitions. Nodes with transitions are counted in
     /// the order in which they are drawn.
     std::size_t ColourNumber(unsigned int id) const;
+    /// Tells whether an edge leads to the node.
+    bool IsReached(unsigned int id) const;
     /// Tells whether the node is part of the picture: an exit node is only when something reaches
     /// it.
     bool IsShown(const GraphNode& node) const;
