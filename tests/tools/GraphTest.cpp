@@ -432,20 +432,31 @@ TEST(GraphOptions, AreCheckedOneByOne)
 {
     const Folder folder;
     const std::string path = folder.Write("a.json", Walker().Text());
-    const std::vector<Words> wrong{{"--depth", "0"},         {"--depth", "-1"},
-                                   {"--depth", "x"},         {"--depth", "1", "--collapse"},
-                                   {"--direction", "up"},    {"--theme", "blue"},
-                                   {"--level", "Locomtion"}, {"--after", "/nowhere.script"}};
-    for (const Words& options : wrong)
+    const std::string number = "--depth: expected a whole number above 0, got ";
+    const std::string levels = path + ": no level named 'Locomtion'; levels are Locomotion";
+    struct Case
+    {
+        Words options;
+        std::string error; ///< the first line
+    };
+    const std::vector<Case> cases{
+        {{"--depth", "0"}, number + "'0'"},
+        {{"--depth", "1.5"}, number + "'1.5'"},
+        {{"--depth", "99999999999999999999"}, number + "'99999999999999999999'"},
+        {{"--depth", "1", "--collapse"}, "--depth excludes --collapse"},
+        {{"--direction", "up"}, "--direction: expected LR, TB, RL or BT, got 'up'"},
+        {{"--theme", "blue"}, "--theme: expected auto, light or dark, got 'blue'"},
+        {{"--level", "Locomtion"}, levels + "; did you mean 'Locomotion'?"}};
+    for (const Case& one : cases)
     {
         Words words{"graph", path};
-        words.insert(words.end(), options.begin(), options.end());
+        words.insert(words.end(), one.options.begin(), one.options.end());
 
         const Outcome outcome = CallVell(words);
 
-        EXPECT_EQ(outcome.code, tool::ExitUsage) << options[0] << ' ' << options[1];
+        EXPECT_EQ(outcome.errors.substr(0, outcome.errors.find('\n')), one.error);
+        EXPECT_EQ(outcome.code, tool::ExitUsage) << one.error;
         EXPECT_EQ(outcome.out, "");
-        EXPECT_NE(outcome.errors, "");
     }
 }
 

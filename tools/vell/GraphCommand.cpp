@@ -43,6 +43,22 @@ struct GraphOptions
     std::string title;
 };
 
+std::string CheckDepth(const std::string& text)
+{
+    const bool isNumber =
+        !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+    // More digits than any depth has would not fit into the number.
+    return isNumber && text.size() < 10 && std::stoul(text) > 0
+               ? ""
+               : "expected a whole number above 0, got '" + text + "'";
+}
+
+/// The name of the document's file, without its extension.
+std::string DefaultTitle(const std::string& document)
+{
+    return document == "-" ? "machine" : std::filesystem::path(document).stem().string();
+}
+
 /// Says after which script the states are lit, and where the stacks are.
 std::string LitText(const ObservedMachine& machine, const std::string& script)
 {
@@ -90,9 +106,7 @@ int DrawGraph(Session& session, const GraphOptions& options)
         return ExitFailed;
     }
     Graph graph = ReadGraph(machine);
-    graph.title = options.title.empty()
-                      ? std::filesystem::path(session.options.document).stem().string()
-                      : options.title;
+    graph.title = options.title.empty() ? DefaultTitle(session.options.document) : options.title;
     graph.subtitle = scriptPath.empty() ? "" : LitText(machine, scriptPath);
     GraphScope scope = options.scope;
     if (options.isCollapsed)
@@ -112,24 +126,19 @@ void AddGraphOptions(CLI::App& command, Session& session, GraphOptions* options)
 {
     command.add_option("--level", options->scope.level, "Draw only this level and its neighbours")
         ->type_name("NAME");
-    CLI::Option* depth =
-        command
-            .add_option("--depth", options->scope.depth,
-                        "Draw N levels deep; the levels below are boxes")
-            ->check(CLI::PositiveNumber)
-            ->type_name("N");
+    CLI::Option* depth = command
+                             .add_option("--depth", options->scope.depth,
+                                         "Draw N levels deep; the levels below are boxes")
+                             ->check(CheckDepth)
+                             ->type_name("N");
     command.add_flag("--collapse", options->isCollapsed, "Draw each level as one box: --depth 1")
         ->excludes(depth);
-    session
-        .AddChoice(command, "--direction", options->direction,
-                   "Where arrows lead: LR (default, to the right), TB (down), RL or BT",
-                   {"LR", "TB", "RL", "BT"})
-        ->type_name("DIRECTION");
-    session
-        .AddChoice(command, "--theme", options->theme,
-                   "Colours of an svg: auto (default, as the viewer prefers), light or dark",
-                   {"auto", "light", "dark"})
-        ->type_name("THEME");
+    session.AddChoice(command, "--direction", options->direction,
+                      "Where arrows lead: LR (default, to the right), TB (down), RL or BT",
+                      {"LR", "TB", "RL", "BT"});
+    session.AddChoice(command, "--theme", options->theme,
+                      "Colours of an svg: auto (default, as the viewer prefers), light or dark",
+                      {"auto", "light", "dark"});
     command.add_option("--title", options->title, "Title; default is the document's file name")
         ->type_name("TEXT");
 }

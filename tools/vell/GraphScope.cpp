@@ -3,9 +3,10 @@
 #include "tools/vell/GraphScope.h"
 
 #include "tools/vell/GraphText.h"
+#include "tools/vell/Suggestion.h"
 
 #include <algorithm>
-#include <cctype>
+#include <iterator>
 #include <map>
 #include <set>
 #include <utility>
@@ -14,29 +15,6 @@ namespace vell::tool
 {
 namespace
 {
-
-/// The number of characters to change, insert or remove to get from one word to the other.
-std::size_t Distance(const std::string& from, const std::string& to)
-{
-    std::vector<std::size_t> row(to.size() + 1);
-    for (std::size_t i = 0; i < row.size(); ++i)
-    {
-        row[i] = i;
-    }
-    for (std::size_t i = 0; i < from.size(); ++i)
-    {
-        std::size_t diagonal = row[0]++;
-        for (std::size_t j = 0; j < to.size(); ++j)
-        {
-            const bool isSame = std::tolower(static_cast<unsigned char>(from[i])) ==
-                                std::tolower(static_cast<unsigned char>(to[j]));
-            const std::size_t change = diagonal + (isSame ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({row[j + 1] + 1, row[j] + 1, change});
-        }
-    }
-    return row.back();
-}
 
 std::vector<const GraphNode*> AllLevels(const GraphIndex& index)
 {
@@ -57,21 +35,14 @@ std::string NoSuchLevel(const std::string& name, const std::vector<const GraphNo
     {
         return "no level named '" + name + "'; the machine has no levels";
     }
-    const GraphNode* nearest = nullptr;
-    std::size_t least = name.size() / 3 + 2;
+    std::vector<std::string> names;
     std::string list;
     for (const GraphNode* level : levels)
     {
         list += (list.empty() ? "" : ", ") + level->name;
-        const std::size_t distance = Distance(name, level->name);
-        if (distance < least)
-        {
-            nearest = level;
-            least = distance;
-        }
+        names.push_back(level->name);
     }
-    return "no level named '" + name + "'; levels are " + list +
-           (nearest == nullptr ? "" : "; did you mean '" + nearest->name + "'?");
+    return "no level named '" + name + "'; levels are " + list + DidYouMean(name, names);
 }
 
 /// Finds the level by its name, or else by its id. Returns null and an error message when it is
