@@ -103,7 +103,7 @@ TEST(GraphDot, WritesLevelsAsFramesAndTransitionsAsRows)
               "node 99), priority 1: speed > 0 (disabled)\", style=dashed];\n"
               "    n12:row1:_ -> n11:head:_ [color=\"#a84300\", tooltip=\"ToStand (Walk -> Stand), "
               "priority 3: speed < 0.5 or halt == \\\"now\\\"\"];\n"
-              "    n10:head:_ -> n11:head:_ [weight=8, tooltip=\"The level starts here: In, id "
+              "    n10:head:_ -> n11:head:_ [weight=8, tooltip=\"The substate starts here: In, id "
               "20\", dir=both, arrowtail=dot];\n"
               "    n50:row0:_ -> n51:head:_ [color=\"#00664b\", tooltip=\"TakeHit (Reactions -> "
               "Hurt), priority 20: hit == true\"];\n"
@@ -349,32 +349,32 @@ TEST(GraphDot, ExplainsInTheLegendWhatIsInThePictureAndNothingElse)
     DocumentBuilder connector;
     connector.Start(10).Node(Generic("A", 10)).Node(Connector("C", 11, "in"));
 
-    const std::string start = "where the machine or a level starts\n";
+    const std::string start = "where the machine or a substate starts\n";
     EXPECT_EQ(legend(plain, {}, ""), start);
     EXPECT_EQ(legend(connector, {}, ""), start + "connector, or another node that cannot run\n");
     EXPECT_EQ(legend(plain, {}, "tick\n"), start + "on the stack that runs\n");
     EXPECT_EQ(legend(Walker(), {}, "tick\nset hit true\ntick\n"),
-              "where the machine or a level starts\n"
+              "where the machine or a substate starts\n"
               "exit node: ends a blip\n"
               "global node: starts blips, whatever runs\n"
-              "level: its transitions hold in all its states\n"
+              "substate: tested whatever is active inside\n"
               "a node that does not exist\n"
               "priority, where it is not 5; smaller is tested first\n"
               "a transition that is never tested\n"
               "on the stack that runs\n"
               "on the stack that waits\n");
     EXPECT_EQ(legend(Walker(), {"--collapse"}, ""),
-              "where the machine or a level starts\n"
+              "where the machine or a substate starts\n"
               "exit node: ends a blip\n"
               "global node: starts blips, whatever runs\n"
-              "level: its transitions hold in all its states\n"
+              "substate: tested whatever is active inside\n"
               "a node that does not exist\n"
               "priority, where it is not 5; smaller is tested first\n"
               "a transition that is never tested\n");
     EXPECT_EQ(legend(Walker(), {"--level", "Locomotion"}, ""),
-              "where the machine or a level starts\n"
-              "level: its transitions hold in all its states\n"
-              "outside the level that is drawn\n"
+              "where the machine or a substate starts\n"
+              "substate: tested whatever is active inside\n"
+              "outside the substate that is drawn\n"
               "a node that does not exist\n"
               "priority, where it is not 5; smaller is tested first\n"
               "a transition that is never tested\n");
@@ -420,7 +420,7 @@ TEST(GraphDot, EscapesNamesOfStatesLevelsAndTransitions)
         ">, tooltip=\"a\\\"b\\\\c\\nd#e<f>g`h&i?, id 10\\na\\\"b\\\\c\\nd#e<f>g`h&i? "
         "(a\\\"b\\\\c\\nd#e<f>g`h&i? -> a\\\"b\\\\c\\nd#e<f>g`h&i?), priority 5: m == "
         "\\\"a\\\"b\\\\c\\nd#e<f>g`h&i?\\\"\"];\n"
-        "n20:head:_ -> n10:head:_ [weight=8, tooltip=\"The level starts here: "
+        "n20:head:_ -> n10:head:_ [weight=8, tooltip=\"The substate starts here: "
         "a\\\"b\\\\c\\nd#e<f>g`h&i?In, id 21\", dir=both, arrowtail=dot];\n");
     EXPECT_EQ(LinesWith(GraphOf(builder, {"--format", "mermaid"}), "#35;"),
               "subgraph n20[\"a#quot;b\\c d#35;e#lt;f#gt;g#96;h#amp;i?\"]\n"

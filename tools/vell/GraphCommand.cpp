@@ -28,9 +28,9 @@ Each box is a state. Its rows are its transitions, in the order in which they
 are tested, with their conditions, any one of which is enough. Move the pointer
 over a box or an arrow of the svg to see names, ids and priorities.
 
---level draws one level alone. What lies outside of it and has a transition
-into it or out of it is drawn with a dashed border.
---depth 1 draws every level as one box, --depth 2 opens the outermost ones.
+--level draws one substate alone. What is outside and has a transition into it,
+or is reached from it, is drawn with a dashed border.
+--depth 1 draws every substate as one box, --depth 2 opens the outermost ones.
 )";
 
 /// The options that only this command has.
@@ -124,14 +124,16 @@ int DrawGraph(Session& session, const GraphOptions& options)
 
 void AddGraphOptions(CLI::App& command, Session& session, GraphOptions* options)
 {
-    command.add_option("--level", options->scope.level, "Draw only this level and its neighbours")
+    command
+        .add_option("--level", options->scope.level, "Draw only this substate and its neighbours")
         ->type_name("NAME");
     CLI::Option* depth = command
                              .add_option("--depth", options->scope.depth,
-                                         "Draw N levels deep; the levels below are boxes")
+                                         "Draw N levels deep; substates below are boxes")
                              ->check(CheckDepth)
                              ->type_name("N");
-    command.add_flag("--collapse", options->isCollapsed, "Draw each level as one box: --depth 1")
+    command
+        .add_flag("--collapse", options->isCollapsed, "Draw each substate as one box: --depth 1")
         ->excludes(depth);
     session.AddChoice(command, "--direction", options->direction,
                       "Where arrows lead: LR (default, to the right), TB (down), RL or BT",

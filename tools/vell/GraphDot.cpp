@@ -287,8 +287,8 @@ private:
         const bool isInBox = IsInBox(enter);
         const std::string tail =
             isInBox ? NodeKey(index.Around(edge.from).back()->id) + ":head:_" : Head(edge.from);
-        text += "    " + tail + " -> " + Head(edge.to) +
-                " [weight=8, tooltip=" + Quoted("The level starts here: " + NodeTip(enter, index)) +
+        text += "    " + tail + " -> " + Head(edge.to) + " [weight=8, tooltip=" +
+                Quoted("The substate starts here: " + NodeTip(enter, index)) +
                 (isInBox ? ", dir=both, arrowtail=dot" : "") + "];\n";
     }
 

@@ -96,7 +96,7 @@ private:
 
     void AddNodes()
     {
-        Add(true, SignCell(Coloured("&#9679;", kInk)), "where the machine or a level starts");
+        Add(true, SignCell(Coloured("&#9679;", kInk)), "where the machine or a substate starts");
         Add(HasShape(NodeShape::Exit), SignCell(Coloured("&#9673;", kInk)),
             "exit node: ends a blip");
         Add(HasShape(NodeShape::Global), BoxCell(kGlobalBox, kFrame),
@@ -106,13 +106,13 @@ private:
                 {
                     return node.shape == NodeShape::Level;
                 }),
-            BoxCell(kLevelBox, kFrame), "level: its transitions hold in all its states");
+            BoxCell(kLevelBox, kFrame), "substate: tested whatever is active inside");
         Add(HasNode(
                 [](const GraphNode& node)
                 {
                     return node.isPort;
                 }),
-            BoxCell(kBox, kFrame, "ROUNDED,DASHED"), "outside the level that is drawn");
+            BoxCell(kBox, kFrame, "ROUNDED,DASHED"), "outside the substate that is drawn");
         Add(HasShape(NodeShape::Other), BoxCell(kBox, kFrame, "ROUNDED,DASHED"),
             "connector, or another node that cannot run");
         Add(HasShape(NodeShape::Unknown), BoxCell(kBox, kUnknown), "a node that does not exist");
