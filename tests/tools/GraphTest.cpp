@@ -110,6 +110,12 @@ TEST(GraphDot, WritesLevelsAsFramesAndTransitionsAsRows)
               "    n51:row0:_ -> n52 [color=\"#a14fa6\", tooltip=\"Healed (Hurt -> Done), priority "
               "5: hit == false\"];\n"
               "}\n");
+}
+
+TEST(GraphDot, PutsTheBoxOfASubstateInsideItsFrame)
+{
+    const std::string dot = GraphOf(Walker());
+
     const std::string frame = dot.substr(dot.find("subgraph cluster_n10"));
     EXPECT_EQ(
         frame.substr(0, frame.find("n11")),
@@ -328,32 +334,41 @@ TEST(GraphDot, LightsBothStacks)
               "style n10 stroke:#6e7781,stroke-width:3px\n");
 }
 
+/// What the legend says, one line for each sign.
+std::string Legend(const DocumentBuilder& builder, const Words& options = {},
+                   const std::string& script = "")
+{
+    const std::string dot = GraphOf(builder, options, script);
+    std::string text;
+    for (std::size_t at = dot.find("label=<<TABLE");
+         (at = dot.find("POINT-SIZE=\"11\"><FONT COLOR=\"#57606a\">", at)) < dot.find(">];");)
+    {
+        at = dot.find('>', dot.find('>', at) + 1) + 1;
+        text += dot.substr(at, dot.find('<', at) - at) + "\n";
+    }
+    return text;
+}
+
 TEST(GraphDot, ExplainsInTheLegendWhatIsInThePictureAndNothingElse)
 {
-    const auto legend =
-        [](const DocumentBuilder& builder, const Words& options, const std::string& script)
-    {
-        const std::string dot = GraphOf(builder, options, script);
-        const std::size_t start = dot.find("label=<<TABLE");
-        std::string text;
-        for (std::size_t at = start;
-             (at = dot.find("POINT-SIZE=\"11\"><FONT COLOR=\"#57606a\">", at)) < dot.find(">];");)
-        {
-            at = dot.find('>', dot.find('>', at) + 1) + 1;
-            text += dot.substr(at, dot.find('<', at) - at) + "\n";
-        }
-        return text;
-    };
     DocumentBuilder plain;
     plain.Start(10).Node(Generic("A", 10));
     DocumentBuilder connector;
     connector.Start(10).Node(Generic("A", 10)).Node(Connector("C", 11, "in"));
 
+    DocumentBuilder loop;
+    loop.Start(10).Node(Generic("A", 10, {100})).Node(Transition("Loop", 100, 10, 10));
+
     const std::string start = "where the machine or a substate starts\n";
-    EXPECT_EQ(legend(plain, {}, ""), start);
-    EXPECT_EQ(legend(connector, {}, ""), start + "connector, or another node that cannot run\n");
-    EXPECT_EQ(legend(plain, {}, "tick\n"), start + "on the stack that runs\n");
-    EXPECT_EQ(legend(Walker(), {}, "tick\nset hit true\ntick\n"),
+    EXPECT_EQ(Legend(plain), start);
+    EXPECT_EQ(Legend(connector), start + "connector, or another node that cannot run\n");
+    EXPECT_EQ(Legend(loop), start + "leaves the state and enters it again\n");
+    EXPECT_EQ(Legend(plain, {}, "tick\n"), start + "on the stack that runs\n");
+}
+
+TEST(GraphDot, ExplainsInTheLegendWhatTheOptionsBring)
+{
+    EXPECT_EQ(Legend(Walker(), {}, "tick\nset hit true\ntick\n"),
               "where the machine or a substate starts\n"
               "exit node: ends a blip\n"
               "global node: starts blips, whatever runs\n"
@@ -363,7 +378,7 @@ TEST(GraphDot, ExplainsInTheLegendWhatIsInThePictureAndNothingElse)
               "a transition that is never tested\n"
               "on the stack that runs\n"
               "on the stack that waits\n");
-    EXPECT_EQ(legend(Walker(), {"--collapse"}, ""),
+    EXPECT_EQ(Legend(Walker(), {"--collapse"}),
               "where the machine or a substate starts\n"
               "exit node: ends a blip\n"
               "global node: starts blips, whatever runs\n"
@@ -371,7 +386,7 @@ TEST(GraphDot, ExplainsInTheLegendWhatIsInThePictureAndNothingElse)
               "a node that does not exist\n"
               "priority, where it is not 5; smaller is tested first\n"
               "a transition that is never tested\n");
-    EXPECT_EQ(legend(Walker(), {"--level", "Locomotion"}, ""),
+    EXPECT_EQ(Legend(Walker(), {"--level", "Locomotion"}),
               "where the machine or a substate starts\n"
               "substate: tested whatever is active inside\n"
               "outside the substate that is drawn\n"
