@@ -27,10 +27,13 @@ if(VELL_CHECKS AND VELL_BUILD_TOOLS AND NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_
                                         ${PROJECT_BINARY_DIR})
     set_tests_properties(check.headers PROPERTIES TIMEOUT 900 PROCESSORS 2)
     add_test(NAME check.layers COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-layers.py)
+    add_test(NAME check.old_standard
+             COMMAND ${PROJECT_SOURCE_DIR}/tests/consumer/check-old-standard.sh ${CMAKE_CXX_COMPILER})
     add_test(NAME check.faults COMMAND ${PROJECT_SOURCE_DIR}/tests/faults/run.sh --check)
 endif()
 
-if(VELL_CHECKS AND VELL_INSTALL AND NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_PLATFORM)
+if(VELL_CHECKS AND VELL_INSTALL AND BUILD_SHARED_LIBS AND NOT VELL_SANITIZE
+   AND NOT VELL_EXTERNAL_PLATFORM)
     add_test(NAME check.symbols COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-symbols.sh
                                         ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 
@@ -64,4 +67,19 @@ if(VELL_CHECKS AND VELL_INSTALL AND NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_PLAT
     set_tests_properties(
         install.find_package install.pkg_config install.external_platform
         PROPERTIES FIXTURES_REQUIRED install_tree TIMEOUT 900)
+
+    # The other ways to have the library: static, and built as a part of the host. They build it themselves.
+    if(CMAKE_BUILD_TYPE STREQUAL Debug)
+        set(scratch ${PROJECT_BINARY_DIR}/source-tests)
+        add_test(NAME install.static
+                 COMMAND ${consumer}/run-static.sh ${CMAKE_CXX_COMPILER} ${scratch}/static
+                         ${CMAKE_INSTALL_LIBDIR})
+        add_test(NAME install.add_subdirectory
+                 COMMAND ${consumer}/run-subproject.sh ${CMAKE_CXX_COMPILER} ${scratch}/add_subdirectory)
+        add_test(NAME install.fetch_content
+                 COMMAND ${consumer}/run-subproject.sh ${CMAKE_CXX_COMPILER} ${scratch}/fetch_content
+                         -DVELL_BY_FETCH_CONTENT=ON -DBUILD_SHARED_LIBS=OFF)
+        set_tests_properties(install.static install.add_subdirectory install.fetch_content
+                             PROPERTIES TIMEOUT 900)
+    endif()
 endif()

@@ -29,29 +29,64 @@ if(VELL_WARNINGS_AS_ERRORS)
     endif()
 endif()
 
-# Calls inside a library go straight to their target, and may be inlined: a host does not replace single
-# functions of it.
-function(vell_library_options objects)
+# The objects `name` out of the sources `ARGN`, which the library, the unit tests and the command link.
+# The macros of include/ that say who compiles begin with `prefix`. Where programs need other objects than
+# a shared library, these are for programs; vell_library compiles its own.
+function(vell_object_library name prefix)
+    add_library(${name} OBJECT ${ARGN})
+    target_include_directories(
+        ${name}
+        PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+        PRIVATE ${PROJECT_SOURCE_DIR})
+    if(WIN32 OR NOT BUILD_SHARED_LIBS)
+        target_compile_definitions(${name} PUBLIC ${prefix}_STATIC)
+    else()
+        target_compile_definitions(${name} PRIVATE ${prefix}_BUILDING)
+    endif()
+    # Calls inside a library go straight to their target, and may be inlined: a host does not replace
+    # single functions of it.
     if(UNIX AND NOT VELL_SANITIZE)
-        target_compile_options(${objects} PRIVATE -fno-semantic-interposition)
+        target_compile_options(${name} PRIVATE -fno-semantic-interposition)
     endif()
 endfunction()
 
-# The shared library `name` out of the object library `objects`, and how it is installed. It finds
-# the other libraries beside itself, or where a site keeps its own.
-function(vell_shared_library name objects)
-    add_library(${name} SHARED)
+# The library `name` out of the objects `objects`, shared or static, and how it is installed.
+function(vell_library name prefix objects)
+    if(NOT BUILD_SHARED_LIBS)
+        add_library(${name} STATIC $<TARGET_OBJECTS:${objects}>)
+        target_compile_definitions(${name} PUBLIC ${prefix}_STATIC)
+    elseif(WIN32)
+        # An import from a DLL is another call than one within the program: it is compiled as such.
+        get_target_property(sources ${objects} SOURCES)
+        add_library(${name} SHARED ${sources})
+        target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+        target_compile_definitions(${name} PRIVATE ${prefix}_BUILDING)
+    else()
+        add_library(${name} SHARED $<TARGET_OBJECTS:${objects}>)
+    endif()
     add_library(VELL::${name} ALIAS ${name})
-    target_link_libraries(${name} PRIVATE ${objects})
     target_include_directories(
         ${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
                        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
     target_compile_features(${name} INTERFACE cxx_std_17)
+    set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+    if(BUILD_SHARED_LIBS)
+        vell_shared_library_options(${name})
+    endif()
+    if(VELL_INSTALL)
+        install(TARGETS ${name} EXPORT VELLTargets
+                RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+                LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+                ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    endif()
+endfunction()
+
+# A shared library finds the other ones beside itself, or where a site keeps its own.
+function(vell_shared_library_options name)
     # While the interface still grows, a minor version may change it.
     set_target_properties(
         ${name}
-        PROPERTIES LINKER_LANGUAGE CXX
-                   VERSION ${PROJECT_VERSION}
+        PROPERTIES VERSION ${PROJECT_VERSION}
                    SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
                    INSTALL_RPATH "$ORIGIN;${VELL_EXTERNAL_FOLDERS}")
     # clang leaves the sanitizer's own symbols of a shared library to the program.
@@ -60,13 +95,6 @@ function(vell_shared_library name objects)
     endif()
     if(UNIX AND NOT APPLE AND NOT VELL_SANITIZE)
         target_link_options(${name} PRIVATE LINKER:-Bsymbolic-functions)
-    endif()
-    vell_library_options(${objects})
-    if(VELL_INSTALL)
-        install(TARGETS ${name} EXPORT VELLTargets
-                RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-                LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-                ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
     endif()
 endfunction()
 

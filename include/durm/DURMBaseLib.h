@@ -6,8 +6,8 @@
 
 #include <string>
 
-// `DURM_STATIC` is for programs that link the library's objects; `DURM_BUILDING` is set while the
-// library itself is built.
+// `DURM_STATIC`: the library is linked statically, or its objects directly. `DURM_BUILDING`: the
+// shared library itself is being built. Neither: a host uses the shared library.
 #if defined(DURM_STATIC)
 #define DURM_API
 #elif defined(_WIN32) && defined(DURM_BUILDING)

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <type_traits>
 
+// `TESSEL_STATIC`: the library is linked statically, or its objects directly. `TESSEL_BUILDING`:
+// the shared library itself is being built. Neither: a host uses the shared library.
 #if defined(TESSEL_STATIC)
 #define TESSEL_API
 #elif defined(_WIN32)

@@ -15,6 +15,16 @@
 #include <utility>
 #include <vector>
 
+#if defined(VELL_OLD_STANDARD)
+// The error is in Export.h; here is only what keeps it the only one.
+namespace vell
+{
+class HSMAlloc
+{
+};
+} // namespace vell
+#else
+
 namespace vell
 {
 
@@ -226,3 +236,5 @@ T* HSMAlloc::New()
 }
 
 } // namespace vell
+
+#endif

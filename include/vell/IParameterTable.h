@@ -18,8 +18,8 @@ class ParameterDef;
 class VELL_API IParameterTable
 {
 public:
-    // The order of these is part of the interface. There is no destructor: the table belongs to its
-    // machine.
+    // The order of these is part of the interface. There is no virtual destructor: the table
+    // belongs to its machine.
 
     virtual int GetParameterCount() = 0;
     /// Gives the name, or null for an unknown id.
@@ -53,6 +53,9 @@ public:
     /// As above. `text` is copied; null is an empty text.
     virtual int CreateMessageParameter(const char* name, const char* text,
                                        IParameterMessageDef** out) = 0;
+
+protected:
+    ~IParameterTable() = default;
 };
 
 } // namespace vell

@@ -10,9 +10,9 @@
 namespace vell
 {
 
-// The order of the functions is part of each interface. None has a destructor: a parameter belongs
-// to its machine and stays valid until IHSM::Uninit; one created at run time lives as long as the
-// process.
+// The order of the functions is part of each interface. None has a virtual destructor: a
+// parameter belongs to its machine and stays valid until IHSM::Uninit; one created at run time
+// lives as long as the process.
 
 /// The functions that all seven interfaces share. `SetDefaultValue` only stores the default.
 /// `SetValue` stores the current value and writes it to the parameter's table. `GetValuePtr` gives
@@ -28,6 +28,9 @@ public:
     virtual void SetValue(bool newValue) = 0;
     virtual void* GetValuePtr() = 0;
     virtual void ResetValue() = 0;
+
+protected:
+    ~IParameterBoolDef() = default;
 };
 
 class VELL_API IParameterIntDef
@@ -39,6 +42,9 @@ public:
     virtual void SetValue(int newValue) = 0;
     virtual void* GetValuePtr() = 0;
     virtual void ResetValue() = 0;
+
+protected:
+    ~IParameterIntDef() = default;
 };
 
 class VELL_API IParameterFloatDef
@@ -50,6 +56,9 @@ public:
     virtual void SetValue(float newValue) = 0;
     virtual void* GetValuePtr() = 0;
     virtual void ResetValue() = 0;
+
+protected:
+    ~IParameterFloatDef() = default;
 };
 
 /// Two floats, such as a stick, with their length.
@@ -66,6 +75,9 @@ public:
     virtual float GetMagnitude() = 0;
     virtual Tessel::Float2 GetVector() = 0;
     virtual void SetVector(const Tessel::Float2& newValue) = 0;
+
+protected:
+    ~IParameterAnalogDef() = default;
 };
 
 /// Three floats with their length.
@@ -82,6 +94,9 @@ public:
     virtual float GetMagnitude() = 0;
     virtual Tessel::Float3 GetVector() = 0;
     virtual void SetVector(const Tessel::Float3& newValue) = 0;
+
+protected:
+    ~IParameterFloat3Def() = default;
 };
 
 /// Four floats.
@@ -94,6 +109,9 @@ public:
     virtual void SetValue(const Tessel::Float4& newValue) = 0;
     virtual void* GetValuePtr() = 0;
     virtual void ResetValue() = 0;
+
+protected:
+    ~IParameterFloat4Def() = default;
 };
 
 /// A text. A message from a document starts empty and takes its default when it is fired
@@ -107,6 +125,9 @@ public:
     virtual void SetValue(const std::string& newValue) = 0;
     virtual void* GetValuePtr() = 0;
     virtual void ResetValue() = 0;
+
+protected:
+    ~IParameterMessageDef() = default;
 };
 
 } // namespace vell

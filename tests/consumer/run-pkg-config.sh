@@ -1,12 +1,16 @@
 #!/usr/bin/env bash
-# Builds and runs the consumer through pkg-config: COMPILER INSTALLED_TREE FOLDER_TO_WORK_IN LIBDIR
+# Builds and runs the consumer through pkg-config, called as a host does that links shared libraries, and
+# as one that links static ones (--static): COMPILER INSTALLED_TREE FOLDER_TO_WORK_IN LIBDIR
 set -euo pipefail
 rm -rf "$3"
 mkdir -p "$3"
 export PKG_CONFIG_PATH=$2/$4/pkgconfig
 pkg-config --validate vell
-read -ra cflags < <(pkg-config --cflags vell)
-read -ra libs < <(pkg-config --libs vell)
-"$1" -std=c++17 -Wall -Wextra -Wpedantic -Werror "${cflags[@]}" "$(dirname "$0")/main.cpp" \
-    -o "$3/consumer" "${libs[@]}" -Wl,-rpath,"$(pkg-config --variable=libdir vell)"
-"$3/consumer"
+for way in "" --static; do
+    read -ra cflags < <(pkg-config ${way:+"${way}"} --cflags vell)
+    read -ra libs < <(pkg-config ${way:+"${way}"} --libs vell)
+    "$1" -std=c++17 -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Werror \
+        "${cflags[@]}" "$(dirname "$0")/main.cpp" -o "$3/consumer${way}" "${libs[@]}" \
+        -Wl,-rpath,"$(pkg-config --variable=libdir vell)"
+    "$3/consumer${way}"
+done
