@@ -271,6 +271,33 @@ TEST(GraphLayout, DrawsNothingOverSomethingElse)
     }
 }
 
+TEST(GraphLayout, DrawsEveryName)
+{
+    if (!HasGraphviz())
+    {
+        GTEST_SKIP() << "Graphviz is not installed";
+    }
+    for (const char* name : {"", " ", "\n", "&amp;", "&", "<b>", "</TABLE>", "x\\", "\\N", "%s",
+                             "\"", "-->", "\x01", "\xC3\xA9\xF0\x9F\x98\x80", "\xEF\xBF\xBE"})
+    {
+        DocumentBuilder builder;
+        builder.Start(10)
+            .Parameter(MessageParameter("m", ""))
+            .Level(name, 10, 13, {100})
+            .Node(Generic(name, 13, {101}, 10))
+            .Node(Transition(name, 100, 10, 12, {MessageCondition("m", name)}))
+            .Node(Transition(name, 101, 13, 13));
+        const Folder folder;
+        const std::string path = folder.Write("a.json", builder.Text());
+
+        const Outcome outcome = CallVell({"graph", path, "--format", "svg", "--title", name});
+
+        EXPECT_EQ(outcome.errors, "") << name;
+        EXPECT_EQ(outcome.code, tool::ExitWell) << name;
+        EXPECT_NE(outcome.out.find("</svg>"), std::string::npos) << name;
+    }
+}
+
 TEST(GraphLayout, FindsWhatIsDrawnOverSomethingElse)
 {
     Layout layout;

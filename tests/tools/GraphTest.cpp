@@ -531,6 +531,7 @@ TEST(GraphText, ReplacesWhatNoPictureCanShow)
         {"\xE0\x80\x80", "???"},
         {"\xED\xA0\x80", "???"},
         {"\xF4\x90\x80\x80", "????"},
+        {"\xEF\xBF\xBD \xEF\xBF\xBE \xEF\xBF\xBF", "\xEF\xBF\xBD ??? ???"},
         {"\xF0\x80\x80\x80", "????"}};
     for (const auto& [text, printable] : cases)
     {

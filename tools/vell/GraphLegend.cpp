@@ -174,8 +174,9 @@ private:
 
 std::string Markup(const std::string& text)
 {
+    // Graphviz refuses markup without text.
     return Replaced(
-        Printable(text),
+        text.empty() ? "?" : Printable(text),
         {{'"', "&quot;"}, {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'\n', "<BR/>"}});
 }
 

@@ -33,10 +33,12 @@ std::size_t CharacterLength(const std::string& text, std::size_t at)
             return 0;
         }
     }
-    // Overlong forms, surrogates, and numbers above the last character.
+    // Overlong forms, surrogates, numbers above the last character, and the two that XML excludes.
     const auto second = static_cast<unsigned char>(length > 1 ? text[at + 1] : '\0');
     const bool isWrong = (first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F) ||
-                         (first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F);
+                         (first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F) ||
+                         text.compare(at, length, "\xEF\xBF\xBE") == 0 ||
+                         text.compare(at, length, "\xEF\xBF\xBF") == 0;
     return isWrong ? 0 : length;
 }
 
