@@ -84,6 +84,14 @@ void CheckNodeIds(const DocumentModel& model, Findings& findings)
     }
 }
 
+void AddFixIf(bool hasOneAnswer, const Fix& fix, Findings& findings)
+{
+    if (hasOneAnswer)
+    {
+        findings.AddFix(fix);
+    }
+}
+
 void CheckParameterId(const DocumentModel& model, const ParameterModel& parameter,
                       Findings& findings)
 {
@@ -98,16 +106,20 @@ void CheckParameterId(const DocumentModel& model, const ParameterModel& paramete
     const std::string advice =
         parameter.name.empty() ? ""
                                : "it should be " + std::to_string(crc) + ", the CRC of its name";
+    const ParameterModel* namesake = model.FindParameterByName(parameter.name);
+    const bool hasOneAnswer =
+        crc != parameter.id && !parameter.name.empty() && namesake == &parameter;
+    const Fix fix{&value, GetJsonName(JSON_ID), crc};
     if (parameter.id == 0)
     {
         findings.Add(Code::ParameterWithoutId, PlaceOf(value, JSON_ID),
                      isMissing ? "parameter " + name + " has no id, so it is left out"
                                : "the id of parameter " + name + " is 0, so it is left out",
                      advice);
+        AddFixIf(hasOneAnswer, fix, findings);
         return;
     }
     const ParameterModel* first = model.FindParameter(parameter.id);
-    const ParameterModel* namesake = model.FindParameterByName(parameter.name);
     if (first != &parameter && namesake == &parameter)
     {
         findings.Add(Code::DuplicateParameterId, PlaceOf(value, JSON_ID),
@@ -115,6 +127,7 @@ void CheckParameterId(const DocumentModel& model, const ParameterModel& paramete
                          " and is left out",
                      crc == parameter.id ? "" : advice, PlaceOf(*first->value, JSON_ID),
                      "the first parameter with this id");
+        AddFixIf(hasOneAnswer, fix, findings);
     }
     else if (crc != parameter.id && !parameter.name.empty())
     {
@@ -122,6 +135,7 @@ void CheckParameterId(const DocumentModel& model, const ParameterModel& paramete
                      "the id of parameter " + Quoted(parameter.name) + " is " +
                          std::to_string(parameter.id),
                      advice);
+        AddFixIf(hasOneAnswer, fix, findings);
     }
 }
 

@@ -72,6 +72,10 @@ void CheckListers(const DocumentModel& model, const NodeModel& transition, Findi
         findings.Add(Code::TransitionUnlisted, TitlePlace(value),
                      Titled(transition) + " is in no node's children, so it is never tested",
                      advice);
+        if (source != nullptr && source->CanRun() && transition.isFirst && transition.id != 0)
+        {
+            findings.AddFix({source->value, GetJsonName(JSON_Children), transition.id, true});
+        }
         return;
     }
     if (transition.listers.size() > 1)
@@ -103,6 +107,10 @@ void CheckListers(const DocumentModel& model, const NodeModel& transition, Findi
                          ", but the transition leaves " + Named(lister) +
                          ", whose children list it",
                      "", PlaceOf(*lister.value, JSON_Children), "the list");
+        if (transition.listers.size() == 1 && lister.CanRun())
+        {
+            findings.AddFix({&value, GetJsonName(JSON_TransitionSource), lister.id});
+        }
     }
 }
 
@@ -255,6 +263,10 @@ private:
         findings.Add(Code::ParentNotLevel, PlaceOf(*state.value, JSON_ParentID),
                      Titled(state) + " runs " + NameOf(arrival.level) + ", but " + has + effect,
                      "parentId should be " + std::to_string(IdOf(arrival.level)));
+        if (arrivals.at(&state).size() == 1)
+        {
+            findings.AddFix({state.value, GetJsonName(JSON_ParentID), IdOf(arrival.level)});
+        }
     }
 
     const DocumentModel& model;

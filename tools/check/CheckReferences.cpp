@@ -140,6 +140,7 @@ void CheckEnd(const DocumentModel& model, const NodeModel& substate, __JSONTYPES
                      Titled(*end.node) + " is the " + name + " node of " + Named(substate) +
                          ", but its parentId is " + std::to_string(end.node->parentId),
                      "", end.value->span, "named here");
+        findings.AddFix({end.node->value, GetJsonName(JSON_ParentID), substate.id});
     }
 }
 

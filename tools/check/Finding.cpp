@@ -29,6 +29,11 @@ Finding& Findings::Add(Code code, const source::Span& where, std::string message
     return finding;
 }
 
+void Findings::AddFix(Fix fix)
+{
+    list.back().fixes.push_back(std::move(fix));
+}
+
 bool Findings::HasErrors() const
 {
     return std::any_of(list.begin(), list.end(),

@@ -11,6 +11,15 @@
 namespace vell::check
 {
 
+/// A value that a member has to have. `object` belongs to the document that was checked.
+struct Fix
+{
+    const source::Value* object = nullptr;
+    std::string member;
+    unsigned int id = 0;
+    bool isElement = false; ///< `id` is to be added to the array `member`
+};
+
 /// One thing that is wrong with a document.
 struct Finding
 {
@@ -19,8 +28,9 @@ struct Finding
     std::string message; ///< a sentence without a capital and a full stop
     std::string hint;    ///< what to do: "did you mean 'less'?"; empty when there is none
     bool hasOther = false;
-    source::Span other;    ///< a second place, such as that of the first of two equal ids
-    std::string otherNote; ///< what is there: "the first is here"
+    source::Span other;     ///< a second place, such as that of the first of two equal ids
+    std::string otherNote;  ///< what is there: "the first is here"
+    std::vector<Fix> fixes; ///< what makes it go away; empty unless there is one answer
 };
 
 /// Collects what is found.
@@ -31,6 +41,9 @@ public:
     /// The same, with a second place.
     Finding& Add(Code code, const source::Span& where, std::string message, std::string hint,
                  const source::Span& other, std::string otherNote);
+
+    /// Adds a fix to the finding that was added last.
+    void AddFix(Fix fix);
 
     bool HasErrors() const;
 

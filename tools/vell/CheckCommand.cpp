@@ -6,6 +6,9 @@
 
 #include "tools/check/Check.h"
 #include "tools/check/Output.h"
+#include "tools/layout/SafeFile.h"
+#include "tools/repair/LineDiff.h"
+#include "tools/repair/Repair.h"
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/DocumentFiles.h"
 #include "tools/vell/Session.h"
@@ -41,6 +44,11 @@ reference leads nowhere. A warning: it is accepted, but hardly meant.
 In a document, the member "$allow": ["CODE"] leaves a code out for the object
 it is in and for all within it.
 
+--fix writes ids of parameters (also in their conditions), 'source', 'parentId'
+and missing 'children' entries where there is one answer, and nothing else; the
+rest of the text stays as it is. With --dry-run it writes nothing and prints a
+unified diff, and exits with 1 if there is anything to fix.
+
 Exit codes: 0 no errors, 1 errors (with --strict also warnings), 2 invalid
 command line, or a file that cannot be read.)";
 
@@ -51,6 +59,8 @@ struct CheckOptions
     std::string explained;
     std::string color = "auto";
     bool isStrict = false;
+    bool isFix = false;
+    bool isDryRun = false;
 };
 
 bool WantsColor(const CheckOptions& options, const std::ostream& out)
@@ -100,7 +110,16 @@ public:
                 return ExitUsage;
             }
         }
+        if (options.isFix && HasStandardInput())
+        {
+            session.errors << "--fix writes files; it cannot fix standard input\n";
+            return ExitUsage;
+        }
         CheckAll();
+        if (options.isDryRun)
+        {
+            return hasUnread ? ExitUsage : wouldChange ? ExitFailed : ExitWell;
+        }
         Show();
         return ExitCode();
     }
@@ -137,11 +156,56 @@ private:
                 ++skipped;
                 continue;
             }
+            if (options.isFix && !Fix(document))
+            {
+                hasUnread = true;
+                continue;
+            }
+            if (options.isDryRun)
+            {
+                continue;
+            }
             document.findings = check::CheckDocument(document.text);
             LeaveOutAllowed(document.findings);
             document.text.root = source::Value(); // Only the bytes are needed to show it.
             documents.push_back(std::move(document));
         }
+    }
+
+    bool HasStandardInput() const
+    {
+        return std::find(options.paths.begin(), options.paths.end(), "-") != options.paths.end();
+    }
+
+    /// Fixes what has one answer, in the file or, as a dry run, in a diff. False, with an error,
+    /// when the file cannot be written.
+    bool Fix(CheckedDocument& document)
+    {
+        const repair::Repaired repaired = repair::Repair(document.text,
+                                                         [this](check::Findings& findings)
+                                                         {
+                                                             LeaveOutAllowed(findings);
+                                                         });
+        if (repaired.edits == 0)
+        {
+            return true;
+        }
+        wouldChange = true;
+        if (options.isDryRun)
+        {
+            session.out << repair::UnifiedDiff(document.path, document.text.bytes, repaired.bytes);
+            return true;
+        }
+        const std::string error = layout::ReplaceFile(document.path, repaired.bytes);
+        if (!error.empty())
+        {
+            session.errors << document.path << ": cannot write the file: " << error << '\n';
+            return false;
+        }
+        session.errors << document.path << ": fixed " << repaired.edits
+                       << (repaired.edits == 1 ? " place\n" : " places\n");
+        document.text = source::ReadText(repaired.bytes);
+        return true;
     }
 
     void LeaveOutAllowed(check::Findings& findings) const
@@ -202,6 +266,7 @@ private:
     CheckedDocuments documents;
     std::size_t skipped = 0;
     bool hasUnread = false;
+    bool wouldChange = false; ///< --fix has something to write
 };
 
 } // namespace
@@ -222,6 +287,10 @@ void AddCheckCommand(CLI::App& app, Session& session)
     command->add_option("--explain", options->explained, "Print what a code means, with an example")
         ->type_name("CODE");
     command->add_flag("--strict", options->isStrict, "Exit with 1 for warnings too");
+    CLI::Option* fix = command->add_flag(
+        "--fix", options->isFix, "Write what has one answer, such as the ids of parameters");
+    command->add_flag("--dry-run", options->isDryRun, "With --fix: only show what would change")
+        ->needs(fix);
     session.AddFormat(*command, "text (default), json, or sarif", {"text", "json", "sarif"});
     command->add_option("--color", options->color, "auto (default), always or never")
         ->check(CLI::IsMember({"auto", "always", "never"}))
