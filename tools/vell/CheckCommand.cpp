@@ -287,8 +287,7 @@ void AddCheckCommand(CLI::App& app, Session& session)
     command->add_option("--explain", options->explained, "Print what a code means, with an example")
         ->type_name("CODE");
     command->add_flag("--strict", options->isStrict, "Exit with 1 for warnings too");
-    CLI::Option* fix = command->add_flag(
-        "--fix", options->isFix, "Write what has one answer, such as the ids of parameters");
+    CLI::Option* fix = command->add_flag("--fix", options->isFix, "Write what has one answer");
     command->add_flag("--dry-run", options->isDryRun, "With --fix: only show what would change")
         ->needs(fix);
     session.AddFormat(*command, "text (default), json, or sarif", {"text", "json", "sarif"});

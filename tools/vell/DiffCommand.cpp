@@ -23,9 +23,9 @@ namespace
 {
 
 constexpr const char* kDiffHelp = R"(
-Nodes and parameters are matched by id and name, so a new id alone does not make every reference
-to it a change. Layout, the order of members and default values do not count. An empty file, such
-as /dev/null, is an empty document.
+Nodes and parameters are matched by id and name, so a new id alone does not make
+every reference to it a change. Layout, the order of members and default values
+do not count. An empty file, such as /dev/null, is an empty document.
 
 Exit codes:
   0  no differences

@@ -23,10 +23,13 @@ namespace
 {
 
 constexpr const char* kFmtHelp = R"(
-One member per line for the root, the head, the skeleton and layers; one line per parameter and
-node. Only white space changes, and trailing commas go: the order of members, numbers, escapes,
-duplicates and comments stay, and one blank line between two lines.
-A file that is not JSON is not touched; neither is a file that cannot be replaced as a whole.
+A folder stands for all files *.json in it. - formats standard input to standard
+output.
+
+The layout: one member per line for the root, the head, the skeleton and layers;
+one line per parameter and node. Only white space changes, and trailing commas
+go: the order of members, numbers, escapes, duplicates and comments stay, and
+one blank line between two lines. A file that is not JSON is not touched.
 
 Exit codes:
   0  success; with --check, every file has the layout
@@ -110,11 +113,7 @@ void AddFmtCommand(CLI::App& app, Session& session)
                                        {
                                            return FormatFiles(session, *options);
                                        });
-    fmt->add_option(
-           "FILE", options->files,
-           "Documents, changed in place; a folder stands for all files *.json in it; - formats "
-           "standard input to standard output")
-        ->required();
+    fmt->add_option("FILE", options->files, "Documents, changed in place")->required();
     fmt->add_flag("--check", options->isCheck, "Change nothing, and print what would change");
     fmt->footer(kFmtHelp);
 }

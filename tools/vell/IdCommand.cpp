@@ -20,8 +20,9 @@ namespace
 {
 
 constexpr const char* kIdHelp = R"(
-The id of a parameter is the CRC of its name. One id per line, in the order of the names.
-With -, names are read from standard input, one per line; empty lines are skipped.
+The id of a parameter is the CRC of its name. One id per line, in the order of
+the names. With -, names are read from standard input, one per line; empty lines
+are skipped.
 
 Examples:
   vell id speed                    254213878
@@ -81,8 +82,7 @@ void AddIdCommand(CLI::App& app, Session& session)
                                       {
                                           return PrintIds(session, *names);
                                       });
-    id->add_option("NAME", *names, "Names of parameters; - reads them from standard input")
-        ->required();
+    id->add_option("NAME", *names, "Names of parameters; - is standard input")->required();
     id->footer(kIdHelp);
 }
 

@@ -19,9 +19,10 @@ namespace
 {
 
 constexpr const char* kStatsHelp = R"(
-The memory that is needed is the smallest value of the head's "memory" with which the machine
-loads and can enter each of its states. It is for a machine without builders of the host's own.
-Times are medians of several runs on this machine, with the log discarded.
+The memory that is needed is the smallest value of the head's "memory" with
+which the machine loads and can enter each of its states. It is for a machine
+without builders of the host's own. Times are medians of several runs on this
+computer, with the log discarded.
 
 Exit codes:
   0  success
