@@ -59,6 +59,10 @@ Mistakes OneAnswer()
     return {{"\"id\": 254213878", "\"id\": 7"},               // not the CRC
             {"\"parameter\": 254213878", "\"parameter\": 7"}, // conditions follow
             {"\"parameter\": 2971444007", "\"parameter\": \"armed\""},
+            {"\"target\": 1012", "\"target\": \"Run\""},
+            {"\"entryTarget\": 2010", "\"entryTarget\": \"2010\""},
+            {"\"substateRoot\": 1000", "\"substateRoot\": \"Locomotion\""},
+            {"\"children\": [2090]", "\"children\": [\"SheatheWeapon\"]"},
             {"\"id\": 1523721793, ", ""},
             {"\"id\": 538973511", "\"id\": 0"},
             {"\"id\": 3483019650", "\"id\": \"busy\""},

@@ -8,6 +8,7 @@
 #include "tools/check/DocumentModel.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <map>
 #include <set>
 #include <unordered_map>
@@ -41,6 +42,12 @@ std::string NeighbourOf(const std::string& member)
         }
     }
     return "";
+}
+
+unsigned int CrcOf(std::string_view name)
+{
+    std::string text(name);
+    return ConvertStringToCRC(text);
 }
 
 bool IsBlank(const std::string& text)
@@ -152,24 +159,6 @@ public:
         FollowParameter(fix);
     }
 
-    /// A parameter that a condition names by its name.
-    void AddNamedParameters()
-    {
-        for (const check::NodeModel& node : model.nodes)
-        {
-            for (const check::ConditionModel& condition : node.conditions)
-            {
-                const std::string_view name =
-                    check::ReadText(*condition.value, JSON_ConditionParameter);
-                const check::ParameterModel* parameter = model.FindParameterByName(name);
-                if (!name.empty() && parameter != nullptr)
-                {
-                    Add({condition.value, GetJsonName(JSON_ConditionParameter), CrcOf(name)});
-                }
-            }
-        }
-    }
-
     /// A parameter that has no number as its id.
     void AddMissingIds()
     {
@@ -209,12 +198,6 @@ private:
         std::set<unsigned int> elements;
         std::vector<unsigned int> order; ///< of the elements
     };
-
-    static unsigned int CrcOf(std::string_view name)
-    {
-        std::string text(name);
-        return ConvertStringToCRC(text);
-    }
 
     /// The conditions of a parameter that gets another id.
     void FollowParameter(const Fix& fix)
@@ -312,6 +295,99 @@ private:
     std::map<std::pair<std::uint32_t, std::string>, Target> targets;
 };
 
+/// Finds names and texts of digits where an id belongs, and writes the id.
+class NameEditor
+{
+public:
+    explicit NameEditor(const source::Text& text) : model(text.root)
+    {
+        for (const check::NodeModel& node : model.nodes)
+        {
+            const bool isOther = !nodesByName.emplace(node.name, node.id).second;
+            nodesByName[node.name] = isOther ? 0 : node.id;
+        }
+    }
+
+    std::vector<Edit> Edits()
+    {
+        if (model.head != nullptr)
+        {
+            ReplaceNodes(*model.head, {JSON_HeadEnterNode, JSON_HeadSubstateRoot});
+        }
+        for (const check::NodeModel& node : model.nodes)
+        {
+            ReplaceNodes(*node.value, {JSON_ParentID, JSON_TransitionSource, JSON_TransitionTarget,
+                                       JSON_SubstateEnter, JSON_SubstateExit, JSON_EntryTarget});
+            for (const check::ChildModel& child : node.children)
+            {
+                ReplaceNode(child.value);
+            }
+            for (const check::ConditionModel& condition : node.conditions)
+            {
+                ReplaceParameter(check::Find(*condition.value, JSON_ConditionParameter));
+            }
+        }
+        std::sort(edits.begin(), edits.end(),
+                  [](const Edit& left, const Edit& right)
+                  {
+                      return left.begin < right.begin;
+                  });
+        return std::move(edits);
+    }
+
+private:
+    void ReplaceNodes(const Value& object, std::initializer_list<__JSONTYPES__> members)
+    {
+        for (const __JSONTYPES__ member : members)
+        {
+            ReplaceNode(check::Find(object, member));
+        }
+    }
+
+    void ReplaceNode(const Value* value)
+    {
+        if (value != nullptr && value->IsString() && !value->text.empty())
+        {
+            const auto found = nodesByName.find(value->text);
+            const unsigned int digits = DigitsOf(value->text);
+            const bool isNode = found == nodesByName.end() && model.FindNode(digits) != nullptr;
+            Replace(*value, found != nodesByName.end() ? found->second : isNode ? digits : 0);
+        }
+    }
+
+    void ReplaceParameter(const Value* value)
+    {
+        if (value != nullptr && value->IsString() && !value->text.empty())
+        {
+            const unsigned int digits = DigitsOf(value->text);
+            const bool isName = model.FindParameterByName(value->text) != nullptr;
+            const bool isId = !isName && model.FindParameter(digits) != nullptr;
+            Replace(*value, isName ? CrcOf(value->text) : isId ? digits : 0);
+        }
+    }
+
+    /// Gives the number of a text of digits; 0 for any other text.
+    static unsigned int DigitsOf(const std::string& text)
+    {
+        constexpr std::size_t kMostDigits = 9; // fits 32 bits
+        const bool isNumber =
+            text.size() <= kMostDigits && text.find_first_not_of("0123456789") == std::string::npos;
+        return isNumber ? static_cast<unsigned int>(std::stoul(text)) : 0;
+    }
+
+    void Replace(const Value& value, unsigned int id)
+    {
+        if (id != 0)
+        {
+            edits.push_back({value.span.begin.offset, value.span.end.offset, std::to_string(id)});
+        }
+    }
+
+    const check::DocumentModel model;
+    std::unordered_map<std::string_view, unsigned int> nodesByName; ///< 0 for a name of several
+    std::vector<Edit> edits;
+};
+
 std::size_t CountErrors(const check::Findings& findings)
 {
     return static_cast<std::size_t>(
@@ -326,6 +402,12 @@ std::size_t CountErrors(const check::Findings& findings)
 
 std::vector<Edit> FindEdits(const source::Text& text, const check::Findings& findings)
 {
+    // They first, and alone: the findings took them for what is missing.
+    std::vector<Edit> names = NameEditor(text).Edits();
+    if (!names.empty())
+    {
+        return names;
+    }
     Editor editor(text);
     for (const check::Finding& finding : findings.list)
     {
@@ -335,7 +417,6 @@ std::vector<Edit> FindEdits(const source::Text& text, const check::Findings& fin
         }
     }
     editor.AddMissingIds();
-    editor.AddNamedParameters();
     return editor.Edits();
 }
 

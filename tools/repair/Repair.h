@@ -24,8 +24,8 @@ struct Edit
 
 /// Gives the edits for the fixes of `findings`, which belong to `text`: in the order of the text,
 /// and none that overlap. Where two fixes disagree, neither is made. What is inserted is written as
-/// its neighbours are. A parameter that gets another id gets it in its conditions too, and a
-/// parameter that a condition names by its name is given by its id.
+/// its neighbours are. A parameter that gets another id gets it in its conditions too. Where the
+/// text has names in place of ids, the ids are all that is written.
 std::vector<Edit> FindEdits(const source::Text& text, const check::Findings& findings);
 
 /// Gives the text after the edits.
