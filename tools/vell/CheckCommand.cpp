@@ -46,8 +46,9 @@ it is in and for all within it.
 
 --fix writes ids of parameters (also in their conditions), ids in place of
 names, 'source', 'parentId' and missing 'children' entries where there is one
-answer, and nothing else; the rest of the text stays as it is. With --dry-run it writes nothing and prints a
-unified diff, and exits with 1 if there is anything to fix.
+answer, and nothing else; the rest of the text stays as it is. With --dry-run it
+writes nothing and prints a unified diff, and exits with 1 if there is anything
+to fix.
 
 Exit codes: 0 no errors, 1 errors (with --strict also warnings), 2 invalid
 command line, or a file that cannot be read.)";

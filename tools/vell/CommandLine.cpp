@@ -24,6 +24,7 @@ namespace
 
 constexpr const char* kFooter = R"(
 Examples:
+  vell check hero.json                      find what is wrong with it
   vell run hero.json                        show the first ten ticks
   vell run hero.json --script jump.script   drive the machine, and check it
   vell run hero.json --script - --explain   show why a transition did not fire
@@ -31,6 +32,7 @@ Examples:
   vell tree hero.json --after jump.script   print parameters, nodes and stacks
   vell context save hero.json --after jump.script -o jump.json
   vell context restore hero.json jump.json  continue from there
+  vell diff old.json new.json               show what changed
   vell help COMMAND                         the options of one command
 
 Exit codes:
