@@ -16,9 +16,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <functional>
 #include <random>
 #include <string>
+#include <sys/stat.h>
+#include <thread>
 #include <vector>
 
 namespace vell::test
@@ -505,6 +508,40 @@ TEST(VellDiff, TakesAnEmptyFileForAnEmptyDocument)
 
     EXPECT_EQ(outcome.code, tool::ExitFailed);
     EXPECT_EQ(outcome.out, "head\n  + id 7\n1 added\n");
+}
+
+TEST(VellDiff, PaintsAddedGreenRemovedRedAndChangedYellow)
+{
+    const Folder folder;
+    const std::string before = folder.Write("a.json", "{\"head\": {\"id\": 7, \"guid\": \"a\"}}");
+    const std::string after = folder.Write("b.json", "{\"head\": {\"id\": 8, \"note\": \"b\"}}");
+
+    const Outcome painted = CallVell({"diff", before, after, "--color", "always"});
+
+    EXPECT_EQ(painted.out, "\x1b[1mhead\x1b[0m\n"
+                           "\x1b[33m  ~ id 7 \xE2\x86\x92 8\x1b[0m\n"
+                           "\x1b[32m  + note \"b\"\x1b[0m\n"
+                           "\x1b[31m  - guid \"a\"\x1b[0m\n"
+                           "\x1b[1m1 added, 1 removed, 1 changed\x1b[0m\n");
+}
+
+TEST(VellDiff, ReadsAPipeOnce)
+{
+    const Folder folder;
+    const std::string path = folder.Write("a.json", "{\"head\": {\"id\": 7}}");
+    const std::string pipe = folder.PathOf("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::thread writer(
+        [&pipe]
+        {
+            std::ofstream(pipe) << "{\"head\": {\"id\": 7}}";
+        });
+
+    const Outcome outcome = CallVell({"diff", pipe, path});
+
+    writer.join();
+    EXPECT_EQ(outcome.code, tool::ExitWell);
+    EXPECT_EQ(outcome.out + outcome.errors, "");
 }
 
 TEST(VellDiff, SaysWhatItCannotRead)

@@ -5,8 +5,8 @@
 #include "tools/diff/Difference.h"
 #include "tools/diff/DifferenceText.h"
 #include "tools/diff/DocumentModel.h"
+#include "tools/vell/Color.h"
 #include "tools/vell/CommandLine.h"
-#include "tools/vell/DocumentFiles.h"
 #include "tools/vell/DocumentText.h"
 #include "tools/vell/Session.h"
 
@@ -14,7 +14,9 @@
 
 #include <algorithm>
 #include <memory>
+#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vell::tool
@@ -43,25 +45,53 @@ struct DiffOptions
     std::string after;
 };
 
-bool IsEmptyFile(const std::string& path)
-{
-    const FileText file = ReadWholeFile(path);
-    return file.error.empty() && file.bytes.empty();
-}
-
+/// Reads a file once: it may be a pipe.
 int ReadModelOf(Session& session, const std::string& path, diff::DocumentModel* model)
 {
-    if (path != "-" && IsEmptyFile(path))
+    std::string bytes;
+    int code = ReadDocumentBytes(session, path, &bytes);
+    if (code == ExitWell && !bytes.empty())
     {
-        return ExitWell;
-    }
-    source::Text text;
-    const int code = ReadDocumentText(session, path, &text);
-    if (code == ExitWell)
-    {
+        source::Text text;
+        code = ParseDocument(session, path, std::move(bytes), &text);
         *model = diff::ReadModel(text.root);
     }
     return code;
+}
+
+/// Paints each line by the mark that it begins with.
+std::string PaintText(const std::string& text)
+{
+    std::string painted;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+    {
+        const std::size_t first = line.find_first_not_of(' ');
+        const char mark = first == std::string::npos ? ' ' : line[first];
+        const Color color = mark == '+'   ? Color::Green
+                            : mark == '-' ? Color::Red
+                            : mark == '~' ? Color::Yellow
+                                          : Color::Bold;
+        painted += Painted(true, color, line) + "\n";
+    }
+    return painted;
+}
+
+std::string FormatDifferences(const Session& session, const DiffOptions& options,
+                              const std::vector<diff::Difference>& differences)
+{
+    const std::string& format = session.options.format;
+    if (format == "json")
+    {
+        return diff::ToJson(differences, options.before, options.after);
+    }
+    if (format == "markdown")
+    {
+        return diff::ToMarkdown(differences, options.before, options.after);
+    }
+    const bool isShown = session.options.output.empty() && session.isOutTerminal;
+    const std::string text = diff::ToText(differences);
+    return WantsColor(session.options.color, isShown) ? PaintText(text) : text;
 }
 
 int ShowDifferences(Session& session, const DiffOptions& options)
@@ -75,11 +105,7 @@ int ShowDifferences(Session& session, const DiffOptions& options)
         return std::max(beforeCode, afterCode);
     }
     const std::vector<diff::Difference> differences = diff::Compare(before, after);
-    const std::string& format = session.options.format;
-    const int code = session.Write(
-        format == "json"       ? diff::ToJson(differences, options.before, options.after)
-        : format == "markdown" ? diff::ToMarkdown(differences, options.before, options.after)
-                               : diff::ToText(differences));
+    const int code = session.Write(FormatDifferences(session, options, differences));
     return code != ExitWell || differences.empty() ? code : ExitFailed;
 }
 
@@ -99,6 +125,7 @@ void AddDiffCommand(CLI::App& app, Session& session)
     session.AddFormat(*command, "text (default), json, or markdown: for a review",
                       {"text", "json", "markdown"});
     session.AddOutput(*command);
+    session.AddColor(*command);
     command->footer(kDiffHelp);
 }
 

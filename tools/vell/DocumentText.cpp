@@ -44,22 +44,36 @@ std::string DocumentName(const std::string& path)
     return path == "-" ? "<stdin>" : path;
 }
 
-int ReadDocumentText(Session& session, const std::string& path, source::Text* text,
-                     const source::Options& options)
+int ReadDocumentBytes(Session& session, const std::string& path, std::string* bytes)
 {
     FileText file = ReadWholeFile(path);
+    *bytes = std::move(file.bytes);
     if (!file.error.empty())
     {
         session.errors << path << ": cannot read the file: " << file.error << '\n';
         return ExitUsage;
     }
-    *text = source::ReadText(std::move(file.bytes), options);
+    return ExitWell;
+}
+
+int ParseDocument(Session& session, const std::string& path, std::string bytes, source::Text* text,
+                  const source::Options& options)
+{
+    *text = source::ReadText(std::move(bytes), options);
     if (!text->parsed)
     {
         ShowFirstProblem(session, path, *text);
         return ExitFailed;
     }
     return ExitWell;
+}
+
+int ReadDocumentText(Session& session, const std::string& path, source::Text* text,
+                     const source::Options& options)
+{
+    std::string bytes;
+    const int code = ReadDocumentBytes(session, path, &bytes);
+    return code != ExitWell ? code : ParseDocument(session, path, std::move(bytes), text, options);
 }
 
 } // namespace vell::tool

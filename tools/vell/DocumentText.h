@@ -20,6 +20,12 @@ constexpr source::Options kLenient{true, true};
 int ReadDocumentText(Session& session, const std::string& path, source::Text* text,
                      const source::Options& options = kLenient);
 
+// The two steps of it.
+
+int ReadDocumentBytes(Session& session, const std::string& path, std::string* bytes);
+int ParseDocument(Session& session, const std::string& path, std::string bytes, source::Text* text,
+                  const source::Options& options = kLenient);
+
 /// The name of a document in messages.
 std::string DocumentName(const std::string& path);
 
