@@ -94,10 +94,10 @@ source::Span OpeningOf(const Value& object)
     return span;
 }
 
-void AddMissing(const Visit& visit, const char* name, Findings& findings)
+void AddMissing(const Visit& visit, std::string_view name, Findings& findings)
 {
     findings.Add(Code::MissingMember, OpeningOf(visit.object),
-                 NameOf(visit) + " has no member '" + name + "'");
+                 NameOf(visit) + " has no member '" + std::string(name) + "'");
 }
 
 void CheckRequired(const Visit& visit, const MemberRules& rules, Findings& findings)

@@ -43,13 +43,13 @@ std::size_t LengthOf(const Value& value)
 struct Subject
 {
     const Value& value;
-    const char* name;
+    std::string_view name;
     bool isElement; ///< of the member's array
     Findings& findings;
 
     std::string Title() const
     {
-        return std::string(isElement ? "an element of '" : "'") + name + "'";
+        return std::string(isElement ? "an element of '" : "'") + std::string(name) + "'";
     }
     void Add(Code code, const std::string& says, std::string hint = {}) const
     {

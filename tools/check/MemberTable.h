@@ -63,7 +63,7 @@ enum class Words : std::uint8_t
 /// A member of a kind of object.
 struct MemberRule
 {
-    const char* name; ///< by the vocabulary
+    std::string_view name; ///< by the vocabulary; terminated
     Shape shape;
     bool isRequired;
     const char* defaultValue;               ///< as JSON; null when there is none to tell

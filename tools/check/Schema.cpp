@@ -212,7 +212,7 @@ private:
 
     void PutMember(const MemberRule& rule)
     {
-        const Object property(writer, rule.name);
+        const Object property(writer, rule.name.data());
         Put("description", rule.description);
         if (rule.words == Words::None)
         {
@@ -430,7 +430,7 @@ private:
         {
             const Object element(writer);
             const Object properties(writer, "properties");
-            const Object property(writer, RulesOf(ObjectKind::VectorDefault)[0].name);
+            const Object property(writer, RulesOf(ObjectKind::VectorDefault)[0].name.data());
             PutValue(type);
         }
         writer.EndArray();

@@ -53,6 +53,24 @@ public:
     /// Moves behind a character that is not the end of a line, and gives its size in bytes: 0, and
     /// one byte is skipped, when it is not UTF-8.
     std::size_t AdvanceCharacter();
+    /// Moves behind blanks, tabs and carriage returns.
+    void SkipBlanks()
+    {
+        while (at < bytes.size() && (bytes[at] == ' ' || bytes[at] == '\t' || bytes[at] == '\r'))
+        {
+            ++at;
+        }
+    }
+    /// Moves behind characters of ASCII that a text has as they are, and gives them.
+    std::string_view TakePlain(char quote)
+    {
+        const std::size_t begin = at;
+        while (at < bytes.size() && IsPlain(bytes[at]) && bytes[at] != quote)
+        {
+            ++at;
+        }
+        return bytes.substr(begin, at - begin);
+    }
     /// Moves behind the end of a line.
     void AdvanceLine()
     {
@@ -63,6 +81,12 @@ public:
     }
 
 private:
+    static bool IsPlain(char c)
+    {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte >= 0x20 && byte < 0x80 && c != '\\';
+    }
+
     std::string_view bytes;
     std::size_t at = 0;
     std::size_t lineStart = 0;

@@ -19,6 +19,7 @@ namespace vell::source
 namespace
 {
 
+constexpr std::size_t kFewMembers = 16;           ///< each is compared with each
 constexpr std::size_t kLargestText = 0xfffffff0u; ///< of the offsets in a Place
 
 /// An array or object that is being read.
@@ -133,7 +134,7 @@ private:
             case ' ':
             case '\t':
             case '\r':
-                cursor.Advance();
+                cursor.SkipBlanks();
                 break;
             case '\n':
                 cursor.AdvanceLine();
@@ -450,14 +451,33 @@ private:
             frame.value.elements.push_back(std::move(value));
             return;
         }
+        if (frame.value.members.empty())
+        {
+            frame.value.members.reserve(8); // Most nodes have so many.
+        }
         frame.member.value = std::move(value);
         frame.value.members.push_back(std::move(frame.member));
+    }
+
+    static bool HasDuplicate(const std::vector<Member>& members)
+    {
+        for (std::size_t i = 1; i < members.size(); ++i)
+        {
+            for (std::size_t j = 0; j < i; ++j)
+            {
+                if (members[i].name == members[j].name)
+                {
+                    return true;
+                }
+            }
+        }
+        return false;
     }
 
     void FindDuplicates(Value& object)
     {
         std::vector<Member>& members = object.members;
-        if (members.size() < 2)
+        if (members.size() < 2 || (members.size() <= kFewMembers && !HasDuplicate(members)))
         {
             return;
         }

@@ -222,9 +222,11 @@ Value TokenReader::ReadQuoted(char quote)
     value.span.begin = cursor.Here();
     cursor.Advance();
     bool hasReportedByte = false;
+    value.text = cursor.TakePlain(quote);
     while (!cursor.AtEnd() && cursor.Peek() != '\n' && cursor.Peek() != quote)
     {
         ReadCharacter(value, hasReportedByte);
+        value.text += cursor.TakePlain(quote);
     }
     if (cursor.Peek() != quote)
     {

@@ -7,36 +7,6 @@
 namespace vell::source
 {
 
-bool Value::IsNumber() const
-{
-    return kind == Kind::Int || kind == Kind::UInt || kind == Kind::Double;
-}
-
-bool Value::IsInteger() const
-{
-    return kind == Kind::Int || kind == Kind::UInt;
-}
-
-bool Value::IsString() const
-{
-    return kind == Kind::String;
-}
-
-bool Value::IsBool() const
-{
-    return kind == Kind::Bool;
-}
-
-bool Value::IsArray() const
-{
-    return kind == Kind::Array;
-}
-
-bool Value::IsObject() const
-{
-    return kind == Kind::Object;
-}
-
 std::uint32_t Value::ReadUInt() const
 {
     std::uint64_t all = bits;

@@ -52,13 +52,31 @@ public:
     std::vector<Member> members; ///< of an Object, in the order of the text
     std::vector<Value> elements; ///< of an Array
 
-    bool IsNumber() const;
+    bool IsNumber() const
+    {
+        return kind == Kind::Int || kind == Kind::UInt || kind == Kind::Double;
+    }
     /// True for a number without fraction and exponent that fits 64 bits.
-    bool IsInteger() const;
-    bool IsString() const;
-    bool IsBool() const;
-    bool IsArray() const;
-    bool IsObject() const;
+    bool IsInteger() const
+    {
+        return kind == Kind::Int || kind == Kind::UInt;
+    }
+    bool IsString() const
+    {
+        return kind == Kind::String;
+    }
+    bool IsBool() const
+    {
+        return kind == Kind::Bool;
+    }
+    bool IsArray() const
+    {
+        return kind == Kind::Array;
+    }
+    bool IsObject() const
+    {
+        return kind == Kind::Object;
+    }
 
     /// Gives what the library reads where an id or an integer belongs: the low 32 bits of a whole
     /// number or of the double of any other number, 0 for all else.

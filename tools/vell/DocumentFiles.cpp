@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -17,6 +18,8 @@ namespace
 {
 
 namespace fs = std::filesystem;
+
+constexpr std::size_t kPiece = 4096;
 
 bool IsHidden(const fs::path& path)
 {
@@ -67,14 +70,25 @@ FileText ReadWholeFile(const std::string& path)
         text.error = std::strerror(EISDIR);
         return text;
     }
+    errno = 0;
     std::ifstream in(path, std::ios::binary);
-    if (in)
+    const std::uintmax_t size = fs::file_size(path, ignored);
+    // A file without a size of its own, such as a pipe, is read in pieces.
+    text.bytes.resize(ignored ? 0 : static_cast<std::size_t>(size) + 1);
+    std::size_t filled = 0;
+    while (in)
     {
-        text.bytes.assign(std::istreambuf_iterator<char>(in), {});
+        if (filled == text.bytes.size())
+        {
+            text.bytes.resize(2 * filled + kPiece);
+        }
+        in.read(&text.bytes[filled], static_cast<std::streamsize>(text.bytes.size() - filled));
+        filled += static_cast<std::size_t>(in.gcount());
     }
-    if (!in && !in.eof())
+    text.bytes.resize(filled);
+    if (!in.eof())
     {
-        text.error = std::strerror(errno);
+        text.error = std::strerror(errno == 0 ? EIO : errno);
     }
     return text;
 }
