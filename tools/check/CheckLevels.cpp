@@ -39,7 +39,7 @@ void CheckChildren(const DocumentModel& model, const NodeModel& node, Findings& 
         if (child.id == 0)
         {
             findings.Add(Code::ChildZero, child.value->span,
-                         begin + "0, which means none: the document is refused");
+                         begin + "0, which means none, " + LossWith(model, node));
         }
         else if (child.node == nullptr)
         {

@@ -120,7 +120,8 @@ void CheckEnd(const DocumentModel& model, const NodeModel& substate, __JSONTYPES
     const std::string effect = ": the substate cannot be entered";
     if (end.id == 0)
     {
-        findings.Add(code, end.value->span, begin + "0, which means none: the document is refused");
+        findings.Add(code, end.value->span,
+                     begin + "0, which means none, " + LossWith(model, substate));
     }
     else if (end.node == nullptr)
     {
@@ -156,7 +157,7 @@ void CheckEntryTarget(const DocumentModel& model, const NodeModel& node, Finding
     if (target.id == 0)
     {
         findings.Add(Code::EntryTarget, place,
-                     begin + "0, which means none: the document is refused");
+                     begin + "0, which means none, " + LossWith(model, node));
     }
     else if (target.node == nullptr)
     {
@@ -357,7 +358,7 @@ void CheckGlobals(const DocumentModel& model, Findings& findings)
         {
             continue;
         }
-        if (!model.arrays[static_cast<std::size_t>(node.array)].isGlobal)
+        if (!model.IsInGlobal(node))
         {
             findings.Add(Code::GlobalInLayer, TitlePlace(*node.value),
                          Titled(node) + " is in a layer, where it has no effect; move it into "

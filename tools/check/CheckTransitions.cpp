@@ -339,6 +339,11 @@ private:
              ++i)
         {
             const Cover& cover = CoverOf(*around);
+            // A transition that always holds is told once.
+            if (cover.HoldsAlways())
+            {
+                return;
+            }
             for (const NodeModel* transition : state.transitions)
             {
                 const bool isNew = transition->target != 0 &&

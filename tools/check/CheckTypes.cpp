@@ -45,18 +45,19 @@ bool IsVector(int type)
     return type == PARAM_Float2 || type == PARAM_Float3 || type == PARAM_Float4;
 }
 
-void CheckConditionType(const Case& condition, Findings& findings)
+/// Returns false when the types differ so much that the rest says nothing.
+bool CheckConditionType(const Case& condition, Findings& findings)
 {
     const ConditionModel& model = condition.Condition();
     if (model.parameter == nullptr || model.parameter->type == 0 || model.type == 0)
     {
-        return;
+        return true;
     }
     const int type = model.parameter->type;
     const bool isText = type == PARAM_Text && model.type == PARAM_Message;
     if (type == model.type || isText)
     {
-        return;
+        return true;
     }
     const std::string what = condition.Title() + " is of the type '" + TypeName(model.type) +
                              "', but " + Named(*model.parameter) + " is of the type '" +
@@ -68,7 +69,7 @@ void CheckConditionType(const Case& condition, Findings& findings)
     {
         findings.Add(Code::ConditionOfVector, place, what + ": it tests the first number alone", "",
                      other, note);
-        return;
+        return true;
     }
     const std::string effect =
         model.type == PARAM_Message ? ": it never holds" : ": it compares bytes of another kind";
@@ -76,6 +77,7 @@ void CheckConditionType(const Case& condition, Findings& findings)
         type == PARAM_Bool || type == PARAM_Integer || type == PARAM_Float || type == PARAM_Message;
     findings.Add(Code::ConditionTypeDiffers, place, what + effect,
                  hasWord ? "conditionType should be '" + TypeName(type) + "'" : "", other, note);
+    return false;
 }
 
 /// Gives the pieces between commas, of which empty ones do not count.
@@ -263,7 +265,10 @@ void CheckTypes(const DocumentModel& model, Findings& findings)
         {
             const Case condition{transition, i};
             const ConditionModel& read = condition.Condition();
-            CheckConditionType(condition, findings);
+            if (!CheckConditionType(condition, findings))
+            {
+                continue;
+            }
             CheckOperator(condition, findings);
             const bool isNumber = read.type == PARAM_Integer || read.type == PARAM_Float;
             if (read.operand == nullptr || read.type == 0)

@@ -277,8 +277,7 @@ void DocumentModel::Link()
             node.enter = FindNode(ReadId(*node.value, JSON_SubstateEnter));
             node.exit = FindNode(ReadId(*node.value, JSON_SubstateExit));
         }
-        const bool isGlobal = arrays[static_cast<std::size_t>(node.array)].isGlobal;
-        if (isGlobal && node.Is(BUILDER_Global) && node.isFirst)
+        if (IsInGlobal(node) && node.Is(BUILDER_Global) && node.isFirst)
         {
             global = &node;
         }
@@ -362,6 +361,12 @@ std::string TitledCondition(const NodeModel& transition, std::size_t index)
                                   ? "the condition"
                                   : "condition " + std::to_string(index + 1);
     return which + " of " + Titled(transition);
+}
+
+std::string LossWith(const DocumentModel& model, const NodeModel& node)
+{
+    return model.IsInGlobal(node) ? "so it and what is behind it in 'global' are not read"
+                                  : "so all layers are lost";
 }
 
 std::string KindOf(const NodeModel& node)

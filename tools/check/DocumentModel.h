@@ -104,6 +104,12 @@ public:
     const ParameterModel* FindParameterByCrc(unsigned int crc) const;
     const ParameterModel* FindParameterByName(std::string_view name) const;
 
+    /// Tells whether a node is in `global` rather than in a layer.
+    bool IsInGlobal(const NodeModel& node) const
+    {
+        return arrays[static_cast<std::size_t>(node.array)].isGlobal;
+    }
+
     const source::Value& root;
     const source::Value* head = nullptr; ///< null when it is missing or not an object
     std::vector<NodeArray> arrays;
@@ -150,6 +156,8 @@ std::string Named(const ParameterModel& parameter);
 std::string Titled(const NodeModel& node);
 /// Gives `condition 2 of transition 'Stop' (20)`; `index` is counted from 0.
 std::string TitledCondition(const NodeModel& transition, std::size_t index);
+/// Says what is lost with a node that the library cannot build: `so no layer is read`.
+std::string LossWith(const DocumentModel& model, const NodeModel& node);
 /// Gives the word for a builder with its article: `a transition`.
 std::string KindOf(const NodeModel& node);
 /// Gives the place that stands for a node: its name or else its id, or else its beginning.
