@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -33,10 +34,15 @@ int DocumentCount()
     return CountFromEnvironment("VELL_CHECK_DOCUMENTS", 10000);
 }
 
+std::string ReadFile(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
 std::string ReadSample(const std::string& name)
 {
-    std::ifstream file(std::string(SourceDir()) + "/samples/" + name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    return ReadFile(std::string(SourceDir()) + "/samples/" + name);
 }
 
 std::string GrammarText(std::mt19937& random)
@@ -79,14 +85,14 @@ Document MakeDocument(int number)
     return {mutated.text, mutated.object, !mutated.isId};
 }
 
-class CheckTruth : public testing::TestWithParam<int>
+class RandomTruth : public testing::TestWithParam<int>
 {
 };
 
 } // namespace
 
 // A counterexample is shown with its number: VELL_CHECK_DOCUMENT=NUMBER checks that one alone.
-TEST_P(CheckTruth, HoldsForRandomDocuments)
+TEST_P(RandomTruth, HoldsForRandomDocuments)
 {
     const int only = CountFromEnvironment("VELL_CHECK_DOCUMENT", -1);
     const int first = only < 0 ? GetParam() : only;
@@ -107,6 +113,28 @@ TEST_P(CheckTruth, HoldsForRandomDocuments)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Shards, CheckTruth, testing::Range(0, kShards));
+TEST(CheckTruth, HoldsForTheDocumentsOfTheFuzzers)
+{
+    int count = 0;
+    for (const char* const folder : {"document", "grammar"})
+    {
+        const std::string path = std::string(SourceDir()) + "/tests/fuzz/corpus/" + folder;
+        for (const auto& entry : std::filesystem::directory_iterator(path))
+        {
+            const std::string bytes = ReadFile(entry.path());
+            const bool isText = folder == std::string("document");
+            const auto* first = reinterpret_cast<const unsigned char*>(bytes.data());
+            fuzz::Bytes decisions(first, bytes.size());
+            const std::string text = isText ? bytes : fuzz::GrammarDocument(decisions);
+            const Checked checked(text);
+
+            EXPECT_EQ(Compare(Load(text), checked), "") << entry.path() << "\n" << checked.Lines();
+            ++count;
+        }
+    }
+    EXPECT_GT(count, 30);
+}
+
+INSTANTIATE_TEST_SUITE_P(Shards, RandomTruth, testing::Range(0, kShards));
 
 } // namespace vell::test

@@ -4,7 +4,10 @@
 #include "tools/check/Rules.h"
 
 #include <algorithm>
+#include <set>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace vell::check
 {
@@ -84,28 +87,120 @@ bool IsWhole(const Loading& loading)
                         });
 }
 
-Severity WorstOf(const Findings& findings)
+/// Which findings stand for a line of the log.
+struct Explanation
 {
-    Severity worst = Severity::Note;
-    for (const Finding& finding : findings.list)
+    const char* piece; ///< of the line
+    std::set<Code> codes;
+};
+
+/// Values that the library reads as others, wherever they are, and members that it looks for in
+/// vain.
+const std::set<Code> kMisread = {Code::MissingMember, Code::WrongType, Code::OutOfRange,
+                                 Code::Fraction,      Code::EmptyText, Code::NoElement,
+                                 Code::NameForId};
+
+/// The lines that tell of one thing. Any error stands for all other lines, which are mostly
+/// consequences.
+const std::vector<Explanation>& Explanations()
+{
+    static const std::set<Code> parameters = {Code::ParameterWithoutId, Code::DuplicateParameterId,
+                                              Code::DuplicateParameterName};
+    static const std::set<Code> ids = {Code::DuplicateNodeId, Code::NodeWithoutId, Code::NoLayers};
+    static const std::set<Code> conditions = {
+        Code::NoConditions, Code::RangeText,          Code::RangeNotText,
+        Code::OperandType,  Code::OperandEmpty,       Code::UnknownConditionType,
+        Code::TooLong,      Code::ConditionParameter, Code::ConditionTypeDiffers};
+    static const std::set<Code> unbound = {Code::ConditionParameter, Code::ParameterWithoutId,
+                                           Code::DuplicateParameterId,
+                                           Code::DuplicateParameterName};
+    static const std::vector<Explanation> explanations = {
+        {"Parameter definition is NULL", unbound},
+        {"::ParameterBind", unbound},
+        {"Entry Node doesn't exist",
+         {Code::EnterNodeAbsent, Code::DuplicateNodeId, Code::NodeWithoutId, Code::NoLayers}},
+        {"::InsertEnterNode", {Code::SecondEnterNode}},
+        {"Duplicate ID", ids},
+        {"::InsertNode", ids},
+        {"Conditions failed", conditions},
+        {"::InitConditions", conditions},
+        {"initilizing a condition", conditions},
+        {"::Init_Attrib", {Code::UnknownAttributeType, Code::VectorText, Code::TooLong}},
+        {"isn't implemented", {Code::UnknownAttributeType}},
+        {"::ImportSkel", {}},
+        {"::AddParameter", parameters},
+    };
+    return explanations;
+}
+
+/// Tells whether the library lost nodes, which has consequences everywhere.
+bool IsLost(const Complaint& complaint)
+{
+    return complaint.text.find("Failed to create") != std::string::npos ||
+           complaint.text.find("::ImportStates") != std::string::npos ||
+           complaint.text.find("has caused an exception") != std::string::npos ||
+           complaint.text.find("::Create") != std::string::npos;
+}
+
+bool IsExplained(const Complaint& complaint, const std::set<Code>& found)
+{
+    for (const Explanation& explanation : Explanations())
     {
-        worst = std::max(worst, GetEntry(finding.code).severity);
+        if (complaint.text.find(explanation.piece) == std::string::npos)
+        {
+            continue;
+        }
+        const auto isExplaining = [&explanation](Code code)
+        {
+            return kMisread.count(code) != 0 || explanation.codes.count(code) != 0;
+        };
+        return std::any_of(found.begin(), found.end(), isExplaining);
     }
-    return worst;
+    const auto isError = [](Code code)
+    {
+        return GetEntry(code).severity == Severity::Error;
+    };
+    return std::any_of(found.begin(), found.end(), isError);
+}
+
+/// Gives the place of the node that a line names at its end or, as an id, in brackets.
+source::Span FindPlace(const DocumentModel& model, const std::string& line)
+{
+    const std::size_t bracket = line.find("ID (");
+    for (const NodeModel& node : model.nodes)
+    {
+        const std::string_view name = node.name;
+        const bool isNamed = !name.empty() && line.size() >= name.size() &&
+                             line.compare(line.size() - name.size(), name.size(), name) == 0;
+        const std::string id = std::to_string(node.id) + ")";
+        if (isNamed ||
+            (bracket != std::string::npos && line.compare(bracket + 4, id.size(), id) == 0))
+        {
+            return TitlePlace(*node.value);
+        }
+    }
+    return TitlePlace(model.head == nullptr ? model.root : *model.head);
 }
 
 void CheckComplaints(const DocumentModel& model, const Loading& loading, Findings& findings)
 {
-    const Severity worst = WorstOf(findings);
+    std::set<Code> found;
+    for (const Finding& finding : findings.list)
+    {
+        found.insert(finding.code);
+    }
+    const bool isLost = std::any_of(loading.complaints.begin(), loading.complaints.end(), IsLost);
+    if (isLost && findings.HasErrors())
+    {
+        return;
+    }
+    std::set<std::string> told;
     for (const Complaint& complaint : loading.complaints)
     {
-        const Severity own = complaint.isError ? Severity::Error : Severity::Warning;
-        if (own > worst)
+        if (!IsExplained(complaint, found) && told.insert(complaint.text).second)
         {
             findings.Add(complaint.isError ? Code::LibraryError : Code::LibraryWarning,
-                         TitlePlace(model.head == nullptr ? model.root : *model.head),
-                         "the library says: " + complaint.text);
-            return;
+                         FindPlace(model, complaint.text), "the library says: " + complaint.text);
         }
     }
 }

@@ -325,6 +325,13 @@ void CheckEnterNode(const DocumentModel& model, Findings& findings)
         findings.Add(Code::EnterNodeAbsent, place, "'enterNode' is " + Missing(model, enter.id),
                      SuggestNode(model, enter.id, CanRun));
     }
+    else if (model.IsInGlobal(*enter.node))
+    {
+        findings.Add(Code::EnterNodeAbsent, place,
+                     "'enterNode' is " + Named(*enter.node) +
+                         ", a node of 'global': these are read later, so the library does not "
+                         "find it");
+    }
     else if (!enter.node->CanRun())
     {
         findings.Add(Code::EnterNodeCannotRun, place,
