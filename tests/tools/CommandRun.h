@@ -21,9 +21,12 @@ struct Outcome
     std::string errors;
 };
 
-/// Calls the command with these words behind its name. `isTerminal` says that a person watches what
-/// it writes to standard error.
+/// Calls the command with these words behind its name. The documents of tests are often wrong on
+/// purpose, so a command that runs, draws or prints one gets --no-check. `isTerminal` says that a
+/// person watches what it writes to standard error.
 Outcome CallVell(const std::vector<std::string>& words, bool isTerminal = false);
+/// The same, with nothing but these words.
+Outcome CallVellAsIs(const std::vector<std::string>& words, bool isTerminal = false);
 
 /// Runs `builder` by `script`, and gives what happened. The script's name in it is "a.script".
 Outcome RunScript(const DocumentBuilder& builder, const std::string& script,

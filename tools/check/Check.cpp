@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -92,6 +94,30 @@ void LeaveOutAllowed(const Value& root, Findings& findings)
     list.erase(std::remove_if(list.begin(), list.end(), isAllowed), list.end());
 }
 
+bool IsMistakeOfValue(Code code)
+{
+    return code == Code::WrongType || code == Code::OutOfRange || code == Code::Fraction;
+}
+
+/// Of two findings about one value, leaves out what only follows from the value's type.
+void LeaveOutConsequences(std::vector<Finding>& list)
+{
+    std::set<std::uint32_t> wrong;
+    for (const Finding& finding : list)
+    {
+        if (IsMistakeOfValue(finding.code))
+        {
+            wrong.insert(finding.where.begin.offset);
+        }
+    }
+    const auto isConsequence = [&wrong](const Finding& finding)
+    {
+        return finding.code >= Code::NodeWithoutId && finding.code < Code::MemoryTooSmall &&
+               wrong.count(finding.where.begin.offset) != 0;
+    };
+    list.erase(std::remove_if(list.begin(), list.end(), isConsequence), list.end());
+}
+
 } // namespace
 
 Findings CheckDocument(const source::Text& text)
@@ -104,6 +130,7 @@ Findings CheckDocument(const source::Text& text)
         CheckMembers(document, findings);
         CheckWords(document, findings);
         CheckRules(document, findings);
+        LeaveOutConsequences(findings.list);
         LeaveOutAllowed(document.root, findings);
     }
     std::stable_sort(findings.list.begin(), findings.list.end(),

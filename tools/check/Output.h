@@ -12,10 +12,13 @@
 namespace vell::check
 {
 
+/// The path of standard input in findings.
+constexpr const char* kStandardInput = "<stdin>";
+
 /// A document that was checked.
 struct CheckedDocument
 {
-    std::string path; ///< as the user wrote it; "stdin" for standard input
+    std::string path; ///< as the user wrote it
     source::Text text;
     Findings findings;
 };

@@ -9,6 +9,7 @@
 #include "tools/layout/SafeFile.h"
 #include "tools/repair/LineDiff.h"
 #include "tools/repair/Repair.h"
+#include "tools/vell/Color.h"
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/DocumentFiles.h"
 #include "tools/vell/Session.h"
@@ -16,11 +17,8 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cstdlib>
-#include <iostream>
 #include <memory>
 #include <string>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -58,19 +56,10 @@ struct CheckOptions
     std::vector<std::string> paths;
     std::vector<std::string> allowed;
     std::string explained;
-    std::string color = "auto";
     bool isStrict = false;
     bool isFix = false;
     bool isDryRun = false;
 };
-
-bool WantsColor(const CheckOptions& options, const std::ostream& out)
-{
-    const char* noColor = std::getenv("NO_COLOR");
-    const bool isRefused = noColor != nullptr && *noColor != '\0';
-    const bool isTerminal = &out == &std::cout && isatty(STDOUT_FILENO) != 0;
-    return options.color == "always" || (options.color == "auto" && isTerminal && !isRefused);
-}
 
 /// A file of a folder that is JSON, but has nothing of a machine.
 bool IsNoMachine(const source::Text& text)
@@ -128,6 +117,11 @@ public:
 private:
     int ExplainCode()
     {
+        if (options.explained == "all")
+        {
+            session.out << check::CodesPage();
+            return ExitWell;
+        }
         const check::CodeEntry* entry = check::FindEntry(options.explained);
         if (entry == nullptr)
         {
@@ -150,7 +144,7 @@ private:
                 continue;
             }
             CheckedDocument document;
-            document.path = file.path == "-" ? "stdin" : file.path;
+            document.path = file.path == "-" ? check::kStandardInput : file.path;
             document.text = source::ReadText(std::move(text.bytes));
             if (!file.isNamed && IsNoMachine(document.text))
             {
@@ -235,7 +229,7 @@ private:
             session.out << check::ToSarif(documents, VELL_VERSION);
             return;
         }
-        const bool hasColor = WantsColor(options, session.out);
+        const bool hasColor = WantsColor(session.options.color, session.isOutTerminal);
         for (const CheckedDocument& document : documents)
         {
             session.out << check::ToText(document, hasColor);
@@ -285,16 +279,16 @@ void AddCheckCommand(CLI::App& app, Session& session)
         ->allow_extra_args(false)
         ->delimiter(',')
         ->type_name("CODE");
-    command->add_option("--explain", options->explained, "Print what a code means, with an example")
+    command
+        ->add_option("--explain", options->explained,
+                     "Print what a code means, with an example; all: the page of all codes")
         ->type_name("CODE");
     command->add_flag("--strict", options->isStrict, "Exit with 1 for warnings too");
     CLI::Option* fix = command->add_flag("--fix", options->isFix, "Write what has one answer");
     command->add_flag("--dry-run", options->isDryRun, "With --fix: only show what would change")
         ->needs(fix);
     session.AddFormat(*command, "text (default), json, or sarif", {"text", "json", "sarif"});
-    command->add_option("--color", options->color, "auto (default), always or never")
-        ->check(CLI::IsMember({"auto", "always", "never"}))
-        ->type_name("WHEN");
+    session.AddColor(*command);
     command->footer(kCheckHelp);
 }
 

@@ -155,12 +155,15 @@ void ObservedMachine::RegisterBuilders()
 
 std::string ObservedMachine::Load(const std::string& newPath)
 {
+    std::string newText;
+    const std::string fault = ReadTextFile(newPath, &newText);
+    return fault.empty() ? LoadText(newPath, std::move(newText)) : fault;
+}
+
+std::string ObservedMachine::LoadText(const std::string& newPath, std::string newText)
+{
     path = newPath;
-    std::string fault = ReadTextFile(path, &text);
-    if (!fault.empty())
-    {
-        return fault;
-    }
+    text = std::move(newText);
     const ComplaintCollector collector(complaints);
     std::error_code error;
     if (std::filesystem::is_regular_file(path, error))

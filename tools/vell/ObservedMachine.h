@@ -44,6 +44,8 @@ public:
     /// Loads the document in a file. Returns an empty text, or an error message, with line and
     /// column for invalid JSON. `Complaints` then has the lines of the library's log.
     std::string Load(const std::string& path);
+    /// The same, of a document whose text was read.
+    std::string LoadText(const std::string& newPath, std::string newText);
     /// Tells which nodes of the loaded document the machine does not have; empty when it has all.
     std::string Losses() const;
     /// Enters the start state. Returns an empty text, or an error message when that failed. The

@@ -3,6 +3,7 @@
 #include "tools/vell/Session.h"
 
 #include "definitions/NodeDefTable.h"
+#include "tools/vell/CheckFirst.h"
 #include "tools/vell/Color.h"
 #include "tools/vell/LogExplanation.h"
 #include "tools/vell/LogRedirect.h"
@@ -81,6 +82,8 @@ void Session::AddDocument(CLI::App& command)
         .add_option("--log", options.log,
                     "Write the library's log to this file; otherwise it is not shown")
         ->type_name("FILE");
+    command.add_flag("--no-check", options.noCheck, "Go on with a document that has errors");
+    command.add_flag("-W", options.showsWarnings, "Show the warnings of vell check too");
 }
 
 void Session::AddColor(CLI::App& command)
@@ -224,7 +227,17 @@ std::unique_ptr<Script> Session::LoadScript()
 
 bool Session::LoadMachine(ObservedMachine& machine)
 {
-    const std::string fault = machine.Load(options.document);
+    std::string text;
+    std::string fault = ReadTextFile(options.document, &text);
+    if (fault.empty() && !options.noCheck)
+    {
+        const bool hasColor = WantsColor(options.color, isErrorTerminal);
+        if (!PassesCheck(options.document, text, options.showsWarnings, hasColor, errors))
+        {
+            return false;
+        }
+    }
+    fault = fault.empty() ? machine.LoadText(options.document, std::move(text)) : fault;
     if (!fault.empty())
     {
         Complain(fault);

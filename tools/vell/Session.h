@@ -35,6 +35,8 @@ struct Options
     std::string log;    ///< empty when the library's log is discarded
     std::string format; ///< empty for the command's default
     std::optional<std::uint64_t> ticks;
+    bool noCheck = false;       ///< load the document whatever is wrong with it
+    bool showsWarnings = false; ///< of the check
     RunOptions run;
 };
 
@@ -53,7 +55,7 @@ public:
     /// read, with the library's log discarded or in the file of --log.
     CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& description,
                          Action action);
-    /// The argument DOCUMENT and the option --log.
+    /// The argument DOCUMENT, and the options --log, --no-check and -W.
     void AddDocument(CLI::App& command);
     /// The option --color.
     void AddColor(CLI::App& command);
@@ -75,8 +77,8 @@ public:
     /// Reads the script of --script or --after. Returns null, with errors, when it has invalid
     /// lines; an empty script when the option was not given.
     std::unique_ptr<Script> LoadScript();
-    /// Loads DOCUMENT. Returns false, with errors, when it does not load. When it loads and loses
-    /// nodes, there is an error too, and the call will exit with 1.
+    /// Checks and loads DOCUMENT. Returns false, with errors, when it has errors or does not load.
+    /// When it loads and loses nodes, there is an error too, and the call will exit with 1.
     bool LoadMachine(ObservedMachine& machine);
     /// Starts the machine and runs the script without output. Returns false, with errors, when
     /// nothing can run or an expectation failed.

@@ -1,0 +1,53 @@
+// VELL: data-driven hierarchical state machines.
+// tools/vell/CheckFirst.cpp: the check before a document is run, drawn or printed.
+#include "tools/vell/CheckFirst.h"
+
+#include "tools/check/Check.h"
+#include "tools/check/Output.h"
+
+#include <algorithm>
+#include <ostream>
+#include <utility>
+#include <vector>
+
+namespace vell::tool
+{
+namespace
+{
+
+using check::Finding;
+using check::Severity;
+
+void KeepFrom(Severity lowest, std::vector<Finding>& list)
+{
+    list.erase(std::remove_if(list.begin(), list.end(),
+                              [lowest](const Finding& finding)
+                              {
+                                  return check::GetEntry(finding.code).severity < lowest;
+                              }),
+               list.end());
+}
+
+} // namespace
+
+bool PassesCheck(const std::string& path, const std::string& text, bool showsWarnings,
+                 bool hasColor, std::ostream& errors)
+{
+    check::CheckedDocument document;
+    document.path = path == "-" ? check::kStandardInput : path;
+    document.text = source::ReadText(text);
+    document.findings = check::CheckDocument(document.text);
+    KeepFrom(showsWarnings ? Severity::Warning : Severity::Error, document.findings.list);
+    errors << check::ToText(document, hasColor);
+    if (!document.findings.HasErrors())
+    {
+        return true;
+    }
+    check::CheckedDocuments documents;
+    documents.push_back(std::move(document));
+    errors << check::SummaryOf(documents);
+    errors << "use --no-check to go on all the same\n";
+    return false;
+}
+
+} // namespace vell::tool
