@@ -187,6 +187,43 @@ TEST(Check, FindsMissingMembers)
     });
 }
 
+TEST(Check, TakesAMisspeltMemberForTheMissingOne)
+{
+    ExpectFound({
+        {"\"target\"",
+         "\"Target\"",
+         {"43:21 VELL021 the transition 'Again' has no member 'target'; did you misspell it "
+          "'Target'?"}},
+        {"\"builder\"",
+         "\"buidler\"",
+         {"32:21 VELL021 the node 'Stand' has no member 'builder'; did you misspell it "
+          "'buidler'?"}},
+    });
+}
+
+TEST(Check, LeavesOutWhatFollowsFromLostNodesOrFromAWrongType)
+{
+    const auto codesOf = [](const std::string& old, const std::string& now)
+    {
+        const source::Text text = source::ReadText(Replaced(kDocument, old, now));
+        Lines codes;
+        for (const check::Finding& finding : check::CheckDocument(text).list)
+        {
+            if (check::GetEntry(finding.code).severity == check::Severity::Error)
+            {
+                codes.push_back(check::NameOf(finding.code));
+            }
+        }
+        return codes;
+    };
+
+    EXPECT_EQ(codesOf("\"layers\"", "\"layer\""), Lines{"VELL021"});
+    EXPECT_EQ(codesOf("\"nodes\"", "\"node\""), Lines{"VELL021"});
+    EXPECT_EQ(codesOf("\"generic\"", "\"state\""), Lines{"VELL040"});
+    EXPECT_EQ(codesOf("\"target\": 10", "\"target\": 10.0"), Lines{"VELL024"});
+    EXPECT_EQ(codesOf("\"substateRoot\": 10", "\"substateRoot\": 10.0"), Lines{"VELL024"});
+}
+
 TEST(Check, FindsValuesOfTheWrongType)
 {
     ExpectFound({
@@ -291,9 +328,10 @@ TEST(Check, FindsUnknownWordsWithTheNearestOnes)
         {"\"less\"",
          "\"lessThan\"",
          {"51:41 VELL041 unknown operator 'lessThan'; did you mean 'less'?"}},
+        {"\"less\"", "\"<\"", {"51:41 VELL041 unknown operator '<'; did you mean 'less'?"}},
         {"\"less\"",
-         "\"<\"",
-         {"51:41 VELL041 unknown operator '<'; expected 'equal', 'notEqual', 'greater', "
+         "\"below\"",
+         {"51:41 VELL041 unknown operator 'below'; expected 'equal', 'notEqual', 'greater', "
           "'greaterOrEqual', 'less', 'lessOrEqual' or 'range'"}},
         {"\"parameterType\": \"float\"",
          "\"parameterType\": \"flaot\"",

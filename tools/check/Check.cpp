@@ -99,22 +99,32 @@ bool IsMistakeOfValue(Code code)
     return code == Code::WrongType || code == Code::OutOfRange || code == Code::Fraction;
 }
 
-/// Of two findings about one value, leaves out what only follows from the value's type.
-void LeaveOutConsequences(std::vector<Finding>& list)
+/// Of what nodes refer to and mean, and of the memory that they need.
+bool IsAboutNodes(Code code)
+{
+    return (code >= Code::TargetAbsent && code < Code::ConditionTypeDiffers) ||
+           (code >= Code::StateUnreached && code <= Code::MemoryTooLarge);
+}
+
+/// Leaves out what only follows from the wrong type of a value, or from nodes that are lost by
+/// another mistake.
+void LeaveOutConsequences(Findings& findings)
 {
     std::set<std::uint32_t> wrong;
-    for (const Finding& finding : list)
+    for (const Finding& finding : findings.list)
     {
         if (IsMistakeOfValue(finding.code))
         {
             wrong.insert(finding.where.begin.offset);
         }
     }
-    const auto isConsequence = [&wrong](const Finding& finding)
+    const auto isConsequence = [&findings, &wrong](const Finding& finding)
     {
-        return finding.code >= Code::NodeWithoutId && finding.code < Code::MemoryTooSmall &&
-               wrong.count(finding.where.begin.offset) != 0;
+        return (findings.hasLostNodes && IsAboutNodes(finding.code)) ||
+               (finding.code >= Code::NodeWithoutId && finding.code < Code::MemoryTooSmall &&
+                wrong.count(finding.where.begin.offset) != 0);
     };
+    std::vector<Finding>& list = findings.list;
     list.erase(std::remove_if(list.begin(), list.end(), isConsequence), list.end());
 }
 
@@ -130,7 +140,7 @@ Findings CheckDocument(const source::Text& text)
         CheckMembers(document, findings);
         CheckWords(document, findings);
         CheckRules(document, findings);
-        LeaveOutConsequences(findings.list);
+        LeaveOutConsequences(findings);
         LeaveOutAllowed(document.root, findings);
     }
     std::stable_sort(findings.list.begin(), findings.list.end(),

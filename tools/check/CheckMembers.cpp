@@ -50,6 +50,53 @@ bool IsRemark(const Visit& visit, const std::string& name)
            (name == kSchemaMember && visit.kind == ObjectKind::Root);
 }
 
+/// The ids of nodes and parameters, and the conditions of transitions, are the business of the
+/// families of ids and references.
+bool IsOfOtherFamily(const Visit& visit, const MemberRule& rule)
+{
+    const std::string_view name = rule.name;
+    return (name == GetJsonName(JSON_ID) &&
+            (visit.kind == ObjectKind::Node || visit.kind == ObjectKind::Parameter)) ||
+           (name == GetJsonName(JSON_Conditions) && visit.builder == BUILDER_Transition);
+}
+
+bool IsNearest(std::string_view name, const std::vector<std::string_view>& nearest)
+{
+    return !nearest.empty() && nearest[0] == name;
+}
+
+/// Finds the unknown member that is perhaps the missing one, misspelt.
+const Member* FindMisspelt(const Visit& visit, std::string_view name)
+{
+    for (const Member& member : visit.object.members)
+    {
+        if (!member.isRepeated && FindRule(visit, member.name) == nullptr &&
+            !IsRemark(visit, member.name) && OwnersOf(member.name).empty() &&
+            IsNearest(name, FindNearest(member.name, NamesOf(visit))))
+        {
+            return &member;
+        }
+    }
+    return nullptr;
+}
+
+/// Tells whether the unknown member is perhaps a missing one, which is then reported in its place.
+bool IsMissingOne(const Visit& visit, const Member& member)
+{
+    const auto names = [&visit, &member](const MemberRules& rules)
+    {
+        return std::any_of(rules.begin(), rules.end(),
+                           [&visit, &member](const MemberRule& rule)
+                           {
+                               return rule.isRequired && !IsOfOtherFamily(visit, rule) &&
+                                      visit.object.Find(rule.name) == nullptr &&
+                                      FindMisspelt(visit, rule.name) == &member;
+                           });
+    };
+    return names(RulesOf(visit.kind)) ||
+           (visit.kind == ObjectKind::Node && names(RulesOfBuilder(visit.builder)));
+}
+
 void CheckUnknown(const Visit& visit, const Member& member, Findings& findings)
 {
     if (IsRemark(visit, member.name) || IsHostNode(visit))
@@ -71,18 +118,11 @@ void CheckUnknown(const Visit& visit, const Member& member, Findings& findings)
         }
         return;
     }
-    findings.Add(Code::UnknownMember, member.nameSpan, "unknown member '" + member.name + "'",
-                 DidYouMean(member.name, NamesOf(visit)));
-}
-
-/// The ids of nodes and parameters, and the conditions of transitions, are the business of the
-/// families of ids and references.
-bool IsOfOtherFamily(const Visit& visit, const MemberRule& rule)
-{
-    const std::string_view name = rule.name;
-    return (name == GetJsonName(JSON_ID) &&
-            (visit.kind == ObjectKind::Node || visit.kind == ObjectKind::Parameter)) ||
-           (name == GetJsonName(JSON_Conditions) && visit.builder == BUILDER_Transition);
+    if (!IsMissingOne(visit, member))
+    {
+        findings.Add(Code::UnknownMember, member.nameSpan, "unknown member '" + member.name + "'",
+                     DidYouMean(member.name, NamesOf(visit)));
+    }
 }
 
 /// The place of an object's opening bracket.
@@ -94,10 +134,27 @@ source::Span OpeningOf(const Value& object)
     return span;
 }
 
+/// A member without which nodes are lost.
+bool LeadsToNodes(std::string_view name)
+{
+    return name == GetJsonName(JSON_Layers) || name == GetJsonName(JSON_Nodes) ||
+           name == GetJsonName(JSON_BuilderType);
+}
+
 void AddMissing(const Visit& visit, std::string_view name, Findings& findings)
 {
-    findings.Add(Code::MissingMember, OpeningOf(visit.object),
-                 NameOf(visit) + " has no member '" + std::string(name) + "'");
+    const Member* misspelt = FindMisspelt(visit, name);
+    const std::string message = NameOf(visit) + " has no member '" + std::string(name) + "'";
+    if (misspelt == nullptr)
+    {
+        findings.Add(Code::MissingMember, OpeningOf(visit.object), message);
+    }
+    else
+    {
+        findings.Add(Code::MissingMember, misspelt->nameSpan, message,
+                     "did you misspell it '" + misspelt->name + "'?");
+    }
+    findings.hasLostNodes = findings.hasLostNodes || LeadsToNodes(name);
 }
 
 void CheckRequired(const Visit& visit, const MemberRules& rules, Findings& findings)

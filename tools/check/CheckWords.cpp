@@ -42,8 +42,46 @@ Code CodeOf(Words words)
     return Code::UnknownAttributeType;
 }
 
+/// What other programs call the words. A word that the list does not have is passed over.
+constexpr const char* kOtherWords[][2] = {
+    {"double", "float"},
+    {"number", "float"},
+    {"real", "float"},
+    {"string", "message"},
+    {"trigger", "message"},
+    {"event", "message"},
+    {"vector2", "float2"},
+    {"vector3", "float3"},
+    {"vector4", "float4"},
+    {"state", "generic"},
+    {"simple", "generic"},
+    {"clip", "animClip"},
+    {"animation", "animClip"},
+    {"level", "substate"},
+    {"any", "global"},
+    {"==", "equal"},
+    {"=", "equal"},
+    {"!=", "notEqual"},
+    {"<>", "notEqual"},
+    {"<", "less"},
+    {"<=", "lessOrEqual"},
+    {">", "greater"},
+    {">=", "greaterOrEqual"},
+    {"between", "range"},
+    {"float", "double"},
+    {"string", "QString"},
+    {"text", "QString"},
+};
+
 std::string HintFor(Words words, const std::string& wrong)
 {
+    for (const auto& other : kOtherWords)
+    {
+        if (wrong == other[0] && NumberOf(words, other[1]) != 0)
+        {
+            return std::string("did you mean '") + other[1] + "'?";
+        }
+    }
     const std::vector<std::string_view>& list = WordsOf(words);
     const std::string nearest = DidYouMean(wrong, list);
     if (!nearest.empty())
@@ -78,6 +116,7 @@ void CheckWord(const MemberRule& rule, const Value& value, Findings& findings)
         findings.Add(CodeOf(rule.words), value.span,
                      std::string("unknown ") + TitleOf(rule.words) + " '" + value.text + "'",
                      HintFor(rule.words, value.text));
+        findings.hasLostNodes = findings.hasLostNodes || rule.words == Words::Builders;
     }
     else if (rule.words == Words::ParameterTypes && number == DURMBaseLib::PARAM_Text)
     {

@@ -48,6 +48,8 @@ public:
     bool HasErrors() const;
 
     std::vector<Finding> list;
+    /// Nodes are missing or of no known kind: what refers to them is wrong only because of that.
+    bool hasLostNodes = false;
 };
 
 } // namespace vell::check

@@ -83,15 +83,16 @@ std::size_t Farness(const std::string& wrong, const std::string& word)
 
 } // namespace
 
-std::string DidYouMean(std::string_view wrong, const std::vector<std::string_view>& words)
+std::vector<std::string_view> FindNearest(std::string_view wrong,
+                                          const std::vector<std::string_view>& words)
 {
+    std::vector<std::string_view> found;
     if (wrong.empty() || wrong.size() > kLongest)
     {
-        return {};
+        return found;
     }
     const std::string lower = ToLower(wrong);
     std::size_t nearest = kFar;
-    std::vector<std::string_view> found;
     for (const std::string_view word : words)
     {
         const std::size_t farness = Farness(lower, ToLower(word));
@@ -106,6 +107,12 @@ std::string DidYouMean(std::string_view wrong, const std::vector<std::string_vie
             found.push_back(word);
         }
     }
+    return found;
+}
+
+std::string DidYouMean(std::string_view wrong, const std::vector<std::string_view>& words)
+{
+    const std::vector<std::string_view> found = FindNearest(wrong, words);
     std::string text;
     for (std::size_t i = 0; i < found.size(); ++i)
     {

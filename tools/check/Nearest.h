@@ -9,8 +9,12 @@
 namespace vell::check
 {
 
-/// Gives "did you mean 'less'?" with the words that are nearest to `wrong`, at most three; empty
-/// when none is near. Upper and lower case count little.
+/// Gives the words that are nearest to `wrong`, at most three; none when none is near. Upper and
+/// lower case count little.
+std::vector<std::string_view> FindNearest(std::string_view wrong,
+                                          const std::vector<std::string_view>& words);
+
+/// Gives "did you mean 'less'?" with the nearest words; empty when none is near.
 std::string DidYouMean(std::string_view wrong, const std::vector<std::string_view>& words);
 
 } // namespace vell::check
