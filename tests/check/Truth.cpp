@@ -6,7 +6,9 @@
 #include <vell/Factories.h>
 #include <vell/IHSM.h>
 
+#include "definitions/GenericDef.h"
 #include "foundation/LogStream.h"
+#include "tools/check/DocumentModel.h"
 #include "tools/vell/LogRedirect.h"
 
 #include <algorithm>
@@ -47,11 +49,21 @@ bool Overlaps(const source::Span& left, const source::Span& right)
 Loaded Load(const std::string& text)
 {
     Loaded loaded;
+    const source::Text read = source::ReadText(text);
+    const check::DocumentModel model(read.root);
     const tool::LogRedirect silence("");
     recorded = &loaded;
     DURMBaseLib::SetLogCallBackBase(Record);
     {
         const std::unique_ptr<IHSM> machine(CreateHSMJson(text.c_str()));
+        for (const check::NodeModel& node : model.nodes)
+        {
+            if (node.IsOfHost())
+            {
+                machine->RegisterNodeDef(static_cast<__DURM_BUILDERS__>(node.builder),
+                                         GenericDef::Create);
+            }
+        }
         loaded.isInitialised = machine->Init() != 0;
         DURMBaseLib::SetLogCallBackBase(nullptr);
         machine->Uninit();

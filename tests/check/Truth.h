@@ -24,7 +24,8 @@ struct Loaded
     }
 };
 
-/// Loads a document and records the log, which goes nowhere else.
+/// Loads a document, with plain nodes for the builders of a host, and records the log, which goes
+/// nowhere else.
 Loaded Load(const std::string& text);
 
 /// What the check says of a text.

@@ -75,6 +75,21 @@ void CheckMemory(const DocumentModel& model, const Loading& loading, Findings& f
     }
 }
 
+/// The library cannot build these nodes alone; each builder is told once.
+void CheckHostBuilders(const DocumentModel& model, Findings& findings)
+{
+    std::set<int> told;
+    for (const NodeModel& node : model.nodes)
+    {
+        if (node.IsOfHost() && told.insert(node.builder).second)
+        {
+            findings.Add(Code::HostBuilder, PlaceOf(*node.value, JSON_BuilderType),
+                         "the builder " + std::to_string(node.builder) + " of " + Titled(node) +
+                             " is not one of the library's: the host has to register it");
+        }
+    }
+}
+
 /// A failed layer is built up to eight times, so its use of the arena says nothing.
 bool IsWhole(const Loading& loading)
 {
@@ -225,6 +240,7 @@ void CheckRules(const Document& document, Findings& findings)
 void CheckLoading(const DocumentModel& model, const std::string& text, Findings& findings)
 {
     const Loading loading = LoadDocument(model, text);
+    CheckHostBuilders(model, findings);
     if (model.head != nullptr && IsWhole(loading))
     {
         CheckMemory(model, loading, findings);

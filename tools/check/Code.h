@@ -132,6 +132,7 @@ enum class Code : int
     // 150 to 159: memory.
     MemoryTooSmall = 150,
     MemoryTooLarge = 151,
+    HostBuilder = 152,
     // From 190: what the library says when it loads the document.
     LibraryError = 190,
     LibraryWarning = 191,

@@ -16,6 +16,12 @@ const CodeTable& LoadingCodes()
          "The arena has a hundred times the bytes of `memory`, and is allocated at once. More than "
          "ten times of what is needed is a waste; a figure above 42949672 wraps around.",
          "\"memory\": 5000000", "\"memory\": 500"},
+        {Code::HostBuilder, Severity::Note, "a builder of the host",
+         "A builder that is a number is one that the host registers. Without the host the library "
+         "loses the node and all layers, so `vell run` cannot run the document. The check loads a "
+         "plain node in its place.",
+         "{\"name\": \"Turret\", \"id\": 10, \"builder\": \"1000\"}",
+         "{\"name\": \"Turret\", \"id\": 10, \"builder\": \"generic\"}"},
         {Code::LibraryError, Severity::Error, "an error in the library's log",
          "The library logs this error when it loads the document, and no rule of the check "
          "explains it. Please report it.",

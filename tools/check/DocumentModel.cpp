@@ -110,6 +110,11 @@ source::Span TitlePlace(const Value& object)
     return brace;
 }
 
+bool NodeModel::IsOfHost() const
+{
+    return builder != 0 && BuilderWord(builder) == nullptr;
+}
+
 bool NodeModel::CanRun() const
 {
     return IsStateBuilder(builder) || BuilderWord(builder) == nullptr;

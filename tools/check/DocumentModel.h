@@ -70,6 +70,8 @@ struct NodeModel
     // Of an enter or exit node.
     unsigned int entryTarget = 0;
 
+    /// True when a host has to register its builder.
+    bool IsOfHost() const;
     bool Is(int builderNumber) const
     {
         return builder == builderNumber;

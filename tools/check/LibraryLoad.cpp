@@ -7,6 +7,7 @@
 #include <vell/SMState.h>
 #include <vell/SubstateState.h>
 
+#include "definitions/GenericDef.h"
 #include "foundation/LogStream.h"
 #include "states/EnterState.h"
 #include "states/ExitState.h"
@@ -81,10 +82,14 @@ public:
         Destroy();
     }
 
-    bool Load(const std::string& text)
+    bool Load(const DocumentModel& model, const std::string& text)
     {
         jsonText = text.c_str();
         isCreated = Create() != 0;
+        if (isCreated)
+        {
+            RegisterHostBuilders(model);
+        }
         const bool isLoaded = isCreated && Init() != 0;
         used = alloc.used;
         return isLoaded;
@@ -93,6 +98,18 @@ public:
     std::uint64_t used = 0;
 
 private:
+    /// Plain nodes stand in for those that only a host can build.
+    void RegisterHostBuilders(const DocumentModel& model)
+    {
+        for (const NodeModel& node : model.nodes)
+        {
+            if (node.IsOfHost())
+            {
+                RegisterNodeDef(static_cast<__DURM_BUILDERS__>(node.builder), GenericDef::Create);
+            }
+        }
+    }
+
     bool isCreated = false;
 };
 
@@ -146,7 +163,7 @@ Loading LoadDocument(const DocumentModel& model, const std::string& text)
     const tool::LogRedirect silence("");
     const Collector collector(loading.complaints);
     Probe machine;
-    loading.isLoaded = machine.Load(changed);
+    loading.isLoaded = machine.Load(model, changed);
     loading.used = machine.used;
     return loading;
 }
