@@ -2,6 +2,7 @@
 // tools/check/CheckIds.cpp: ids that are missing, taken or not what they should be.
 #include "tools/check/Rules.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <unordered_map>
@@ -232,12 +233,19 @@ private:
 /// A name in place of an id is a value of the wrong type; here is what to write instead.
 void ExplainNames(const DocumentModel& model, Findings& findings)
 {
+    const auto isWrongType = [](const Finding& finding)
+    {
+        return finding.code == Code::WrongType;
+    };
+    if (std::none_of(findings.list.begin(), findings.list.end(), isWrongType))
+    {
+        return;
+    }
     const NamesForIds names(model);
     for (Finding& finding : findings.list)
     {
-        const std::string* advice = finding.code == Code::WrongType
-                                        ? names.FindAdvice(finding.where.begin.offset)
-                                        : nullptr;
+        const std::string* advice =
+            isWrongType(finding) ? names.FindAdvice(finding.where.begin.offset) : nullptr;
         if (advice != nullptr)
         {
             finding.code = Code::NameForId;

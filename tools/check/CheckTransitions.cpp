@@ -122,10 +122,11 @@ private:
         for (std::size_t i = 0; i < guard.sets.size(); ++i)
         {
             const HoldingSet& set = guard.sets[i];
-            Cover own;
-            own.Add(set);
-            cover.Add(set);
-            if (!set.isKnown || (!set.values.empty() && !own.HoldsAlways()))
+            if (guard.sets.size() > 1)
+            {
+                cover.Add(set);
+            }
+            if (!set.isKnown || (!set.values.empty() && !set.HoldsAlways()))
             {
                 continue;
             }
@@ -254,6 +255,15 @@ private:
         }
     }
 
+    static bool LeadsTo(const NodeModel& state, unsigned int target)
+    {
+        return std::any_of(state.transitions.begin(), state.transitions.end(),
+                           [target](const NodeModel* transition)
+                           {
+                               return transition->target == target;
+                           });
+    }
+
     /// Two states whose transitions lead to each other for the same value of one parameter.
     void CheckReturns(const NodeModel& state)
     {
@@ -265,7 +275,7 @@ private:
             const bool isPair = target != nullptr && target->CanRun() &&
                                 !state.Is(BUILDER_Global) && (target == &state || &state < target);
             if (!isPair || isLarge || target->transitions.size() > kMaxNamed ||
-                !seen.insert(target->id).second)
+                !LeadsTo(*target, state.id) || !seen.insert(target->id).second)
             {
                 continue;
             }

@@ -227,6 +227,13 @@ bool ValueSet::Overlaps(const ValueSet& other) const
     return false;
 }
 
+bool HoldingSet::HoldsAlways() const
+{
+    Interval all{};
+    return values.size() == 1 && ValueSets::GetAll(condition->parameter->type, &all) &&
+           values[0].low <= all.low && values[0].high >= all.high;
+}
+
 HoldingSet ValueSets::Find(const ConditionModel& condition)
 {
     HoldingSet set;

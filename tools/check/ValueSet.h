@@ -54,6 +54,9 @@ struct HoldingSet
     const ConditionModel* condition = nullptr;
     std::vector<Interval> values; ///< at most two; none when it never holds
     bool isKnown = false;         ///< false when the condition is wrong in a way told elsewhere
+
+    /// True when it holds for every value of its parameter.
+    bool HoldsAlways() const;
 };
 
 /// Finds for which values conditions hold. The texts of messages are numbered by it, so sets of one
