@@ -159,7 +159,7 @@ TEST(VellCommand, TakesEachFormatThatItNames)
         {{"graph", path, "--format", "mermaid"}, "---\ntitle: "},
         {{"tree", path}, "{\n"},
         {{"tree", path, "--format", "json"}, "{\n"},
-        {{"tree", path, "--format", "text"}, "filename = "}};
+        {{"tree", path, "--format", "text"}, "contextInfo/nextState = "}};
     for (const auto& [words, start] : cases)
     {
         const Outcome outcome = CallVell(words);

@@ -18,10 +18,10 @@ namespace
 {
 
 constexpr const char* kRecord = "{\n"
-                                "  \"stackStates\": [10, 12],\n"
-                                "  \"stackBlip\": [],\n"
                                 "  \"nextState\": 12,\n"
                                 "  \"previousState\": 11,\n"
+                                "  \"stackBlip\": [],\n"
+                                "  \"stackStates\": [10, 12],\n"
                                 "  \"transitionTriggered\": 100\n"
                                 "}\n";
 
@@ -74,7 +74,7 @@ TEST(VellContext, NamesTheStateThatADocumentDoesNotHave)
 {
     const Folder folder;
     std::string record = kRecord;
-    record.replace(record.find("12"), 2, "99");
+    record.replace(record.rfind("12"), 2, "99");
 
     const Outcome outcome = CallVell({"context", "restore", folder.Write("a.json", Walker().Text()),
                                       folder.Write("record.json", record)});

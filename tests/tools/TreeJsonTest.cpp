@@ -47,21 +47,21 @@ TEST(TreeJson, WritesEveryTypeOfValue)
     const Tessel::KVTable table = MakeTable();
 
     EXPECT_EQ(tool::TreeToJson(table), "{\n"
-                                       "  \"text\": \"a \\\"b\\\"\\n\\\\\",\n"
-                                       "  \"int\": -3,\n"
-                                       "  \"uint\": 4000000000,\n"
-                                       "  \"float\": 0.1,\n"
-                                       "  \"endless\": null,\n"
-                                       "  \"two\": [0.3, 0.8],\n"
-                                       "  \"three\": [1, 2, 3.5],\n"
-                                       "  \"four\": [0, 0, 0.1, 1],\n"
-                                       "  \"empty\": {},\n"
-                                       "  \"stackStates\": [],\n"
                                        "  \"array\": [7, 8],\n"
                                        "  \"both\": {\n"
                                        "    \"key\": 1,\n"
                                        "    \"[]\": [9]\n"
-                                       "  }\n"
+                                       "  },\n"
+                                       "  \"empty\": {},\n"
+                                       "  \"endless\": null,\n"
+                                       "  \"float\": 0.1,\n"
+                                       "  \"four\": [0, 0, 0.1, 1],\n"
+                                       "  \"int\": -3,\n"
+                                       "  \"stackStates\": [],\n"
+                                       "  \"text\": \"a \\\"b\\\"\\n\\\\\",\n"
+                                       "  \"three\": [1, 2, 3.5],\n"
+                                       "  \"two\": [0.3, 0.8],\n"
+                                       "  \"uint\": 4000000000\n"
                                        "}\n");
     Tessel::CloseTable(table);
 }
@@ -70,18 +70,18 @@ TEST(TreeJson, WritesALineForEachValueAsText)
 {
     const Tessel::KVTable table = MakeTable();
 
-    EXPECT_EQ(tool::TreeToText(table), "text = \"a \\\"b\\\"\\n\\\\\"\n"
-                                       "int = -3\n"
-                                       "uint = 4000000000\n"
-                                       "float = 0.1\n"
-                                       "endless = null\n"
-                                       "two = [0.3,0.8]\n"
-                                       "three = [1,2,3.5]\n"
-                                       "four = [0,0,0.1,1]\n"
-                                       "stackStates = []\n"
-                                       "array = [7,8]\n"
+    EXPECT_EQ(tool::TreeToText(table), "array = [7,8]\n"
                                        "both/key = 1\n"
-                                       "both/[] = [9]\n");
+                                       "both/[] = [9]\n"
+                                       "endless = null\n"
+                                       "float = 0.1\n"
+                                       "four = [0,0,0.1,1]\n"
+                                       "int = -3\n"
+                                       "stackStates = []\n"
+                                       "text = \"a \\\"b\\\"\\n\\\\\"\n"
+                                       "three = [1,2,3.5]\n"
+                                       "two = [0.3,0.8]\n"
+                                       "uint = 4000000000\n");
     Tessel::CloseTable(table);
 }
 
@@ -94,19 +94,19 @@ TEST(TreeJson, NamesTheWholePathOfAValue)
     inner->AddTable(kMainStackKey, 1)->PushUInt(7, 1);
     inner->AddTable("deep", 1)->SetInt("value", 2, 1);
 
-    EXPECT_EQ(tool::TreeToText(table), "outer/inner/value = 1\n"
+    EXPECT_EQ(tool::TreeToText(table), "outer/inner/deep/value = 2\n"
                                        "outer/inner/stackBlip = []\n"
                                        "outer/inner/stackStates = [7]\n"
-                                       "outer/inner/deep/value = 2\n");
+                                       "outer/inner/value = 1\n");
     EXPECT_EQ(tool::TreeToJson(table), "{\n"
                                        "  \"outer\": {\n"
                                        "    \"inner\": {\n"
-                                       "      \"value\": 1,\n"
-                                       "      \"stackBlip\": [],\n"
-                                       "      \"stackStates\": [7],\n"
                                        "      \"deep\": {\n"
                                        "        \"value\": 2\n"
-                                       "      }\n"
+                                       "      },\n"
+                                       "      \"stackBlip\": [],\n"
+                                       "      \"stackStates\": [7],\n"
+                                       "      \"value\": 1\n"
                                        "    }\n"
                                        "  }\n"
                                        "}\n");
@@ -126,11 +126,11 @@ TEST(TreeJson, WritesWhatJsonHasNoWordForAsNull)
     table->SetFloat2("two", &two, 1);
     table->SetFloat4("four", &four, 1);
 
-    EXPECT_EQ(tool::TreeToText(table), "high = null\n"
+    EXPECT_EQ(tool::TreeToText(table), "four = [null,null,null,0]\n"
+                                       "high = null\n"
                                        "low = null\n"
                                        "none = null\n"
-                                       "two = [null,1]\n"
-                                       "four = [null,null,null,0]\n");
+                                       "two = [null,1]\n");
     Tessel::CloseTable(table);
 }
 
@@ -166,14 +166,66 @@ TEST(VellTree, PrintsTheTreeOfAMachineThatIsNotStarted)
     const Outcome outcome = CallVell({"tree", path, "--format", "text"});
 
     EXPECT_EQ(outcome.errors, "");
-    const std::string head = "filename = \"" + path +
-                             "\"\n"
-                             "contextInfo/stackStates = []\n"
-                             "contextInfo/stackBlip = []\n"
-                             "contextInfo/nextState = 0\n"
+    const std::string head = "contextInfo/nextState = 0\n"
                              "contextInfo/previousState = 0\n"
-                             "contextInfo/transitionTriggered = 0\n";
+                             "contextInfo/stackBlip = []\n"
+                             "contextInfo/stackStates = []\n"
+                             "contextInfo/transitionTriggered = 0\n"
+                             "filename = \"" +
+                             path + "\"\n";
     EXPECT_EQ(outcome.out.substr(0, head.size()), head);
+}
+
+TEST(TreeJson, SortsKeysThatAreNumbersByTheirValueBehindWords)
+{
+    const Tessel::KVTable table = Tessel::CreateTable("root");
+    for (const char* key : {"100", "9", "b", "11", "a", "9a", "4294967296"})
+    {
+        table->SetInt(key, 1, 1);
+    }
+    table->AddTable("10", 1)->SetInt("x", 1, 1);
+
+    EXPECT_EQ(tool::TreeToText(table), "4294967296 = 1\n"
+                                       "9a = 1\n"
+                                       "a = 1\n"
+                                       "b = 1\n"
+                                       "9 = 1\n"
+                                       "10/x = 1\n"
+                                       "11 = 1\n"
+                                       "100 = 1\n");
+    Tessel::CloseTable(table);
+}
+
+TEST(VellTree, ShowsNamesBesideIds)
+{
+    const Folder folder;
+    const std::string path = folder.Write("a.json", Walker().Text());
+    const std::string script = folder.Write("a.script", "tick\nset speed 2\ntick\n");
+    const std::string speed = std::to_string(ParameterId("speed"));
+
+    const std::string text = CallVell({"tree", path, "--after", script, "--format", "text"}).out;
+    for (const std::string& line : {std::string("contextInfo/nextState = 12  # Walk"),
+                                    std::string("contextInfo/stackBlip = []"),
+                                    std::string("contextInfo/stackStates = [10,12]  # "
+                                                "Locomotion/Walk"),
+                                    std::string("contextInfo/transitionTriggered = 100  # ToWalk"),
+                                    std::string("nodeDefTable/11/attribs/id = 11  # Stand"),
+                                    "parameterTable/" + speed + "/value = 2  # speed"})
+    {
+        EXPECT_NE(("\n" + text).find("\n" + line + "\n"), std::string::npos) << line << "\n"
+                                                                             << text;
+    }
+
+    rapidjson::Document tree;
+    tree.Parse(CallVell({"tree", path, "--after", script}).out.c_str());
+    ASSERT_FALSE(tree.HasParseError());
+    EXPECT_STREQ(tree[kContextKey]["nextState#"].GetString(), "Walk");
+    EXPECT_STREQ(tree[kContextKey]["stackStates#"][0].GetString(), "Locomotion");
+    EXPECT_STREQ(tree[kContextKey]["stackStates#"][1].GetString(), "Walk");
+    EXPECT_FALSE(tree[kContextKey].HasMember("stackBlip#"));
+    EXPECT_STREQ(tree[kParametersKey][speed.c_str()]["#"].GetString(), "speed");
+    EXPECT_STREQ(tree[kNodesKey]["11"]["#"].GetString(), "Stand");
+    EXPECT_FALSE(tree[kNodesKey].HasMember("#"));
 }
 
 TEST(VellTree, FailsWhenItsScriptDoes)

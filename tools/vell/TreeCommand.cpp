@@ -2,6 +2,9 @@
 // tools/vell/TreeCommand.cpp: printing the tree of tables of a machine.
 #include "tools/vell/TreeCommand.h"
 
+#include <vell/IParameterTable.h>
+
+#include "definitions/NodeDefTable.h"
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/HelpText.h"
 #include "tools/vell/ObservedMachine.h"
@@ -18,6 +21,24 @@ namespace vell::tool
 namespace
 {
 
+TreeNames NamesIn(ObservedMachine& machine)
+{
+    TreeNames names;
+    names.node = [&machine](unsigned int id)
+    {
+        BaseDef* def = machine.Nodes()->Find(id);
+        return def == nullptr || def->GetName() == nullptr ? std::string()
+                                                           : std::string(def->GetName());
+    };
+    names.parameter = [&machine](unsigned int id)
+    {
+        IParameterTable* table = machine.GetParameterTable();
+        const char* name = table == nullptr ? nullptr : table->GetParameterName(id);
+        return name == nullptr ? std::string() : std::string(name);
+    };
+    return names;
+}
+
 int PrintTree(Session& session)
 {
     const std::unique_ptr<Script> script = session.LoadScript();
@@ -32,7 +53,9 @@ int PrintTree(Session& session)
         return ExitFailed;
     }
     const Tessel::KVTable root = machine.GetKVTable();
-    return session.Write(session.options.format == "text" ? TreeToText(root) : TreeToJson(root));
+    const TreeNames names = NamesIn(machine);
+    return session.Write(session.options.format == "text" ? TreeToText(root, &names)
+                                                          : TreeToJson(root, &names));
 }
 
 } // namespace
@@ -49,7 +72,10 @@ void AddTreeCommand(CLI::App& app, Session& session)
     session.AddAfter(*tree);
     session.AddFormat(*tree, "json (default), or text: one line per value", {"json", "text"});
     session.AddOutput(*tree);
-    tree->footer("\nWithout --after, the machine is loaded but not started.");
+    tree->footer(R"(
+Without --after, the machine is loaded but not started. Keys are sorted. The
+name of a node or parameter is beside its id: behind a # in text, under "#" or
+"KEY#" in JSON. The tree itself has no such keys.)");
 }
 
 } // namespace vell::tool
