@@ -274,7 +274,7 @@ TEST(VellCommand, ShowsWhatTheLibraryComplainsOf)
         EXPECT_EQ(outcome.out, "") << Join(words);
         EXPECT_THAT(outcome.errors,
                     testing::MatchesRegex(
-                        headless + ": not a machine document: its head is missing or incomplete\n"
+                        headless + ": not a machine document: it has no object \"head\"\n"
                                    "From the library's log \\(use --log FILE for all of it\\):\n"
                                    "  ERROR_BREAK\\(0\\) at [0-9]+ in vell::HSM::Create\n"
                                    "      The head is missing or incomplete, or there is not "

@@ -66,7 +66,8 @@ TEST(VellLosses, OfAllNodesLeaveNothingToRun)
     EXPECT_EQ(outcome.code, tool::ExitFailed);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.errors.substr(0, outcome.errors.find('\n')),
-              "a.json: all 2 nodes are lost, the first is A (10)");
+              "a.json: all 2 nodes are lost, the first is A (10); B (11) has the unknown builder "
+              "'genric'");
     EXPECT_NE(outcome.errors.find("'genric' is not a builder; did you mean 'generic'?"),
               std::string::npos)
         << outcome.errors;
@@ -74,6 +75,47 @@ TEST(VellLosses, OfAllNodesLeaveNothingToRun)
                                   "has the id 10\n"),
               std::string::npos)
         << outcome.errors;
+}
+
+TEST(VellLosses, OfAnArenaThatIsTooSmallSayWhatToRaise)
+{
+    DocumentBuilder small = Walker();
+    small.Head().Set(JSON_HeadMemory, 25);
+    DocumentBuilder tiny = Walker();
+    tiny.Head().Set(JSON_HeadMemory, 5);
+
+    for (const DocumentBuilder* document : {&small, &tiny})
+    {
+        const Outcome outcome = RunScript(*document, "tick\n");
+
+        EXPECT_EQ(outcome.code, tool::ExitFailed);
+        EXPECT_NE(outcome.errors.find("; the arena is nearly full, raise \"memory\" in the head\n"),
+                  std::string::npos)
+            << outcome.errors;
+    }
+}
+
+TEST(VellLosses, OfTheHeadAreNamed)
+{
+    DocumentBuilder typeless;
+    typeless.Head().Remove(JSON_HeadMachineType);
+    DocumentBuilder memoryless;
+    memoryless.Head().Set(JSON_HeadMemory, 0);
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"[]", "its root is not an object"},
+        {"{}", "it has no object \"head\""},
+        {typeless.Text(), "its head has no text \"machineType\""},
+        {memoryless.Text(), "\"memory\" in its head is 0"}};
+    for (const auto& [text, reason] : cases)
+    {
+        const Folder folder;
+        const std::string path = folder.Write("a.json", text);
+
+        const std::string errors = CallVell({"graph", path}).errors;
+
+        EXPECT_EQ(errors.substr(0, errors.find('\n')),
+                  path + ": not a machine document: " + reason);
+    }
 }
 
 TEST(VellLosses, AreNotFoundInASoundDocument)
@@ -133,6 +175,16 @@ TEST(LogExplanation, ShowsEachLineOnceAndLeavesOutPlacesAlone)
 
     EXPECT_EQ(tool::ExplainLog({"b", "ERROR_BREAK(0) at 5 in vell::Somewhere", "a", "b", "c"}, 2),
               (Lines{"b  (2 times)", "a", "... and 1 more"}));
+    EXPECT_EQ(tool::ExplainLog({"Failed to activate state: Unable to find state ID:  (0)",
+                                "Failed to create builder type - (x)",
+                                "Parsing JSON file has caused an exception"},
+                               9),
+              (Lines{"Failed to create builder type - (x)",
+                     "    'x' is not a builder. The nodes read so far are dropped, and later",
+                     "    layers are not read."}));
+    EXPECT_EQ(
+        tool::ExplainLog({"Parsing JSON file has caused an exception"}, 9),
+        (Lines{"Parsing JSON file has caused an exception", "    A step of loading failed."}));
     EXPECT_EQ(tool::ExplainLog({"State failed to be pushed onto state stack: 3",
                                 "State failed to be pushed onto state stack: 4"},
                                9),

@@ -310,7 +310,7 @@ TEST(VellRun, SaysWhyADocumentDoesNotLoad)
     const Outcome headless = CallVell({"run", path});
     EXPECT_EQ(headless.code, tool::ExitFailed);
     EXPECT_EQ(headless.errors.substr(0, headless.errors.find('\n')),
-              path + ": not a machine document: its head is missing or incomplete");
+              path + ": not a machine document: it has no object \"head\"");
 
     DocumentBuilder noGlobal;
     noGlobal.Start(77).Node(Generic("A", 10));

@@ -166,7 +166,7 @@ TEST(Script, SaysWhatIsMissingInEachInstruction)
         {"set speed # 5", "expected a name and a value; usage: set NAME VALUE"},
         {"message", "expected one name; usage: message NAME"},
         {"message a b", "expected one name; usage: message NAME"},
-        {"expect", "unknown expectation ''" + expectations},
+        {"expect", "expected stack, param or blip"},
         {"expect stacks", "unknown expectation 'stacks'" + expectations},
         {"expect param", "expected a name and a value; usage: expect param NAME VALUE"},
         {"expect param speed", "expected a name and a value; usage: expect param NAME VALUE"},

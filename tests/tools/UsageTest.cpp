@@ -50,6 +50,8 @@ TEST(VellUsage, SaysWhatIsWrongAndWhereTheHelpIs)
         {{"--tree"}, "unknown option '--tree'" + root},
         {{"run"}, "DOCUMENT is missing" + run},
         {{"run", document, "more"}, "unexpected argument 'more'" + run},
+        {{"run", document, "--explain", "Walk"},
+         "unexpected argument 'Walk'; did you mean '--explain=Walk'?" + run},
         {{"run", "--tcks", "3"}, "unknown option '--tcks'; did you mean '--ticks'?" + run},
         {{"run", document, "--tcks=3"}, "unknown option '--tcks'; did you mean '--ticks'?" + run},
         {{"run", document, "--ticks"}, "--ticks: the value is missing" + run},

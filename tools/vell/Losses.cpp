@@ -2,6 +2,7 @@
 // tools/vell/Losses.cpp: the walk over the nodes of a document.
 #include "tools/vell/Losses.h"
 
+#include <durm/DURMBaseLib.h>
 #include <vell/Types.h>
 
 #include "definitions/NodeDefTable.h"
@@ -44,13 +45,11 @@ public:
         for (const GenericValue& node : list.GetArray())
         {
             ++nodes;
+            NoteBuilder(node);
             const unsigned int id = ReadUInt(node, JSON_ID);
             if (table.Find(id) == nullptr || !ids.insert(id).second)
             {
-                const char* name = ReadText(node, JSON_Name);
-                first = lost == 0 ? (name == nullptr ? "" : std::string(name) + " ") + "(" +
-                                        std::to_string(id) + ")"
-                                  : first;
+                first = lost == 0 ? NameText(node) : first;
                 ++lost;
             }
         }
@@ -67,16 +66,37 @@ public:
             : lost == 1   ? "a node is lost"
                         : std::to_string(lost) + " of " + std::to_string(nodes) + " nodes are lost";
         return much + (lost == 1 ? ": " : ", the first is ") + first +
-               (layerFault.empty() ? "" : "; " + layerFault);
+               (layerFault.empty() ? "" : "; " + layerFault) +
+               (builderFault.empty() ? "" : "; " + builderFault);
     }
 
 private:
+    /// Remembers the first node that cannot be built because nobody knows its builder.
+    void NoteBuilder(const GenericValue& node)
+    {
+        const char* builder = ReadText(node, JSON_BuilderType);
+        if (builderFault.empty() && DURMBaseLib::GetBuilderIndex(builder) == 0)
+        {
+            builderFault = NameText(node) + (builder == nullptr ? " has no \"builder\""
+                                                                : " has the unknown builder '" +
+                                                                      std::string(builder) + "'");
+        }
+    }
+
+    static std::string NameText(const GenericValue& node)
+    {
+        const char* name = ReadText(node, JSON_Name);
+        return (name == nullptr ? "" : std::string(name) + " ") + "(" +
+               std::to_string(ReadUInt(node, JSON_ID)) + ")";
+    }
+
     const NodeDefTable& table;
     std::set<unsigned int> ids;
     std::size_t nodes = 0;
     std::size_t lost = 0;
     std::string first; ///< name and id of the first lost node
     std::string layerFault;
+    std::string builderFault;
 };
 
 } // namespace

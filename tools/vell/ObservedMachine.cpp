@@ -9,6 +9,7 @@
 #include <vell/UpdateResult.h>
 
 #include "definitions/NodeDefTable.h"
+#include "document/JsonReader.h"
 #include "foundation/LogStream.h"
 #include "states/EnterState.h"
 #include "states/ExitState.h"
@@ -27,6 +28,9 @@ namespace vell::tool
 {
 namespace
 {
+
+/// Bytes that are enough for any object of the library.
+constexpr unsigned int kLargeObject = 1024;
 
 /// A standard state that reports. It adds no field, so as many fit in the arena.
 template <class Standard>
@@ -182,13 +186,34 @@ std::string ObservedMachine::LoadText(const std::string& newPath, std::string ne
     }
     if (!isCreated)
     {
-        return FileName(path) + ": not a machine document: its head is missing or incomplete";
+        return FileName(path) + ": not a machine document: " + HeadFault();
     }
     if (Init() == 0)
     {
         return FileName(path) + ": cannot build the machine";
     }
     return "";
+}
+
+/// Says why `Create` failed.
+std::string ObservedMachine::HeadFault() const
+{
+    if (!document.IsObject())
+    {
+        return "its root is not an object";
+    }
+    const GenericValue& head = GetMember(document, JSON_Head);
+    if (!head.IsObject())
+    {
+        return "it has no object \"head\"";
+    }
+    if (ReadText(head, JSON_HeadMachineType) == nullptr)
+    {
+        return "its head has no text \"machineType\"";
+    }
+    const GenericValue* memory = FindMember(head, JSON_HeadMemory);
+    return memory != nullptr && ReadInt(*memory) == 0 ? "\"memory\" in its head is 0"
+                                                      : "there is no memory for its arena";
 }
 
 std::string ObservedMachine::Losses() const
@@ -216,7 +241,8 @@ std::string ObservedMachine::StartRunning()
         return "";
     }
     return FileName(path) + ": " +
-           (CanRun() ? "only the global state runs: " : "nothing to run: ") + StartFault();
+           (CanRun() ? "only the global state runs: " : "nothing to run: ") + StartFault() +
+           ArenaHint();
 }
 
 bool ObservedMachine::CanRun() const
@@ -240,6 +266,15 @@ std::string ObservedMachine::StartFault() const
 unsigned int ObservedMachine::ArenaUsed() const
 {
     return alloc.used;
+}
+
+std::string ObservedMachine::ArenaHint() const
+{
+    // A failed allocation leaves some room that was too small for it.
+    const unsigned int room = alloc.capacity - alloc.used;
+    return alloc.used == 0 || room >= std::max(alloc.capacity / 10, kLargeObject)
+               ? ""
+               : "; the arena is nearly full, raise \"memory\" in the head";
 }
 
 unsigned int ObservedMachine::ArenaSize() const

@@ -74,6 +74,8 @@ public:
     /// Bytes of the arena: those in use, and all.
     unsigned int ArenaUsed() const;
     unsigned int ArenaSize() const;
+    /// Says that the arena is nearly full, as the rest of a message; empty when it is not.
+    std::string ArenaHint() const;
 
     // For the states.
     void ReportEntered(const SMState& state);
@@ -88,6 +90,7 @@ private:
     void CheckTarget();
     std::string ParseFault() const;
     std::string StartFault() const;
+    std::string HeadFault() const;
 
     MachineObserver* observer = nullptr;
     std::string path; ///< "-" for standard input

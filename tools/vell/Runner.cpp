@@ -220,10 +220,11 @@ void Runner::OnBlipEnded()
 void Runner::OnTargetMissed(unsigned int target)
 {
     BaseDef* def = machine.Nodes() == nullptr ? nullptr : machine.Nodes()->Find(target);
-    report.Failed(tick, def == nullptr ? "the target does not exist: no node has the id " +
-                                             std::to_string(target)
-                                       : "the target " + NameOf(*def) + " (" +
-                                             std::to_string(target) + ") cannot be entered");
+    report.Failed(tick,
+                  def == nullptr
+                      ? "the target does not exist: no node has the id " + std::to_string(target)
+                      : "the target " + NameOf(*def) + " (" + std::to_string(target) +
+                            ") cannot be entered" + machine.ArenaHint());
     hasHappened = true;
 }
 

@@ -161,7 +161,8 @@ std::string ReadExpectation(Words& words, Instruction& instruction)
         return answer == "yes" || answer == "no" ? ""
                                                  : "expected yes or no; usage: expect blip yes|no";
     }
-    return "unknown expectation '" + subject + "'; expected stack, param or blip";
+    return (subject.empty() ? "expected" : "unknown expectation '" + subject + "'; expected") +
+           std::string(" stack, param or blip");
 }
 
 std::string ReadInstruction(Words& words, Instruction& instruction)

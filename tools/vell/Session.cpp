@@ -240,14 +240,14 @@ bool Session::LoadMachine(ObservedMachine& machine)
     fault = fault.empty() ? machine.LoadText(options.document, std::move(text)) : fault;
     if (!fault.empty())
     {
-        Complain(fault);
+        Complain(fault + machine.ArenaHint());
         ShowComplaints(machine);
         return false;
     }
     const std::string losses = machine.Losses();
     if (!losses.empty())
     {
-        Complain(FileName(options.document) + ": " + losses);
+        Complain(FileName(options.document) + ": " + losses + machine.ArenaHint());
         ShowComplaints(machine);
     }
     return true;
@@ -332,13 +332,15 @@ void Session::ShowComplaints(const ObservedMachine& machine)
     const std::vector<std::string>& all = machine.Complaints();
     const std::vector<std::string> complaints(
         all.begin() + static_cast<std::ptrdiff_t>(complaintsShown), all.end());
+    const bool hasCause = complaintsShown != 0;
     complaintsShown = all.size();
-    if (complaints.empty())
+    const std::vector<std::string> lines = ExplainLog(complaints, kComplaintsShown, hasCause);
+    if (lines.empty())
     {
         return;
     }
     errors << "From the library's log (use --log FILE for all of it):\n";
-    for (const std::string& line : ExplainLog(complaints, kComplaintsShown))
+    for (const std::string& line : lines)
     {
         errors << "  " << line << '\n';
     }

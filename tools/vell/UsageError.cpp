@@ -66,6 +66,20 @@ bool IsOption(const std::string& word)
     return word.size() > 1 && word[0] == '-';
 }
 
+/// Says how an option takes a value that may be left out, when there was such an option.
+std::string ValueHint(const CLI::App& command, const std::string& word)
+{
+    for (const CLI::Option* option : command.get_options())
+    {
+        if (option->count() != 0 && option->get_expected_max() == 0 &&
+            !option->get_type_name().empty())
+        {
+            return "; did you mean '" + option->get_name() + "=" + word + "'?";
+        }
+    }
+    return "";
+}
+
 /// What is wrong with the words that were left over. An option that is unknown explains more than
 /// an argument that is too many.
 std::string UnexpectedText(const CLI::App& command, const std::vector<std::string>& words)
@@ -74,7 +88,7 @@ std::string UnexpectedText(const CLI::App& command, const std::vector<std::strin
     const std::string& word = option == words.end() ? words.front() : *option;
     if (!IsOption(word))
     {
-        return "unexpected argument '" + word + "'";
+        return "unexpected argument '" + word + "'" + ValueHint(command, word);
     }
     const std::string name = word.substr(0, word.find('='));
     return "unknown option '" + name + "'" + DidYouMean(name, OptionNames(command));
