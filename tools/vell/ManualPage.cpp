@@ -23,14 +23,14 @@ std::string Escaped(const std::string& text)
     return escaped;
 }
 
-/// A text whose lines stay as they are.
+/// A text whose lines stay as they are, from the left edge, so that 80 columns fit a terminal.
 std::string AsTyped(const std::string& text)
 {
     const std::size_t begin = text.find_first_not_of('\n');
     const std::size_t end = text.find_last_not_of('\n');
     return begin == std::string::npos
                ? ""
-               : ".PP\n.nf\n" + Escaped(text.substr(begin, end - begin + 1)) + "\n.fi\n";
+               : ".PP\n.in 0\n.nf\n" + Escaped(text.substr(begin, end - begin + 1)) + "\n.fi\n.in\n";
 }
 
 std::string Entry(const std::string& left, const std::string& description)
