@@ -18,9 +18,21 @@ if(VELL_SANITIZE)
     endif()
 endif()
 
+if(MSVC)
+    # The sources are UTF-8; a few of them have more sections than its object files have by default.
+    add_compile_options(/utf-8 /permissive- /EHsc /bigobj)
+endif()
+if(MINGW)
+    # The same sources give the same file.
+    add_link_options(LINKER:--no-insert-timestamp)
+endif()
+
 # Strict warnings, where the presets ask for them: for every target of this project, the headers that
 # compile alone included.
-if(VELL_WARNINGS_AS_ERRORS)
+if(VELL_WARNINGS_AS_ERRORS AND MSVC)
+    # C4251 asks for an export of the standard library's classes that are private members.
+    add_compile_options(/W4 /WX /wd4251)
+elseif(VELL_WARNINGS_AS_ERRORS)
     add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
     # What sanitizers put in between makes g++ see uninitialised values in the standard library; the
     # other presets watch for real ones.
@@ -70,7 +82,9 @@ function(vell_library name prefix objects)
                        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
     target_compile_features(${name} INTERFACE cxx_std_17)
     set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
-    if(BUILD_SHARED_LIBS)
+    if(WIN32 AND BUILD_SHARED_LIBS)
+        set_target_properties(${name} PROPERTIES PREFIX "" IMPORT_PREFIX "")
+    elseif(BUILD_SHARED_LIBS)
         vell_shared_library_options(${name})
     endif()
     if(VELL_INSTALL)
@@ -81,7 +95,7 @@ function(vell_library name prefix objects)
     endif()
 endfunction()
 
-# A shared library finds the other ones beside itself, or where a site keeps its own.
+# A shared library but for a DLL finds the other ones beside itself, or where a site keeps its own.
 function(vell_shared_library_options name)
     # While the interface still grows, a minor version may change it.
     set_target_properties(

@@ -2,6 +2,8 @@
 // document/DocumentParser.cpp: reading of files, and the guard against deep nesting.
 #include "document/DocumentParser.h"
 
+#include "foundation/OpenFile.h"
+
 #include <rapidjson/document.h>
 
 #include <cstdint>
@@ -29,7 +31,7 @@ std::string ReadWholeFile(const char* path)
         }
     };
     std::string text;
-    const std::unique_ptr<std::FILE, Close> file(std::fopen(path, "rb"));
+    const std::unique_ptr<std::FILE, Close> file(OpenFileToRead(path));
     // Required: a file that cannot be opened is parsed as an empty text, so the log reports an
     // empty document, with the code 1.
     if (file == nullptr)

@@ -13,6 +13,7 @@
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/DocumentFiles.h"
 #include "tools/vell/Session.h"
+#include "tools/vell/System.h"
 
 #include <CLI/CLI.hpp>
 

@@ -67,6 +67,8 @@ int Call(const std::vector<std::string>& words, const Console& console)
     app.formatter(std::make_shared<HelpFormatter>());
     app.set_help_flag("-h,--help", "Show this help");
     app.set_version_flag("--version", "vell " VELL_VERSION, "Show the version");
+    // On Windows, too, what begins with a slash is a path.
+    app.allow_windows_style_options(false);
     app.require_subcommand(1);
     AddCommands(app, session);
     app.footer(kFooter); // behind the commands, which would inherit it

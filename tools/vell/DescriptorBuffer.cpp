@@ -2,8 +2,9 @@
 // tools/vell/DescriptorBuffer.cpp: writes that are interrupted, cut short or refused.
 #include "tools/vell/DescriptorBuffer.h"
 
+#include "tools/vell/System.h"
+
 #include <cerrno>
-#include <unistd.h>
 
 namespace vell::tool
 {
@@ -52,7 +53,8 @@ bool DescriptorBuffer::WriteOut()
     std::size_t done = 0;
     while (error == 0 && done < pending.size())
     {
-        const ssize_t count = write(descriptor, pending.data() + done, pending.size() - done);
+        const std::ptrdiff_t count =
+            WriteToDescriptor(descriptor, pending.data() + done, pending.size() - done);
         if (count >= 0)
         {
             done += static_cast<std::size_t>(count);

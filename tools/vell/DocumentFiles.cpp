@@ -2,6 +2,8 @@
 // tools/vell/DocumentFiles.cpp: reading files and walking folders.
 #include "tools/vell/DocumentFiles.h"
 
+#include "tools/vell/System.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
@@ -23,7 +25,7 @@ constexpr std::size_t kPiece = 4096;
 
 bool IsHidden(const fs::path& path)
 {
-    const std::string name = path.filename().string();
+    const std::string name = TextOf(path.filename());
     return name.size() > 1 && name[0] == '.' && name != "..";
 }
 
@@ -32,8 +34,8 @@ bool AddFolder(const std::string& folder, std::vector<DocumentFile>& files)
 {
     std::vector<std::string> found;
     std::error_code error;
-    fs::recursive_directory_iterator walk(folder, fs::directory_options::skip_permission_denied,
-                                          error);
+    fs::recursive_directory_iterator walk(PathOf(folder),
+                                          fs::directory_options::skip_permission_denied, error);
     for (const fs::recursive_directory_iterator end; !error && walk != end; walk.increment(error))
     {
         std::error_code ignored;
@@ -43,7 +45,7 @@ bool AddFolder(const std::string& folder, std::vector<DocumentFile>& files)
         }
         else if (walk->is_regular_file(ignored) && walk->path().extension() == ".json")
         {
-            found.push_back(walk->path().string());
+            found.push_back(TextOf(walk->path()));
         }
     }
     std::sort(found.begin(), found.end());
@@ -65,14 +67,14 @@ FileText ReadWholeFile(const std::string& path)
         return text;
     }
     std::error_code ignored;
-    if (fs::is_directory(path, ignored))
+    if (fs::is_directory(PathOf(path), ignored))
     {
         text.error = std::strerror(EISDIR);
         return text;
     }
     errno = 0;
-    std::ifstream in(path, std::ios::binary);
-    const std::uintmax_t size = fs::file_size(path, ignored);
+    std::ifstream in(PathOf(path), std::ios::binary);
+    const std::uintmax_t size = fs::file_size(PathOf(path), ignored);
     // A file without a size of its own, such as a pipe, is read in pieces.
     text.bytes.resize(ignored ? 0 : static_cast<std::size_t>(size) + 1);
     std::size_t filled = 0;
@@ -99,7 +101,7 @@ std::vector<DocumentFile> FindDocuments(const std::vector<std::string>& paths)
     for (const std::string& path : paths)
     {
         std::error_code ignored;
-        if (path == "-" || !fs::is_directory(path, ignored) || !AddFolder(path, files))
+        if (path == "-" || !fs::is_directory(PathOf(path), ignored) || !AddFolder(path, files))
         {
             files.push_back({path, true});
         }

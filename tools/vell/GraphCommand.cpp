@@ -11,10 +11,10 @@
 #include "tools/vell/HelpText.h"
 #include "tools/vell/ObservedMachine.h"
 #include "tools/vell/Session.h"
+#include "tools/vell/System.h"
 
 #include <CLI/CLI.hpp>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -56,15 +56,14 @@ std::string CheckDepth(const std::string& text)
 /// The name of the document's file, without its extension.
 std::string DefaultTitle(const std::string& document)
 {
-    return document == "-" ? "machine" : std::filesystem::path(document).stem().string();
+    return document == "-" ? "machine" : TextOf(PathOf(document).stem());
 }
 
 /// Says after which script the states are lit, and where the stacks are.
 std::string LitText(const ObservedMachine& machine, const std::string& script)
 {
     const bool isBlip = &machine.Stack() == &machine.BlipStack();
-    const std::string name =
-        script == "-" ? "the script" : std::filesystem::path(script).filename().string();
+    const std::string name = script == "-" ? "the script" : TextOf(PathOf(script).filename());
     return "after " + name + ": " + machine.StackPath() +
            (isBlip ? " interrupts " + PathOf(machine.MainStack()) : "");
 }

@@ -3,53 +3,15 @@
 #include "tools/vell/GraphSvg.h"
 
 #include "tools/vell/GraphTheme.h"
+#include "tools/vell/System.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <sstream>
 #include <string_view>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace vell::tool
 {
 namespace
 {
-
-/// A temporary file that is deleted with the object.
-class TemporaryFile
-{
-public:
-    TemporaryFile()
-    {
-        path = (std::filesystem::temp_directory_path() / "vell-XXXXXX").string();
-        descriptor = mkstemp(path.data());
-    }
-    ~TemporaryFile()
-    {
-        if (descriptor >= 0)
-        {
-            close(descriptor);
-            unlink(path.c_str());
-        }
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    bool Fill(const std::string& text) const
-    {
-        return descriptor >= 0 &&
-               write(descriptor, text.data(), text.size()) == static_cast<ssize_t>(text.size());
-    }
-
-    std::string path;
-
-private:
-    int descriptor = -1;
-};
-
-constexpr int kCommandNotFound = 127;
 
 void ReplaceAll(std::string* text, const std::string& from, const std::string& to)
 {
@@ -126,29 +88,25 @@ std::string WithTitles(const std::string& svg)
 
 std::string DotToSvg(const std::string& dot, std::string* fault)
 {
-    const TemporaryFile file;
-    std::FILE* pipe =
-        file.Fill(dot) ? popen(("dot -Tsvg '" + file.path + "'").c_str(), "r") : nullptr;
-    if (pipe == nullptr)
-    {
-        *fault = "cannot draw the picture: failed to create a temporary file or a process";
-        return "";
-    }
+    const TemporaryFile file(dot);
     std::string svg;
-    char block[4096];
-    for (std::size_t size = 0; (size = std::fread(block, 1, sizeof(block), pipe)) != 0;)
+    const ProgramEnd end = file.Path().empty() ? ProgramEnd::NotStarted
+                                               : ReadFromProgram("dot", "-Tsvg", file.Path(), &svg);
+    switch (end)
     {
-        svg.append(block, size);
-    }
-    const int status = pclose(pipe);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
-    {
+    case ProgramEnd::Well:
         return svg;
+    case ProgramEnd::NotStarted:
+        *fault = "cannot draw the picture: failed to create a temporary file or a process";
+        break;
+    case ProgramEnd::NotFound:
+        *fault = "svg needs Graphviz's program dot, which is not installed; install the package "
+                 "graphviz, or use --format dot or mermaid";
+        break;
+    case ProgramEnd::Failed:
+        *fault = "Graphviz could not draw the picture; use --log FILE to see its messages";
+        break;
     }
-    *fault = WIFEXITED(status) && WEXITSTATUS(status) == kCommandNotFound
-                 ? "svg needs Graphviz's program dot, which is not installed; install the package "
-                   "graphviz, or use --format dot or mermaid"
-                 : "Graphviz could not draw the picture; use --log FILE to see its messages";
     return "";
 }
 

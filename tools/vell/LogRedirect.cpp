@@ -2,25 +2,24 @@
 // tools/vell/LogRedirect.cpp: the exchange of the file descriptor.
 #include "tools/vell/LogRedirect.h"
 
+#include "tools/vell/System.h"
+
 #include <cstdio>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace vell::tool
 {
 
 LogRedirect::LogRedirect(const std::string& path)
 {
-    const char* target = path.empty() ? "/dev/null" : path.c_str();
-    const int file = open(target, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    const int file = OpenFileToWrite(path);
     if (file < 0)
     {
         return;
     }
     std::fflush(stderr);
-    saved = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
-    dup2(file, STDERR_FILENO);
-    close(file);
+    saved = DuplicateDescriptor(kStandardError);
+    RedirectDescriptor(kStandardError, file);
+    CloseDescriptor(file);
 }
 
 LogRedirect::~LogRedirect()
@@ -30,8 +29,8 @@ LogRedirect::~LogRedirect()
         return;
     }
     std::fflush(stderr);
-    dup2(saved, STDERR_FILENO);
-    close(saved);
+    RedirectDescriptor(kStandardError, saved);
+    CloseDescriptor(saved);
 }
 
 bool LogRedirect::IsActive() const

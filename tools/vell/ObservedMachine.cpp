@@ -15,6 +15,7 @@
 #include "states/ExitState.h"
 #include "states/GlobalState.h"
 #include "tools/vell/Losses.h"
+#include "tools/vell/System.h"
 #include "tools/vell/TextFile.h"
 
 #include <rapidjson/error/en.h>
@@ -170,7 +171,7 @@ std::string ObservedMachine::LoadText(const std::string& newPath, std::string ne
     text = std::move(newText);
     const ComplaintCollector collector(complaints);
     std::error_code error;
-    if (std::filesystem::is_regular_file(path, error))
+    if (std::filesystem::is_regular_file(PathOf(path), error))
     {
         filePath = path.c_str();
     }

@@ -2,6 +2,8 @@
 // tools/vell/TextFile.cpp: whole files, and the reasons of the system.
 #include "tools/vell/TextFile.h"
 
+#include "tools/vell/System.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -60,7 +62,10 @@ std::string ReadTextFile(const std::string& path, std::string* text)
             return "";
         }
     }
-    return "cannot read " + path + ": " + Reason(errno);
+    std::error_code ignored;
+    // Windows does not open a folder, and says that it is not permitted.
+    const bool isFolder = std::filesystem::is_directory(PathOf(path), ignored);
+    return "cannot read " + path + ": " + Reason(isFolder ? EISDIR : errno);
 }
 
 std::string WriteTextFile(const std::string& path, const std::string& text)
@@ -80,7 +85,7 @@ std::string WriteTextFile(const std::string& path, const std::string& text)
 bool IsSameFile(const std::string& path, const std::string& other)
 {
     std::error_code error;
-    return std::filesystem::equivalent(path, other, error) && !error;
+    return std::filesystem::equivalent(PathOf(path), PathOf(other), error) && !error;
 }
 
 std::string CannotWrite(const std::string& name, int error)

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// tools/layout/SafeFile.cpp: the temporary file and the exchange.
+// tools/layout/SafeFilePosix.cpp: the temporary file and the exchange, by the calls of POSIX.
 #include "tools/layout/SafeFile.h"
 
 #include <cerrno>
