@@ -6,11 +6,12 @@ JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 PRESET ?= dev
 
-.PHONY: help run test faults bench install format tidy symbols abi coverage clean setup
+.PHONY: help run test windows faults bench install format tidy symbols abi coverage clean setup
 
 help:
 	@echo "make run               build the command and run the sample character"
 	@echo "make test              build everything and run every test (PRESET=dev)"
+	@echo "make windows           build for Windows and run the tests under Wine"
 	@echo "make faults            plant the faults of tests/faults/ and see that tests notice each"
 	@echo "make bench             measure, in the release build"
 	@echo "make install           install the release build (PREFIX=/usr/local, DESTDIR=)"
@@ -33,6 +34,9 @@ test: setup
 	cmake --preset $(PRESET)
 	cmake --build build/$(PRESET) -j $(JOBS)
 	ctest --preset $(PRESET) -j $(JOBS)
+
+windows: setup
+	JOBS=$(JOBS) tests/windows/run.sh
 
 faults: setup
 	tests/faults/run.sh --keep-going

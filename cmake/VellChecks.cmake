@@ -29,6 +29,9 @@ if(VELL_CHECKS AND VELL_BUILD_TOOLS AND NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_
     add_test(NAME check.layers COMMAND ${PROJECT_SOURCE_DIR}/cmake/check-layers.py)
     add_test(NAME check.old_standard
              COMMAND ${PROJECT_SOURCE_DIR}/tests/consumer/check-old-standard.sh ${CMAKE_CXX_COMPILER})
+    add_test(NAME check.target
+             COMMAND ${PROJECT_SOURCE_DIR}/tests/consumer/check-target.sh ${CMAKE_CXX_COMPILER}
+                     ${PROJECT_BINARY_DIR}/target-tests)
     add_test(NAME check.faults COMMAND ${PROJECT_SOURCE_DIR}/tests/faults/run.sh --check)
 endif()
 

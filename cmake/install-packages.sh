@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs from Debian's packages what building VELL needs and the machine lacks, and nothing else.
-# `CI=true` adds the tools of the checks. `VELL_NO_INSTALL=1` leaves the machine as it is.
+# `CI=true` adds the tools of the checks, `VELL_FOR_WINDOWS=1` those of tests/windows/run.sh.
+# `VELL_NO_INSTALL=1` leaves the machine as it is.
 set -euo pipefail
 
 packages=(g++ cmake ninja-build rapidjson-dev zlib1g-dev libcli11-dev libgtest-dev libgmock-dev
@@ -8,6 +9,9 @@ packages=(g++ cmake ninja-build rapidjson-dev zlib1g-dev libcli11-dev libgtest-d
 if [[ -n "${CI:-}" && "${CI}" != "false" ]]; then
     packages+=(clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev valgrind gcovr xz-utils
                abigail-tools)
+fi
+if [[ -n "${VELL_FOR_WINDOWS:-}" ]]; then
+    packages+=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest wine64)
 fi
 
 [[ -z "${VELL_NO_INSTALL:-}" ]] || exit 0

@@ -10,6 +10,10 @@
 #include <cstdint>
 #include <vector>
 
+#if defined(__MINGW32__)
+#include <cxxabi.h>
+#endif
+
 namespace vell
 {
 
@@ -43,6 +47,31 @@ namespace
 thread_local LineBuffers* threadBuffers = nullptr;
 thread_local bool buffersGone = false; ///< a host may still log from static objects' destructors
 
+void ForgetThreadBuffers()
+{
+    threadBuffers = nullptr;
+    buffersGone = true;
+}
+
+#if defined(__MINGW32__)
+// There a thread's own memory is freed before the objects in it are destroyed, so the buffers are
+// not an object in it: the thread is told of them, in the way of the compiler.
+extern "C" char __dso_handle; // NOLINT(bugprone-reserved-identifier): the compiler's
+
+void DeleteThreadBuffers(void* buffers)
+{
+    ForgetThreadBuffers();
+    delete static_cast<LineBuffers*>(buffers);
+}
+
+LineBuffers* MakeOwnedBuffers()
+{
+    auto owned = std::make_unique<LineBuffers>();
+    abi::__cxa_thread_atexit(DeleteThreadBuffers, owned.get(), &__dso_handle);
+    threadBuffers = owned.release();
+    return threadBuffers;
+}
+#else
 /// Makes the thread's buffers, and takes them away when the thread ends.
 class BufferOwner
 {
@@ -53,8 +82,7 @@ public:
     }
     ~BufferOwner()
     {
-        threadBuffers = nullptr;
-        buffersGone = true;
+        ForgetThreadBuffers();
     }
     BufferOwner(const BufferOwner&) = delete;
     BufferOwner& operator=(const BufferOwner&) = delete;
@@ -63,15 +91,17 @@ private:
     std::unique_ptr<LineBuffers> owned;
 };
 
-LineBuffers* MakeThreadBuffers()
+LineBuffers* MakeOwnedBuffers()
 {
-    if (buffersGone)
-    {
-        return nullptr;
-    }
     thread_local BufferOwner owner;
     // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): the owner lives as long as its thread.
     return threadBuffers;
+}
+#endif
+
+LineBuffers* MakeThreadBuffers()
+{
+    return buffersGone ? nullptr : MakeOwnedBuffers();
 }
 
 /// The tags by level, and none for the levels between.

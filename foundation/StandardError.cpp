@@ -24,7 +24,10 @@ void WriteThroughStream(const char* characters, std::size_t count)
     // A host's static object may run a machine before the streams are there.
     static const std::ios_base::Init streams;
     std::cerr.write(characters, static_cast<std::streamsize>(count));
-    std::cerr.flush();
+    if ((std::cerr.flags() & std::ios::unitbuf) == 0)
+    {
+        std::cerr.flush(); // which flushes what the stream is tied to once more
+    }
 }
 
 #if defined(VELL_DIRECT_STANDARD_ERROR)

@@ -2,6 +2,11 @@
 // include/vell/Export.h: what makes a name visible outside the library.
 #pragma once
 
+// Where a class says that the order of its virtual functions is part of the interface, that is
+// their order in the table of g++, clang and MinGW. Visual C++ puts functions that share a name
+// side by side, last one first: FindDef of IHSM, FindParameter of IParameterTable, SetValue and
+// GetValue of attributes. A host built by one kind does not fit a library built by the other.
+
 // MSVC says its standard in a macro of its own. Under an older standard this is the only error of
 // the headers; VELL_OLD_STANDARD leaves out what would give others.
 #if (defined(_MSVC_LANG) ? _MSVC_LANG : __cplusplus) < 201703L

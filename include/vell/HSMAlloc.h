@@ -152,7 +152,7 @@ private:
         }
 
     private:
-        void GiveBack();
+        VELL_API void GiveBack();
 
         HSMAlloc& arena;
         const unsigned int start;

@@ -145,6 +145,23 @@ TEST(DocumentParser, ReadsAFileLongerThanItsFirstBuffer)
     EXPECT_EQ(document[DURMBaseLib::GetJsonName(JSON_Name)].GetStringLength(), 200000u);
 }
 
+TEST(DocumentParser, ReadsAFileWhateverAlphabetItsNameIsIn)
+{
+    for (const char* name : {"plain", "two words", "caf\u00e9",
+                             "\u03ba\u03cc\u03c3\u03bc\u03bf\u03c2", "\u4e16\u754c", "\U0001f3ae"})
+    {
+        const TempFile file("[1]", name);
+        for (const std::string& path : SpellingsOf(file.Path()))
+        {
+            GenericDocument document;
+
+            ParseFile(path.c_str(), document);
+
+            EXPECT_FALSE(document.HasParseError()) << path;
+        }
+    }
+}
+
 TEST(DocumentParser, TakesATextOnBothSidesOfTheDepthAtWhichItChangesItsWay)
 {
     for (const int depth : {999, 1000, 1001, 1002})

@@ -8,11 +8,16 @@
 
 #include <gtest/gtest.h>
 
-#include <dlfcn.h>
 #include <memory>
 #include <regex>
 #include <string>
 #include <vector>
+
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <dlfcn.h>
+#endif
 
 namespace vell::test
 {
@@ -53,6 +58,23 @@ Written Capture(Call call)
     testing::internal::CaptureStderr();
     call();
     return {testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
+}
+
+/// Gives the function that the loaded libraries export under the name, or null.
+void* FindExported(const char* name)
+{
+#if defined(_WIN32)
+    for (const char* library : {"VELLLibX64.dll", "DURMBaseX64.dll"})
+    {
+        if (const FARPROC function = GetProcAddress(GetModuleHandleA(library), name))
+        {
+            return reinterpret_cast<void*>(function);
+        }
+    }
+    return nullptr;
+#else
+    return dlsym(RTLD_DEFAULT, name);
+#endif
 }
 
 std::string WithoutLineNumbers(const std::string& text)
@@ -130,6 +152,40 @@ TEST_F(Factories, GiveAMachineAlsoForNull)
             EXPECT_NE(Machine(CreateHSMJson(nullptr)), nullptr);
         });
 }
+
+TEST_F(Factories, TakeAPathInUtf8WhateverTheCodePageOfTheHost)
+{
+    const TempFile file(SmallDocument(), "caf\u00e9 \u4e16\u754c.json");
+    for (const std::string& path : SpellingsOf(file.Path()))
+    {
+        Machine machine;
+
+        Capture(
+            [&]
+            {
+                machine.reset(CreateHSM(path.c_str(), nullptr));
+                EXPECT_EQ(machine->Init(), 1) << path;
+            });
+    }
+}
+
+#if defined(_WIN32)
+TEST_F(Factories, TakeAPathInTheCodePageOfTheHostWhereItIsNotUtf8)
+{
+    const TempFile file(SmallDocument(), "caf\u00e9.json");
+    std::string path = file.Path();
+    path.replace(path.find("\u00e9"), 2, "\xe9");
+    ASSERT_EQ(GetACP(), 1252u);
+    Machine machine;
+
+    Capture(
+        [&]
+        {
+            machine.reset(CreateHSM(path.c_str(), nullptr));
+            EXPECT_EQ(machine->Init(), 1);
+        });
+}
+#endif
 
 TEST_F(Factories, ReadTheSameDocumentFromAFileAndFromText)
 {
@@ -234,9 +290,9 @@ TEST_F(Factories, AreExportedUnderTheirPlainNames)
     for (const char* name :
          {"CreateHSM", "CreateHSMJson", "SetLogCallBack", "LogImpl", "SetLogCallBackBase"})
     {
-        EXPECT_NE(dlsym(RTLD_DEFAULT, name), nullptr) << name;
+        EXPECT_NE(FindExported(name), nullptr) << name;
     }
-    EXPECT_EQ(dlsym(RTLD_DEFAULT, "CreateHSMJson"), reinterpret_cast<void*>(&vell::CreateHSMJson));
+    EXPECT_EQ(FindExported("CreateHSMJson"), reinterpret_cast<void*>(&vell::CreateHSMJson));
     EXPECT_EQ(&::CreateHSMJson, &vell::CreateHSMJson);
     EXPECT_EQ(&::SetLogCallBack, &vell::SetLogCallBack);
 }

@@ -3,30 +3,20 @@
 #include "tests/model/QuietStandardError.h"
 
 #include "tests/model/Sanitizer.h"
-
-#include <cstdio>
-#include <fcntl.h>
-#include <unistd.h>
+#include "tests/support/System.h"
 
 namespace model
 {
 
-QuietStandardError::QuietStandardError()
+QuietStandardError::QuietStandardError() : saved(vell::test::SilenceStandardError())
 {
-    std::fflush(stderr);
-    saved = dup(STDERR_FILENO);
     SendSanitizerReports(saved);
-    const int nowhere = open("/dev/null", O_WRONLY);
-    dup2(nowhere, STDERR_FILENO);
-    close(nowhere);
 }
 
 QuietStandardError::~QuietStandardError()
 {
-    std::fflush(stderr);
-    dup2(saved, STDERR_FILENO);
-    SendSanitizerReports(STDERR_FILENO);
-    close(saved);
+    SendSanitizerReports(2); // standard error, which is back in a moment
+    vell::test::RestoreStandardError(saved);
 }
 
 } // namespace model

@@ -42,6 +42,14 @@ std::size_t GetHeapBytes()
 {
 #if defined(TESSEL_TEST_SANITIZED)
     return __sanitizer_get_current_allocated_bytes();
+#elif defined(_WIN32)
+    std::size_t bytes = 0;
+    _HEAPINFO block{};
+    while (_heapwalk(&block) == _HEAPOK)
+    {
+        bytes += block._useflag == _USEDENTRY ? block._size : 0;
+    }
+    return bytes;
 #else
     // Blocks that the allocator keeps at hand for the thread count as allocated, see kSlack.
     const struct mallinfo2 info = mallinfo2();

@@ -19,8 +19,15 @@
 #include <random>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 #include <vector>
+
+#if defined(_WIN32)
+#include <windows.h>
+// after windows.h
+#include <psapi.h>
+#else
+#include <unistd.h>
+#endif
 
 namespace vell::test
 {
@@ -44,11 +51,17 @@ std::string ReadSample(const std::string& name)
 /// Resident memory in kilobytes.
 long ResidentMemory()
 {
+#if defined(_WIN32)
+    PROCESS_MEMORY_COUNTERS counters{};
+    GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters));
+    return static_cast<long>(counters.WorkingSetSize / 1024);
+#else
     std::ifstream file("/proc/self/statm");
     long pages = 0;
     long resident = 0;
     file >> pages >> resident;
     return resident * (sysconf(_SC_PAGESIZE) / 1024);
+#endif
 }
 
 /// Holds the largest resident memory of the first half against that of the second.

@@ -41,7 +41,22 @@ struct Counters
 };
 
 // Plain data without a constructor, so that any allocation may find it.
+#if defined(__MINGW32__)
+// There a thread's own data is itself allocated on first use, by the calloc that is watched. One
+// watch lives at a time, and the tests that have one use a single thread.
+Counters counters;
+#else
 thread_local Counters counters;
+#endif
+
+std::ptrdiff_t SizeOf(void* block)
+{
+#if defined(_WIN32)
+    return static_cast<std::ptrdiff_t>(_msize(block));
+#else
+    return static_cast<std::ptrdiff_t>(malloc_usable_size(block));
+#endif
+}
 
 /// Counts a block that is asked for, and tells whether it is to be refused.
 bool Refuses()
@@ -76,7 +91,7 @@ void* Taken(void* block, std::size_t& kind)
     {
         ++kind;
         ++counters.kept;
-        counters.bytes += static_cast<std::ptrdiff_t>(malloc_usable_size(block));
+        counters.bytes += SizeOf(block);
         counters.mostBytes = std::max(counters.mostBytes, counters.bytes);
     }
     return block;
@@ -87,7 +102,7 @@ void GivenBack(void* block)
     if (counters.watching && block != nullptr)
     {
         --counters.kept;
-        counters.bytes -= static_cast<std::ptrdiff_t>(malloc_usable_size(block));
+        counters.bytes -= SizeOf(block);
     }
 }
 
@@ -114,8 +129,7 @@ void* __wrap_realloc(void* block, std::size_t size)
     {
         return nullptr;
     }
-    const std::ptrdiff_t had =
-        block == nullptr ? 0 : static_cast<std::ptrdiff_t>(malloc_usable_size(block));
+    const std::ptrdiff_t had = block == nullptr ? 0 : SizeOf(block);
     void* moved = __real_realloc(block, size);
     if (block != nullptr && (moved != nullptr || size == 0) && counters.watching)
     {

@@ -4,12 +4,11 @@
 
 #include <durm/DURMBaseLib.h>
 
+#include "tests/support/System.h"
+
 #include <algorithm>
-#include <cstdio>
-#include <fcntl.h>
 #include <iostream>
 #include <regex>
-#include <unistd.h>
 
 namespace vell::test
 {
@@ -62,11 +61,7 @@ LogRecorder::LogRecorder()
 {
     Recorded().clear();
     std::cerr.flush();
-    std::fflush(stderr);
-    savedError = dup(STDERR_FILENO);
-    const int nowhere = open("/dev/null", O_WRONLY);
-    dup2(nowhere, STDERR_FILENO);
-    close(nowhere);
+    savedError = SilenceStandardError();
     SetLogCallBackBase(Record);
 }
 
@@ -74,9 +69,7 @@ LogRecorder::~LogRecorder()
 {
     SetLogCallBackBase(nullptr);
     std::cerr.flush();
-    std::fflush(stderr);
-    dup2(savedError, STDERR_FILENO);
-    close(savedError);
+    RestoreStandardError(savedError);
 }
 
 Lines LogRecorder::Take()

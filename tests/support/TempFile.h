@@ -2,44 +2,44 @@
 // tests/support/TempFile.h: a file for the time of a test.
 #pragma once
 
-#include <cstdio>
-#include <cstdlib>
+#include "tests/support/System.h"
+
 #include <filesystem>
+#include <fstream>
 #include <string>
-#include <unistd.h>
 
 namespace vell::test
 {
 
-/// A file with a name of its own that holds `content`, removed at the end.
+/// A file in a folder of its own that holds `content`, removed at the end.
 class TempFile
 {
 public:
-    explicit TempFile(const std::string& content)
+    explicit TempFile(const std::string& content, const std::string& name = "file")
+        : folder(MakeTemporaryFolder()), path(folder + "/" + name)
     {
-        std::string pattern = std::filesystem::temp_directory_path() / "vellXXXXXX";
-        const int file = mkstemp(pattern.data());
-        path = pattern;
-        if (file < 0 ||
-            write(file, content.data(), content.size()) != static_cast<ssize_t>(content.size()))
+        std::ofstream file(std::filesystem::u8path(path), std::ios::binary);
+        if (!(file << content << std::flush))
         {
             std::perror(path.c_str());
         }
-        close(file);
     }
     ~TempFile()
     {
-        std::remove(path.c_str());
+        std::error_code ignored;
+        std::filesystem::remove_all(std::filesystem::u8path(folder), ignored);
     }
     TempFile(const TempFile&) = delete;
     TempFile& operator=(const TempFile&) = delete;
 
+    /// Gives the path, UTF-8.
     const char* Path() const
     {
         return path.c_str();
     }
 
 private:
+    std::string folder;
     std::string path;
 };
 

@@ -5,6 +5,7 @@
 #include <vell/ConditionDef.h>
 #include <vell/Types.h>
 
+#include "tests/support/System.h"
 #include "tools/vell/CommandLine.h"
 
 #include <cstddef>
@@ -85,19 +86,15 @@ Outcome RunScript(const DocumentBuilder& builder, const std::string& script,
     return outcome;
 }
 
-Folder::Folder() : path((std::filesystem::temp_directory_path() / "vell-test-XXXXXX").string())
+Folder::Folder() : path(MakeTemporaryFolder())
 {
-    if (mkdtemp(path.data()) == nullptr)
-    {
-        path.clear();
-    }
 }
 
 Folder::~Folder()
 {
     if (!path.empty())
     {
-        std::filesystem::remove_all(path);
+        std::filesystem::remove_all(std::filesystem::u8path(path));
     }
 }
 
@@ -108,14 +105,14 @@ std::string Folder::PathOf(const std::string& name) const
 
 std::string Folder::Write(const std::string& name, const std::string& text) const
 {
-    std::ofstream(PathOf(name), std::ios::binary) << text;
+    std::ofstream(std::filesystem::u8path(PathOf(name)), std::ios::binary) << text;
     return PathOf(name);
 }
 
 std::string Folder::Read(const std::string& name) const
 {
     std::ostringstream text;
-    text << std::ifstream(PathOf(name), std::ios::binary).rdbuf();
+    text << std::ifstream(std::filesystem::u8path(PathOf(name)), std::ios::binary).rdbuf();
     return text.str();
 }
 

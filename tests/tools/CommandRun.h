@@ -4,13 +4,22 @@
 
 #include "tests/support/DocumentBuilder.h"
 
+#include <gmock/gmock.h>
+
 #include <iostream>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
 
 namespace vell::test
 {
+
+/// As testing::MatchesRegex, which knows few expressions where the system has none of its own.
+MATCHER_P(MatchesPattern, pattern, "")
+{
+    return std::regex_match(arg, std::regex(pattern));
+}
 
 /// What a call of the command did.
 struct Outcome

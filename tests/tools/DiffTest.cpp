@@ -504,7 +504,7 @@ TEST(VellDiff, TakesAnEmptyFileForAnEmptyDocument)
     const Folder folder;
     const std::string path = folder.Write("a.json", "{\"head\": {\"id\": 7}}");
 
-    const Outcome outcome = CallVell({"diff", "/dev/null", path});
+    const Outcome outcome = CallVell({"diff", folder.Write("empty.json", ""), path});
 
     EXPECT_EQ(outcome.code, tool::ExitFailed);
     EXPECT_EQ(outcome.out, "head\n  + id 7\n1 added\n");

@@ -105,7 +105,7 @@ TEST(VellStats, PrintsALinePerFigure)
     EXPECT_EQ(outcome.errors, "");
     EXPECT_THAT(
         outcome.out,
-        testing::MatchesRegex(
+        MatchesPattern(
             ".*/a.json\n"
             "text +2,[0-9]+  bytes\n"
             "nodes               13  in 1 layer, 2 levels deep\n"

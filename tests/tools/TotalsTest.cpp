@@ -28,9 +28,8 @@ TEST(VellTotals, CountExpectationsAndOtherErrors)
     {
         const Outcome outcome = RunScript(Walker(), script);
 
-        EXPECT_THAT(
-            outcome.closing,
-            testing::MatchesRegex(" +[0-9]+  arena    [0-9,]+ of [0-9,]+ bytes used\n" + line))
+        EXPECT_THAT(outcome.closing,
+                    MatchesPattern(" +[0-9]+  arena    [0-9,]+ of [0-9,]+ bytes used\n" + line))
             << script;
         const bool isWell =
             line.find("failed") == std::string::npos && line.find("error") == std::string::npos;
@@ -44,9 +43,9 @@ TEST(VellTotals, ShowTheUseOfTheArena)
     const Outcome outcome = RunScript(Walker(), "tick\n", {"--format", "jsonl"});
 
     EXPECT_THAT(outcome.closing,
-                testing::MatchesRegex("\\{\"tick\":1,\"event\":\"end\",\"held\":0,\"failed\":0,"
-                                      "\"otherErrors\":0,\"arenaUsed\":[1-9][0-9]*,"
-                                      "\"arenaSize\":[1-9][0-9]*00\\}\n"));
+                MatchesPattern("\\{\"tick\":1,\"event\":\"end\",\"held\":0,\"failed\":0,"
+                               "\"otherErrors\":0,\"arenaUsed\":[1-9][0-9]*,"
+                               "\"arenaSize\":[1-9][0-9]*00\\}\n"));
 }
 
 TEST(VellTotals, StandBehindFailuresThatProgramsSeeToo)
