@@ -4,7 +4,7 @@
 
 #include "tests/support/Definitions.h"
 #include "tests/support/LogRecorder.h"
-#include "tests/support/ScriptedAction.h"
+#include "tests/support/TestAction.h"
 
 #include <gtest/gtest.h>
 
@@ -20,15 +20,15 @@ namespace
 class BaseDefActions : public testing::Test
 {
 protected:
-    ScriptedAction* NewAction(const std::string& name)
+    TestAction* NewAction(const std::string& name)
     {
-        return new ScriptedAction(name, events);
+        return new TestAction(name, events);
     }
 
     /// Puts a new action on the execute list.
-    ScriptedAction* Execute(const std::string& name)
+    TestAction* Execute(const std::string& name)
     {
-        ScriptedAction* action = NewAction(name);
+        TestAction* action = NewAction(name);
         def.RegisterExecute(action);
         return action;
     }
@@ -48,7 +48,7 @@ protected:
         Lines names;
         for (Action* action = first; action != nullptr; action = action->next)
         {
-            names.push_back(static_cast<ScriptedAction*>(action)->name);
+            names.push_back(static_cast<TestAction*>(action)->name);
         }
         return names;
     }
@@ -60,7 +60,7 @@ protected:
 
 std::string Performed(const std::string& name)
 {
-    return "perform " + name + " 2 0.500000";
+    return name + " execution 0.5";
 }
 
 } // namespace
@@ -94,7 +94,7 @@ TEST_F(BaseDefActions, StandInThreeListsApart)
 TEST_F(BaseDefActions, HearOfTheirOwnerBeforeTheyStandInTheList)
 {
     Execute("a");
-    ScriptedAction* second = NewAction("b");
+    TestAction* second = NewAction("b");
     Lines whenOwned;
     second->onOwner = [this, &whenOwned]
     {
@@ -124,7 +124,7 @@ TEST_F(BaseDefActions, AreRefusedWhenNull)
 
 TEST_F(BaseDefActions, LeaveTheOthersInPlaceWhenTheFirstIsRemoved)
 {
-    ScriptedAction* first = Execute("a");
+    TestAction* first = Execute("a");
     Execute("b");
     Execute("c");
     events.clear();
@@ -138,9 +138,9 @@ TEST_F(BaseDefActions, LeaveTheOthersInPlaceWhenTheFirstIsRemoved)
 
 TEST_F(BaseDefActions, KeepThePrevOfTheNewHeadWhenTheFirstIsRemoved)
 {
-    ScriptedAction* first = Execute("a");
-    ScriptedAction* second = Execute("b");
-    ScriptedAction* elsewhere = Execute("c");
+    TestAction* first = Execute("a");
+    TestAction* second = Execute("b");
+    TestAction* elsewhere = Execute("c");
     second->prev = elsewhere;
 
     def.RemoveAction(first);
@@ -151,16 +151,16 @@ TEST_F(BaseDefActions, KeepThePrevOfTheNewHeadWhenTheFirstIsRemoved)
 TEST_F(BaseDefActions, DoNotGetTheirPrevFromRegistration)
 {
     Execute("a");
-    ScriptedAction* second = Execute("b");
+    TestAction* second = Execute("b");
 
     EXPECT_EQ(second->prev, nullptr);
 }
 
 TEST_F(BaseDefActions, UnlinkFromTheMiddleWhenTheHostKeptPrev)
 {
-    ScriptedAction* first = Execute("a");
-    ScriptedAction* second = Execute("b");
-    ScriptedAction* third = Execute("c");
+    TestAction* first = Execute("a");
+    TestAction* second = Execute("b");
+    TestAction* third = Execute("c");
     second->prev = first;
     third->prev = second;
 
@@ -173,9 +173,9 @@ TEST_F(BaseDefActions, UnlinkFromTheMiddleWhenTheHostKeptPrev)
 
 TEST_F(BaseDefActions, LeaveThePredecessorsLinkToARemovedOneWhosePrevIsNull)
 {
-    ScriptedAction* first = Execute("a");
-    ScriptedAction* second = Execute("b");
-    ScriptedAction* third = Execute("c");
+    TestAction* first = Execute("a");
+    TestAction* second = Execute("b");
+    TestAction* third = Execute("c");
     third->prev = second;
     const auto removedAddress = reinterpret_cast<std::uintptr_t>(static_cast<Action*>(second));
     events.clear();
@@ -194,8 +194,8 @@ TEST_F(BaseDefActions, LeaveThePredecessorsLinkToARemovedOneWhosePrevIsNull)
 
 TEST_F(BaseDefActions, OfTheEnterAndExitListsCannotBeRemoved)
 {
-    ScriptedAction* enter = NewAction("enter");
-    ScriptedAction* exit = NewAction("exit");
+    TestAction* enter = NewAction("enter");
+    TestAction* exit = NewAction("exit");
     def.RegisterEnter(enter);
     def.RegisterExit(exit);
     Execute("run");
@@ -214,7 +214,7 @@ TEST_F(BaseDefActions, OfTheEnterAndExitListsCannotBeRemoved)
 
 TEST_F(BaseDefActions, AreNotFoundInAnEmptyList)
 {
-    ScriptedAction stranger("stranger", events);
+    TestAction stranger("stranger", events);
 
     EXPECT_EQ(def.RemoveAction(&stranger), 0);
 
@@ -240,7 +240,7 @@ TEST_F(BaseDefActions, AreGoneAfterUninit)
 TEST_F(BaseDefActions, AreNotMissedByTheListPrimitivesWhereThereIsNoneOrNoList)
 {
     Action* head = nullptr;
-    ScriptedAction* a = NewAction("a");
+    TestAction* a = NewAction("a");
     def.AddTail(&head, a);
 
     EXPECT_EQ(def.AddTail(nullptr, a), 1);
@@ -256,9 +256,9 @@ TEST_F(BaseDefActions, AreNotMissedByTheListPrimitivesWhereThereIsNoneOrNoList)
 TEST_F(BaseDefActions, AreLinkedByTheListPrimitivesWithoutPrevAndWithoutCount)
 {
     Action* head = nullptr;
-    ScriptedAction* a = NewAction("a");
-    ScriptedAction* b = NewAction("b");
-    ScriptedAction* c = NewAction("c");
+    TestAction* a = NewAction("a");
+    TestAction* b = NewAction("b");
+    TestAction* c = NewAction("c");
 
     EXPECT_EQ(def.AddTail(&head, a), 1);
     EXPECT_EQ(def.AddTail(&head, b), 1);
@@ -279,7 +279,7 @@ TEST_F(BaseDefActions, AreLinkedByTheListPrimitivesWithoutPrevAndWithoutCount)
 TEST_F(BaseDefActions, StandAloneAtTheHeadOfAnEmptyList)
 {
     Action* head = nullptr;
-    ScriptedAction a("a", events);
+    TestAction a("a", events);
 
     EXPECT_EQ(def.AddHead(&head, &a), 1);
 
@@ -297,9 +297,9 @@ TEST_F(BaseDefActions, ArePerformedInTheirOrder)
 
 TEST_F(BaseDefActions, MayRemoveThemselvesWhileTheyPerform)
 {
-    ScriptedAction* first = Execute("a");
-    ScriptedAction* second = Execute("b");
-    ScriptedAction* third = Execute("c");
+    TestAction* first = Execute("a");
+    TestAction* second = Execute("b");
+    TestAction* third = Execute("c");
     first->onPerform = [this, first]
     {
         def.RemoveAction(first);
@@ -313,8 +313,8 @@ TEST_F(BaseDefActions, MayRemoveThemselvesWhileTheyPerform)
 
 TEST_F(BaseDefActions, MayRemoveThemselvesFromTheEndWhileTheyPerform)
 {
-    ScriptedAction* first = Execute("a");
-    ScriptedAction* last = Execute("b");
+    TestAction* first = Execute("a");
+    TestAction* last = Execute("b");
     last->prev = first;
     last->onPerform = [this, last]
     {
@@ -327,9 +327,9 @@ TEST_F(BaseDefActions, MayRemoveThemselvesFromTheEndWhileTheyPerform)
 
 TEST_F(BaseDefActions, MayRemoveTheNextOneWhileTheyPerform)
 {
-    ScriptedAction* first = Execute("a");
-    ScriptedAction* second = Execute("b");
-    ScriptedAction* third = Execute("c");
+    TestAction* first = Execute("a");
+    TestAction* second = Execute("b");
+    TestAction* third = Execute("c");
     second->prev = first;
     third->prev = second;
     first->onPerform = [this, first, second]
@@ -344,8 +344,8 @@ TEST_F(BaseDefActions, MayRemoveTheNextOneWhileTheyPerform)
 
 TEST_F(BaseDefActions, MayRemoveAnEarlierOneWhileTheyPerform)
 {
-    ScriptedAction* first = Execute("a");
-    ScriptedAction* second = Execute("b");
+    TestAction* first = Execute("a");
+    TestAction* second = Execute("b");
     Execute("c");
     second->onPerform = [this, first, second]
     {
@@ -359,9 +359,9 @@ TEST_F(BaseDefActions, MayRemoveAnEarlierOneWhileTheyPerform)
 
 TEST_F(BaseDefActions, MayRemoveAllOthersWhileTheyPerform)
 {
-    ScriptedAction* first = Execute("a");
-    ScriptedAction* second = Execute("b");
-    ScriptedAction* third = Execute("c");
+    TestAction* first = Execute("a");
+    TestAction* second = Execute("b");
+    TestAction* third = Execute("c");
     second->prev = first;
     third->prev = second;
     first->onPerform = [this, second, third]
@@ -375,7 +375,7 @@ TEST_F(BaseDefActions, MayRemoveAllOthersWhileTheyPerform)
 
 TEST_F(BaseDefActions, PerformInTheSameRunWhenPutAtTheEndMeanwhile)
 {
-    ScriptedAction* first = Execute("a");
+    TestAction* first = Execute("a");
     first->onPerform = [this, first]
     {
         first->onPerform = nullptr;
@@ -388,7 +388,7 @@ TEST_F(BaseDefActions, PerformInTheSameRunWhenPutAtTheEndMeanwhile)
 
 TEST_F(BaseDefActions, PerformInTheSameRunWhenTheyReplaceTheLastOne)
 {
-    ScriptedAction* only = Execute("a");
+    TestAction* only = Execute("a");
     only->onPerform = [this, only]
     {
         def.RemoveAction(only);
@@ -400,7 +400,7 @@ TEST_F(BaseDefActions, PerformInTheSameRunWhenTheyReplaceTheLastOne)
 
 TEST_F(BaseDefActions, DoNotPerformInARunOfAnotherList)
 {
-    ScriptedAction* run = Execute("run");
+    TestAction* run = Execute("run");
     run->onPerform = [this]
     {
         def.RegisterEnter(NewAction("enter"));
@@ -411,8 +411,8 @@ TEST_F(BaseDefActions, DoNotPerformInARunOfAnotherList)
 
 TEST_F(BaseDefActions, MayRunTheirOwnListWhileTheyPerform)
 {
-    ScriptedAction* first = Execute("a");
-    ScriptedAction* second = Execute("b");
+    TestAction* first = Execute("a");
+    TestAction* second = Execute("b");
     Execute("c");
     first->onPerform = [this, first, second]
     {
@@ -436,8 +436,8 @@ TEST_F(BaseDefActions, MayGiveTheirStateAnotherDefinitionWhileTheyPerform)
     OpenDef other("Other", 2, 0);
     SMState state;
     state.Init(&def);
-    ScriptedAction* first = Execute("a");
-    ScriptedAction* second = Execute("b");
+    TestAction* first = Execute("a");
+    TestAction* second = Execute("b");
     first->onPerform = [&state, &other]
     {
         state.SetDef(&other);
@@ -454,7 +454,7 @@ TEST_F(BaseDefActions, MayGiveTheirStateAnotherDefinitionWhileTheyPerform)
 TEST_F(BaseDefActions, MayCopyTheirDefinitionWhileTheyPerform)
 {
     OpenDef copy("Copy", 2, 0);
-    ScriptedAction* first = Execute("a");
+    TestAction* first = Execute("a");
     first->onPerform = [this, &copy]
     {
         copy = def;
@@ -471,7 +471,7 @@ TEST_F(BaseDefActions, MayCopyTheirDefinitionWhileTheyPerform)
 
 TEST_F(BaseDefActions, MayThrowAndBeRemovedAfterwards)
 {
-    ScriptedAction* first = Execute("a");
+    TestAction* first = Execute("a");
     Execute("b");
     first->onPerform = []
     {
@@ -486,8 +486,8 @@ TEST_F(BaseDefActions, MayThrowAndBeRemovedAfterwards)
 
 TEST_F(BaseDefActions, PerformInTheSameRunWhenLinkedBehindTheOneThatPerforms)
 {
-    ScriptedAction* first = Execute("a");
-    ScriptedAction* linked = NewAction("b");
+    TestAction* first = Execute("a");
+    TestAction* linked = NewAction("b");
     first->onPerform = [first, linked]
     {
         first->next = linked;
@@ -498,9 +498,9 @@ TEST_F(BaseDefActions, PerformInTheSameRunWhenLinkedBehindTheOneThatPerforms)
 
 TEST_F(BaseDefActions, PerformWhenTheyFollowARemovedOneThatIsStillLinked)
 {
-    ScriptedAction* first = Execute("a");
-    ScriptedAction* second = Execute("b");
-    ScriptedAction* third = Execute("c");
+    TestAction* first = Execute("a");
+    TestAction* second = Execute("b");
+    TestAction* third = Execute("c");
     first->onPerform = [this, first, second, third]
     {
         def.RemoveAction(second); // its `prev` is null, so the first one stays linked to it
@@ -517,7 +517,7 @@ TEST_F(BaseDefActions, EndTheirRunWhenTheyDestroyTheList)
     const Lines destroyed = {Performed("a"), "delete a", "delete b"};
     for (const bool isUninit : {false, true})
     {
-        ScriptedAction* first = Execute("a");
+        TestAction* first = Execute("a");
         Execute("b");
         first->onPerform = [this, isUninit]
         {
@@ -531,10 +531,10 @@ TEST_F(BaseDefActions, EndTheirRunWhenTheyDestroyTheList)
 
 TEST_F(BaseDefActions, EndTheRunOfEveryListWhenTheyUninitialiseTheirDefinition)
 {
-    ScriptedAction* outer = NewAction("outer");
+    TestAction* outer = NewAction("outer");
     def.RegisterEnter(outer);
     def.RegisterEnter(NewAction("after"));
-    ScriptedAction* inner = Execute("inner");
+    TestAction* inner = Execute("inner");
     inner->onPerform = [this]
     {
         def.Uninit();
@@ -551,14 +551,14 @@ TEST_F(BaseDefActions, EndTheRunOfEveryListWhenTheyUninitialiseTheirDefinition)
 
     state.Enter();
 
-    EXPECT_EQ(events, (Lines{"perform outer 1 0.000000", Performed("inner"), "delete inner",
-                             "delete outer", "delete after"}));
+    EXPECT_EQ(events, (Lines{"outer entry 0", Performed("inner"), "delete inner", "delete outer",
+                             "delete after"}));
 }
 
 TEST_F(BaseDefActions, MayRemoveTheirCompanionWhenTheListIsDestroyed)
 {
-    ScriptedAction* first = Execute("a");
-    ScriptedAction* companion = Execute("b");
+    TestAction* first = Execute("a");
+    TestAction* companion = Execute("b");
     Execute("c");
     first->onDelete = [this, companion]
     {
@@ -574,7 +574,7 @@ TEST_F(BaseDefActions, MayRemoveTheirCompanionWhenTheListIsDestroyed)
 
 TEST_F(BaseDefActions, AreAllDeletedWhenOneRegistersItsSuccessorAsItGoes)
 {
-    ScriptedAction* first = Execute("a");
+    TestAction* first = Execute("a");
     first->onDelete = [this]
     {
         Execute("successor");
@@ -589,7 +589,7 @@ TEST_F(BaseDefActions, AreAllDeletedWhenOneRegistersItsSuccessorAsItGoes)
 
 TEST_F(BaseDefActions, MayRegisterTheirSuccessorWhenTheyAreRemoved)
 {
-    ScriptedAction* first = Execute("a");
+    TestAction* first = Execute("a");
     first->onDelete = [this]
     {
         Execute("successor");

@@ -6,7 +6,7 @@
 #include "tests/support/Definitions.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
-#include "tests/support/ScriptedAction.h"
+#include "tests/support/TestAction.h"
 
 #include <gtest/gtest.h>
 
@@ -184,31 +184,21 @@ TEST(BaseDef, NeedsNoneOfItsOptionalMembers)
     EXPECT_EQ(log.Take(), (Lines{CreatedDef("Walk")}));
 }
 
-TEST(BaseDef, ReadsMissingNameAndIdsAsNullAndZero)
+TEST(BaseDef, ReadsANameAndIdsThatAreMissingOrOfAnotherTypeAsNullAndZero)
 {
-    LogRecorder log;
+    for (const JsonObject& node :
+         {JsonObject(),
+          JsonObject().Set(JSON_Name, 5).Set(JSON_ID, "7").Set(JSON_ParentID, Json::Null())})
+    {
+        LogRecorder log;
+        Built<BaseDef> def(node);
 
-    Built<BaseDef> def(JsonObject{});
-
-    EXPECT_EQ(def.result, 1);
-    EXPECT_EQ(def->GetName(), nullptr);
-    EXPECT_EQ(def->GetID(), 0u);
-    EXPECT_EQ(def->GetParentID(), 0u);
-    EXPECT_EQ(log.Take(), (Lines{CreatedDef("")}));
-}
-
-TEST(BaseDef, ReadsMembersOfAnotherTypeAsNullAndZero)
-{
-    LogRecorder log;
-    JsonObject node;
-    node.Set(JSON_Name, 5).Set(JSON_ID, "7").Set(JSON_ParentID, Json::Null());
-
-    Built<BaseDef> def(node);
-
-    EXPECT_EQ(def.result, 1);
-    EXPECT_EQ(def->GetName(), nullptr);
-    EXPECT_EQ(def->GetID(), 0u);
-    EXPECT_EQ(def->GetParentID(), 0u);
+        EXPECT_EQ(def.result, 1) << node.Text();
+        EXPECT_EQ(def->GetName(), nullptr) << node.Text();
+        EXPECT_EQ(def->GetID(), 0u) << node.Text();
+        EXPECT_EQ(def->GetParentID(), 0u) << node.Text();
+        EXPECT_EQ(log.Take(), (Lines{CreatedDef("")})) << node.Text();
+    }
 }
 
 TEST(BaseDef, TakesTheLowBitsOfANumberAsItsId)
@@ -389,7 +379,7 @@ TEST(BaseDef, SharesEverythingButTheAttributeMapWithACopy)
     source->SetIndex(3);
     source->SetType(DefTypeGeneric);
     source->SetFlags(1);
-    source->RegisterExecute(new ScriptedAction("run", events));
+    source->RegisterExecute(new TestAction("run", events));
 
     OpenDef copy(*source); // releases what both hold at its end
 
@@ -456,10 +446,10 @@ TEST(BaseDef, ReleasesActionsChildrenAndTableInUninit)
     auto* def = alloc.New<OpenDef>();
     ASSERT_EQ(def->Init(*node, &alloc), 1);
     const Tessel::KVTable table = def->GetKVTable();
-    def->RegisterEnter(new ScriptedAction("enter", events));
-    def->RegisterExit(new ScriptedAction("exit", events));
-    def->RegisterExecute(new ScriptedAction("run 1", events));
-    def->RegisterExecute(new ScriptedAction("run 2", events));
+    def->RegisterEnter(new TestAction("enter", events));
+    def->RegisterExit(new TestAction("exit", events));
+    def->RegisterExecute(new TestAction("run 1", events));
+    def->RegisterExecute(new TestAction("run 2", events));
     events.clear();
 
     def->Uninit();

@@ -4,7 +4,7 @@
 
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
-#include "tests/support/ScriptedAction.h"
+#include "tests/support/TestAction.h"
 #include "tests/support/TreeLines.h"
 
 #include <gtest/gtest.h>
@@ -61,7 +61,7 @@ public:
 private:
     Action* NewAction(Act act)
     {
-        auto* action = new ScriptedAction("", lines);
+        auto* action = new TestAction("", lines);
         action->onPerform = std::move(act);
         return action;
     }
@@ -73,15 +73,14 @@ private:
 /// Stand goes to Walk above a speed of a half; the global node goes to Hit below -10.
 DocumentBuilder Document()
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Parameter(FloatParameter("speed", 0.0))
         .Nodes({Generic("Stand", 10, {100}), Generic("Walk", 11), Generic("Hit", 12)})
         .Nodes({Generic("Other", 13), Generic("Third", 14)})
         .Node(Transition("Go", 100, 10, 11, {FloatCondition("speed", 3, 0.5)}))
         .Node(Transition("ToHit", 101, 50, 12, {FloatCondition("speed", 5, -10.0)}))
         .GlobalNode(Global("Global", 50, {101}));
-    return document;
 }
 
 struct Started

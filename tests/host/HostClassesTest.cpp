@@ -72,12 +72,11 @@ Json HostNode(const char* name, unsigned int id, const std::vector<unsigned int>
 
 DocumentBuilder OneHostNode()
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Parameter(FloatParameter("speed", 0.0))
         .Nodes({HostNode("Own", 10, {100}), Generic("Walk", 11)})
         .Node(Transition("Go", 100, 10, 11, {FloatCondition("speed", 3, 0.5)}));
-    return document;
 }
 
 struct alignas(16) Lanes

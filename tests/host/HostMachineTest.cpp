@@ -4,6 +4,8 @@
 
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/TestAction.h"
+#include "tests/support/TestListener.h"
 
 #include <gtest/gtest.h>
 
@@ -29,13 +31,12 @@ Machine Make(const DocumentBuilder& document)
 /// Stand goes to Walk once "speed" is above a half.
 DocumentBuilder Walker()
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Parameter(FloatParameter("speed", 0.0))
         .Node(Generic("Stand", 10, {100}))
         .Node(Generic("Walk", 11))
         .Node(Transition("Go", 100, 10, 11, {FloatCondition("speed", 3, 0.5)}));
-    return document;
 }
 
 std::string CurrentName(IHSM& machine)
@@ -51,41 +52,6 @@ void SetSpeed(IHSM& machine, float speed)
     ASSERT_NE(parameter, nullptr);
     parameter->SetValue(speed);
 }
-
-/// Counts what it performs.
-class CountingAction : public Action
-{
-public:
-    CountingAction(int& performed, int& deleted) : performs(performed), deletions(deleted)
-    {
-    }
-    ~CountingAction() override
-    {
-        ++deletions;
-    }
-    int Perform(__ActType__, float) override
-    {
-        ++performs;
-        return 1;
-    }
-
-private:
-    int& performs;
-    int& deletions;
-};
-
-/// Notes the ids of the states that a machine comes to.
-class ChangeListener : public IBroadcastListener
-{
-public:
-    int OnBroadcastEvent(int event, const void* record) override
-    {
-        events.push_back(event);
-        return record != nullptr ? 1 : 0;
-    }
-
-    std::vector<int> events;
-};
 
 int activations = 0;
 
@@ -169,13 +135,12 @@ private:
 TEST(Host, KeepsTheOrderFromFactoryToDeletion)
 {
     LogRecorder log;
-    ChangeListener listener;
-    int performed = 0;
-    int deleted = 0;
+    Lines notes;
+    TestListener listener(notes, "changes");
     activations = 0;
     const Machine machine = Make(Walker());
     ASSERT_EQ(machine->Init(), 1);
-    machine->FindDef("Walk")->RegisterEnter(new CountingAction(performed, deleted));
+    machine->FindDef("Walk")->RegisterEnter(new TestAction("action", notes));
     machine->SetStateSwitchCallback(CountActivation);
     ASSERT_EQ(machine->SubscribeStateChange(&listener), 1);
 
@@ -186,11 +151,10 @@ TEST(Host, KeepsTheOrderFromFactoryToDeletion)
     machine->Update(0.1f);
 
     EXPECT_EQ(CurrentName(*machine), "Walk");
-    EXPECT_EQ(performed, 1);
     EXPECT_EQ(activations, 2);
-    EXPECT_EQ(listener.events, (std::vector<int>{HSMEventStateChange}));
+    EXPECT_EQ(notes, (Lines{"owner action", "action entry 0", "changes: change 100: 10 -> 11"}));
     EXPECT_EQ(machine->Uninit(), 1);
-    EXPECT_EQ(deleted, 1);
+    EXPECT_EQ(notes.back(), "delete action");
     EXPECT_EQ(machine->Destroy(), 1);
 }
 

@@ -22,8 +22,8 @@ constexpr int kStick = 2;
 /// A machine with a parameter of each class, in "Stand", which a message or a late bool leaves.
 DocumentBuilder AllParameters()
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Parameter(BoolParameter("bool", true))
         .Parameter(IntParameter("int", 2))
         .Parameter(FloatParameter("float", 0.5))
@@ -36,7 +36,6 @@ DocumentBuilder AllParameters()
         .Node(Generic("Walk", 11))
         .Node(Transition("ByMessage", 100, 10, 11, {MessageCondition("message", "go")}))
         .Node(Transition("ByLate", 101, 10, 11, {BoolCondition("late", true)}));
-    return document;
 }
 
 class HostParameters : public testing::Test

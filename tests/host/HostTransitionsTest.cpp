@@ -88,8 +88,8 @@ private:
 /// Stand, of builder `builder`, leads to Walk (priority 3) and Run (7); both hold with "go".
 DocumentBuilder TwoWays(int builder)
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Parameter(BoolParameter("go", false))
         .Parameter(FloatParameter("speed", 1.0))
         .Node(Node(builder, "Stand", 10, {100, 101}))
@@ -100,7 +100,6 @@ DocumentBuilder TwoWays(int builder)
         .Node(Transition("ToRun", 101, 10, 12,
                          {BoolCondition("go", true), FloatCondition("speed", 3, 100.0)})
                   .Set(JSON_TransitionPriority, 7));
-    return document;
 }
 
 void SetGo(HSM& machine, bool value)

@@ -4,7 +4,8 @@
 
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
-#include "tests/support/ScriptedListener.h"
+#include "tests/support/SmallDocument.h"
+#include "tests/support/TestListener.h"
 #include "tests/support/TreeLines.h"
 
 #include <gtest/gtest.h>
@@ -81,14 +82,14 @@ TEST_F(HostTree, IsSteeredByAToolsWriteOfAParameter)
 TEST_F(HostTree, TellsTheHostsListenersOfTheSwitchOnce)
 {
     Lines notes;
-    ScriptedListener listener(notes, "host");
+    TestListener listener(notes, "host");
     EXPECT_EQ(machine->SubscribeStateChange(&listener), 1);
 
     At(kSpeed)->SetFloat("value", 1.0f, 1);
     machine->Update(0.1f);
     machine->Update(0.1f);
 
-    EXPECT_EQ(notes, (Lines{"host 3 100 10 11"}));
+    EXPECT_EQ(notes, (Lines{"host: change 100: 10 -> 11"}));
 }
 
 TEST_F(HostTree, CarriesAToolsTextToTheAttributeOfTheCurrentState)
@@ -129,8 +130,7 @@ TEST(HostTables, AreAsManyAfterAMachineAsBefore)
     LogRecorder log;
     const unsigned before = Tessel::GetOpenTableCount();
     {
-        DocumentBuilder document;
-        document.Start(10).Node(Generic("Stand", 10));
+        DocumentBuilder document = SmallDocument();
         const std::unique_ptr<IHSM> machine(CreateHSMJson(document.Text().c_str()));
         ASSERT_EQ(machine->Init(), 1);
         EXPECT_GT(Tessel::GetOpenTableCount(), before);

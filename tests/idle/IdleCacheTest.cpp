@@ -13,7 +13,7 @@
 #include "tests/support/Definitions.h"
 #include "tests/support/HeapWatch.h"
 #include "tests/support/Scene.h"
-#include "tests/support/ScriptedAction.h"
+#include "tests/support/TestAction.h"
 
 #include <gtest/gtest.h>
 
@@ -35,8 +35,8 @@ constexpr unsigned int kAway = 40;
 /// Away, and "hit" makes a blip of Hurt. No list holds the transition Hop.
 DocumentBuilder Fight()
 {
-    DocumentBuilder document;
-    document.Start(kCombat)
+    return DocumentBuilder()
+        .Start(kCombat)
         .Parameter(BoolParameter("go", false))
         .Parameter(BoolParameter("leave", false))
         .Parameter(BoolParameter("hit", false))
@@ -51,7 +51,6 @@ DocumentBuilder Fight()
         .Node(Generic("Strike", kStrike, {}, kCombat))
         .Node(Generic("Away", kAway))
         .Node(Generic("Hurt", 60));
-    return document;
 }
 
 /// Counts what a machine asks of it.
@@ -222,10 +221,10 @@ TEST_F(SettledMachine, ReportsAnEmptyEntryAtEachTick)
 
 TEST_F(SettledMachine, PerformsAnActionFromItsRegistrationToItsRemoval)
 {
-    auto* action = new ScriptedAction("A", lines);
+    auto* action = new TestAction("A", lines);
     machine.FindDef(kCombat)->RegisterExecute(action);
     Tick(3);
-    const std::string performed = "perform A 2 0.500000";
+    const std::string performed = "A execution 0.5";
     EXPECT_EQ(lines, (Lines{"owner A", performed, performed, performed}));
 
     lines.clear();
@@ -236,7 +235,7 @@ TEST_F(SettledMachine, PerformsAnActionFromItsRegistrationToItsRemoval)
 
 TEST_F(SettledMachine, FollowsWhatAnActionDoesInTheSameTick)
 {
-    auto* action = new ScriptedAction("A", lines);
+    auto* action = new TestAction("A", lines);
     machine.FindDef(kGuard)->RegisterExecute(action);
     Tick(5);
     EXPECT_EQ(machine.MainStack(), "Combat/Guard");
@@ -284,14 +283,14 @@ TEST_F(SettledMachine, CallsATriggerOfATransitionThatWasPushed)
 
 TEST_F(SettledMachine, TakesTheDefinitionThatAStateIsGiven)
 {
-    machine.FindDef(kAway)->RegisterExecute(new ScriptedAction("A", lines));
+    machine.FindDef(kAway)->RegisterExecute(new TestAction("A", lines));
     machine.FindState(kGuard)->SetDef(dynamic_cast<BaseDef*>(machine.FindDef(kAway)));
     Tick(2);
     EXPECT_EQ(lines.size(), 3u);
 
     machine.FindState(kGuard)->SetDef(dynamic_cast<BaseDef*>(machine.FindDef(kStrike)));
     Tick(4);
-    machine.FindDef(kStrike)->RegisterExecute(new ScriptedAction("B", lines));
+    machine.FindDef(kStrike)->RegisterExecute(new TestAction("B", lines));
     lines.clear();
     Tick(2);
     EXPECT_EQ(lines.size(), 2u);
@@ -299,7 +298,7 @@ TEST_F(SettledMachine, TakesTheDefinitionThatAStateIsGiven)
 
 TEST_F(SettledMachine, TakesTheDefinitionThatAStateIsInitialisedWith)
 {
-    machine.FindDef(kAway)->RegisterExecute(new ScriptedAction("A", lines));
+    machine.FindDef(kAway)->RegisterExecute(new TestAction("A", lines));
 
     machine.FindState(kGuard)->Init(dynamic_cast<BaseDef*>(machine.FindDef(kAway)));
     Tick(2);
@@ -404,19 +403,13 @@ TEST_F(SettledMachine, SeesAValueThatAToolWrites)
 TEST(IdleCache, TestsAConditionThatIsBoundLater)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10)
-        .Parameter(BoolParameter("other", false))
-        .Node(Generic("Stand", 10, {100}))
-        .Node(Generic("Walk", 11))
-        .Node(Transition("Go", 100, 10, 11, {Holds("late")}));
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
-    for (int i = 0; i < 4; ++i)
-    {
-        machine.Update(0.1f);
-    }
+    StartedMachine machine(DocumentBuilder()
+                               .Start(10)
+                               .Parameter(BoolParameter("other", false))
+                               .Node(Generic("Stand", 10, {100}))
+                               .Node(Generic("Walk", 11))
+                               .Node(Transition("Go", 100, 10, 11, {Holds("late")})));
+    machine.Tick(4);
     IParameterBoolDef* late = nullptr;
     ASSERT_EQ(machine.GetParameterTable()->CreateBoolParameter("late", true, &late), 1);
     machine.Update(0.1f);
@@ -469,7 +462,7 @@ TEST(IdleCache, AsksADefinitionOfAHostsClassForItsActions)
     {
         machine.Update(0.5f);
     }
-    ScriptedAction action("A", lines);
+    TestAction action("A", lines);
     HostDef::given = &action;
     machine.Update(0.5f);
     machine.Update(0.5f);
@@ -529,13 +522,8 @@ TEST(IdleCache, FiresInEveryLevelOfADeepStack)
     for (int level = 0; level < 8; ++level)
     {
         LogRecorder log;
-        TestMachine machine(Tower());
-        ASSERT_EQ(machine.Init(), 1);
-        machine.Start();
-        for (int i = 0; i < 16; ++i)
-        {
-            machine.Update(0.1f);
-        }
+        StartedMachine machine(Tower());
+        machine.Tick(16);
         ASSERT_EQ(machine.stateStack.size(), 8u);
         machine.SetBool(("go" + std::to_string(level)).c_str(), true);
         machine.Update(0.1f);
@@ -553,8 +541,7 @@ TEST(IdleCache, IsDoneWithoutWhereThereIsNoMemory)
     for (std::size_t refused = 0; isRefused && refused < kMostBlocks; ++refused)
     {
         LogRecorder log;
-        TestMachine machine(Tower());
-        ASSERT_EQ(machine.Init(), 1);
+        InitialisedMachine machine(Tower());
         try
         {
             HeapWatch heap;
@@ -603,13 +590,8 @@ TEST(IdleCache, ReadsTheValuesOfMoreParametersThanLieTogether)
     document.Head().Set(JSON_HeadMemory, 400000);
     for (unsigned int i = 0; i < 40; ++i)
     {
-        TestMachine machine(document);
-        ASSERT_EQ(machine.Init(), 1);
-        machine.Start();
-        for (int tick = 0; tick < 4; ++tick)
-        {
-            machine.Update(0.1f);
-        }
+        StartedMachine machine(document);
+        machine.Tick(4);
         const std::string name = "p" + std::to_string(i);
         ASSERT_EQ(machine.MainStack(), "Stand") << name;
         ParameterDef* parameter = machine.GetParameterTable()->FindParameter(name.c_str());
@@ -635,13 +617,13 @@ TEST(IdleCache, ReadsTheValuesOfMoreParametersThanLieTogether)
 TEST_F(SettledMachine, PerformsTheActionsOfADefinitionThatIsAssigned)
 {
     OpenDef other;
-    other.RegisterExecute(new ScriptedAction("A", lines));
+    other.RegisterExecute(new TestAction("A", lines));
     BaseDef* const guard = machine.FindState(kGuard)->GetDef();
 
     *guard = other;
     Tick(2);
 
-    const std::string performed = "perform A 2 0.500000";
+    const std::string performed = "A execution 0.5";
     EXPECT_EQ(lines, (Lines{"owner A", performed, performed}));
     other.executeActions = nullptr; // they are the other one's now
 }
@@ -771,9 +753,7 @@ TEST_F(SettledMachine, SeesWhatAHostWritesIntoTheFieldsOfATransitionHoweverItGot
         for (const FieldWrite& field : kFieldWrites)
         {
             SCOPED_TRACE(std::string(road.name) + ": " + field.name);
-            TestMachine own(Fight());
-            ASSERT_EQ(own.Init(), 1);
-            own.Start();
+            StartedMachine own(Fight());
             Update(own, 5);
             TransitionDef* const go = road.find(own, 130, kGuard);
             TransitionDef* const hop = road.find(own, 140, kGuard);
@@ -903,9 +883,7 @@ TEST(IdleCache, LetsATickAllocateNothingAtAnyDepthWithAnyNumberOfConditions)
         SCOPED_TRACE(std::to_string(shape.levels) + " levels, " + std::to_string(shape.conditions) +
                      " conditions");
         LogRecorder log;
-        TestMachine machine(Tall(shape.levels, shape.conditions));
-        ASSERT_EQ(machine.Init(), 1);
-        machine.Start();
+        StartedMachine machine(Tall(shape.levels, shape.conditions));
         Update(machine, static_cast<int>(shape.levels) - 1);
         ASSERT_EQ(machine.stateStack.size(), shape.levels);
 

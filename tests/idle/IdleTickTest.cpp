@@ -53,9 +53,7 @@ DocumentBuilder IdleDocument()
 TEST(IdleTick, AllocatesNothingAndLogsNothingInAMillionTicks)
 {
     LogRecorder log;
-    TestMachine machine(IdleDocument());
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(IdleDocument());
     machine.PushState(2);
     machine.PushState(3);
     machine.Update(0.01f);
@@ -80,9 +78,7 @@ TEST(IdleTick, AllocatesNothingAndLogsNothingInAMillionTicks)
 TEST(IdleTick, LooksNothingUp)
 {
     LogRecorder log;
-    TestMachine machine(IdleDocument());
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(IdleDocument());
     machine.PushState(2);
     machine.PushState(3);
     auto* speed =

@@ -8,7 +8,7 @@
 #include "tests/introspection/RichDocument.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Recorders.h"
-#include "tests/support/ScriptedListener.h"
+#include "tests/support/TestListener.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/TreeLines.h"
 
@@ -69,34 +69,12 @@ class HSMContext : public testing::Test
 protected:
     void SetUp() override
     {
-        DocumentBuilder document = RichDocument();
-        document.Parameter(IntParameter("frame", 1).Set(JSON_ParameterResetEachFrame, true));
-        machine.Load(document.Text());
-        ASSERT_EQ(machine.Init(), 1);
-        machine.Start();
         log.Clear();
     }
 
-    void Tick(const char* parameter)
-    {
-        TableAt(machine.GetKVTable(), "parameterTable/" + std::to_string(ParameterId(parameter)))
-            ->SetInt("value", 1, 1);
-        machine.Update(0.1f);
-    }
-
-    Lines SwitchKeys() const
-    {
-        Tessel::KVTable own = TableAt(machine.GetKVTable(), kContextKey);
-        Lines lines;
-        for (const char* key : {kTransitionKey, kPreviousStateKey, kNextStateKey})
-        {
-            lines.push_back(std::to_string(own->GetUInt(key)));
-        }
-        return lines;
-    }
-
     LogRecorder log;
-    ContextMachine machine;
+    Started<ContextMachine> machine{
+        RichDocument().Parameter(IntParameter("frame", 1).Set(JSON_ParameterResetEachFrame, true))};
     RecordedContext recorded;
 };
 
@@ -123,7 +101,7 @@ TEST_F(HSMContext, SetsBothStacksAndTheLastSwitch)
 
     EXPECT_EQ(machine.MainStack(), "Combat/Guard");
     EXPECT_EQ(machine.BlipStack(), "Flinch");
-    EXPECT_EQ(SwitchKeys(), (Lines{"101", "10", "20"}));
+    EXPECT_EQ(machine.LastSwitch(), (Ids{101, 10, 20}));
 }
 
 TEST_F(HSMContext, ActivatesItsStatesAndNeitherLeavesNorEntersAny)
@@ -137,7 +115,7 @@ TEST_F(HSMContext, ActivatesItsStatesAndNeitherLeavesNorEntersAny)
 
 TEST_F(HSMContext, CallsTheSwitchCallbackForEachStateWithTheStateLastLeft)
 {
-    Tick("go");
+    machine.TickWith("go");
     machine.SetStateSwitchCallback(RecordSwitch);
     recorded.Stack(kMainStackKey, {11, 23}).Stack(kBlipStackKey, {12});
     log.Clear();
@@ -150,7 +128,7 @@ TEST_F(HSMContext, CallsTheSwitchCallbackForEachStateWithTheStateLastLeft)
 
 TEST_F(HSMContext, WithoutStacksLeavesBothEmpty)
 {
-    Tick("hit");
+    machine.TickWith("hit");
     log.Clear();
 
     EXPECT_EQ(machine.SetContextInfo(recorded.table), 1);
@@ -162,7 +140,7 @@ TEST_F(HSMContext, WithoutStacksLeavesBothEmpty)
 
 TEST_F(HSMContext, WithEmptyStacksLeavesBothEmpty)
 {
-    Tick("hit");
+    machine.TickWith("hit");
     recorded.Stack(kMainStackKey, {}).Stack(kBlipStackKey, {});
 
     EXPECT_EQ(machine.SetContextInfo(recorded.table), 1);
@@ -173,14 +151,14 @@ TEST_F(HSMContext, WithEmptyStacksLeavesBothEmpty)
 
 TEST_F(HSMContext, OfANullHandleEmptiesBothStacksAndClearsTheSwitch)
 {
-    Tick("go");
-    ASSERT_EQ(SwitchKeys(), (Lines{"100", "10", "11"}));
+    machine.TickWith("go");
+    ASSERT_EQ(machine.LastSwitch(), (Ids{100, 10, 11}));
 
     EXPECT_EQ(machine.SetContextInfo(Tessel::KVTable()), 1);
 
     EXPECT_EQ(machine.MainStack(), "-");
     EXPECT_EQ(machine.BlipStack(), "-");
-    EXPECT_EQ(SwitchKeys(), (Lines{"0", "0", "0"}));
+    EXPECT_EQ(machine.LastSwitch(), (Ids{0, 0, 0}));
     EXPECT_FALSE(machine.applyingContext);
 }
 
@@ -234,7 +212,7 @@ TEST_F(HSMContext, StepsGiveOneWhateverTheyFind)
 TEST_F(HSMContext, IsTakenUpByTheNextTickWithoutEnteringItsStates)
 {
     machine.Update(0.1f);
-    Tick("fight");
+    machine.TickWith("fight");
     machine.Update(0.1f);
     ASSERT_EQ(machine.MainStack(), "Combat/Guard");
     machine.SetContextInfo(recorded.Stack(kMainStackKey, {10}).table);
@@ -267,7 +245,7 @@ TEST_F(HSMContext, LeavesTheArraysOfTheMachineAsTheyWere)
 
 TEST_F(HSMContext, LeavesTheBlipTheActiveStackAndTheParametersAsTheyAre)
 {
-    Tick("hit");
+    machine.TickWith("hit");
     recorded.Stack(kMainStackKey, {11}).Stack(kBlipStackKey, {});
 
     machine.SetContextInfo(recorded.table);
@@ -294,14 +272,14 @@ TEST_F(HSMContext, WithABlipStackDoesNotStartABlip)
 TEST_F(HSMContext, TellsItsSwitchToTheListenersAndThenClearsIt)
 {
     Lines notes;
-    ScriptedListener listener(notes, "a");
+    TestListener listener(notes, "a");
     machine.SubscribeStateChange(&listener);
     recorded.Stack(kMainStackKey, {11}).Switch(100, 10, 11);
 
     machine.SetContextInfo(recorded.table);
 
-    EXPECT_EQ(notes, (Lines{"a 3 100 10 11"}));
-    EXPECT_EQ(SwitchKeys(), (Lines{"0", "0", "0"}));
+    EXPECT_EQ(notes, (Lines{"a: change 100: 10 -> 11"}));
+    EXPECT_EQ(machine.LastSwitch(), (Ids{0, 0, 0}));
 }
 
 TEST_F(HSMContext, WritesTheNextThePreviousAndTheTransitionAfterTheStacks)
@@ -334,21 +312,17 @@ TEST_F(HSMContext, KeepsTheMachineFromTickingUntilItStands)
 
 TEST_F(HSMContext, OfAnotherMachineMakesThisOneItsMirror)
 {
-    TestMachine other(RichDocument());
-    ASSERT_EQ(other.Init(), 1);
-    other.Start();
+    StartedMachine other(RichDocument());
     other.ChangeState(20);
     other.Update(0.1f);
-    TableAt(other.GetKVTable(), "parameterTable/" + std::to_string(ParameterId("hit")))
-        ->SetInt("value", 1, 1);
-    other.Update(0.1f);
+    other.TickWith("hit");
     ASSERT_EQ(other.BlipStack(), "Flinch");
 
     EXPECT_EQ(machine.SetContextInfo(TableAt(other.GetKVTable(), kContextKey)), 1);
 
     EXPECT_EQ(machine.MainStack(), "Combat/Guard");
     EXPECT_EQ(machine.BlipStack(), "Flinch");
-    EXPECT_EQ(SwitchKeys(), (Lines{"500", "10", "20"}));
+    EXPECT_EQ(machine.LastSwitch(), (Ids{500, 10, 20}));
 }
 
 TEST_F(HSMContext, OfItsOwnMakesTheStacksWhatTheArraysSay)
@@ -364,7 +338,7 @@ TEST_F(HSMContext, OfItsOwnMakesTheStacksWhatTheArraysSay)
 TEST_F(HSMContext, IsSetOnAMachineWithoutATreeToo)
 {
     Lines notes;
-    ScriptedListener listener(notes, "a");
+    TestListener listener(notes, "a");
     machine.SubscribeStateChange(&listener);
     const Tessel::KVTable root = machine.kvTable;
     machine.kvTable = Tessel::KVTable();
@@ -373,7 +347,7 @@ TEST_F(HSMContext, IsSetOnAMachineWithoutATreeToo)
     EXPECT_EQ(machine.SetContextInfo(recorded.table), 1);
 
     EXPECT_EQ(machine.MainStack(), "Walk");
-    EXPECT_EQ(notes, (Lines{"a 3 0 0 0"}));
+    EXPECT_EQ(notes, (Lines{"a: change 0: 0 -> 0"}));
     machine.kvTable = root;
 }
 
@@ -382,8 +356,7 @@ TEST(HSMContextEarly, IsSetBeforeTheStartAndOnAMachineWhoseDocumentFailed)
     LogRecorder log;
     RecordedContext recorded;
     recorded.Stack(kMainStackKey, {11});
-    TestMachine early(RichDocument());
-    ASSERT_EQ(early.Init(), 1);
+    InitialisedMachine early(RichDocument());
     TestMachine failed("no document");
     log.Clear();
 

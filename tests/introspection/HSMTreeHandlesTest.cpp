@@ -8,6 +8,7 @@
 
 #include "tests/introspection/RichDocument.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/SmallDocument.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/TreeLines.h"
 
@@ -23,11 +24,6 @@ namespace
 {
 
 using MachinePointer = std::unique_ptr<IHSM>;
-
-std::string ParameterPath(const std::string& name)
-{
-    return "parameterTable/" + std::to_string(ParameterId(name));
-}
 
 /// Paths of tables of every kind, as the rich document makes them, and a run-time parameter.
 std::vector<std::string> KeptPaths()
@@ -109,26 +105,27 @@ int LeftOpen(const std::function<void()>& life)
     return static_cast<int>(Tessel::GetOpenTableCount()) - static_cast<int>(before);
 }
 
-/// Makes a machine from `text`, takes it as far as it goes, and deletes it without Uninit.
-void LiveWithoutUninit(const std::string& text)
+/// Makes a machine from `text`, takes it as far as it goes, and deletes it without Uninit. Gives
+/// the result of Init.
+int LiveWithoutUninit(const std::string& text)
 {
     const MachinePointer machine(CreateHSMJson(text.c_str()));
     if (machine->Init() == 0)
     {
-        return;
+        return 0;
     }
     machine->Start();
     machine->Update(0.1f);
+    return 1;
 }
 
 DocumentBuilder OneNode()
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Parameter(FloatParameter("speed", 0.5))
         .Node(Generic("Idle", 10)
                   .Set(JSON_Attributes, Json::Array({Attribute("surface", "QString", "stone")})));
-    return document;
 }
 
 } // namespace
@@ -241,14 +238,59 @@ TEST(HSMTreeTables, AreAllClosedAfterTheOrderlyEnd)
               0);
 }
 
-TEST(HSMTreeTables, AreAllClosedWhenUninitWasNeverCalled)
+TEST(HSMTreeTables, AreAllClosedWithoutUninitWhateverTheDocumentSays)
 {
-    EXPECT_EQ(LeftOpen(
-                  [&]
-                  {
-                      LiveWithoutUninit(RichDocument().Text());
-                  }),
-              0);
+    const JsonObject noted =
+        FloatCondition("speed", 3, 9.0)
+            .Set(JSON_Attributes, Json::Array({Attribute("note", "QString", "x")}));
+    const JsonObject broken = JsonObject(noted).Remove(JSON_ConditionEvaluation);
+    const Json oneAttribute = Json::Array({Attribute("a", "int", 1)});
+    const struct
+    {
+        const char* what;
+        DocumentBuilder document;
+        int result; ///< of Init
+    } cases[] = {
+        {"all that a tree can show", RichDocument(), 1},
+        {"no parameters", OneNode().LeaveOut(JSON_Parameters), 0},
+        {"no layers", OneNode().LeaveOut(JSON_Layers), 0},
+        {"nodes at the root in place of layers",
+         WithRoot(OneNode().LeaveOut(JSON_Layers), JSON_Nodes,
+                  Json::Array({Generic("Root", 1), Generic("Other", 2)})),
+         0},
+        {"no entry node", WithHead(OneNode(), JSON_HeadEnterNode, 0), 0},
+        {"a vector that is a number",
+         OneNode().Parameter(Parameter(DURMBaseLib::PARAM_Float3, "bad", 1)), 0},
+        {"a parameter of no type",
+         OneNode().Parameter(FloatParameter("odd", 1).Set(JSON_ParameterType, "no type")), 0},
+        {"two parameters of one name", OneNode().Parameter(IntParameter("speed", 3)), 1},
+        {"two parameters of one id",
+         OneNode().Parameter(IntParameter("other", 3).Set(JSON_ID, ParameterId("speed"))), 1},
+        {"two nodes of one id",
+         OneNode().Node(Generic("Twin", 10).Set(JSON_Attributes, oneAttribute)), 1},
+        {"a global node of a layer's id",
+         OneNode().GlobalNode(Global("Anywhere", 10)).Layer("Second").Node(Generic("Twin", 10)), 1},
+        {"a child of the id zero",
+         OneNode().Node(Generic("Bad", 11, {7, 0, 9}).Set(JSON_Attributes, oneAttribute)), 1},
+        {"a node of no kind", OneNode().Node(Node(99, "Unknown", 12)), 1},
+        {"an attribute of no type",
+         OneNode().Node(Generic("Odd", 13).Set(
+             JSON_Attributes, Json::Array({Attribute("a", "int", 1), Attribute("b", "QRect", 1)}))),
+         1},
+        {"conditions with attributes, of which one fails",
+         OneNode().Node(Transition("Go", 100, 10, 10, {noted, broken, noted})), 1}};
+    for (const auto& example : cases)
+    {
+        SCOPED_TRACE(example.what);
+        int result = -1;
+        EXPECT_EQ(LeftOpen(
+                      [&]
+                      {
+                          result = LiveWithoutUninit(example.document.Text());
+                      }),
+                  0);
+        EXPECT_EQ(result, example.result);
+    }
 }
 
 TEST(HSMTreeTables, AreAllClosedWhenUninitWasCalledTwice)
@@ -256,8 +298,7 @@ TEST(HSMTreeTables, AreAllClosedWhenUninitWasCalledTwice)
     EXPECT_EQ(LeftOpen(
                   []
                   {
-                      TestMachine machine(RichDocument());
-                      ASSERT_EQ(machine.Init(), 1);
+                      InitialisedMachine machine(RichDocument());
                       machine.Uninit();
                       machine.Uninit();
                   }),
@@ -286,87 +327,6 @@ TEST(HSMTreeTables, AreAllClosedWhenTheMachineWasNeverInitialised)
                       const MachinePointer machine(CreateHSMJson(text.c_str()));
                       const MachinePointer failed(CreateHSMJson("no document"));
                       EXPECT_EQ(failed->Init(), 0);
-                  }),
-              0);
-}
-
-TEST(HSMTreeTables, AreAllClosedWhenInitFailed)
-{
-    std::vector<DocumentBuilder> documents(6, OneNode());
-    documents[0].LeaveOut(JSON_Parameters);
-    documents[1].LeaveOut(JSON_Layers);
-    documents[2]
-        .LeaveOut(JSON_Layers)
-        .Root()
-        .Set(JSON_Nodes, Json::Array({Generic("Root", 1), Generic("Other", 2)}));
-    documents[3].Parameter(Parameter(DURMBaseLib::PARAM_Float3, "bad", 1));
-    documents[4].Parameter(FloatParameter("odd", 1).Set(JSON_ParameterType, "no type"));
-    documents[5].Head().Set(JSON_HeadEnterNode, 0);
-    for (std::size_t i = 0; i < documents.size(); ++i)
-    {
-        EXPECT_EQ(LeftOpen(
-                      [&]
-                      {
-                          const std::string text = documents[i].Text();
-                          const MachinePointer machine(CreateHSMJson(text.c_str()));
-                          EXPECT_EQ(machine->Init(), 0);
-                      }),
-                  0)
-            << i;
-    }
-}
-
-TEST(HSMTreeTables, AreAllClosedWhenNodesFailedOrWereRefused)
-{
-    std::vector<DocumentBuilder> documents(5, OneNode());
-    documents[0].Node(
-        Generic("Twin", 10)
-            .Set(JSON_Attributes, Json::Array({Attribute("surface", "QString", "mud")})));
-    documents[1].Node(Generic("Bad", 11, {7, 0, 9})
-                          .Set(JSON_Attributes, Json::Array({Attribute("a", "int", 1)})));
-    documents[2].Node(Node(99, "Unknown", 12));
-    documents[3].Node(Generic("Odd", 13).Set(
-        JSON_Attributes, Json::Array({Attribute("a", "int", 1), Attribute("b", "QRect", 1)})));
-    documents[4].GlobalNode(Global("Anywhere", 10)).Layer("Second").Node(Generic("Twin", 10));
-    for (std::size_t i = 0; i < documents.size(); ++i)
-    {
-        EXPECT_EQ(LeftOpen(
-                      [&]
-                      {
-                          LiveWithoutUninit(documents[i].Text());
-                      }),
-                  0)
-            << i;
-    }
-}
-
-TEST(HSMTreeTables, AreAllClosedWhenConditionsHaveAttributes)
-{
-    DocumentBuilder document = OneNode();
-    JsonObject good = FloatCondition("speed", 3, 9.0);
-    good.Set(JSON_Attributes, Json::Array({Attribute("note", "QString", "x")}));
-    JsonObject bad = good;
-    bad.Remove(JSON_ConditionEvaluation);
-    document.Node(Transition("Go", 100, 10, 10, {good, bad, good}));
-
-    EXPECT_EQ(LeftOpen(
-                  [&]
-                  {
-                      LiveWithoutUninit(document.Text());
-                  }),
-              0);
-}
-
-TEST(HSMTreeTables, AreAllClosedWhenParametersWereRefused)
-{
-    DocumentBuilder document = OneNode();
-    document.Parameter(IntParameter("speed", 3))
-        .Parameter(IntParameter("other", 3).Set(JSON_ID, ParameterId("speed")));
-
-    EXPECT_EQ(LeftOpen(
-                  [&]
-                  {
-                      LiveWithoutUninit(document.Text());
                   }),
               0);
 }

@@ -31,16 +31,7 @@ class HSMTreeStacks : public testing::Test
 protected:
     void SetUp() override
     {
-        ASSERT_EQ(machine.Init(), 1);
-        machine.Start();
         log.Clear();
-    }
-
-    void Tick(const char* parameter)
-    {
-        TableAt(machine.GetKVTable(), "parameterTable/" + std::to_string(ParameterId(parameter)))
-            ->SetInt("value", 1, 1);
-        machine.Update(0.1f);
     }
 
     Ids Main() const
@@ -53,19 +44,8 @@ protected:
         return machine.StackInTree(kBlipStackKey);
     }
 
-    Lines SwitchKeys() const
-    {
-        Tessel::KVTable context = TableAt(machine.GetKVTable(), kContextKey);
-        Lines lines;
-        for (const char* key : {kTransitionKey, kPreviousStateKey, kNextStateKey})
-        {
-            lines.push_back(std::to_string(context->GetUInt(key)));
-        }
-        return lines;
-    }
-
     LogRecorder log;
-    StackMachine machine{RichDocument()};
+    Started<StackMachine> machine{RichDocument()};
 };
 
 int CloseRoot(void* root, Tessel::opResult, Tessel::KVTable, const char*)
@@ -107,16 +87,16 @@ TEST_F(HSMTreeStacks, StayAsTheyAreWhenAPushFails)
 
 TEST_F(HSMTreeStacks, HoldANestedLevelBottomFirst)
 {
-    Tick("fight");
+    machine.TickWith("fight");
     machine.Update(0.1f);
 
     EXPECT_EQ(Main(), (Ids{20, 23}));
-    EXPECT_EQ(SwitchKeys(), (Lines{"101", "10", "20"}));
+    EXPECT_EQ(machine.LastSwitch(), (Ids{101, 10, 20}));
 }
 
 TEST_F(HSMTreeStacks, AreTwoDuringABlipAndOneAfterIt)
 {
-    Tick("hit");
+    machine.TickWith("hit");
     EXPECT_EQ(Main(), (Ids{10}));
     EXPECT_EQ(Blip(), (Ids{12}));
     machine.PushState(23u);
@@ -131,7 +111,7 @@ TEST_F(HSMTreeStacks, AreTwoDuringABlipAndOneAfterIt)
 
 TEST_F(HSMTreeStacks, AreBothEmptyAfterARevertToTheStart)
 {
-    Tick("hit");
+    machine.TickWith("hit");
 
     machine.RevertToStartState();
 
@@ -141,12 +121,12 @@ TEST_F(HSMTreeStacks, AreBothEmptyAfterARevertToTheStart)
 
 TEST_F(HSMTreeStacks, KeepTheLastSwitchUntilTheNext)
 {
-    Tick("go");
+    machine.TickWith("go");
     machine.Update(0.1f);
-    EXPECT_EQ(SwitchKeys(), (Lines{"100", "10", "11"}));
+    EXPECT_EQ(machine.LastSwitch(), (Ids{100, 10, 11}));
 
     machine.ChangeState(23);
-    EXPECT_EQ(SwitchKeys(), (Lines{"100", "11", "23"}));
+    EXPECT_EQ(machine.LastSwitch(), (Ids{100, 11, 23}));
 }
 
 TEST_F(HSMTreeStacks, ShowASwitchFromNothingWithAPreviousStateOfZero)
@@ -156,7 +136,7 @@ TEST_F(HSMTreeStacks, ShowASwitchFromNothingWithAPreviousStateOfZero)
 
     machine.ChangeState(11);
 
-    EXPECT_EQ(SwitchKeys(), (Lines{"0", "0", "11"}));
+    EXPECT_EQ(machine.LastSwitch(), (Ids{0, 0, 11}));
 }
 
 TEST_F(HSMTreeStacks, LoseTheirLastElementAloneOnAPop)
@@ -238,7 +218,7 @@ TEST_F(HSMTreeStacks, MayBeClosedByAListenerWithinASwitch)
     listener->object = &root;
     listener->function = CloseRoot;
 
-    Tick("go");
+    machine.TickWith("go");
     machine.Update(0.1f);
 
     EXPECT_EQ(machine.MainStack(), "Walk");
@@ -265,17 +245,17 @@ TEST_F(HSMTreeStacks, AreWrittenToAContextThatAToolMadeAnew)
     machine.ChangeState(23);
 
     EXPECT_EQ(Main(), (Ids{23}));
-    EXPECT_EQ(SwitchKeys(), (Lines{"0", "11", "23"}));
+    EXPECT_EQ(machine.LastSwitch(), (Ids{0, 11, 23}));
 }
 
 TEST_F(HSMTreeStacks, TakeTheTransitionInAContextThatAToolMadeAnew)
 {
     machine.GetKVTable()->AddTable(kContextKey, 1);
 
-    Tick("go");
+    machine.TickWith("go");
 
     EXPECT_EQ(machine.MainStack(), "Walk");
-    EXPECT_EQ(SwitchKeys(), (Lines{"100", "10", "11"}));
+    EXPECT_EQ(machine.LastSwitch(), (Ids{100, 10, 11}));
 }
 
 TEST_F(HSMTreeStacks, AreFoundByTheirKeysWhileAReplacedContextLivesOnElsewhere)
@@ -285,10 +265,10 @@ TEST_F(HSMTreeStacks, AreFoundByTheirKeysWhileAReplacedContextLivesOnElsewhere)
     ASSERT_EQ(elsewhere->AttachTable(kContextKey, before, 1), 1);
     machine.GetKVTable()->AddTable(kContextKey, 1)->AddTable(kMainStackKey, 1)->PushUInt(10, 1);
 
-    Tick("go");
+    machine.TickWith("go");
 
     EXPECT_EQ(Main(), (Ids{11}));
-    EXPECT_EQ(SwitchKeys(), (Lines{"100", "10", "11"}));
+    EXPECT_EQ(machine.LastSwitch(), (Ids{100, 10, 11}));
     EXPECT_EQ(IdsOf(TableAt(elsewhere, "contextInfo/stackStates")), (Ids{10}));
     EXPECT_EQ(before->GetUInt(kNextStateKey), 0u);
     EXPECT_EQ(before->GetUInt(kTransitionKey), 0u);
@@ -318,13 +298,13 @@ TEST_F(HSMTreeStacks, TellAListenerWhatTheReplacedKeysSay)
     ASSERT_EQ(elsewhere->AttachTable(kContextKey, before, 1), 1);
     before->SetUInt(kTransitionKey, 77, 1);
     machine.GetKVTable()->AddTable(kContextKey, 1);
-    RecordingListener listener("tool");
+    TestListener listener("tool");
     machine.SubscribeStateChange(&listener);
 
-    Tick("go");
+    machine.TickWith("go");
 
     EXPECT_EQ(log.Take().back(), "tool: change 100: 10 -> 11");
-    EXPECT_EQ(SwitchKeys(), (Lines{"0", "0", "0"}));
+    EXPECT_EQ(machine.LastSwitch(), (Ids{0, 0, 0}));
     EXPECT_EQ(before->GetUInt(kTransitionKey), 77u);
     Tessel::CloseTable(elsewhere);
 }

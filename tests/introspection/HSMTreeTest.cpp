@@ -33,25 +33,14 @@ std::string ReadFile(const std::string& path)
     return text.str();
 }
 
-std::string ParameterPath(const std::string& name)
-{
-    return "parameterTable/" + std::to_string(ParameterId(name));
-}
-
-void SetBool(TestMachine& machine, const std::string& name)
-{
-    TableAt(machine.GetKVTable(), ParameterPath(name))->SetInt("value", 1, 1);
-}
-
 /// A small document with one of each: a node, an attribute, a parameter.
 DocumentBuilder SmallDocument()
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Parameter(FloatParameter("speed", 0.5))
         .Node(Generic("Idle", 10)
                   .Set(JSON_Attributes, Json::Array({Attribute("length", "double", 0.75)})));
-    return document;
 }
 
 class HSMTree : public testing::Test
@@ -168,11 +157,9 @@ TEST_F(HSMTree, ShowsARunByItsContextAndValuesAlone)
     const Lines before = Tree();
 
     machine.Start();
-    SetBool(machine, "fight");
+    machine.TickWith("fight");
     machine.Update(0.1f);
-    machine.Update(0.1f);
-    SetBool(machine, "hit");
-    machine.Update(0.1f);
+    machine.TickWith("hit");
 
     ASSERT_EQ(machine.MainStack(), "Combat/Guard");
     ASSERT_EQ(machine.BlipStack(), "Flinch");
@@ -247,18 +234,14 @@ TEST_F(HSMTree, ShowsADefinitionAsDynamicWithItsNameWhenAHostAsks)
 
 TEST_F(HSMTree, HoldsTheFirstOfTwoNodesWithOneId)
 {
-    DocumentBuilder document = SmallDocument();
-    document.Node(Clip("Twin", 10, "twin.anim")).Node(Generic("After", 11));
-    Load(document);
+    Load(SmallDocument().Node(Clip("Twin", 10, "twin.anim")).Node(Generic("After", 11)));
 
     EXPECT_EQ(Tree(), ModelTree(SmallDocument().Text(), ""));
 }
 
 TEST_F(HSMTree, HoldsTheFirstOfTwoParametersWithOneName)
 {
-    DocumentBuilder document = SmallDocument();
-    document.Parameter(IntParameter("speed", 9));
-    Load(document);
+    Load(SmallDocument().Parameter(IntParameter("speed", 9)));
 
     EXPECT_EQ(Tree(), ModelTree(SmallDocument().Text(), ""));
 }
@@ -298,11 +281,8 @@ TEST_F(HSMTree, LeavesOutIdentityTextsOfAVersionOneHead)
 
 TEST_F(HSMTree, LeavesOutEmptyFileNamesOfTheSkeleton)
 {
-    JsonObject skeleton;
-    skeleton.Set(JSON_ModelFileName, "").Set(JSON_SkeletonFileName, "");
-    DocumentBuilder document = SmallDocument();
-    document.Skeleton(skeleton);
-    Load(document);
+    Load(SmallDocument().Skeleton(
+        JsonObject().Set(JSON_ModelFileName, "").Set(JSON_SkeletonFileName, "")));
 
     EXPECT_EQ(Tree(), ModelTree(SmallDocument().Text(), ""));
 }

@@ -25,8 +25,8 @@ DocumentBuilder Document()
 {
     JsonObject condition = Holds("go");
     condition.Set(JSON_Attributes, Json::Array(std::vector<Json>{Attribute("a", "int", 3)}));
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Parameter(BoolParameter("go", false))
         .Parameter(BoolParameter("other", false))
         .Node(Generic("Stand", 10, {kGo})
@@ -34,7 +34,6 @@ DocumentBuilder Document()
                        Json::Array(std::vector<Json>{Attribute("first", "int", 1),
                                                      Attribute("second", "int", 2)})))
         .Node(Transition("Go", kGo, 10, 10, {condition}));
-    return document;
 }
 
 AttribBase& AttribOf(TestMachine& machine, const char* name)
@@ -108,8 +107,7 @@ TEST(KeptTable, TakesWritesUntilTheMachineIsGoneAndIsClosedThen)
         const unsigned int before = Tessel::GetOpenTableCount();
         Tessel::KVTable kept;
         {
-            TestMachine machine(Document());
-            ASSERT_EQ(machine.Init(), 1);
+            InitialisedMachine machine(Document());
             kept = parting.part(machine);
             ASSERT_TRUE(kept);
             kept->SetInt("value", 1, 1);
@@ -125,8 +123,7 @@ TEST(KeptTable, TakesWritesUntilTheMachineIsGoneAndIsClosedThen)
 TEST(KeptTable, OfACopiedConditionIsSharedWhoeverAsksFirst)
 {
     LogRecorder log;
-    TestMachine machine(Document());
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(Document());
     ConditionDef& condition = ConditionOf(machine);
     const BaseDef copy(condition);
 

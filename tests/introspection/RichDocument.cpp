@@ -31,8 +31,8 @@ DocumentBuilder RichDocument()
 {
     JsonObject skeleton;
     skeleton.Set(JSON_ModelFileName, "hero.mdl").Set(JSON_SkeletonFileName, "hero.skel");
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Skeleton(skeleton)
         .Parameter(BoolParameter("go", false))
         .Parameter(BoolParameter("fight", false))
@@ -42,8 +42,8 @@ DocumentBuilder RichDocument()
         .Parameter(VectorParameter(PARAM_Float2, "stick", "3,4"))
         .Parameter(VectorParameter(PARAM_Float3, "aim", "1,2,3"))
         .Parameter(VectorParameter(PARAM_Float4, "turn", "0,0,0,1"))
-        .Parameter(MessageParameter("shout", "hey"));
-    document.Layer("Base")
+        .Parameter(MessageParameter("shout", "hey"))
+        .Layer("Base")
         .Node(Generic("Idle", 10, {100, 101})
                   .Set(JSON_ScriptName, "idle.script")
                   .Set(JSON_Attributes, Json::Array(OneAttributeOfEachClass())))
@@ -52,17 +52,16 @@ DocumentBuilder RichDocument()
         .Node(Transition("Go", 100, 10, 11, {BoolCondition("go", true)}))
         .Node(Transition("Fight", 101, 10, 20, {BoolCondition("fight", true)}))
         .Node(Connector("Door", 30, "entering"))
-        .Node(Node(BUILDER_Base, "Note", 40));
-    document.Layer("Combat")
+        .Node(Node(BUILDER_Base, "Note", 40))
+        .Layer("Combat")
         .Node(Substate("Combat", 20, 21, 22))
         .Node(Enter("In", 21, 23, 20))
         .Node(Exit("Out", 22, 20))
         .Node(Generic("Guard", 23, {}, 20)
                   .Set(JSON_Attributes, Json::Array({Attribute("surface", "QString", "mat")})))
-        .Node(ConditionNode("OnGo", 60));
-    document.GlobalNode(Global("Anywhere", 50, {500}))
+        .Node(ConditionNode("OnGo", 60))
+        .GlobalNode(Global("Anywhere", 50, {500}))
         .GlobalNode(Transition("Hit", 500, 50, 12, {BoolCondition("hit", true)}));
-    return document;
 }
 
 } // namespace vell::test

@@ -9,6 +9,7 @@
 
 #include "definitions/NodeDefTable.h"
 #include "tests/support/Scene.h"
+#include "tests/support/SmallDocument.h"
 
 #include <gtest/gtest.h>
 
@@ -49,9 +50,7 @@ SMState* MakeNothing(unsigned int, HSMAlloc*)
 /// The state Start (10) and a node Own (11) of the test's own builder number.
 DocumentBuilder OwnDocument()
 {
-    DocumentBuilder document;
-    document.Start(10).Nodes({Generic("Start", 10), Node(kOwnBuilder, "Own", 11)});
-    return document;
+    return DocumentBuilder().Start(10).Nodes({Generic("Start", 10), Node(kOwnBuilder, "Own", 11)});
 }
 
 Lines Refused(unsigned int id)
@@ -176,12 +175,11 @@ TEST(ActivateState, AsksAFailingInitTwiceAndLosesItsRoom)
 
 TEST(ActivateState, ConnectorAsATargetLeavesTheStackShort)
 {
-    DocumentBuilder document;
-    document.Start(10)
-        .Parameter(PulseParameter("go"))
-        .Nodes({Generic("Start", 10, {100}), Connector("Plug", 11, "Exit")})
-        .Node(Transition("Go", 100, 10, 11, {Holds("go")}));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(10)
+                    .Parameter(PulseParameter("go"))
+                    .Nodes({Generic("Start", 10, {100}), Connector("Plug", 11, "Exit")})
+                    .Node(Transition("Go", 100, 10, 11, {Holds("go")})));
     scene.Run(0);
 
     EXPECT_EQ(scene.TickWith("go"), Lines{"Start execution 0.5"} + Fired("Start", 100) +
@@ -230,11 +228,10 @@ TEST(ActivateState, GivesAStateWithoutChildrenNoTransitions)
 
 TEST(ActivateState, GivesConditionsTheParameterThatTheyTest)
 {
-    DocumentBuilder document;
-    document.Start(10)
-        .Nodes({Generic("Start", 10, {100}), Generic("Other", 11)})
-        .Node(Transition("Go", 100, 10, 11, {Holds("late"), Holds("never")}));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(10)
+                    .Nodes({Generic("Start", 10, {100}), Generic("Other", 11)})
+                    .Node(Transition("Go", 100, 10, 11, {Holds("late"), Holds("never")})));
     TransitionDef* transition = TransitionOf(scene, 100);
     ASSERT_EQ(transition->conditions.size(), 2u);
     IParameterBoolDef* late = nullptr;
@@ -252,11 +249,11 @@ TEST(ActivateState, GivesConditionsTheParameterThatTheyTest)
 
 TEST(ActivateState, FindsItsParentAmongActivatedLevelsOnly)
 {
-    DocumentBuilder document;
-    document.Start(13).Level("Level", 10, 13);
-    document.Nodes({Generic("Inside", 13, {}, 10), Generic("Alone", 14, {}, 999),
-                    Generic("BelowPlain", 15, {}, 13)});
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(13)
+                    .Level("Level", 10, 13)
+                    .Nodes({Generic("Inside", 13, {}, 10), Generic("Alone", 14, {}, 999),
+                            Generic("BelowPlain", 15, {}, 13)}));
     scene.machine.ActivateState(10, 0.0f);
 
     SMState* inside = scene.machine.ActivateState(13, 0.0f);
@@ -268,9 +265,8 @@ TEST(ActivateState, FindsItsParentAmongActivatedLevelsOnly)
 
 TEST(ActivateState, StateThatComesBeforeItsLevelHasNoParentForGood)
 {
-    DocumentBuilder document;
-    document.Start(13).Level("Level", 10, 13).Node(Generic("Inside", 13, {}, 10));
-    Scene scene(document);
+    Scene scene(
+        DocumentBuilder().Start(13).Level("Level", 10, 13).Node(Generic("Inside", 13, {}, 10)));
     SMState* inside = scene.machine.ActivateState(13, 0.0f);
     scene.machine.ActivateState(10, 0.0f);
 
@@ -281,9 +277,10 @@ TEST(ActivateState, StateThatComesBeforeItsLevelHasNoParentForGood)
 
 TEST(ActivateState, LevelThatNamesItselfAsItsParentIsItsOwnChild)
 {
-    DocumentBuilder document;
-    document.Start(20).Level("Level", 20, 23, {}, 20).Node(Generic("Inside", 23, {}, 20));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(20)
+                    .Level("Level", 20, 23, {}, 20)
+                    .Node(Generic("Inside", 23, {}, 20)));
     scene.Run(0);
 
     auto* level = dynamic_cast<SubstateState*>(scene.machine.FindState(20));
@@ -328,12 +325,11 @@ TEST(StateSwitchCallback, HearsOfTheGlobalStateAndOfTheStartStateWithNothingLeft
 
 TEST(StateSwitchCallback, RunsWithTheOldStatesPoppedAndTheNewOneNotYetPushed)
 {
-    DocumentBuilder document;
-    document.Start(10)
-        .Parameter(PulseParameter("go"))
-        .Nodes({Generic("Low", 10), Generic("Mid", 11, {100}), Generic("High", 12)})
-        .Node(Transition("Go", 100, 11, 12, {Holds("go")}));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(10)
+                    .Parameter(PulseParameter("go"))
+                    .Nodes({Generic("Low", 10), Generic("Mid", 11, {100}), Generic("High", 12)})
+                    .Node(Transition("Go", 100, 11, 12, {Holds("go")})));
     scene.Run(0);
     scene.machine.PushState(11u);
     scene.machine.SetStateSwitchCallback(NoteCallback);
@@ -468,8 +464,8 @@ bool EagerState::nested = false;
 
 TEST(ActivateState, RefusesTheOuterOfTwoActivationsOfOneState)
 {
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10)).Node(Node(kOwnBuilder, "Own", 11));
+    DocumentBuilder document = SmallDocument();
+    document.Node(Node(kOwnBuilder, "Own", 11));
     Scene scene(document, MakeState<EagerState>);
     scene.Run(0);
     EagerState::machine = &scene.machine;

@@ -21,12 +21,11 @@ namespace
 
 DocumentBuilder UnboundDocument()
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Node(Generic("Stand", 10, {100, 101}))
         .Node(Transition("Go", 100, 10, 10, {BoolCondition("none", true)}))
         .Node(Transition("Turn", 101, 10, 10, {BoolCondition("neither", true)}));
-    return document;
 }
 
 /// A machine whose two transitions name parameters that are not there. The log line that says so

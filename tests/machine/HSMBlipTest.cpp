@@ -1,7 +1,8 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMBlipTest.cpp: interruptions, from their start to their end.
 #include "tests/support/Scene.h"
-#include "tests/support/ScriptedAction.h"
+#include "tests/support/SmallDocument.h"
+#include "tests/support/TestAction.h"
 
 #include <gtest/gtest.h>
 
@@ -100,8 +101,7 @@ class HSMBlipEnd : public testing::TestWithParam<std::tuple<int, int>>
 /// of its own, on the parameters "go0", "go1" and so on, to the states Goal0, Goal1 and so on.
 DocumentBuilder GoalsDocument(const std::vector<int>& priorities)
 {
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10));
+    DocumentBuilder document = SmallDocument();
     Ids transitions;
     for (unsigned int i = 0; i < priorities.size(); ++i)
     {
@@ -181,13 +181,12 @@ TEST(HSMBlip, PriorityZeroNeverStartsOneAtRestAndOneDoes)
 
 TEST(HSMBlip, TransitionWithoutPriorityStartsOneOfPriorityFive)
 {
-    DocumentBuilder document;
-    document.Start(10)
-        .Parameter(PulseParameter("go"))
-        .Nodes({Generic("Stand", 10), Generic("Goal", 60)})
-        .Node(Transition("ToGoal", 400, 50, 60, {Holds("go")}))
-        .GlobalNode(Global("Global", 50, {400}));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(10)
+                    .Parameter(PulseParameter("go"))
+                    .Nodes({Generic("Stand", 10), Generic("Goal", 60)})
+                    .Node(Transition("ToGoal", 400, 50, 60, {Holds("go")}))
+                    .GlobalNode(Global("Global", 50, {400})));
     scene.Run(1);
 
     scene.TickWith("go");
@@ -264,15 +263,15 @@ TEST(HSMBlip, CurrentStateIsTheTopOfTheBlipStackWhileItRuns)
 
 TEST(HSMBlip, TransitionsInsideItRewriteTheBlipStackAndAreReported)
 {
-    DocumentBuilder document;
-    document.Start(10)
-        .Parameter(PulseParameter("hit"))
-        .Parameter(PulseParameter("fall"))
-        .Nodes({Generic("Stand", 10), Generic("Stagger", 60, {401}), Generic("Lie", 61)})
-        .Node(Transition("ToStagger", 400, 50, 60, {Holds("hit")}))
-        .Node(Transition("ToLie", 401, 60, 61, {Holds("fall")}))
-        .GlobalNode(Global("Global", 50, {400}));
-    Scene scene(document);
+    Scene scene(
+        DocumentBuilder()
+            .Start(10)
+            .Parameter(PulseParameter("hit"))
+            .Parameter(PulseParameter("fall"))
+            .Nodes({Generic("Stand", 10), Generic("Stagger", 60, {401}), Generic("Lie", 61)})
+            .Node(Transition("ToStagger", 400, 50, 60, {Holds("hit")}))
+            .Node(Transition("ToLie", 401, 60, 61, {Holds("fall")}))
+            .GlobalNode(Global("Global", 50, {400})));
     scene.Run(1);
     scene.TickWith("hit");
 
@@ -311,7 +310,7 @@ TEST(HSMBlip, IsSetUpWholeBeforeItsStateIsEntered)
     Scene scene(GoalsDocument({5, 7}));
     scene.Run(1);
     scene.machine.PushState(10u);
-    auto* action = new ScriptedAction("Goal1", lines);
+    auto* action = new TestAction("Goal1", lines);
     action->onPerform = [&]
     {
         seen = {scene.machine.IsBlipState() ? "blip" : "no blip",
@@ -351,7 +350,7 @@ TEST(HSMBlip, MayBeEndedByTheEnterActionOfItsState)
         Lines lines;
         Scene scene(GoalsDocument({5, 7}));
         scene.Run(1);
-        auto* action = new ScriptedAction("Goal1", lines);
+        auto* action = new TestAction("Goal1", lines);
         action->onPerform = [&]
         {
             (scene.machine.*one.end)();
@@ -396,8 +395,8 @@ namespace
 /// "hit", over a main stack of the states Low and High.
 DocumentBuilder LeadingExitDocument(int exitIndex)
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Parameter(BoolParameter("hit", false))
         .Nodes({Generic("Low", 10), Generic("High", 11), Generic("After", 12)})
         .Node(Exit("Last", 60).Set(JSON_Children, Json::Array(Ids{401})))
@@ -405,7 +404,6 @@ DocumentBuilder LeadingExitDocument(int exitIndex)
         .Node(Transition("ToBlip", 400, 50, exitIndex == 0 ? 60 : 70, {Holds("hit")}))
         .Node(Transition("ToAfter", 401, 60, 12, {BoolCondition("hit", false)}))
         .GlobalNode(Global("Global", 50, {400}));
-    return document;
 }
 
 } // namespace

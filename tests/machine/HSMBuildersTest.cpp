@@ -11,6 +11,8 @@
 #include "states/GlobalState.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Recorders.h"
+#include "tests/support/SmallDocument.h"
 #include "tests/support/TestMachine.h"
 
 #include <gtest/gtest.h>
@@ -162,20 +164,14 @@ int HostDef::created = 0;
 
 DocumentBuilder TwoStates()
 {
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10)).Node(Generic("Walk", 11));
-    return document;
+    return SmallDocument().Node(Generic("Walk", 11));
 }
 
 /// A document whose second node is of the host's own kind.
 DocumentBuilder WithHostNode()
 {
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10)).Node(Node(kHostBuilder, "Own", 11));
-    return document;
+    return SmallDocument().Node(Node(kHostBuilder, "Own", 11));
 }
-
-const std::string kNotActivated = "3 Failed to activate state: Unable to find state ID:  (11)";
 
 } // namespace
 
@@ -213,46 +209,34 @@ TEST(StateBuilders, AreRegisteredBeforeTheNodeTableIsPlaced)
 {
     LogRecorder log;
     ClearStateBuilders();
-    DocumentBuilder document = TwoStates();
-    document.Head().Set(JSON_HeadMemory, 0);
     RegisteringMachine machine;
 
-    EXPECT_EQ(machine.Load(document.Text()), 0);
+    EXPECT_EQ(machine.Load(WithHead(TwoStates(), JSON_HeadMemory, 0).Text()), 0);
 
     EXPECT_EQ(machine.nodeDefTable, nullptr);
     EXPECT_EQ(Registry(), kStandard);
 }
 
-TEST(StateBuilders, EndAtTheFirstThatIsRefusedTwice)
+TEST(StateBuilders, EndAtTheFirstThatIsRefusedAlsoWhenItIsTakenTheSecondTime)
 {
-    LogRecorder log;
-    ClearStateBuilders();
-    RegisteringMachine machine;
-    machine.refused = 9;
-    machine.refusals = 2;
+    for (const int refusals : {1, 2})
+    {
+        LogRecorder log;
+        ClearStateBuilders();
+        RegisteringMachine machine;
+        machine.refused = 9;
+        machine.refusals = refusals;
 
-    EXPECT_EQ(machine.Load(TwoStates().Text()), 1);
+        EXPECT_EQ(machine.Load(TwoStates().Text()), 1);
 
-    EXPECT_EQ(log.Take(),
-              (Lines{ErrorBreak("vell::HSM::RegisterBuilders"), "3 Error registering builders"}));
-    EXPECT_EQ(machine.asked,
-              (std::vector<Registered>{kStandard[0], kStandard[1], kStandard[2], kStandard[2]}));
-    EXPECT_EQ(Registry(), (std::vector<Registered>{kStandard[0], kStandard[1]}));
-}
-
-TEST(StateBuilders, EndAlsoWhenTheSecondCallRegistersTheOneThatWasRefused)
-{
-    LogRecorder log;
-    ClearStateBuilders();
-    RegisteringMachine machine;
-    machine.refused = 10;
-    machine.refusals = 1;
-
-    EXPECT_EQ(machine.Load(TwoStates().Text()), 1);
-
-    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::RegisterBuilders", "1"),
-                                 "3 Error registering builders"}));
-    EXPECT_EQ(Registry(), (std::vector<Registered>{kStandard[0]}));
+        EXPECT_EQ(log.Take(),
+                  (Lines{ErrorBreak("vell::HSM::RegisterBuilders", refusals == 1 ? "1" : "0"),
+                         "3 Error registering builders"}));
+        EXPECT_EQ(machine.asked, (std::vector<Registered>{kStandard[0], kStandard[1], kStandard[2],
+                                                          kStandard[2]}));
+        EXPECT_EQ(Registry(),
+                  (std::vector<Registered>(kStandard.begin(), kStandard.begin() + 4 - refusals)));
+    }
 }
 
 TEST(StateBuilders, TakeANumberOfTheHosts)
@@ -275,8 +259,7 @@ TEST(StateBuilders, AreReplacedForAllMachinesOfTheProcess)
 {
     LogRecorder log;
     TestMachine first(TwoStates());
-    TestMachine second(TwoStates());
-    ASSERT_EQ(second.Init(), 1);
+    InitialisedMachine second(TwoStates());
 
     EXPECT_EQ(first.RegisterState(Builder(10), HostState::Create), 1);
 
@@ -334,7 +317,7 @@ TEST(StateBuilders, AreMissedByOtherMachinesForStatesNotYetActivated)
     EXPECT_EQ(log.Take({3}), Lines{});
     EXPECT_EQ(first.PushState(11u), nullptr);
 
-    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::ActivateState"), kNotActivated,
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::ActivateState"), NotActivated(11),
                                  ErrorBreak("vell::HSM::PushState")}));
     first.Update(0.1f);
     EXPECT_EQ(first.MainStack(), "Stand/Stand");
@@ -343,9 +326,7 @@ TEST(StateBuilders, AreMissedByOtherMachinesForStatesNotYetActivated)
 TEST(StateBuilders, ComeBackForAllMachinesWhenOneIsCreated)
 {
     LogRecorder log;
-    TestMachine first(TwoStates());
-    ASSERT_EQ(first.Init(), 1);
-    first.Start();
+    StartedMachine first(TwoStates());
     {
         const TestMachine second(TwoStates());
     }
@@ -358,14 +339,13 @@ TEST(StateBuilders, ComeBackForAllMachinesWhenOneIsCreated)
 TEST(StateBuilders, BearANullFactory)
 {
     LogRecorder log;
-    TestMachine machine(TwoStates());
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(TwoStates());
     machine.RegisterState(Builder(10), nullptr);
     log.Clear();
 
     EXPECT_EQ(machine.ActivateState(11, 0.0f), nullptr);
 
-    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::ActivateState"), kNotActivated}));
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::ActivateState"), NotActivated(11)}));
 }
 
 TEST(DefinitionBuilders, TakeANumberOfTheHostsBetweenCreateAndInit)
@@ -395,8 +375,7 @@ TEST(DefinitionBuilders, AreAskedForEveryNodeOfTheirNumber)
 TEST(DefinitionBuilders, HaveNoEffectAfterInit)
 {
     LogRecorder log;
-    TestMachine machine(TwoStates());
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(TwoStates());
 
     EXPECT_EQ(machine.RegisterNodeDef(Builder(10), HostDef::Create), 1);
 

@@ -5,8 +5,8 @@
 
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
-#include "tests/support/ScriptedAction.h"
-#include "tests/support/ScriptedListener.h"
+#include "tests/support/TestAction.h"
+#include "tests/support/TestListener.h"
 #include "tests/support/TestMachine.h"
 
 #include <gtest/gtest.h>
@@ -21,8 +21,8 @@ const std::string kRegisterAction = "vell::HSM::RegisterAction";
 
 DocumentBuilder Document()
 {
-    DocumentBuilder document;
-    document.Start(12)
+    return DocumentBuilder()
+        .Start(12)
         .Node(Generic("Run", 12, {100}).Set(JSON_ScriptName, "run.script"))
         .Node(Generic("Stand", 10))
         .Node(Substate("Combat", 20, 21, 22))
@@ -33,7 +33,6 @@ DocumentBuilder Document()
         .Node(Node(DURMBaseLib::BUILDER_Base, "Note", 40))
         .Node(Transition("Go", 100, 12, 11))
         .GlobalNode(Global("Anywhere", 50));
-    return document;
 }
 
 /// Makes a machine without a node table: its document could not be read.
@@ -62,7 +61,7 @@ Action* MakeDefault(const char* scriptName)
 {
     const std::string script = scriptName == nullptr ? "(null)" : scriptName;
     notes.push_back("make " + script);
-    auto* action = new ScriptedAction("default", notes);
+    auto* action = new TestAction("default", notes);
     action->onOwner = [action]
     {
         notes.push_back(action->owner->GetName());
@@ -171,12 +170,12 @@ TEST_F(HSMHooks, RunTheDefaultActionOnEachUpdateOnly)
     machine.Update(0.25f);
     machine.PopState();
 
-    EXPECT_EQ(notes, (Lines{"perform default 2 0.250000"}));
+    EXPECT_EQ(notes, (Lines{"default execution 0.25"}));
 }
 
 TEST_F(HSMHooks, PutTheDefaultActionBehindThoseThatAreThere)
 {
-    auto* first = new ScriptedAction("first", notes);
+    auto* first = new TestAction("first", notes);
     machine.FindDef(12u)->RegisterExecute(first);
 
     machine.AssignDefaultAction(MakeDefault);
@@ -223,8 +222,7 @@ TEST_F(HSMHooks, DoNothingForANullFactory)
 TEST_F(HSMHooks, AssignNoDefaultActionWhereThereIsNoState)
 {
     FailedMachine failed;
-    TestMachine empty(DocumentBuilder().Start(1));
-    ASSERT_EQ(empty.Init(), 1);
+    InitialisedMachine empty(DocumentBuilder().Start(1));
     log.Clear();
 
     EXPECT_EQ(failed.AssignDefaultAction(MakeDefault), 0);
@@ -246,7 +244,7 @@ TEST_F(HSMHooks, GiveDefaultActionsBackWithTheDefinitions)
 
 TEST_F(HSMHooks, GiveZeroForARegisteredActionToo)
 {
-    ScriptedAction action("a", notes);
+    TestAction action("a", notes);
     action.id = 7;
 
     EXPECT_EQ(machine.RegisterAction(&action), 0);
@@ -257,8 +255,8 @@ TEST_F(HSMHooks, GiveZeroForARegisteredActionToo)
 
 TEST_F(HSMHooks, KeepTheFirstOfTwoActionsWithOneId)
 {
-    ScriptedAction first("first", notes);
-    ScriptedAction second("second", notes);
+    TestAction first("first", notes);
+    TestAction second("second", notes);
     first.id = 7;
     second.id = 7;
     machine.RegisterAction(&first);
@@ -271,7 +269,7 @@ TEST_F(HSMHooks, KeepTheFirstOfTwoActionsWithOneId)
 
 TEST_F(HSMHooks, RefuseTheSameActionTwice)
 {
-    ScriptedAction action("a", notes);
+    TestAction action("a", notes);
     machine.RegisterAction(&action);
 
     EXPECT_EQ(machine.RegisterAction(&action), 0);
@@ -296,10 +294,9 @@ TEST_F(HSMHooks, FindNoUnknownActionAndSayNothing)
 
 TEST_F(HSMHooks, NeitherRunNorDeleteNorOwnARegisteredAction)
 {
-    ScriptedAction action("a", notes);
+    TestAction action("a", notes);
     {
-        TestMachine other(Document());
-        ASSERT_EQ(other.Init(), 1);
+        InitialisedMachine other(Document());
         other.RegisterAction(&action);
         other.Start();
         other.Update(0.1f);
@@ -313,7 +310,7 @@ TEST_F(HSMHooks, NeitherRunNorDeleteNorOwnARegisteredAction)
 TEST_F(HSMHooks, TakeActionsOnAMachineWhoseDocumentFailed)
 {
     FailedMachine failed;
-    ScriptedAction action("a", notes);
+    TestAction action("a", notes);
     action.id = 3;
 
     EXPECT_EQ(failed.RegisterAction(&action), 0);

@@ -81,8 +81,8 @@ struct Failure
 /// A document that gives each step of Init something to do.
 DocumentBuilder WholeDocument()
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Parameter(BoolParameter("alert", true))
         .Node(Generic("Stand", 10, {100}))
         .Node(Transition("Go", 100, 10, 10, {BoolCondition("alert", true)}))
@@ -91,7 +91,6 @@ DocumentBuilder WholeDocument()
                       .Set(JSON_SkeletonFileName, "hero.skel"))
         .GlobalNode(Global("Anywhere", 5, {101}))
         .GlobalNode(Transition("Flee", 101, 5, 10, {BoolCondition("alert", true)}));
-    return document;
 }
 
 bool IsBound(NodeDefTable* nodes, unsigned int transitionId)
@@ -220,8 +219,8 @@ TEST(HSMInit, FillsTheTablesAndMakesNoStates)
 TEST(HSMInit, TakesTheStartStateFromTheSubstateRootAndNotFromTheEntryNode)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10)).Node(Generic("Walk", 11));
+    DocumentBuilder document = SmallDocument();
+    document.Node(Generic("Walk", 11));
     document.Head().Set(JSON_HeadSubstateRoot, 11);
     TestMachine machine(document);
 
@@ -247,13 +246,12 @@ TEST(HSMInit, LoadsAHeadOfVersion1WithoutIdentityAndStartState)
 TEST(HSMInit, LoadsChildrenBeforeTheirParentsAlike)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10)
-        .Node(Transition("Go", 100, 10, 11, {BoolCondition("alert", true)}))
-        .Node(Generic("Walk", 11))
-        .Node(Generic("Stand", 10, {100}))
-        .Parameter(BoolParameter("alert", true));
-    TestMachine machine(document);
+    TestMachine machine(DocumentBuilder()
+                            .Start(10)
+                            .Node(Transition("Go", 100, 10, 11, {BoolCondition("alert", true)}))
+                            .Node(Generic("Walk", 11))
+                            .Node(Generic("Stand", 10, {100}))
+                            .Parameter(BoolParameter("alert", true)));
 
     ASSERT_EQ(machine.Init(), 1);
     machine.Start();
@@ -276,9 +274,7 @@ TEST(HSMInit, IgnoresMembersThatItDoesNotKnow)
 TEST(HSMInit, TakesTheLowBitsOfAnIdThatIsARealNumber)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10)).Node(Generic("Walk", 11).Set(JSON_ID, 11.0));
-    TestMachine machine(document);
+    TestMachine machine(SmallDocument().Node(Generic("Walk", 11).Set(JSON_ID, 11.0)));
 
     ASSERT_EQ(machine.Init(), 1);
 
@@ -398,8 +394,7 @@ TEST(HSMInit, LeavesWhatEarlierStepsBuiltWhenALaterOneFails)
 TEST(HSMInit, FailsAtItsParametersWhenRunASecondTime)
 {
     LogRecorder log;
-    TestMachine machine(SmallDocument());
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(SmallDocument());
     log.Clear();
 
     EXPECT_EQ(machine.Init(), 0);
@@ -452,8 +447,7 @@ TEST(HSMInit, TakesNoNodesInWithoutItsTable)
 TEST(HSMInit, RunsAFailedNodeTableTwiceAndEmptiesIt)
 {
     LogRecorder log;
-    TestMachine machine(SmallDocument());
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(SmallDocument());
     GenericDocument nodes;
     nodes.Parse("{}");
     log.Clear();

@@ -118,18 +118,15 @@ TEST(HSMLayers, FillOneTableInTheOrderOfTheDocument)
 TEST(HSMLayers, MayReferToNodesOfEachOther)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10)
-        .Parameter(BoolParameter("alert", true))
-        .Layer("One")
-        .Node(Generic("Stand", 10, {100}))
-        .Layer("Two")
-        .Node(Transition("Go", 100, 10, 11, {BoolCondition("alert", true)}))
-        .Layer("Three")
-        .Node(Generic("Walk", 11));
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(DocumentBuilder()
+                               .Start(10)
+                               .Parameter(BoolParameter("alert", true))
+                               .Layer("One")
+                               .Node(Generic("Stand", 10, {100}))
+                               .Layer("Two")
+                               .Node(Transition("Go", 100, 10, 11, {BoolCondition("alert", true)}))
+                               .Layer("Three")
+                               .Node(Generic("Walk", 11)));
 
     machine.Update(0.1f);
 

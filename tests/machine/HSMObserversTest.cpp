@@ -4,12 +4,13 @@
 
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
-#include "tests/support/ScriptedListener.h"
+#include "tests/support/TestListener.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/TreeLines.h"
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <memory>
 
 namespace vell::test
@@ -33,8 +34,8 @@ constexpr ListenerLists kAllLists[] = {kStateChange, kTransitionChange, kEvents}
 
 DocumentBuilder TwoStates()
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Parameter(BoolParameter("go", false))
         .Parameter(BoolParameter("lost", false))
         .Parameter(BoolParameter("hit", false))
@@ -45,7 +46,6 @@ DocumentBuilder TwoStates()
         .Node(Transition("Lose", 101, 10, 999, {BoolCondition("lost", true)}))
         .GlobalNode(Global("Anywhere", 50, {500}))
         .GlobalNode(Transition("Hit", 500, 50, 12, {BoolCondition("hit", true)}));
-    return document;
 }
 
 class HSMObservers : public testing::Test
@@ -53,16 +53,16 @@ class HSMObservers : public testing::Test
 protected:
     void SetUp() override
     {
-        ASSERT_EQ(machine.Init(), 1);
-        machine.Start();
         log.Clear();
     }
 
-    void Tick(const char* parameter)
+    /// Subscribes listeners to state changes, in the order given.
+    void Hear(std::initializer_list<IBroadcastListener*> listeners)
     {
-        TableAt(machine.GetKVTable(), "parameterTable/" + std::to_string(ParameterId(parameter)))
-            ->SetInt("value", 1, 1);
-        machine.Update(0.1f);
+        for (IBroadcastListener* listener : listeners)
+        {
+            machine.SubscribeStateChange(listener);
+        }
     }
 
     Tessel::KVTable Context() const
@@ -70,47 +70,16 @@ protected:
         return TableAt(machine.GetKVTable(), "contextInfo");
     }
 
-    Lines SwitchKeys() const
-    {
-        Lines lines;
-        for (const char* key : {"transitionTriggered", "previousState", "nextState"})
-        {
-            lines.push_back(std::string(key) + " " + std::to_string(Context()->GetUInt(key)));
-        }
-        return lines;
-    }
-
     LogRecorder log;
-    TestMachine machine{TwoStates()};
+    StartedMachine machine{TwoStates()};
     Lines notes;
-    ScriptedListener a{notes, "a"};
-    ScriptedListener b{notes, "b"};
-    ScriptedListener c{notes, "c"};
+    TestListener a{notes, "a"};
+    TestListener b{notes, "b"};
+    TestListener c{notes, "c"};
 };
 
-/// Notes the record of a state change and then writes into it.
-class SpoilingListener final : public IBroadcastListener
-{
-public:
-    explicit SpoilingListener(Lines& notes) : lines(notes)
-    {
-    }
-    int OnBroadcastEvent(int, const void* record) override
-    {
-        // The machine's records are no constants, so this is allowed, and rude.
-        auto* change = const_cast<StateChangeEvent*>(static_cast<const StateChangeEvent*>(record));
-        lines.push_back("spoils " + std::to_string(change->transitionID) + " " +
-                        std::to_string(change->previousID) + " " + std::to_string(change->nextID));
-        *change = {1, 2, 3};
-        return 0;
-    }
-
-private:
-    Lines& lines;
-};
-
-const Lines kNoSwitch{"transitionTriggered 0", "previousState 0", "nextState 0"};
-const Lines kWalkSwitch{"transitionTriggered 100", "previousState 10", "nextState 11"};
+const Ids kNoSwitch{0, 0, 0};
+const Ids kWalkSwitch{100, 10, 11};
 
 int NoteWrite(void* object, Tessel::opResult, Tessel::KVTable table, const char* key)
 {
@@ -138,9 +107,9 @@ TEST_F(HSMObservers, CallAListenerOnceThatSubscribedTwice)
     machine.SubscribeStateChange(&a);
     machine.SubscribeStateChange(&a);
 
-    Tick("go");
+    machine.TickWith("go");
 
-    EXPECT_EQ(notes, (Lines{"a 3 100 10 11"}));
+    EXPECT_EQ(notes, (Lines{"a: change 100: 10 -> 11"}));
 }
 
 TEST_F(HSMObservers, GiveZeroForUnsubscribingAnUnknownListener)
@@ -151,31 +120,32 @@ TEST_F(HSMObservers, GiveZeroForUnsubscribingAnUnknownListener)
     EXPECT_EQ(machine.UnsubscribeEvents(&a), 0);
     EXPECT_EQ(machine.UnsubscribeTransitionChange(&a), 0);
 
-    Tick("go");
-    EXPECT_EQ(notes, (Lines{"a 3 100 10 11"}));
+    machine.TickWith("go");
+    EXPECT_EQ(notes, (Lines{"a: change 100: 10 -> 11"}));
 }
 
 TEST_F(HSMObservers, AreCalledInTheOrderOfSubscription)
 {
-    machine.SubscribeStateChange(&c);
-    machine.SubscribeStateChange(&a);
-    machine.SubscribeStateChange(&b);
+    Hear({&c, &a, &b});
 
-    Tick("go");
+    machine.TickWith("go");
 
-    EXPECT_EQ(notes, (Lines{"c 3 100 10 11", "a 3 100 10 11", "b 3 100 10 11"}));
+    EXPECT_EQ(notes, (Lines{"c: change 100: 10 -> 11", "a: change 100: 10 -> 11",
+                            "b: change 100: 10 -> 11"}));
 }
 
 TEST_F(HSMObservers, EachReceiveARecordOfTheirOwn)
 {
-    SpoilingListener spoiling(notes);
-    machine.SubscribeStateChange(&spoiling);
-    machine.SubscribeStateChange(&a);
-    machine.SubscribeStateChange(&b);
+    a.then = [&]
+    {
+        // The machine's records are no constants, so this is allowed, and rude.
+        *const_cast<StateChangeEvent*>(static_cast<const StateChangeEvent*>(a.record)) = {1, 2, 3};
+    };
+    Hear({&a, &b});
 
-    Tick("go");
+    machine.TickWith("go");
 
-    EXPECT_EQ(notes, (Lines{"spoils 100 10 11", "a 3 100 10 11", "b 3 100 10 11"}));
+    EXPECT_EQ(notes, (Lines{"a: change 100: 10 -> 11", "b: change 100: 10 -> 11"}));
 }
 
 TEST_F(HSMObservers, ReceiveTheSameRecordWhateverAnEarlierOneWritesIntoTheTree)
@@ -186,34 +156,32 @@ TEST_F(HSMObservers, ReceiveTheSameRecordWhateverAnEarlierOneWritesIntoTheTree)
         Context()->SetUInt("previousState", 8, 1);
         Context()->SetUInt("nextState", 9, 1);
     };
-    machine.SubscribeStateChange(&a);
-    machine.SubscribeStateChange(&b);
+    Hear({&a, &b});
 
-    Tick("go");
+    machine.TickWith("go");
 
-    EXPECT_EQ(notes, (Lines{"a 3 100 10 11", "b 3 100 10 11"}));
-    EXPECT_EQ(SwitchKeys(), kNoSwitch);
+    EXPECT_EQ(notes, (Lines{"a: change 100: 10 -> 11", "b: change 100: 10 -> 11"}));
+    EXPECT_EQ(machine.LastSwitch(), kNoSwitch);
 }
 
 TEST_F(HSMObservers, KeepTheirOrderWhenOneOfThemGoes)
 {
-    machine.SubscribeStateChange(&a);
-    machine.SubscribeStateChange(&b);
-    machine.SubscribeStateChange(&c);
+    Hear({&a, &b, &c});
     machine.UnsubscribeStateChange(&a);
     machine.SubscribeStateChange(&a);
 
-    Tick("go");
+    machine.TickWith("go");
 
-    EXPECT_EQ(notes, (Lines{"b 3 100 10 11", "c 3 100 10 11", "a 3 100 10 11"}));
+    EXPECT_EQ(notes, (Lines{"b: change 100: 10 -> 11", "c: change 100: 10 -> 11",
+                            "a: change 100: 10 -> 11"}));
 }
 
 TEST_F(HSMObservers, OfTransitionChangesAreNeverCalled)
 {
     machine.SubscribeTransitionChange(&a);
 
-    Tick("go");
-    Tick("hit");
+    machine.TickWith("go");
+    machine.TickWith("hit");
 
     EXPECT_EQ(notes, Lines());
     EXPECT_EQ(machine.MainStack(), "Walk");
@@ -225,37 +193,37 @@ TEST_F(HSMObservers, OfTransitionChangesLeaveTheSwitchKeysAlone)
     machine.SubscribeTransitionChange(&a);
     machine.SubscribeEvents(&b);
 
-    Tick("go");
+    machine.TickWith("go");
 
-    EXPECT_EQ(SwitchKeys(), kWalkSwitch);
+    EXPECT_EQ(machine.LastSwitch(), kWalkSwitch);
 }
 
 TEST_F(HSMObservers, LeaveTheLastSwitchReadableWhenThereAreNone)
 {
-    Tick("go");
+    machine.TickWith("go");
 
-    EXPECT_EQ(SwitchKeys(), kWalkSwitch);
+    EXPECT_EQ(machine.LastSwitch(), kWalkSwitch);
 }
 
 TEST_F(HSMObservers, LeaveZeroInTheSwitchKeysAfterTheirCall)
 {
     machine.SubscribeStateChange(&a);
 
-    Tick("go");
+    machine.TickWith("go");
 
-    EXPECT_EQ(SwitchKeys(), kNoSwitch);
+    EXPECT_EQ(machine.LastSwitch(), kNoSwitch);
 }
 
 TEST_F(HSMObservers, FindTheSwitchKeysAsTheRecordWhileTheyAreCalled)
 {
-    Lines seen;
+    Ids seen;
     a.then = [&]
     {
-        seen = SwitchKeys();
+        seen = machine.LastSwitch();
     };
     machine.SubscribeStateChange(&a);
 
-    Tick("go");
+    machine.TickWith("go");
 
     EXPECT_EQ(seen, kWalkSwitch);
 }
@@ -267,10 +235,10 @@ TEST_F(HSMObservers, SeeOneOrderOfWritesAroundTheirCall)
     listener->function = NoteWrite;
     machine.SubscribeStateChange(&a);
 
-    Tick("go");
+    machine.TickWith("go");
 
     EXPECT_EQ(notes, (Lines{"transitionTriggered = 100", "previousState = 10", "nextState = 11",
-                            "a 3 100 10 11", "nextState = 0", "previousState = 0",
+                            "a: change 100: 10 -> 11", "nextState = 0", "previousState = 0",
                             "transitionTriggered = 0"}));
 }
 
@@ -282,7 +250,7 @@ TEST_F(HSMObservers, MayBeNullWhichIsPassedOverAndNotCounted)
 
     EXPECT_EQ(machine.FireEvent(static_cast<__HSMEventType__>(9), nullptr), 1);
 
-    EXPECT_EQ(notes, (Lines{"a 9"}));
+    EXPECT_EQ(notes, (Lines{"a: event 9"}));
     EXPECT_EQ(machine.UnsubscribeEvents(nullptr), 1);
     EXPECT_EQ(machine.UnsubscribeEvents(nullptr), 0);
 }
@@ -291,9 +259,9 @@ TEST_F(HSMObservers, ThatAreNullStillHaveTheSwitchKeysSetToZero)
 {
     machine.SubscribeStateChange(nullptr);
 
-    Tick("go");
+    machine.TickWith("go");
 
-    EXPECT_EQ(SwitchKeys(), kNoSwitch);
+    EXPECT_EQ(machine.LastSwitch(), kNoSwitch);
     EXPECT_EQ(machine.MainStack(), "Walk");
 }
 
@@ -305,7 +273,7 @@ TEST_F(HSMObservers, ReceiveThreeZerosWithoutATree)
 
     machine.ChangeState(11);
 
-    EXPECT_EQ(notes, (Lines{"a 3 0 0 0"}));
+    EXPECT_EQ(notes, (Lines{"a: change 0: 0 -> 0"}));
     machine.kvTable = root;
 }
 
@@ -317,7 +285,7 @@ TEST_F(HSMObservers, ReceiveThreeZerosFromATreeWithoutTheContext)
 
     machine.ChangeState(11);
 
-    EXPECT_EQ(notes, (Lines{"a 3 0 0 0"}));
+    EXPECT_EQ(notes, (Lines{"a: change 0: 0 -> 0"}));
     EXPECT_EQ(machine.kvTable->GetKeyCount(), 0u);
     Tessel::CloseTable(machine.kvTable);
     machine.kvTable = root;
@@ -329,33 +297,33 @@ TEST_F(HSMObservers, HearOfADirectSwitchWithoutATransition)
 
     machine.ChangeState(11);
 
-    EXPECT_EQ(notes, (Lines{"a 3 0 10 11"}));
+    EXPECT_EQ(notes, (Lines{"a: change 0: 10 -> 11"}));
 }
 
 TEST_F(HSMObservers, ReceiveTheTransitionOfAnEarlierFailedTargetWithTheNextSwitch)
 {
     machine.SubscribeStateChange(&a);
 
-    Tick("lost");
+    machine.TickWith("lost");
     EXPECT_EQ(notes, Lines());
-    EXPECT_EQ(SwitchKeys(), (Lines{"transitionTriggered 101", "previousState 0", "nextState 0"}));
+    EXPECT_EQ(machine.LastSwitch(), (Ids{101, 0, 0}));
 
     machine.ChangeState(11);
-    EXPECT_EQ(notes, (Lines{"a 3 101 10 11"}));
+    EXPECT_EQ(notes, (Lines{"a: change 101: 10 -> 11"}));
 }
 
 TEST_F(HSMObservers, HearNothingOfAStartAndTheEndOfABlip)
 {
     machine.SubscribeStateChange(&a);
 
-    Tick("hit");
+    machine.TickWith("hit");
     ASSERT_EQ(machine.BlipStack(), "Flinch");
-    EXPECT_EQ(SwitchKeys(), (Lines{"transitionTriggered 500", "previousState 0", "nextState 0"}));
+    EXPECT_EQ(machine.LastSwitch(), (Ids{500, 0, 0}));
     machine.RevertToPreviousState();
 
     EXPECT_EQ(machine.BlipStack(), "-");
     EXPECT_EQ(notes, Lines());
-    EXPECT_EQ(SwitchKeys(), (Lines{"transitionTriggered 500", "previousState 0", "nextState 0"}));
+    EXPECT_EQ(machine.LastSwitch(), (Ids{500, 0, 0}));
 }
 
 TEST_F(HSMObservers, HearNothingOfPushesAndPopsByTheHost)
@@ -366,7 +334,7 @@ TEST_F(HSMObservers, HearNothingOfPushesAndPopsByTheHost)
     machine.PopState();
 
     EXPECT_EQ(notes, Lines());
-    EXPECT_EQ(SwitchKeys(), kNoSwitch);
+    EXPECT_EQ(machine.LastSwitch(), kNoSwitch);
 }
 
 TEST_F(HSMObservers, ThatUnsubscribeThemselvesMakeTheNextOneBeSkipped)
@@ -375,14 +343,12 @@ TEST_F(HSMObservers, ThatUnsubscribeThemselvesMakeTheNextOneBeSkipped)
     {
         machine.UnsubscribeStateChange(&a);
     };
-    machine.SubscribeStateChange(&a);
-    machine.SubscribeStateChange(&b);
-    machine.SubscribeStateChange(&c);
+    Hear({&a, &b, &c});
 
-    Tick("go");
+    machine.TickWith("go");
 
-    EXPECT_EQ(notes, (Lines{"a 3 100 10 11", "c 3 100 10 11"}));
-    EXPECT_EQ(SwitchKeys(), kNoSwitch);
+    EXPECT_EQ(notes, (Lines{"a: change 100: 10 -> 11", "c: change 100: 10 -> 11"}));
+    EXPECT_EQ(machine.LastSwitch(), kNoSwitch);
 }
 
 TEST_F(HSMObservers, AreNotCalledAfterAnotherTookThemOff)
@@ -391,13 +357,11 @@ TEST_F(HSMObservers, AreNotCalledAfterAnotherTookThemOff)
     {
         machine.UnsubscribeStateChange(&c);
     };
-    machine.SubscribeStateChange(&a);
-    machine.SubscribeStateChange(&b);
-    machine.SubscribeStateChange(&c);
+    Hear({&a, &b, &c});
 
-    Tick("go");
+    machine.TickWith("go");
 
-    EXPECT_EQ(notes, (Lines{"a 3 100 10 11", "b 3 100 10 11"}));
+    EXPECT_EQ(notes, (Lines{"a: change 100: 10 -> 11", "b: change 100: 10 -> 11"}));
 }
 
 TEST_F(HSMObservers, ThatSubscribeDuringACallAreCalledInTheSameWalk)
@@ -408,9 +372,9 @@ TEST_F(HSMObservers, ThatSubscribeDuringACallAreCalledInTheSameWalk)
     };
     machine.SubscribeStateChange(&a);
 
-    Tick("go");
+    machine.TickWith("go");
 
-    EXPECT_EQ(notes, (Lines{"a 3 100 10 11", "b 3 100 10 11"}));
+    EXPECT_EQ(notes, (Lines{"a: change 100: 10 -> 11", "b: change 100: 10 -> 11"}));
 }
 
 TEST_F(HSMObservers, MayAllBeTakenOffDuringACall)
@@ -421,14 +385,12 @@ TEST_F(HSMObservers, MayAllBeTakenOffDuringACall)
         machine.UnsubscribeStateChange(&b);
         machine.UnsubscribeStateChange(&a);
     };
-    machine.SubscribeStateChange(&a);
-    machine.SubscribeStateChange(&b);
-    machine.SubscribeStateChange(&c);
+    Hear({&a, &b, &c});
 
-    Tick("go");
+    machine.TickWith("go");
 
-    EXPECT_EQ(notes, (Lines{"a 3 100 10 11"}));
-    EXPECT_EQ(SwitchKeys(), kNoSwitch);
+    EXPECT_EQ(notes, (Lines{"a: change 100: 10 -> 11"}));
+    EXPECT_EQ(machine.LastSwitch(), kNoSwitch);
 }
 
 TEST_F(HSMObservers, OfEventsReceiveWhatTheHostFiresWithItsKind)
@@ -441,8 +403,8 @@ TEST_F(HSMObservers, OfEventsReceiveWhatTheHostFiresWithItsKind)
     EXPECT_EQ(machine.FireEvent(HSMEventPlayAnimation, &event), 2);
     EXPECT_EQ(machine.FireEvent(static_cast<__HSMEventType__>(42), &event), 2);
 
-    EXPECT_EQ(notes, (Lines{"b 5 wave.anim true 2.500000", "a 5 wave.anim true 2.500000", "b 42",
-                            "a 42"}));
+    EXPECT_EQ(notes, (Lines{"b: play wave.anim 1 2.5", "a: play wave.anim 1 2.5", "b: event 42",
+                            "a: event 42"}));
 }
 
 TEST_F(HSMObservers, OfEventsMayBeMissing)
@@ -463,7 +425,7 @@ TEST_F(HSMObservers, OfEventsMayComeAndGoDuringACall)
 
     EXPECT_EQ(machine.FireEvent(static_cast<__HSMEventType__>(1), nullptr), 2);
 
-    EXPECT_EQ(notes, (Lines{"a 1", "c 1"}));
+    EXPECT_EQ(notes, (Lines{"a: event 1", "c: event 1"}));
 }
 
 TEST_F(HSMObservers, OfEventsAreCountedAsTheyAreCalledAndNotAsTheySubscribe)
@@ -519,7 +481,7 @@ TEST_F(HSMObservers, OfEventsAreCountedAsTheyAreCalledAndNotAsTheySubscribe)
 
         EXPECT_EQ(machine.FireEvent(static_cast<__HSMEventType__>(1), nullptr), one.called)
             << one.what;
-        EXPECT_EQ(notes, (Lines{"a 1", "b 1", "c 1"})) << one.what;
+        EXPECT_EQ(notes, (Lines{"a: event 1", "b: event 1", "c: event 1"})) << one.what;
 
         notes.clear();
         for (IBroadcastListener* listener :
@@ -535,10 +497,10 @@ TEST_F(HSMObservers, OfEventsAreAskedToPlayTheClipOfAnEnteredState)
 {
     machine.SubscribeEvents(&a);
 
-    Tick("go");
-    Tick("hit");
+    machine.TickWith("go");
+    machine.TickWith("hit");
 
-    EXPECT_EQ(notes, (Lines{"a 5 walk.anim false 30.000000", "a 5 flinch.anim true 30.000000"}));
+    EXPECT_EQ(notes, (Lines{"a: play walk.anim 0 30", "a: play flinch.anim 1 30"}));
 }
 
 TEST_F(HSMObservers, OfEventsHearOfTheClipBeforeTheStateChangeIsTold)
@@ -546,16 +508,16 @@ TEST_F(HSMObservers, OfEventsHearOfTheClipBeforeTheStateChangeIsTold)
     machine.SubscribeStateChange(&a);
     machine.SubscribeEvents(&b);
 
-    Tick("go");
+    machine.TickWith("go");
 
-    EXPECT_EQ(notes, (Lines{"b 5 walk.anim false 30.000000", "a 3 100 10 11"}));
+    EXPECT_EQ(notes, (Lines{"b: play walk.anim 0 30", "a: change 100: 10 -> 11"}));
 }
 
 TEST(HSMObserversLife, BeginsWithTheMachineAndOutlastsUninit)
 {
     LogRecorder log;
     Lines notes;
-    ScriptedListener a(notes, "a");
+    TestListener a(notes, "a");
     TestMachine machine;
     EXPECT_EQ(machine.SubscribeStateChange(&a), 1);
     EXPECT_EQ(machine.SubscribeEvents(&a), 1);
@@ -564,8 +526,8 @@ TEST(HSMObserversLife, BeginsWithTheMachineAndOutlastsUninit)
     ASSERT_EQ(machine.Init(), 1);
     machine.Start();
     machine.ChangeState(11);
-    EXPECT_EQ(notes, (Lines{"a 5 walk.anim false 30.000000", "a 5 walk.anim false 30.000000",
-                            "a 3 0 10 11"}));
+    EXPECT_EQ(notes,
+              (Lines{"a: play walk.anim 0 30", "a: play walk.anim 0 30", "a: change 0: 10 -> 11"}));
 
     machine.Uninit();
 
@@ -578,7 +540,7 @@ TEST(HSMObserversLife, DoesNotEndWithTheMachine)
 {
     LogRecorder log;
     Lines notes;
-    auto listener = std::make_unique<ScriptedListener>(notes, "a");
+    auto listener = std::make_unique<TestListener>(notes, "a");
     {
         TestMachine machine(TwoStates());
         machine.SubscribeStateChange(listener.get());
@@ -587,7 +549,7 @@ TEST(HSMObserversLife, DoesNotEndWithTheMachine)
     }
 
     EXPECT_EQ(listener->OnBroadcastEvent(7, nullptr), 0);
-    EXPECT_EQ(notes, (Lines{"a 7"}));
+    EXPECT_EQ(notes, (Lines{"a: event 7"}));
 }
 
 } // namespace vell::test

@@ -21,8 +21,8 @@ namespace
 /// Stand and Walk on the ground, and two hits of different strength.
 DocumentBuilder Fighter()
 {
-    DocumentBuilder document;
-    document.Start(20)
+    return DocumentBuilder()
+        .Start(20)
         .Parameter(PulseParameter("go"))
         .Parameter(PulseParameter("push"))
         .Parameter(PulseParameter("hit"))
@@ -35,13 +35,6 @@ DocumentBuilder Fighter()
         .Node(Transition("Hit", 401, 50, 61, {BoolCondition("hit", true)})
                   .Set(JSON_TransitionPriority, 9))
         .GlobalNode(Global("Anywhere", 50, {400, 401}));
-    return document;
-}
-
-void TickWith(TestMachine& machine, const char* parameter)
-{
-    machine.SetBool(parameter, true);
-    machine.Update(0.1f);
 }
 
 /// Starts an initialised machine, plays a scene, and gives all that it tells of it: the log, the
@@ -59,12 +52,12 @@ Lines Play(TestMachine& machine, LogRecorder& log)
     show();
     for (const char* parameter : {"go", "go", "push", "hit", "push"})
     {
-        TickWith(machine, parameter);
+        machine.TickWith(parameter);
         show();
     }
     machine.RevertToPreviousState();
     show();
-    TickWith(machine, "push");
+    machine.TickWith("push");
     show();
     return log.Take();
 }
@@ -94,26 +87,26 @@ const std::vector<Past> kPasts = {
      {
          machine.Start();
          machine.Update(0.1f);
-         TickWith(machine, "go");
+         machine.TickWith("go");
      }},
     {"in a blip",
      [](TestMachine& machine)
      {
          machine.Start();
-         TickWith(machine, "push");
+         machine.TickWith("push");
      }},
     {"in a blip that displaced another",
      [](TestMachine& machine)
      {
          machine.Start();
-         TickWith(machine, "push");
-         TickWith(machine, "hit");
+         machine.TickWith("push");
+         machine.TickWith("hit");
      }},
     {"after a blip that went on to the start",
      [](TestMachine& machine)
      {
          machine.Start();
-         TickWith(machine, "hit");
+         machine.TickWith("hit");
          machine.RevertToStartState();
      }},
 };
@@ -121,8 +114,7 @@ const std::vector<Past> kPasts = {
 Lines FirstLife()
 {
     LogRecorder log;
-    TestMachine machine(Fighter());
-    EXPECT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(Fighter());
     return Play(machine, log);
 }
 
@@ -133,8 +125,7 @@ TEST(HSMReload, ForgetsAllThatLayInTheArena)
     for (const Past& past : kPasts)
     {
         LogRecorder log;
-        TestMachine machine(Fighter());
-        ASSERT_EQ(machine.Init(), 1);
+        InitialisedMachine machine(Fighter());
         past.live(machine);
 
         EXPECT_EQ(machine.Create(), 1);
@@ -161,8 +152,7 @@ TEST(HSMReload, LivesASecondLifeLikeTheFirst)
         for (const Past& past : kPasts)
         {
             LogRecorder log;
-            TestMachine machine(Fighter());
-            ASSERT_EQ(machine.Init(), 1);
+            InitialisedMachine machine(Fighter());
             past.live(machine);
             if (isUninitialised)
             {
@@ -188,8 +178,7 @@ TEST(HSMReload, LeavesNothingBehindWhenItFailsWithItsNewArena)
         for (const Past& past : kPasts)
         {
             LogRecorder log;
-            TestMachine machine(Fighter());
-            ASSERT_EQ(machine.Init(), 1);
+            InitialisedMachine machine(Fighter());
             past.live(machine);
 
             EXPECT_EQ(machine.Load(second.Text()), 0) << past.what;
@@ -210,8 +199,7 @@ TEST(HSMReload, TicksAndStartsBeforeASecondInit)
     for (const Past& past : kPasts)
     {
         LogRecorder log;
-        TestMachine machine(Fighter());
-        ASSERT_EQ(machine.Init(), 1);
+        InitialisedMachine machine(Fighter());
         past.live(machine);
         machine.SetStateSwitchCallback(RecordSwitch);
         ASSERT_EQ(machine.Create(), 1);

@@ -15,15 +15,13 @@ namespace vell::test
 TEST(HSM, RunsFromTheDocumentToAFiredTransition)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10)
-        .Parameter(FloatParameter("speed", 0.0))
-        .Node(Generic("Stand", 10, {100}))
-        .Node(Generic("Walk", 11))
-        .Node(Transition("Go", 100, 10, 11, {FloatCondition("speed", 3, 0.5)}));
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(
+        DocumentBuilder()
+            .Start(10)
+            .Parameter(FloatParameter("speed", 0.0))
+            .Node(Generic("Stand", 10, {100}))
+            .Node(Generic("Walk", 11))
+            .Node(Transition("Go", 100, 10, 11, {FloatCondition("speed", 3, 0.5)})));
     machine.Update(0.1f);
     ASSERT_EQ(machine.MainStack(), "Stand");
     log.Clear();

@@ -6,6 +6,7 @@
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Recorders.h"
 #include "tests/support/Scene.h"
+#include "tests/support/SmallDocument.h"
 #include "tests/support/TestMachine.h"
 
 #include <gtest/gtest.h>
@@ -20,8 +21,8 @@ namespace
 /// The level Fight (20) with Jab (23) and Hook (24) in it, and Rest (30) beside it.
 DocumentBuilder FightDocument()
 {
-    DocumentBuilder document;
-    document.Start(20)
+    return DocumentBuilder()
+        .Start(20)
         .Parameter(PulseParameter("hook"))
         .Parameter(PulseParameter("finish"))
         .Parameter(PulseParameter("leave"))
@@ -35,15 +36,13 @@ DocumentBuilder FightDocument()
         .Node(Transition("FightToRest", 102, 20, 30, {Holds("leave")})
                   .Set(JSON_TransitionSwitchArgument, 0.25))
         .Node(Transition("RestToFight", 103, 30, 20, {Holds("back")}));
-    return document;
 }
 
 /// The state Stand (10), and a global node whose transitions interrupt it: 400 and 401 of priority
 /// 5, 402 of priority 4, 403 of priority 6, and 404, which leads to no node.
 DocumentBuilder HitDocument()
 {
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10));
+    DocumentBuilder document = SmallDocument();
     document.GlobalNode(Global("Global", 50, {400, 401, 402, 403, 404}));
     document.Parameter(PulseParameter("lost"))
         .Node(Transition("ToNowhere", 404, 50, 999, {Holds("lost")}));
@@ -64,12 +63,11 @@ DocumentBuilder HitDocument()
 
 TEST(HSMSequence, NestedStartTakesTwoTicks)
 {
-    DocumentBuilder document;
-    document.Start(20)
-        .Level("Fight", 20, 23)
-        .Node(Clip("Jab", 23, "jab.clip", {}, 20).Set(JSON_ClipFlag, true))
-        .GlobalNode(Global("Global", 50));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(20)
+                    .Level("Fight", 20, 23)
+                    .Node(Clip("Jab", 23, "jab.clip", {}, 20).Set(JSON_ClipFlag, true))
+                    .GlobalNode(Global("Global", 50)));
 
     scene.machine.Start();
 
@@ -124,18 +122,17 @@ TEST(HSMSequence, LevelLeftAtItsExitNodeResumesAtItsExitNode)
 
 TEST(HSMSequence, InnerTransitionFiresBeforeOuterInOneTick)
 {
-    DocumentBuilder document;
-    document.Start(20)
-        .Parameter(PulseParameter("both"))
-        .Level("Outer", 20, 30)
-        .Level("Middle", 30, 40, {101}, 20)
-        .Level("Inner", 40, 43, {}, 30)
-        .Node(Generic("Leaf", 43, {100}, 40))
-        .Node(Generic("Twig", 44, {}, 40))
-        .Node(Generic("Other", 45, {}, 20))
-        .Node(Transition("LeafToTwig", 100, 43, 44, {Holds("both")}))
-        .Node(Transition("MiddleToOther", 101, 30, 45, {Holds("both")}));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(20)
+                    .Parameter(PulseParameter("both"))
+                    .Level("Outer", 20, 30)
+                    .Level("Middle", 30, 40, {101}, 20)
+                    .Level("Inner", 40, 43, {}, 30)
+                    .Node(Generic("Leaf", 43, {100}, 40))
+                    .Node(Generic("Twig", 44, {}, 40))
+                    .Node(Generic("Other", 45, {}, 20))
+                    .Node(Transition("LeafToTwig", 100, 43, 44, {Holds("both")}))
+                    .Node(Transition("MiddleToOther", 101, 30, 45, {Holds("both")})));
     scene.Run(3);
     ASSERT_EQ(scene.machine.MainStack(), "Outer/Middle/Inner/Leaf");
 
@@ -225,13 +222,12 @@ TEST(HSMSequence, RevertToStartStateEmptiesBothStacksAndKeepsTheBlipPriority)
 
 TEST(HSMSequence, StateOnBothStacksIsEnteredAgainAndGoesOnAfterItsExit)
 {
-    DocumentBuilder document;
-    document.Start(10)
-        .Parameter(PulseParameter("hit"))
-        .Node(Generic("Stand", 10))
-        .Node(Transition("ToStand", 400, 50, 10, {Holds("hit")}))
-        .GlobalNode(Global("Global", 50, {400}));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(10)
+                    .Parameter(PulseParameter("hit"))
+                    .Node(Generic("Stand", 10))
+                    .Node(Transition("ToStand", 400, 50, 10, {Holds("hit")}))
+                    .GlobalNode(Global("Global", 50, {400})));
     scene.Run(1);
 
     EXPECT_EQ(scene.TickWith("hit"), Fired("Global", 400) + Lines{"6 State Blip: Global"} +

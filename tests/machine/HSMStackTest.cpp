@@ -3,7 +3,7 @@
 #include <vell/UpdateResult.h>
 
 #include "tests/support/Scene.h"
-#include "tests/support/ScriptedAction.h"
+#include "tests/support/TestAction.h"
 
 #include <gtest/gtest.h>
 
@@ -24,8 +24,8 @@ namespace
 /// of Mid lead to High (100), to no node (101) and to Shut (102).
 DocumentBuilder StackDocument()
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Parameter(PulseParameter("up"))
         .Parameter(PulseParameter("lost"))
         .Parameter(PulseParameter("shut"))
@@ -35,7 +35,6 @@ DocumentBuilder StackDocument()
                   .Set(JSON_TransitionSwitchArgument, 0.125))
         .Node(Transition("ToNowhere", 101, 11, 999, {Holds("lost")}))
         .Node(Transition("ToShut", 102, 11, 13, {Holds("shut")}));
-    return document;
 }
 
 /// A running machine with Low below Mid.
@@ -56,7 +55,7 @@ protected:
 /// Notes the stack at the moment it performs.
 Action* NoteStack(TestMachine& machine)
 {
-    return new ScriptedAction(
+    return new TestAction(
         [&machine](float)
         {
             LogRecorder::Note("stack: " + machine.MainStack());
@@ -67,7 +66,7 @@ Action* NoteStack(TestMachine& machine)
 /// Calls a function once, when its state is left.
 Action* OnceOnExit(const std::function<void()>& call)
 {
-    return new ScriptedAction(
+    return new TestAction(
         [call, isDone = std::make_shared<bool>(false)](float)
         {
             if (!std::exchange(*isDone, true))
@@ -309,10 +308,11 @@ TEST(HSMStackBeforeStart, HoldsNothingAndTakesNothing)
 
 TEST(HSMStartState, ClimbsFromALevelToTheOutermostOneWithoutPushing)
 {
-    DocumentBuilder document;
-    document.Start(30).Level("Outer", 10, 20).Level("Inner", 20, 30, {}, 10);
-    document.Node(Generic("Leaf", 30, {}, 20));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(30)
+                    .Level("Outer", 10, 20)
+                    .Level("Inner", 20, 30, {}, 10)
+                    .Node(Generic("Leaf", 30, {}, 20)));
     std::vector<unsigned int> ids;
 
     scene.machine.StartState(20, ids);
@@ -324,10 +324,11 @@ TEST(HSMStartState, ClimbsFromALevelToTheOutermostOneWithoutPushing)
 
 TEST(HSMStartState, EndsWhereLevelsAreEachOthersParents)
 {
-    DocumentBuilder document;
-    document.Start(30).Level("One", 10, 30, {}, 20).Level("Other", 20, 30, {}, 10);
-    document.Node(Generic("Leaf", 30, {}, 20));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(30)
+                    .Level("One", 10, 30, {}, 20)
+                    .Level("Other", 20, 30, {}, 10)
+                    .Node(Generic("Leaf", 30, {}, 20)));
     std::vector<unsigned int> ids;
 
     scene.machine.StartState(20, ids);

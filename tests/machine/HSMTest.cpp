@@ -9,6 +9,7 @@
 #include "machine/StateBuilders.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Recorders.h"
 #include "tests/support/SmallDocument.h"
 #include "tests/support/TestMachine.h"
 
@@ -24,13 +25,7 @@ namespace
 
 const std::string kPushState = "vell::HSM::PushState";
 
-/// The line of a failed activation.
-std::string NotActivated(unsigned int id)
-{
-    return "3 Failed to activate state: Unable to find state ID:  (" + std::to_string(id) + ")";
-}
-
-Lines Entered(const std::string& name, unsigned int id)
+Lines ActivatedAndEntered(const std::string& name, unsigned int id)
 {
     return {"6 Activated State: " + name + " (" + std::to_string(id) + ")",
             "6 [Enter] " + name + " - SMState.cpp : #"};
@@ -178,16 +173,12 @@ TEST(HSM, BearsEveryCallWithoutADocument)
 TEST(HSM, BearsEveryCallAfterAFailedCreate)
 {
     LogRecorder log;
-    DocumentBuilder headless = SmallDocument();
-    headless.LeaveOut(JSON_Head);
-    DocumentBuilder withoutRoom = SmallDocument();
-    withoutRoom.Head().Set(JSON_HeadMemory, 0);
-    DocumentBuilder withoutType = SmallDocument();
+    DocumentBuilder withoutType = SmallDocument().LeaveOut(JSON_Parameters);
     withoutType.Head().Remove(JSON_HeadMachineType);
-    withoutType.LeaveOut(JSON_Parameters);
 
     for (const std::string& text :
-         {std::string("{"), headless.Text(), withoutRoom.Text(), withoutType.Text()})
+         {std::string("{"), SmallDocument().LeaveOut(JSON_Head).Text(),
+          WithHead(SmallDocument(), JSON_HeadMemory, 0).Text(), withoutType.Text()})
     {
         TestMachine machine(text);
         CallEverything(machine);
@@ -197,8 +188,7 @@ TEST(HSM, BearsEveryCallAfterAFailedCreate)
 TEST(HSM, BearsTicksAndStackCallsBeforeStart)
 {
     LogRecorder log;
-    TestMachine machine(SmallDocument());
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(SmallDocument());
 
     machine.Update(0.1f);
 
@@ -213,8 +203,7 @@ TEST(HSM, BearsTicksAndStackCallsBeforeStart)
 TEST(HSM, StartsWithTheGlobalStateAndThenTheStartState)
 {
     LogRecorder log;
-    TestMachine machine(SmallDocument().GlobalNode(Global("Anywhere", 5)));
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(SmallDocument().GlobalNode(Global("Anywhere", 5)));
     log.Clear();
 
     machine.Start();
@@ -230,18 +219,12 @@ TEST(HSM, StartsWithTheGlobalStateAndThenTheStartState)
 TEST(HSM, StartsWithoutAGlobalNodeAndSaysSo)
 {
     LogRecorder log;
-    TestMachine machine(SmallDocument());
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(SmallDocument());
     log.Clear();
 
     machine.Start();
 
-    Lines expected = {NotActivated(0)};
-    for (const std::string& line : Entered("Stand", 10))
-    {
-        expected.push_back(line);
-    }
-    EXPECT_EQ(log.Take(), expected);
+    EXPECT_EQ(log.Take(), Lines{NotActivated(0)} + ActivatedAndEntered("Stand", 10));
     EXPECT_EQ(machine.globalState, nullptr);
     EXPECT_EQ(machine.MainStack(), "Stand");
 }
@@ -249,15 +232,13 @@ TEST(HSM, StartsWithoutAGlobalNodeAndSaysSo)
 TEST(HSM, PushesTheStartStateAgainWhenStartedAgain)
 {
     LogRecorder log;
-    TestMachine machine(SmallDocument().GlobalNode(Global("Anywhere", 5)));
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(SmallDocument().GlobalNode(Global("Anywhere", 5)));
     const SMState* global = machine.globalState;
     log.Clear();
 
     machine.Start();
 
-    EXPECT_EQ(log.Take(), Entered("Stand", 10));
+    EXPECT_EQ(log.Take(), ActivatedAndEntered("Stand", 10));
     EXPECT_EQ(machine.MainStack(), "Stand/Stand");
     EXPECT_EQ(machine.globalState, global);
 }
@@ -267,8 +248,7 @@ TEST(HSM, PushesNothingWithoutAStartState)
     LogRecorder log;
     DocumentBuilder document = SmallDocument();
     document.Head().Remove(JSON_HeadSubstateRoot);
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(document);
     log.Clear();
 
     machine.Start();
@@ -291,9 +271,7 @@ TEST(HSM, PushesNothingWhenStartedAfterAFailedCreate)
 TEST(HSM, ReleasesItsArenaAndClosesItsTreeInUninit)
 {
     LogRecorder log;
-    TestMachine machine(SmallDocument());
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(SmallDocument());
     const Tessel::KVTable tree = machine.GetKVTable();
     const std::size_t tracked = machine.alloc.tracked.size();
 
@@ -310,9 +288,7 @@ TEST(HSM, ReleasesItsArenaAndClosesItsTreeInUninit)
 TEST(HSM, LeavesItsPointersAsTheyStandInUninit)
 {
     LogRecorder log;
-    TestMachine machine(SmallDocument());
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(SmallDocument());
 
     machine.Uninit();
 
@@ -326,9 +302,7 @@ TEST(HSM, LeavesItsPointersAsTheyStandInUninit)
 TEST(HSM, BearsASecondUninit)
 {
     LogRecorder log;
-    TestMachine machine(SmallDocument());
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(SmallDocument());
     machine.Uninit();
     log.Clear();
 
@@ -358,9 +332,7 @@ TEST(HSM, UninitialisesTablesThatASubclassMade)
 TEST(HSM, BearsASecondCreateWhileItRuns)
 {
     LogRecorder log;
-    TestMachine machine(SmallDocument());
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(SmallDocument());
 
     EXPECT_EQ(machine.Create(), 1);
 
@@ -384,9 +356,7 @@ TEST(HSM, BearsUninitWithoutInit)
 TEST(HSM, KeepsItsMemoryInDestroy)
 {
     LogRecorder log;
-    TestMachine machine(SmallDocument());
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(SmallDocument());
     const unsigned char* block = machine.alloc.block;
 
     EXPECT_EQ(machine.Destroy(), 1);

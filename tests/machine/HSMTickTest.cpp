@@ -5,6 +5,7 @@
 #include <vell/UpdateResult.h>
 
 #include "tests/support/Scene.h"
+#include "tests/support/SmallDocument.h"
 
 #include <gtest/gtest.h>
 
@@ -22,12 +23,11 @@ namespace
 /// The state Stand (10) with the transition 100 to Walk (11) on "go".
 DocumentBuilder WalkDocument()
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Parameter(PulseParameter("go"))
         .Nodes({Generic("Stand", 10, {100}), Generic("Walk", 11)})
         .Node(Transition("Go", 100, 10, 11, {Holds("go")}));
-    return document;
 }
 
 bool BoolValue(HSM& machine, const char* name)
@@ -71,11 +71,10 @@ public:
 /// The states Low (10) and Mid (11), and Top (12) of the test's own builder number.
 DocumentBuilder PoppingDocument()
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Parameter(PulseParameter("go"))
         .Nodes({Generic("Low", 10), Generic("Mid", 11), Node(kOwnBuilder, "Top", 12)});
-    return document;
 }
 
 } // namespace
@@ -117,9 +116,7 @@ TEST(HSMTick, DoesNothingWhileAContextIsApplied)
 TEST(HSMTick, RunsWithoutAParameterTable)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10)).LeaveOut(DURMBaseLib::JSON_Parameters);
-    TestMachine machine(document);
+    TestMachine machine(SmallDocument().LeaveOut(DURMBaseLib::JSON_Parameters));
     ASSERT_EQ(machine.Init(), 0);
     machine.Start();
 

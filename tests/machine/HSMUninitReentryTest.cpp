@@ -1,55 +1,35 @@
 // VELL: data-driven hierarchical state machines.
 // tests/machine/HSMUninitReentryTest.cpp: an action whose destructor uninitialises a machine's
 // tables while they are being uninitialised.
-#include <vell/Action.h>
 #include <vell/ParameterDef.h>
 
 #include "parameters/ParameterTable.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/SmallDocument.h"
+#include "tests/support/TestAction.h"
 #include "tests/support/TestMachine.h"
 
 #include <gtest/gtest.h>
-
-#include <functional>
-#include <utility>
 
 namespace vell::test
 {
 namespace
 {
 
-/// Runs what a test says when it is deleted.
-class LastAction : public Action
-{
-public:
-    explicit LastAction(std::function<void()> function) : onDelete(std::move(function))
-    {
-    }
-    ~LastAction() override
-    {
-        onDelete();
-    }
-
-private:
-    std::function<void()> onDelete;
-};
-
 TEST(UninitReentry, EndsTheUninitOfParametersInsideOfWhichAnotherOneRan)
 {
     LogRecorder log;
-    TestMachine machine(DocumentBuilder()
-                            .Start(10)
-                            .Node(Generic("Stand", 10))
-                            .Parameter(BoolParameter("on", false))
-                            .Parameter(IntParameter("count", 0))
-                            .Parameter(FloatParameter("speed", 0.0)));
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(SmallDocument()
+                                   .Parameter(BoolParameter("on", false))
+                                   .Parameter(IntParameter("count", 0))
+                                   .Parameter(FloatParameter("speed", 0.0)));
     const unsigned int first = machine.GetParameterTable()->GetParameterIDByIndex(0);
-    const auto uninit = [&machine]
+    auto* last = new TestAction("last");
+    last->onDelete = [&machine]
     {
         machine.UninitParameterTable(&machine.alloc);
     };
-    machine.GetParameterTable()->FindParameter(first)->RegisterExecute(new LastAction(uninit));
+    machine.GetParameterTable()->FindParameter(first)->RegisterExecute(last);
 
     machine.UninitParameterTable(&machine.alloc);
 

@@ -10,7 +10,8 @@
 #include "definitions/NodeDefTable.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
-#include "tests/support/ScriptedAction.h"
+#include "tests/support/SmallDocument.h"
+#include "tests/support/TestAction.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/WriteCounter.h"
 
@@ -28,12 +29,11 @@ using namespace DURMBaseLib;
 /// A machine that stands in "Stand" and goes to "Walk" on one condition.
 DocumentBuilder StandAndWalk(const Json& condition)
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Node(Generic("Stand", 10, {100}))
         .Node(Generic("Walk", 11))
         .Node(Transition("Go", 100, 10, 11, {condition}));
-    return document;
 }
 
 template <class T>
@@ -52,9 +52,7 @@ class Messages : public testing::Test
 {
 protected:
     Messages()
-        : machine(DocumentBuilder()
-                      .Start(10)
-                      .Node(Generic("Stand", 10))
+        : machine(SmallDocument()
                       .Parameter(MessageParameter("jump", "now"))
                       .Parameter(Parameter(PARAM_Text, "note", "later"))
                       .Parameter(FloatParameter("speed", 1.0)))
@@ -74,14 +72,15 @@ const char* const kWarning = "4 Parameter definition is NULL";
 TEST(ConditionBinding, ReachesEachLayerAndTheGlobalNodes)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Parameter(BoolParameter("on", true)).Start(10);
-    document.Layer("First")
-        .Node(Generic("Stand", 10))
-        .Node(Transition("A", 100, 10, 10, {BoolCondition("on", true)}));
-    document.Layer("Second").Node(Transition("B", 200, 10, 10, {BoolCondition("on", true)}));
-    document.GlobalNode(Transition("C", 300, 10, 10, {BoolCondition("on", true)}));
-    TestMachine machine(document);
+    TestMachine machine(DocumentBuilder()
+                            .Parameter(BoolParameter("on", true))
+                            .Start(10)
+                            .Layer("First")
+                            .Node(Generic("Stand", 10))
+                            .Node(Transition("A", 100, 10, 10, {BoolCondition("on", true)}))
+                            .Layer("Second")
+                            .Node(Transition("B", 200, 10, 10, {BoolCondition("on", true)}))
+                            .GlobalNode(Transition("C", 300, 10, 10, {BoolCondition("on", true)})));
 
     ASSERT_EQ(machine.Init(), 1);
 
@@ -125,9 +124,7 @@ TEST(ConditionBinding, LeavesAConditionWithoutItsParameterFalse)
           Json(FloatCondition("none", 1, 0.0)), Json(MessageCondition("none", "x"))})
     {
         LogRecorder log;
-        TestMachine machine(StandAndWalk(condition));
-        ASSERT_EQ(machine.Init(), 1);
-        machine.Start();
+        StartedMachine machine(StandAndWalk(condition));
 
         machine.Update(0.1f);
 
@@ -138,11 +135,13 @@ TEST(ConditionBinding, LeavesAConditionWithoutItsParameterFalse)
 TEST(ConditionBinding, GoesOnBehindAMissingParameter)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Parameter(BoolParameter("on", true)).Start(10).Node(Generic("Stand", 10));
-    document.Node(
-        Transition("A", 100, 10, 10, {BoolCondition("none", true), BoolCondition("on", true)}));
-    TestMachine machine(document);
+    TestMachine machine(
+        DocumentBuilder()
+            .Parameter(BoolParameter("on", true))
+            .Start(10)
+            .Node(Generic("Stand", 10))
+            .Node(Transition("A", 100, 10, 10,
+                             {BoolCondition("none", true), BoolCondition("on", true)})));
 
     ASSERT_EQ(machine.Init(), 1);
 
@@ -152,8 +151,7 @@ TEST(ConditionBinding, GoesOnBehindAMissingParameter)
 TEST(ConditionBinding, SkipsAConditionWhoseParameterIdIsZero)
 {
     LogRecorder log;
-    TestMachine machine(StandAndWalk(BoolCondition("none", true)));
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(StandAndWalk(BoolCondition("none", true)));
     FindTransition(machine, 100)->conditions[0]->parameterID = 0;
     log.Clear();
 
@@ -165,9 +163,7 @@ TEST(ConditionBinding, SkipsAConditionWhoseParameterIdIsZero)
 TEST(ConditionBinding, DoesNotSeeARuntimeParameterUntilItBindsAgain)
 {
     LogRecorder log;
-    TestMachine machine(StandAndWalk(BoolCondition("late", true)));
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(StandAndWalk(BoolCondition("late", true)));
     IParameterBoolDef* late = nullptr;
     ASSERT_EQ(machine.GetParameterTable()->CreateBoolParameter("late", true, &late), 1);
 
@@ -189,22 +185,18 @@ TEST(ConditionBinding, ByHandCountsInTheNextTickOfAMachineThatHasSettled)
     for (std::size_t i = 0; i < 4; ++i)
     {
         LogRecorder log;
-        TestMachine machine(StandAndWalk(conditions[i])
-                                .Parameter(BoolParameter("bool", false))
-                                .Parameter(IntParameter("int", 0))
-                                .Parameter(FloatParameter("float", 0.0))
-                                .Parameter(MessageParameter("text", "later"))
-                                .Parameter(BoolParameter("other bool", true))
-                                .Parameter(IntParameter("other int", 7))
-                                .Parameter(FloatParameter("other float", 1.0))
-                                .Parameter(MessageParameter("other text", "now")));
-        ASSERT_EQ(machine.Init(), 1);
+        InitialisedMachine machine(StandAndWalk(conditions[i])
+                                       .Parameter(BoolParameter("bool", false))
+                                       .Parameter(IntParameter("int", 0))
+                                       .Parameter(FloatParameter("float", 0.0))
+                                       .Parameter(MessageParameter("text", "later"))
+                                       .Parameter(BoolParameter("other bool", true))
+                                       .Parameter(IntParameter("other int", 7))
+                                       .Parameter(FloatParameter("other float", 1.0))
+                                       .Parameter(MessageParameter("other text", "now")));
         machine.BroadcastMessage("other text");
         machine.Start();
-        for (int tick = 0; tick < 6; ++tick)
-        {
-            machine.Update(0.1f);
-        }
+        machine.Tick(6);
         ASSERT_EQ(machine.MainStack(), "Stand") << others[i];
 
         ConditionDef& condition = *FindTransition(machine, 100)->conditions.front();
@@ -357,9 +349,7 @@ TEST(HSMMessages, ABroadcastMessageFiresUntilItsTextIsSetAgain)
     LogRecorder log;
     DocumentBuilder document = StandAndWalk(MessageCondition("jump", "now"));
     document.Parameter(MessageParameter("jump", "now"));
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(document);
     machine.Update(0.1f);
     ASSERT_EQ(machine.MainStack(), "Stand");
 
@@ -479,12 +469,9 @@ JsonObject Resetting(JsonObject parameter)
 TEST(FrameReset, ComesAfterAllStatesHaveUpdated)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10)).Node(Generic("Walk", 11));
-    document.Parameter(Resetting(FloatParameter("push", 0.25)));
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(SmallDocument()
+                               .Node(Generic("Walk", 11))
+                               .Parameter(Resetting(FloatParameter("push", 0.25))));
     machine.PushState(11);
     auto* push = Find<ParameterFloatDef>(machine, "push");
     std::vector<float> seen;
@@ -493,8 +480,8 @@ TEST(FrameReset, ComesAfterAllStatesHaveUpdated)
         seen.push_back(push->GetValue());
         return 1;
     };
-    machine.FindDef(10)->RegisterExecute(new ScriptedAction(read));
-    machine.FindDef(11)->RegisterExecute(new ScriptedAction(read));
+    machine.FindDef(10)->RegisterExecute(new TestAction(read));
+    machine.FindDef(11)->RegisterExecute(new TestAction(read));
 
     push->SetValue(4.0f);
     machine.Update(0.1f);
@@ -508,9 +495,7 @@ TEST(FrameReset, MakesATriggerThatIsTrueForOneTick)
     LogRecorder log;
     DocumentBuilder document = StandAndWalk(BoolCondition("go", true));
     document.Parameter(Resetting(BoolParameter("go", false)));
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(document);
     auto* go = Find<ParameterBoolDef>(machine, "go");
 
     go->SetValue(true);
@@ -523,15 +508,13 @@ TEST(FrameReset, MakesATriggerThatIsTrueForOneTick)
 TEST(FrameReset, TakesParametersInAscendingIdOrderAndNoOthers)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10));
-    document.Parameter(Resetting(IntParameter("c", 0)).Set(JSON_ID, 4000000000u))
-        .Parameter(Resetting(FloatParameter("a", 0.0)).Set(JSON_ID, 1))
-        .Parameter(FloatParameter("kept", 0.0).Set(JSON_ID, 2))
-        .Parameter(Resetting(MessageParameter("b", "text")).Set(JSON_ID, 50))
-        .Parameter(Resetting(BoolParameter("resting", true)).Set(JSON_ID, 60));
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(
+        SmallDocument()
+            .Parameter(Resetting(IntParameter("c", 0)).Set(JSON_ID, 4000000000u))
+            .Parameter(Resetting(FloatParameter("a", 0.0)).Set(JSON_ID, 1))
+            .Parameter(FloatParameter("kept", 0.0).Set(JSON_ID, 2))
+            .Parameter(Resetting(MessageParameter("b", "text")).Set(JSON_ID, 50))
+            .Parameter(Resetting(BoolParameter("resting", true)).Set(JSON_ID, 60)));
     Lines writes;
     for (const char* name : {"a", "b", "c", "kept", "resting"})
     {
@@ -554,11 +537,8 @@ TEST(FrameReset, TakesParametersInAscendingIdOrderAndNoOthers)
 TEST(FrameReset, TakesADefaultThatTheHostHasChanged)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10));
-    document.Parameter(Resetting(VectorParameter(4, "stick", "3,4")));
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(
+        SmallDocument().Parameter(Resetting(VectorParameter(4, "stick", "3,4"))));
     auto* stick = Find<ParameterAnalogDef>(machine, "stick");
     stick->SetValue({1.0f, 1.0f});
     stick->SetDefaultValue({6.0f, 8.0f});
@@ -572,12 +552,9 @@ TEST(FrameReset, TakesADefaultThatTheHostHasChanged)
 TEST(FrameReset, EndsWithUninitParameterTable)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10));
-    document.Parameter(Resetting(FloatParameter("push", 0.0)))
-        .Parameter(Resetting(BoolParameter("hit", false)));
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(SmallDocument()
+                                   .Parameter(Resetting(FloatParameter("push", 0.0)))
+                                   .Parameter(Resetting(BoolParameter("hit", false))));
     auto* push = Find<ParameterFloatDef>(machine, "push");
     auto* hit = Find<ParameterBoolDef>(machine, "hit");
     machine.Start();
@@ -595,11 +572,7 @@ TEST(FrameReset, EndsWithUninitParameterTable)
 TEST(FrameReset, HappensBeforeStartTooButNotWhileAContextIsApplied)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10));
-    document.Parameter(Resetting(FloatParameter("push", 0.0)));
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(SmallDocument().Parameter(Resetting(FloatParameter("push", 0.0))));
     auto* push = Find<ParameterFloatDef>(machine, "push");
     push->SetValue(1.0f);
 
@@ -617,9 +590,7 @@ TEST(ToolWrite, OfAParametersValueMakesATransitionFire)
     LogRecorder log;
     DocumentBuilder document = StandAndWalk(FloatCondition("speed", 3, 0.5));
     document.Parameter(FloatParameter("speed", 0.0));
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(document);
     const std::string key = std::to_string(ParameterId("speed"));
 
     machine.GetKVTable()
@@ -634,10 +605,7 @@ TEST(ToolWrite, OfAParametersValueMakesATransitionFire)
 TEST(ParameterCopy, HoldsAValueOfItsOwn)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10)).Parameter(FloatParameter("speed", 1.5));
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(SmallDocument().Parameter(FloatParameter("speed", 1.5)));
     auto* speed =
         dynamic_cast<ParameterFloatDef*>(machine.GetParameterTable()->FindParameter("speed"));
 
@@ -656,10 +624,7 @@ TEST(ParameterCopy, HoldsAValueOfItsOwn)
 TEST(ParameterRoom, GoesWithTheMachineAndComesWithASecondCreate)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10)).Parameter(BoolParameter("on", true));
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(SmallDocument().Parameter(BoolParameter("on", true)));
     machine.Uninit();
     machine.kvTable = Tessel::KVTable();
 

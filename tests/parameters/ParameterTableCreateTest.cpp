@@ -7,6 +7,7 @@
 #include "tests/support/HeapWatch.h"
 #include "tests/support/LoadedParameters.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/SmallDocument.h"
 
 #include <gtest/gtest.h>
 
@@ -73,7 +74,7 @@ struct Maker<ParameterMessageDef>
     }
 };
 
-const std::string kStand = DocumentBuilder().Start(10).Node(Generic("Stand", 10)).Text();
+const std::string kStand = SmallDocument().Text();
 
 /// A loaded table with the parameter "taken", of class float and with the value 9.
 template <class Class>

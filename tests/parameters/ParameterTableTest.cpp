@@ -314,13 +314,11 @@ TEST(ParameterTable, UninitialisesItsParametersInAscendingIdOrder)
 TEST(ParameterTable, ResetsAParameterAsLongAsItSaysSoAlsoAfterAnAssignment)
 {
     LogRecorder log;
-    TestMachine machine(DocumentBuilder()
-                            .Start(10)
-                            .Parameter(PulseParameter("pulse"))
-                            .Parameter(BoolParameter("flag", false))
-                            .Node(Generic("Stand", 10)));
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(DocumentBuilder()
+                               .Start(10)
+                               .Parameter(PulseParameter("pulse"))
+                               .Parameter(BoolParameter("flag", false))
+                               .Node(Generic("Stand", 10)));
     IParameterTable& table = *machine.GetParameterTable();
     auto& pulse = dynamic_cast<ParameterBoolDef&>(*table.FindParameter("pulse"));
     auto& flag = dynamic_cast<ParameterBoolDef&>(*table.FindParameter("flag"));

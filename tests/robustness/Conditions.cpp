@@ -89,8 +89,8 @@ DocumentBuilder WholeDocument()
 {
     JsonObject skeleton;
     skeleton.Set(JSON_ModelFileName, "hero.mdl").Set(JSON_SkeletonFileName, "hero.skel");
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Skeleton(skeleton)
         .Parameter(BoolParameter("go", false))
         .Parameter(BoolParameter("hit", false).Set(JSON_ParameterResetEachFrame, true))
@@ -112,8 +112,8 @@ DocumentBuilder WholeDocument()
         .Node(Transition("Fight", 101, 10, 20, {IntCondition("count", 3, 2)}))
         .Node(Transition("Shout", 102, 10, 11, {MessageCondition("shout", "never")}))
         .Node(Transition("Back", 103, 11, 10, {FloatCondition("speed", 5, 0.0)}))
-        .Node(Transition("Recover", 105, 12, 70, {FloatCondition("speed", 3, 1.0)}));
-    document.Layer("Combat")
+        .Node(Transition("Recover", 105, 12, 70, {FloatCondition("speed", 3, 1.0)}))
+        .Layer("Combat")
         .Node(Substate("Combat", 20, 21, 22))
         .Node(Enter("In", 21, 23, 20))
         .Node(Exit("Out", 22, 20))
@@ -122,10 +122,9 @@ DocumentBuilder WholeDocument()
         .Node(BoolCondition("go", true)
                   .Set(JSON_Name, "OnGo")
                   .Set(JSON_ID, 60)
-                  .Set(JSON_BuilderType, BuilderName(BUILDER_Condition)));
-    document.GlobalNode(Global("Anywhere", 50, {500}))
+                  .Set(JSON_BuilderType, BuilderName(BUILDER_Condition)))
+        .GlobalNode(Global("Anywhere", 50, {500}))
         .GlobalNode(Transition("Hit", 500, 50, 12, {BoolCondition("hit", true)}));
-    return document;
 }
 
 } // namespace vell::test

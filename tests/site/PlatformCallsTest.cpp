@@ -43,15 +43,14 @@ public:
 /// One state with an attribute, one parameter, and a transition with two conditions.
 DocumentBuilder SmallDocument()
 {
-    DocumentBuilder document;
-    document.Start(10)
+    return DocumentBuilder()
+        .Start(10)
         .Parameter(BoolParameter("go", false))
         .Node(Generic("Idle", 10, {100})
                   .Set(JSON_Attributes, Json::Array({Attribute("surface", "QString", "stone")})))
         .Node(Generic("Away", 20))
         .Node(Transition("Leave", 100, 10, 20,
                          {BoolCondition("go", true), BoolCondition("go", true)}));
-    return document;
 }
 
 Lines Sorted(Lines lines)
@@ -162,9 +161,7 @@ TEST(PlatformCalls, FillTheOneRecordOfAKeyEachTime)
 TEST(PlatformCalls, ReadTheSwitchKeysAlsoWhenNobodyListens)
 {
     LogRecorder log;
-    TestMachine machine(SmallDocument());
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(SmallDocument());
     PlatformWatch watch;
 
     machine.ChangeState(20);
@@ -178,9 +175,7 @@ TEST(PlatformCalls, ReadTheSwitchKeysAlsoWhenNobodyListens)
 TEST(PlatformCalls, RestoreTheSwitchKeysWithoutTheFlagOfOtherWrites)
 {
     LogRecorder log;
-    TestMachine machine(SmallDocument());
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(SmallDocument());
     PlatformWatch watch;
 
     machine.SetContextInfo(Tessel::KVTable());
@@ -232,8 +227,7 @@ TEST(PlatformCalls, CloseEachTableOnceWhenTheMachineIsOnlyDeleted)
 TEST(PlatformCalls, CloseNothingAgainInASecondUninit)
 {
     LogRecorder log;
-    TestMachine machine(SmallDocument());
-    ASSERT_EQ(machine.Init(), 1);
+    InitialisedMachine machine(SmallDocument());
     machine.Uninit();
     PlatformWatch watch;
 

@@ -11,15 +11,14 @@ namespace vell::test
 
 TEST(EnterState, BehavesAsAPlainState)
 {
-    DocumentBuilder document;
-    document.Start(10)
-        .Parameter(PulseParameter("in"))
-        .Parameter(PulseParameter("on"))
-        .Nodes({Generic("Stand", 10, {100}), Generic("Walk", 11)})
-        .Node(Enter("In", 21, 11).Set(JSON_Children, Json::Array(Ids{101})))
-        .Node(Transition("ToIn", 100, 10, 21, {Holds("in")}))
-        .Node(Transition("ToWalk", 101, 21, 11, {Holds("on")}));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(10)
+                    .Parameter(PulseParameter("in"))
+                    .Parameter(PulseParameter("on"))
+                    .Nodes({Generic("Stand", 10, {100}), Generic("Walk", 11)})
+                    .Node(Enter("In", 21, 11).Set(JSON_Children, Json::Array(Ids{101})))
+                    .Node(Transition("ToIn", 100, 10, 21, {Holds("in")}))
+                    .Node(Transition("ToWalk", 101, 21, 11, {Holds("on")})));
     scene.Run(0);
 
     EXPECT_EQ(scene.TickWith("in"), Lines{"Stand execution 0.5"} + Fired("Stand", 100) +

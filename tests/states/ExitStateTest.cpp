@@ -25,13 +25,12 @@ std::string In(const char* operation)
 
 TEST(ExitState, RestsOnTheMainStackWithALineEachTick)
 {
-    DocumentBuilder document;
-    document.Start(10)
-        .Parameter(PulseParameter("go"))
-        .Node(Exit("Out", 10).Set(JSON_Children, Json::Array(Ids{100})))
-        .Node(Generic("Walk", 11))
-        .Node(Transition("ToWalk", 100, 10, 11, {Holds("go")}));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(10)
+                    .Parameter(PulseParameter("go"))
+                    .Node(Exit("Out", 10).Set(JSON_Children, Json::Array(Ids{100})))
+                    .Node(Generic("Walk", 11))
+                    .Node(Transition("ToWalk", 100, 10, 11, {Holds("go")})));
     const std::string out = ExitNodeLine("Out");
 
     scene.machine.Start();
@@ -48,15 +47,14 @@ TEST(ExitState, RestsOnTheMainStackWithALineEachTick)
 
 TEST(ExitState, EndsABlipInItsFirstUpdateOnly)
 {
-    DocumentBuilder document;
-    document.Start(10)
-        .Parameter(PulseParameter("hit"))
-        .Parameter(PulseParameter("done"))
-        .Nodes({Generic("Stand", 10), Generic("Hurt", 11, {101}), Exit("Out", 12)})
-        .Node(Transition("ToHurt", 100, 50, 11, {Holds("hit")}))
-        .Node(Transition("ToOut", 101, 11, 12, {Holds("done")}))
-        .GlobalNode(Global("Global", 50, {100}));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(10)
+                    .Parameter(PulseParameter("hit"))
+                    .Parameter(PulseParameter("done"))
+                    .Nodes({Generic("Stand", 10), Generic("Hurt", 11, {101}), Exit("Out", 12)})
+                    .Node(Transition("ToHurt", 100, 50, 11, {Holds("hit")}))
+                    .Node(Transition("ToOut", 101, 11, 12, {Holds("done")}))
+                    .GlobalNode(Global("Global", 50, {100})));
     scene.Run(0);
     scene.TickWith("hit");
     const std::string out = ExitNodeLine("Out");
@@ -123,9 +121,7 @@ void GiveAwayOnALine(int, const char*)
 
 TEST(ExitState, EndsTheBlipOfTheMachineThatItHadBeforeItsLine)
 {
-    DocumentBuilder document;
-    document.Start(10).Nodes({Generic("Stand", 10), Exit("Out", 12)});
-    Scene scene(document);
+    Scene scene(DocumentBuilder().Start(10).Nodes({Generic("Stand", 10), Exit("Out", 12)}));
     scene.Run(0);
     SMState* const out = scene.machine.ActivateState(12, 0.0f);
     scene.machine.blipActive = true;

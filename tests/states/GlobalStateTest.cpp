@@ -5,6 +5,7 @@
 #include "definitions/GlobalDef.h"
 #include "states/EnterState.h"
 #include "tests/support/Scene.h"
+#include "tests/support/SmallDocument.h"
 
 #include <gtest/gtest.h>
 
@@ -15,9 +16,7 @@ namespace
 
 DocumentBuilder GlobalDocument()
 {
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10)).GlobalNode(Global("Global", 50));
-    return document;
+    return SmallDocument().GlobalNode(Global("Global", 50));
 }
 
 } // namespace
@@ -79,13 +78,12 @@ TEST(GlobalState, MissesWhenItsClassRefusesTheDefinitionAndTheMachineRunsOn)
 
 TEST(GlobalState, IsTestedOnAnEmptyMainStack)
 {
-    DocumentBuilder document;
-    document.Start(10)
-        .Parameter(PulseParameter("hit"))
-        .Nodes({Generic("Stand", 10), Generic("Hurt", 11)})
-        .Node(Transition("ToHurt", 100, 50, 11, {Holds("hit")}))
-        .GlobalNode(Global("Global", 50, {100}));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(10)
+                    .Parameter(PulseParameter("hit"))
+                    .Nodes({Generic("Stand", 10), Generic("Hurt", 11)})
+                    .Node(Transition("ToHurt", 100, 50, 11, {Holds("hit")}))
+                    .GlobalNode(Global("Global", 50, {100})));
     scene.Run(0);
     scene.machine.PopState();
     scene.log.Clear();

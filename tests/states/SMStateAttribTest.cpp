@@ -23,8 +23,7 @@ protected:
 
     static DocumentBuilder Document()
     {
-        DocumentBuilder document;
-        document.Start(10).Node(
+        return DocumentBuilder().Start(10).Node(
             Generic("Stand", 10)
                 .Set(JSON_Attributes,
                      Json::Array({Attribute("on", "bool", true), Attribute("count", "int", -7),
@@ -33,7 +32,6 @@ protected:
                                   Attribute("three", "QVector3D", "1,2,3"),
                                   Attribute("four", "QVector4D", "1,2,3,4"),
                                   Attribute("text", "QString", "hello")})));
-        return document;
     }
 
     template <class T>

@@ -274,15 +274,14 @@ TEST(SMStateTransitions, NullOneIsSkipped)
 
 TEST(SMStateTransitions, OneThatFiresFillsTheRecord)
 {
-    DocumentBuilder document;
-    document.Start(10)
-        .Parameter(BoolParameter("on", true))
-        .Nodes({Generic("From", 10, {100}), Generic("To", 11)})
-        .Node(Transition("Go", 100, 10, 11, {Holds("on")})
-                  .Set(JSON_TransitionTag, 42)
-                  .Set(JSON_TransitionPriority, -7)
-                  .Set(JSON_TransitionSwitchArgument, 1.5));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(10)
+                    .Parameter(BoolParameter("on", true))
+                    .Nodes({Generic("From", 10, {100}), Generic("To", 11)})
+                    .Node(Transition("Go", 100, 10, 11, {Holds("on")})
+                              .Set(JSON_TransitionTag, 42)
+                              .Set(JSON_TransitionPriority, -7)
+                              .Set(JSON_TransitionSwitchArgument, 1.5)));
     scene.Run(0);
     UpdateResult result;
     result.stackIndex = 4;

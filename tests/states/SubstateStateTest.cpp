@@ -22,15 +22,14 @@ std::string In(const char* operation)
 /// The level Level (20), whose first state is Jab (23), with Hook (24) beside that.
 DocumentBuilder LevelDocument()
 {
-    DocumentBuilder document;
-    document.Start(20)
+    return DocumentBuilder()
+        .Start(20)
         .Parameter(PulseParameter("hook"))
         .Parameter(PulseParameter("leave"))
         .Level("Level", 20, 23, {101})
         .Nodes({Generic("Jab", 23, {100}, 20), Generic("Hook", 24, {}, 20), Generic("Rest", 30)})
         .Node(Transition("ToHook", 100, 23, 24, {Holds("hook")}))
         .Node(Transition("ToRest", 101, 20, 30, {Holds("leave")}));
-    return document;
 }
 
 SubstateState& LevelOf(Scene& scene, unsigned int id = 20)
@@ -61,10 +60,9 @@ Lines NotMade(const Lines& inner)
 /// A level 20 with the given enter and exit node, beside EnterNode (21), ExitNode (22), Plain (23).
 DocumentBuilder GateDocument(unsigned int enter, unsigned int exit)
 {
-    DocumentBuilder document;
-    document.Start(20).Nodes({Substate("Level", 20, enter, exit), Enter("EnterNode", 21, 23, 20),
-                              Exit("ExitNode", 22, 20), Generic("Plain", 23, {}, 20)});
-    return document;
+    return DocumentBuilder().Start(20).Nodes(
+        {Substate("Level", 20, enter, exit), Enter("EnterNode", 21, 23, 20),
+         Exit("ExitNode", 22, 20), Generic("Plain", 23, {}, 20)});
 }
 
 } // namespace
@@ -87,35 +85,29 @@ TEST(SubstateState, FindsTheGatesOfItsLevelWhenItIsActivated)
     EXPECT_EQ(scene.log.Take(), Activated("Level", 20, "-"));
 }
 
-TEST(SubstateState, IsRefusedWithoutItsExitNode)
+TEST(SubstateState, IsRefusedWhenAGateIsMissingOrOfAnotherClass)
 {
-    Scene scene(GateDocument(21, 999));
-
-    EXPECT_EQ(scene.machine.ActivateState(20, 0.0f), nullptr);
-
-    EXPECT_EQ(scene.log.Take(),
-              NotMade({"3 Failed to find node definition ID: 999", In("InitEnterExit")}));
-}
-
-TEST(SubstateState, IsRefusedWithoutItsEnterNode)
-{
-    Scene scene(GateDocument(999, 22));
-
-    EXPECT_EQ(scene.machine.ActivateState(20, 0.0f), nullptr);
-
-    EXPECT_EQ(scene.log.Take(),
-              NotMade({"3 Failed to find node definition ID: 999", In("InitEnterExit")}));
-}
-
-TEST(SubstateState, IsRefusedWhenAGateIsOfAnotherClass)
-{
-    for (const auto& gates : {Ids{21, 23}, Ids{23, 22}, Ids{22, 21}})
+    const Lines missing = {"3 Failed to find node definition ID: 999", In("InitEnterExit")};
+    const Lines wrong = {In("InitEnterExit")};
+    const struct
     {
-        Scene scene(GateDocument(gates[0], gates[1]));
+        const char* what;
+        unsigned int enter;
+        unsigned int exit;
+        Lines lines;
+    } cases[] = {{"no exit node", 21, 999, missing},
+                 {"no enter node", 999, 22, missing},
+                 {"a state for the exit node", 21, 23, wrong},
+                 {"a state for the enter node", 23, 22, wrong},
+                 {"the two gates exchanged", 22, 21, wrong}};
+    for (const auto& gates : cases)
+    {
+        SCOPED_TRACE(gates.what);
+        Scene scene(GateDocument(gates.enter, gates.exit));
 
         EXPECT_EQ(scene.machine.ActivateState(20, 0.0f), nullptr);
 
-        EXPECT_EQ(scene.log.Take(), NotMade({In("InitEnterExit")}));
+        EXPECT_EQ(scene.log.Take(), NotMade(gates.lines));
     }
 }
 
@@ -259,13 +251,12 @@ TEST(SubstateState, ExitBeforeAnyStartLeavesItUnstarted)
 
 TEST(SubstateState, TriesAgainEachTickWhenItsFirstStateIsUnknown)
 {
-    DocumentBuilder document;
-    document.Start(20)
-        .Parameter(PulseParameter("leave"))
-        .Level("Level", 20, 999, {101})
-        .Node(Generic("Rest", 30))
-        .Node(Transition("ToRest", 101, 20, 30, {Holds("leave")}));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(20)
+                    .Parameter(PulseParameter("leave"))
+                    .Level("Level", 20, 999, {101})
+                    .Node(Generic("Rest", 30))
+                    .Node(Transition("ToRest", 101, 20, 30, {Holds("leave")})));
     scene.Run(0);
     const Lines fails = {ErrorBreak("vell::HSM::ActivateState"), NotActivated(999),
                          ErrorBreak("vell::HSM::PushState"), In("Update")};
@@ -359,16 +350,15 @@ TEST(SubstateState, RecordsItsChildOnceEvenWhenItsExitFails)
 
 TEST(SubstateState, NestedLevelResumesItsOwnChild)
 {
-    DocumentBuilder document;
-    document.Start(20)
-        .Parameter(PulseParameter("leave"))
-        .Parameter(PulseParameter("back"))
-        .Level("Outer", 20, 40, {101})
-        .Level("Inner", 40, 43, {}, 20)
-        .Nodes({Generic("Leaf", 43, {}, 40), Generic("Rest", 30, {102})})
-        .Node(Transition("ToRest", 101, 20, 30, {Holds("leave")}))
-        .Node(Transition("Back", 102, 30, 20, {Holds("back")}));
-    Scene scene(document);
+    Scene scene(DocumentBuilder()
+                    .Start(20)
+                    .Parameter(PulseParameter("leave"))
+                    .Parameter(PulseParameter("back"))
+                    .Level("Outer", 20, 40, {101})
+                    .Level("Inner", 40, 43, {}, 20)
+                    .Nodes({Generic("Leaf", 43, {}, 40), Generic("Rest", 30, {102})})
+                    .Node(Transition("ToRest", 101, 20, 30, {Holds("leave")}))
+                    .Node(Transition("Back", 102, 30, 20, {Holds("back")})));
     scene.Run(2);
     ASSERT_EQ(scene.machine.MainStack(), "Outer/Inner/Leaf");
     scene.TickWith("leave");

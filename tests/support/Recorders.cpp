@@ -3,7 +3,6 @@
 #include "tests/support/Recorders.h"
 
 #include <vell/BaseDef.h>
-#include <vell/Events.h>
 #include <vell/IBaseDef.h>
 #include <vell/SMState.h>
 
@@ -55,42 +54,6 @@ int NoteWrite(void*, Tessel::opResult, Tessel::KVTable table, const char* key)
 
 } // namespace
 
-RecordingAction::RecordingAction(std::string actionLabel) : label(std::move(actionLabel))
-{
-}
-
-int RecordingAction::Perform(__ActType__ type, float timeStep)
-{
-    static const char* const kinds[] = {"0", "entry", "execution", "exit"};
-    Note(label, " ", kinds[type], " ", timeStep);
-    return 1;
-}
-
-RecordingListener::RecordingListener(std::string listenerLabel) : label(std::move(listenerLabel))
-{
-}
-
-int RecordingListener::OnBroadcastEvent(int event, const void* record)
-{
-    if (event == HSMEventStateChange)
-    {
-        const auto* change = static_cast<const StateChangeEvent*>(record);
-        Note(label, ": change ", change->transitionID, ": ", change->previousID, " -> ",
-             change->nextID);
-    }
-    else if (event == HSMEventPlayAnimation)
-    {
-        const auto* play = static_cast<const __PlayAnimEvent__*>(record);
-        Note(label, ": play ", play->clipName == nullptr ? "-" : play->clipName, " ", play->flag,
-             " ", play->scalar);
-    }
-    else
-    {
-        Note(label, ": event ", event);
-    }
-    return 1;
-}
-
 void RecordSwitch(HSM*, SMState* previous, SMState* next, float argument)
 {
     Note("switch ", NameOf(previous), " -> ", NameOf(next), " ", argument);
@@ -103,9 +66,9 @@ void RecordActions(HSM& machine)
     {
         if (CanRun(*def))
         {
-            def->RegisterEnter(new RecordingAction(def->GetName()));
-            def->RegisterExecute(new RecordingAction(def->GetName()));
-            def->RegisterExit(new RecordingAction(def->GetName()));
+            def->RegisterEnter(new TestAction(def->GetName()));
+            def->RegisterExecute(new TestAction(def->GetName()));
+            def->RegisterExit(new TestAction(def->GetName()));
         }
     }
 }

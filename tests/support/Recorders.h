@@ -1,12 +1,12 @@
 // VELL: data-driven hierarchical state machines.
-// tests/support/Recorders.h: actions, listeners and callbacks that note what they are told.
+// tests/support/Recorders.h: what notes all that a machine tells.
 #pragma once
 
-#include <vell/Action.h>
 #include <vell/HSM.h>
-#include <vell/IBroadcastListener.h>
 
 #include "tests/support/LogRecorder.h"
+#include "tests/support/TestAction.h"
+#include "tests/support/TestListener.h"
 
 #include <string>
 
@@ -15,34 +15,11 @@ namespace vell::test
 
 // What these note goes into the lines of the LogRecorder that lives, in order with the log.
 
-/// Notes "LABEL entry 0", "LABEL execution TIME" and "LABEL exit 0".
-class RecordingAction : public Action
-{
-public:
-    explicit RecordingAction(std::string actionLabel);
-    int Perform(__ActType__ type, float timeStep) override;
-
-private:
-    std::string label;
-};
-
-/// Notes "LABEL: change TRANSITION: PREVIOUS -> NEXT" for a state change, "LABEL: play CLIP FLAG
-/// SCALAR" for an animation, and "LABEL: event NUMBER" for others.
-class RecordingListener : public IBroadcastListener
-{
-public:
-    explicit RecordingListener(std::string listenerLabel);
-    int OnBroadcastEvent(int event, const void* record) override;
-
-private:
-    std::string label;
-};
-
 /// A state-switch callback: notes "switch PREVIOUS -> NEXT ARGUMENT", names of states, "-" for
 /// none.
 void RecordSwitch(HSM* machine, SMState* previous, SMState* next, float argument);
 
-/// Puts a RecordingAction labelled with the node's name on all three lists of every definition that
+/// Puts a TestAction labelled with the node's name on all three lists of every definition that
 /// can run as a state.
 void RecordActions(HSM& machine);
 
@@ -63,9 +40,9 @@ public:
 
 private:
     HSM& machine;
-    RecordingListener changes;
-    RecordingListener events;
-    RecordingListener never;
+    TestListener changes;
+    TestListener events;
+    TestListener never;
 };
 
 // What a MachineRecorder and the log show of one step of a machine, as `LogRecorder::Take` gives

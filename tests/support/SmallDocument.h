@@ -11,9 +11,7 @@ namespace vell::test
 /// A document with one node: "Stand", 10, a generic state that Start pushes.
 inline DocumentBuilder SmallDocument()
 {
-    DocumentBuilder document;
-    document.Start(10).Node(Generic("Stand", 10));
-    return document;
+    return DocumentBuilder().Start(10).Node(Generic("Stand", 10));
 }
 
 /// Gives `document` with a member of its head set to `value`.

@@ -82,11 +82,31 @@ unsigned int TestMachine::ContextValue(const char* key) const
     return context ? context->GetUInt(key) : 0;
 }
 
+std::vector<unsigned int> TestMachine::LastSwitch() const
+{
+    return {ContextValue("transitionTriggered"), ContextValue("previousState"),
+            ContextValue("nextState")};
+}
+
 void TestMachine::SetBool(const char* name, bool value)
 {
     auto* parameter = dynamic_cast<ParameterBoolDef*>(GetParameterTable()->FindParameter(name));
     ASSERT_NE(parameter, nullptr) << name;
     parameter->SetValue(value);
+}
+
+void TestMachine::Tick(int times)
+{
+    for (int i = 0; i < times; ++i)
+    {
+        Update(0.1f);
+    }
+}
+
+void TestMachine::TickWith(const char* name)
+{
+    SetBool(name, true);
+    Tick();
 }
 
 } // namespace vell::test

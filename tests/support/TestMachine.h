@@ -6,6 +6,8 @@
 
 #include "tests/support/DocumentBuilder.h"
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
@@ -36,8 +38,14 @@ public:
     std::vector<unsigned int> StackInTree(const char* key) const;
     /// A number of "contextInfo"; 0 without a tree.
     unsigned int ContextValue(const char* key) const;
+    /// The last switch as "contextInfo" shows it: the transition, the previous and the next state.
+    std::vector<unsigned int> LastSwitch() const;
     /// Sets a bool parameter of the document.
     void SetBool(const char* name, bool value);
+    /// Ticks by a tenth of a second, `times` times.
+    void Tick(int times = 1);
+    /// Ticks once with the bool parameter `name` true.
+    void TickWith(const char* name);
 
     using HSM::ActivateState;
     using HSM::ActivateTransitions;
@@ -82,5 +90,30 @@ private:
     std::string text;
     bool uninitialised = false;
 };
+
+/// A machine that `Init` has succeeded on.
+template <class Machine>
+class Initialised : public Machine
+{
+public:
+    explicit Initialised(const DocumentBuilder& builder) : Machine(builder)
+    {
+        EXPECT_EQ(this->Init(), 1);
+    }
+};
+
+/// A machine that is initialised and started.
+template <class Machine>
+class Started : public Initialised<Machine>
+{
+public:
+    explicit Started(const DocumentBuilder& builder) : Initialised<Machine>(builder)
+    {
+        this->Start();
+    }
+};
+
+using InitialisedMachine = Initialised<TestMachine>;
+using StartedMachine = Started<TestMachine>;
 
 } // namespace vell::test

@@ -2,6 +2,8 @@
 // tests/support/TreeLines.cpp: the walk over a tree.
 #include "tests/support/TreeLines.h"
 
+#include "tests/support/DocumentBuilder.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
@@ -110,6 +112,11 @@ std::vector<unsigned int> IdsOf(Tessel::KVTable table)
         ids.push_back(table->GetValueAt(i)->GetUIntValue());
     }
     return ids;
+}
+
+std::string ParameterPath(const std::string& name)
+{
+    return "parameterTable/" + std::to_string(ParameterId(name));
 }
 
 std::string FloatText(const float* values, int count)

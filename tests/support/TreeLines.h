@@ -23,6 +23,9 @@ Tessel::KVTable TableAt(Tessel::KVTable root, const std::string& path);
 /// Gives the elements of the array of `table`; none for a null handle.
 std::vector<unsigned int> IdsOf(Tessel::KVTable table);
 
+/// The path of a parameter of the document in a machine's tree.
+std::string ParameterPath(const std::string& name);
+
 /// Floats as a line shows them: "0.5", or "0.5,1,2".
 std::string FloatText(const float* values, int count);
 

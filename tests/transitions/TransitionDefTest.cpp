@@ -578,15 +578,14 @@ namespace
 /// A machine in "Stand" with two transitions in this order, both on the bool "on".
 DocumentBuilder TwoWays(const JsonObject& first, const JsonObject& second)
 {
-    DocumentBuilder document;
-    document.Parameter(BoolParameter("on", true))
+    return DocumentBuilder()
+        .Parameter(BoolParameter("on", true))
         .Start(10)
         .Node(Generic("Stand", 10, {100, 101}))
         .Node(Generic("Walk", 11))
         .Node(Generic("Run", 12))
         .Node(first)
         .Node(second);
-    return document;
 }
 
 const std::vector<Json>& WhenOn()
@@ -600,11 +599,9 @@ const std::vector<Json>& WhenOn()
 TEST(TransitionInAMachine, WithTheSmallerPriorityFires)
 {
     LogRecorder log;
-    TestMachine machine(
+    StartedMachine machine(
         TwoWays(Transition("Later", 100, 10, 11, WhenOn()),
                 Transition("Sooner", 101, 10, 12, WhenOn()).Set(JSON_TransitionPriority, 4)));
-    machine.Init();
-    machine.Start();
 
     machine.Update(0.1f);
 
@@ -614,10 +611,8 @@ TEST(TransitionInAMachine, WithTheSmallerPriorityFires)
 TEST(TransitionInAMachine, WithTheTargetZeroBlocksThoseBehindItWhileItHolds)
 {
     LogRecorder log;
-    TestMachine machine(
+    StartedMachine machine(
         TwoWays(Transition("Nowhere", 100, 10, 0, WhenOn()), Transition("Go", 101, 10, 12)));
-    machine.Init();
-    machine.Start();
     machine.AssignTrigger("Go", Note<'g', true>);
     calls.clear();
 
@@ -635,10 +630,8 @@ TEST(TransitionInAMachine, WithTheTargetZeroBlocksThoseBehindItWhileItHolds)
 TEST(TransitionInAMachine, SeesWhatATriggerBeforeItBound)
 {
     LogRecorder log;
-    TestMachine machine(TwoWays(Transition("Binds", 100, 10, 11),
-                                Transition("Late", 101, 10, 12, {BoolCondition("late", true)})));
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(TwoWays(Transition("Binds", 100, 10, 11),
+                                   Transition("Late", 101, 10, 12, {BoolCondition("late", true)})));
     machine.Update(0.1f);
     ASSERT_EQ(machine.MainStack(), "Stand");
     machine.AssignTrigger("Binds",
@@ -659,11 +652,9 @@ TEST(TransitionInAMachine, SeesWhatATriggerBeforeItBound)
 TEST(TransitionInAMachine, IsNotAskedWhenDisabled)
 {
     LogRecorder log;
-    TestMachine machine(
+    StartedMachine machine(
         TwoWays(Transition("Off", 100, 10, 11, WhenOn()).Set(JSON_TransitionDisabled, true),
                 Transition("None", 101, 10, 12)));
-    machine.Init();
-    machine.Start();
     machine.AssignTrigger("Off", Note<'o', true>);
 
     machine.Update(0.1f);
@@ -677,10 +668,8 @@ TEST(TransitionInAMachine, DoesNotOwnAConditionThatStandsAmongTheNodes)
     LogRecorder log;
     JsonObject node = BoolCondition("on", true);
     node.Set(JSON_ID, 300).Set(JSON_BuilderType, BuilderName(BUILDER_Condition));
-    TestMachine machine(
+    StartedMachine machine(
         TwoWays(Transition("None", 100, 10, 11), Transition("Nor", 101, 10, 12)).Node(node));
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
 
     machine.Update(0.1f);
 
@@ -693,10 +682,8 @@ TEST(TransitionInAMachine, DoesNotOwnAConditionThatStandsAmongTheNodes)
 TEST(TransitionInAMachine, WithBadConditionsFiresByATrigger)
 {
     LogRecorder log;
-    TestMachine machine(TwoWays(Transition("Broken", 100, 10, 11).Set(JSON_Conditions, 5),
-                                Transition("None", 101, 10, 12)));
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(TwoWays(Transition("Broken", 100, 10, 11).Set(JSON_Conditions, 5),
+                                   Transition("None", 101, 10, 12)));
     machine.Update(0.1f);
     ASSERT_EQ(machine.MainStack(), "Stand");
 
