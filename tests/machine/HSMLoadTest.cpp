@@ -100,7 +100,6 @@ TEST(HSMCreate, TakesADefaultOf100MebibytesWithoutAFigure)
     LogRecorder log;
     DocumentBuilder document = SmallDocument();
     document.Head().Remove(JSON_HeadMemory);
-
     TestMachine machine(document);
 
     EXPECT_EQ(machine.alloc.capacity, 0x6400000u);
@@ -142,6 +141,7 @@ TEST(HSMCreate, NeedsRoomForTheNodeTable)
 
     EXPECT_EQ(fits.Load(TextWithMemory(SmallestFigure())), 1);
     EXPECT_EQ(log.Take(), Lines{});
+    ClearStateBuilders();
     EXPECT_EQ(tooSmall.Load(TextWithMemory(SmallestFigure() - 1)), 0);
 
     EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate)}));
@@ -301,14 +301,16 @@ TEST(HSMCreate, TakesNoBlockWithoutAHeadAndNoneOfTheSizeZero)
 {
     LogRecorder log;
     ClearStateBuilders();
-    TestMachine headless(SmallDocument().LeaveOut(JSON_Head));
-    TestMachine withoutMemory(TextWithMemory(0));
-    TestMachine withoutFigure(WithRoot(SmallDocument(), JSON_Head, 5));
 
+    TestMachine headless(SmallDocument().LeaveOut(JSON_Head));
+    TestMachine withoutFigure(WithRoot(SmallDocument(), JSON_Head, 5));
     EXPECT_EQ(headless.alloc.block, nullptr);
-    EXPECT_TRUE(HasStandardBuilders()) << "the last step is the first that fails";
-    EXPECT_EQ(withoutMemory.alloc.capacity, 0u);
     EXPECT_EQ(withoutFigure.alloc.capacity, 0u);
+    EXPECT_FALSE(HasStandardBuilders());
+
+    TestMachine withoutMemory(TextWithMemory(0));
+    EXPECT_EQ(withoutMemory.alloc.capacity, 0u);
+    EXPECT_TRUE(HasStandardBuilders()) << "the last step is the first that fails";
 }
 
 TEST(HSMCreate, FailsWithoutADocument)
