@@ -2,6 +2,7 @@
 // tests/foundation/HSMAllocTest.cpp: what the arena hands out, records and gives back.
 #include <vell/HSMAlloc.h>
 
+#include "tests/support/Definitions.h"
 #include "tests/support/HeapWatch.h"
 
 #include <gtest/gtest.h>
@@ -221,8 +222,7 @@ TEST(HSMAlloc, ReserveFreesTheBlockBefore)
 
 TEST(HSMAlloc, ReserveRunsNoDestructorOfTheObjectsBefore)
 {
-    HSMAlloc arena;
-    arena.Reserve(64);
+    Arena arena(64);
     arena.New<Small>();
     Small::destroyed = 0;
 
@@ -233,8 +233,7 @@ TEST(HSMAlloc, ReserveRunsNoDestructorOfTheObjectsBefore)
 
 TEST(HSMAlloc, PlacesObjectsAtTheExactSumOfTheirSizes)
 {
-    HSMAlloc arena;
-    arena.Reserve(100);
+    Arena arena(100);
 
     Small* first = arena.New<Small>();
     Large* second = arena.New<Large>();
@@ -249,8 +248,7 @@ TEST(HSMAlloc, PlacesObjectsAtTheExactSumOfTheirSizes)
 #if !defined(VELL_ARENA_ROUNDING)
 TEST(HSMAlloc, PlacesWhatFollowsARawAllocationWithoutAligningIt)
 {
-    HSMAlloc arena;
-    arena.Reserve(100);
+    Arena arena(100);
 
     void* text = arena.AllocRaw(5);
     void* next = arena.AllocRaw(3);
@@ -262,8 +260,7 @@ TEST(HSMAlloc, PlacesWhatFollowsARawAllocationWithoutAligningIt)
 #else
 TEST(HSMAlloc, RoundsUpAfterARawAllocation)
 {
-    HSMAlloc arena;
-    arena.Reserve(20);
+    Arena arena(20);
 
     arena.AllocRaw(5);
     Small* object = arena.New<Small>();
@@ -277,8 +274,7 @@ TEST(HSMAlloc, RoundsUpAfterARawAllocation)
 
 TEST(HSMAlloc, ConstructsObjectsByTheirDefaultConstructor)
 {
-    HSMAlloc arena;
-    arena.Reserve(64);
+    Arena arena(64);
     std::memset(arena.block, 0xff, 64);
 
     const Small* object = arena.New<Small>();
@@ -289,8 +285,7 @@ TEST(HSMAlloc, ConstructsObjectsByTheirDefaultConstructor)
 
 TEST(HSMAlloc, RecordsTypedAllocationsWithTheirSizes)
 {
-    HSMAlloc arena;
-    arena.Reserve(64);
+    Arena arena(64);
 
     void* first = arena.New<Small>();
     arena.AllocRaw(8);
@@ -301,8 +296,7 @@ TEST(HSMAlloc, RecordsTypedAllocationsWithTheirSizes)
 
 TEST(HSMAlloc, ConstructsBeforeItRecords)
 {
-    HSMAlloc arena;
-    arena.Reserve(64);
+    Arena arena(64);
 
     EXPECT_THROW(arena.New<Throwing>(), int);
 
@@ -312,8 +306,7 @@ TEST(HSMAlloc, ConstructsBeforeItRecords)
 
 TEST(HSMAlloc, GivesAConstructorThatAllocatesRoomBehindItsObject)
 {
-    HSMAlloc arena;
-    arena.Reserve(1024);
+    Arena arena(1024);
     constructorArena = &arena;
 
     const Maker* maker = arena.New<Maker>();
@@ -334,8 +327,7 @@ TEST(HSMAlloc, GivesAConstructorThatAllocatesRoomBehindItsObject)
 
 TEST(HSMAlloc, KeepsWhatAConstructorHasAllocatedBeforeItThrows)
 {
-    HSMAlloc arena;
-    arena.Reserve(1024);
+    Arena arena(1024);
     constructorArena = &arena;
 
     EXPECT_THROW(arena.New<ThrowingMaker>(), int);
@@ -352,8 +344,7 @@ TEST(HSMAlloc, KeepsWhatAConstructorHasAllocatedBeforeItThrows)
 
 TEST(HSMAlloc, FreesTheHeapMemoryOfAllThatAConstructorHasAllocated)
 {
-    HSMAlloc arena;
-    arena.Reserve(1024);
+    Arena arena(1024);
     constructorArena = &arena;
     arena.New<Maker>();
     HeapWatch heap;
@@ -366,8 +357,7 @@ TEST(HSMAlloc, FreesTheHeapMemoryOfAllThatAConstructorHasAllocated)
 
 TEST(HSMAlloc, FreesOnlyWhatIsThereAfterAConstructorHasThrown)
 {
-    HSMAlloc arena;
-    arena.Reserve(1024);
+    Arena arena(1024);
     constructorArena = &arena;
     EXPECT_THROW(arena.New<ThrowingMaker>(), int);
     EXPECT_THROW(arena.New<ThrowingHolder>(), int);
@@ -381,8 +371,7 @@ TEST(HSMAlloc, FreesOnlyWhatIsThereAfterAConstructorHasThrown)
 
 TEST(HSMAlloc, HandsTheRoomOfAnObjectThatWasNotBuiltOutAgain)
 {
-    HSMAlloc arena;
-    arena.Reserve(sizeof(Holder));
+    Arena arena(sizeof(Holder));
 
     EXPECT_THROW(arena.New<ThrowingHolder>(), int);
 
@@ -398,8 +387,7 @@ TEST(HSMAlloc, AlignsAnObjectThatAsksForMoreThanEight)
     };
     for (const unsigned int before : {1u, 8u, 15u, 16u, 17u})
     {
-        HSMAlloc arena;
-        arena.Reserve(1024);
+        Arena arena(1024);
         arena.AllocRaw(before);
         EXPECT_TRUE(isAligned(arena.New<Aligned<16>>(), 16)) << before;
         arena.AllocRaw(before);
@@ -411,8 +399,7 @@ TEST(HSMAlloc, AlignsAnObjectThatAsksForMoreThanEight)
 
 TEST(HSMAlloc, LeavesNoMoreInFrontOfAnAlignedObjectThanItNeeds)
 {
-    HSMAlloc arena;
-    arena.Reserve(64);
+    Arena arena(64);
     ASSERT_EQ(reinterpret_cast<std::uintptr_t>(arena.block) % 16, 0u);
     arena.New<Small>();
 
@@ -444,8 +431,7 @@ TEST(HSMAlloc, PlacesAnAlignedObjectThatEndsExactlyAtItsEndAndNoneBeyond)
 
 TEST(HSMAlloc, HandsOutZeroedBytes)
 {
-    HSMAlloc arena;
-    arena.Reserve(64);
+    Arena arena(64);
     std::memset(arena.block, 0xff, 64);
 
     void* bytes = arena.AllocRaw(16);
@@ -457,33 +443,9 @@ TEST(HSMAlloc, HandsOutZeroedBytes)
     EXPECT_TRUE(arena.tracked.empty());
 }
 
-TEST(HSMAlloc, HandsOutNothingForASizeOfZero)
-{
-    HSMAlloc arena;
-    arena.Reserve(64);
-
-    EXPECT_EQ(arena.AllocRaw(0), nullptr);
-    EXPECT_EQ(arena.used, 0u);
-}
-
-TEST(HSMAlloc, FillsUpToItsVeryEndByRawBytes)
-{
-    HSMAlloc arena;
-    arena.Reserve(24);
-    arena.AllocRaw(8);
-
-    void* rest = arena.AllocRaw(arena.capacity - arena.used);
-
-    EXPECT_NE(rest, nullptr);
-    EXPECT_EQ(arena.used, arena.capacity);
-    EXPECT_EQ(arena.AllocRaw(1), nullptr);
-    EXPECT_EQ(arena.New<Small>(), nullptr);
-}
-
 TEST(HSMAlloc, PlacesAnObjectThatEndsExactlyAtItsEnd)
 {
-    HSMAlloc arena;
-    arena.Reserve(24);
+    Arena arena(24);
 
     EXPECT_NE(arena.New<Large>(), nullptr);
     EXPECT_EQ(arena.used, 24u);
@@ -491,8 +453,7 @@ TEST(HSMAlloc, PlacesAnObjectThatEndsExactlyAtItsEnd)
 
 TEST(HSMAlloc, RefusesAnObjectThatIsOneByteTooLarge)
 {
-    HSMAlloc arena;
-    arena.Reserve(15);
+    Arena arena(15);
     arena.New<Small>();
     Small::constructed = 0;
 
@@ -503,42 +464,48 @@ TEST(HSMAlloc, RefusesAnObjectThatIsOneByteTooLarge)
     EXPECT_EQ(arena.tracked.size(), 1u);
 }
 
-TEST(HSMAlloc, RefusesRawBytesThatAreOneTooMany)
+TEST(HSMAlloc, HandsOutRawBytesUpToItsEnd)
 {
-    HSMAlloc arena;
-    arena.Reserve(16);
-    arena.AllocRaw(8);
+    const struct
+    {
+        const char* what;
+        unsigned int capacity;
+        unsigned int used;
+        unsigned int size;
+        bool isHandedOut;
+    } cases[] = {{"all that is left", 24, 8, 16, true},
+                 {"one byte too many", 16, 8, 9, false},
+                 {"a byte of a block that is full", 8, 8, 1, false},
+                 {"a byte of a block of no bytes", 0, 0, 1, false},
+                 {"nothing", 64, 0, 0, false},
+                 {"a size that wraps the 32 bits", 64, 16, UINT_MAX, false},
+                 {"a size that wraps them to the start", 64, 16, UINT_MAX - 8, false}};
+    for (const auto& example : cases)
+    {
+        SCOPED_TRACE(example.what);
+        Arena arena(example.capacity);
+        arena.AllocRaw(example.used);
 
-    EXPECT_EQ(arena.AllocRaw(9), nullptr);
-    EXPECT_EQ(arena.used, 8u);
+        EXPECT_EQ(arena.AllocRaw(example.size) != nullptr, example.isHandedOut);
+
+        EXPECT_EQ(arena.used, example.used + (example.isHandedOut ? example.size : 0));
+    }
 }
 
-TEST(HSMAlloc, RefusesASizeThatWrapsThe32Bits)
+TEST(HSMAlloc, HandsOutNoObjectWhenItIsFull)
 {
-    HSMAlloc arena;
-    arena.Reserve(64);
-    arena.AllocRaw(16);
+    for (const unsigned int capacity : {0u, 8u})
+    {
+        Arena arena(capacity);
+        arena.AllocRaw(capacity);
 
-    EXPECT_EQ(arena.AllocRaw(UINT_MAX), nullptr);
-    EXPECT_EQ(arena.AllocRaw(UINT_MAX - 8), nullptr);
-    EXPECT_EQ(arena.used, 16u);
-}
-
-TEST(HSMAlloc, HasNoRoomInABlockOfNoBytes)
-{
-    HSMAlloc arena;
-
-    arena.Reserve(0);
-
-    EXPECT_EQ(arena.capacity, 0u);
-    EXPECT_EQ(arena.New<Small>(), nullptr);
-    EXPECT_EQ(arena.AllocRaw(1), nullptr);
+        EXPECT_EQ(arena.New<Small>(), nullptr) << capacity;
+    }
 }
 
 TEST(HSMAlloc, ReleaseFreesTheBlockAndKeepsTheRecord)
 {
-    HSMAlloc arena;
-    arena.Reserve(64);
+    Arena arena(64);
     void* object = arena.New<Small>();
     Small::destroyed = 0;
 
@@ -566,8 +533,7 @@ TEST(HSMAlloc, MayBeReleasedRepeatedly)
 
 TEST(HSMAlloc, KeepsTheOldSizeOnRecordForANewObjectAtAnOldAddress)
 {
-    HSMAlloc arena;
-    arena.Reserve(64);
+    Arena arena(64);
     // The same block stands in for one that comes back at the address of the last.
     void* first = arena.New<Small>();
     arena.used = 0;
@@ -583,8 +549,7 @@ TEST(HSMAlloc, DestructionRunsNoDestructorOfAnObject)
 {
     Small::destroyed = 0;
     {
-        HSMAlloc arena;
-        arena.Reserve(64);
+        Arena arena(64);
         arena.New<Small>();
     }
 
@@ -593,8 +558,7 @@ TEST(HSMAlloc, DestructionRunsNoDestructorOfAnObject)
 
 TEST(HSMAlloc, GivesBackTheHeapMemoryOfItsObjectsWhenReleased)
 {
-    HSMAlloc arena;
-    arena.Reserve(1024);
+    Arena arena(1024);
     arena.New<Holder>();
     HeapWatch heap;
 
@@ -606,8 +570,7 @@ TEST(HSMAlloc, GivesBackTheHeapMemoryOfItsObjectsWhenReleased)
 
 TEST(HSMAlloc, TakesNoOperationOfAHostsClassForItsOwn)
 {
-    HSMAlloc arena;
-    arena.Reserve(1024);
+    Arena arena(1024);
     const Namesake* object = arena.New<Namesake>();
     HeapWatch heap;
     EXPECT_EQ(object->called, 0);
@@ -627,8 +590,7 @@ TEST(HSMAlloc, LeavesAnObjectAloneThatWasDestroyedByHand)
     int table = 0;
     HeapWatch heap;
     {
-        HSMAlloc arena;
-        arena.Reserve(1024);
+        Arena arena(1024);
         arena.New<Holder>();
         Holder* destroyed = arena.New<Holder>();
         arena.New<Holder>();
@@ -647,8 +609,7 @@ TEST(HSMAlloc, LeavesAnObjectAloneThatWasDestroyedByHand)
 
 TEST(HSMAlloc, ForgetsNothingAboutTheSourceOfACopyThatIsDestroyed)
 {
-    HSMAlloc arena;
-    arena.Reserve(1024);
+    Arena arena(1024);
     const Holder* source = arena.New<Holder>();
     {
         Holder copy = *source;
@@ -667,8 +628,7 @@ TEST(HSMAlloc, ClosesTheTablesOfItsObjectsAtItsEndAndNotBefore)
 {
     Tessel::KVTable table;
     {
-        HSMAlloc arena;
-        arena.Reserve(1024);
+        Arena arena(1024);
         table = arena.New<Holder>()->table;
         table->SetInt("key", 5, 1);
 
