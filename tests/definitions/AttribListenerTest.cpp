@@ -5,11 +5,11 @@
 #include "definitions/AttribDefs.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
+#include "tests/support/TreeValues.h"
 #include "tests/support/WriteCounter.h"
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 
 namespace vell::test
@@ -64,9 +64,22 @@ void ExpectWrittenAndRead(const ValueType& value, int treeType)
     attrib.SetValue(value);
 
     EXPECT_EQ(attrib.ValueType(), treeType);
+    EXPECT_TRUE(AreEqual(InTree<ValueType>(attrib.Table()), value));
     EXPECT_EQ(attrib.GetValue(&read), 1);
-    EXPECT_EQ(std::memcmp(&read, &value, sizeof(value)), 0);
+    EXPECT_TRUE(AreEqual(read, value));
     EXPECT_EQ(attrib.GetValue(static_cast<ValueType*>(nullptr)), 0);
+}
+
+/// Expects that an attribute takes `value` when a tool writes it.
+template <class Class, class ValueType>
+void ExpectTaken(const ValueType& value)
+{
+    Listening<Class> attrib;
+
+    WriteByTool(attrib.Table(), value);
+
+    EXPECT_TRUE(AreEqual<ValueType>(attrib.value, value));
+    EXPECT_EQ(attrib.syncState, 0);
 }
 
 } // namespace
@@ -225,7 +238,7 @@ TEST(AttribBase, StopsListeningWheneverItHasAHandle)
     EXPECT_EQ(log.Take(), Lines{});
 }
 
-TEST(AttribValues, AreReadBackInTheirTypeButNotIntoNull)
+TEST(AttribValues, AreWrittenToTheTreeAndReadBackInTheirTypeButNotIntoNull)
 {
     ExpectWrittenAndRead<AttribDefInteger>(-3, Tessel::ValueType_Int);
     ExpectWrittenAndRead<AttribDefFloat>(0.5f, Tessel::ValueType_Float);
@@ -234,37 +247,16 @@ TEST(AttribValues, AreReadBackInTheirTypeButNotIntoNull)
     ExpectWrittenAndRead<AttribDefFloat4>(Float4{1, 2, 3, 4}, Tessel::ValueType_Float4);
 }
 
-TEST(AttribValues, AreWrittenToTheTable)
+TEST(AttribValues, OfABoolAndATextAreWrittenToTheTreeAsAnIntAndAText)
 {
     Listening<AttribDefBool> flag;
-    Listening<AttribDefInteger> number;
-    Listening<AttribDefFloat> real;
-    Listening<AttribDefFloat2> two;
-    Listening<AttribDefFloat3> three;
-    Listening<AttribDefFloat4> four;
     Listening<AttribDefString> text;
 
     flag.SetValue(true);
-    number.SetValue(-3);
-    real.SetValue(0.5f);
-    two.SetValue(Float2{1, 2});
-    three.SetValue(Float3{1, 2, 3});
-    four.SetValue(Float4{1, 2, 3, 4});
     text.SetValue("words");
 
-    Float2 two2{};
-    Float3 three3{};
-    Float4 four4{};
     EXPECT_EQ(flag.Table()->GetInt("value"), 1);
     EXPECT_EQ(flag.ValueType(), Tessel::ValueType_Int);
-    EXPECT_EQ(number.Table()->GetInt("value"), -3);
-    EXPECT_EQ(real.Table()->GetFloat("value"), 0.5f);
-    EXPECT_EQ(two.Table()->GetFloat2("value", &two2), 1);
-    EXPECT_EQ(two2.y, 2.0f);
-    EXPECT_EQ(three.Table()->GetFloat3("value", &three3), 1);
-    EXPECT_EQ(three3.z, 3.0f);
-    EXPECT_EQ(four.Table()->GetFloat4("value", &four4), 1);
-    EXPECT_EQ(four4.w, 4.0f);
     EXPECT_STREQ(text.Table()->GetString("value"), "words");
     EXPECT_EQ(text.ValueType(), Tessel::ValueType_Text);
 }
@@ -381,25 +373,10 @@ TEST(AttribValues, AreStoredButNotWrittenWhileTheAttributeWrites)
 
 TEST(AttribListener, TakesANumberAndVectorsOfTwoAndThreeFloatsOfATool)
 {
-    Listening<AttribDefInteger> number;
-    Listening<AttribDefFloat> real;
-    Listening<AttribDefFloat2> two;
-    Listening<AttribDefFloat3> three;
-    const Float2 twoFloats{1, 2};
-    const Float3 threeFloats{1, 2, 3};
-
-    number.Table()->SetInt("value", -9, 1);
-    real.Table()->SetFloat("value", 2.5f, 1);
-    two.Table()->SetFloat2("value", &twoFloats, 1);
-    three.Table()->SetFloat3("value", &threeFloats, 1);
-
-    EXPECT_EQ(number.value, -9);
-    EXPECT_EQ(number.syncState, 0);
-    EXPECT_EQ(real.value, 2.5f);
-    EXPECT_EQ(two.value.x, 1.0f);
-    EXPECT_EQ(two.value.y, 2.0f);
-    EXPECT_EQ(three.value.x, 1.0f);
-    EXPECT_EQ(three.value.z, 3.0f);
+    ExpectTaken<AttribDefInteger>(-9);
+    ExpectTaken<AttribDefFloat>(2.5f);
+    ExpectTaken<AttribDefFloat2>(Float2{1, 2});
+    ExpectTaken<AttribDefFloat3>(Float3{1, 2, 3});
 }
 
 TEST(AttribListener, TakesAnUnsignedOfAToolAndWritesItBackAsAnInt)
@@ -560,14 +537,10 @@ TEST(AttribListener, SurvivesATableThatIsNullAndAKeyThatIsNotThere)
 TEST(AttribListener, CarriesAWriteInTheTreeToTheCurrentState)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10).Node(
+    StartedMachine machine(DocumentBuilder().Start(10).Node(
         Generic("Stand", 10)
             .Set(JSON_Attributes, Json::Array({Attribute("weight", "double", 1.0),
-                                               Attribute("label", "QString", "old")})));
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+                                               Attribute("label", "QString", "old")}))));
     const Tessel::KVTable tables =
         machine.kvTable->GetTable("nodeDefTable")->GetTable("10")->GetTable("attribs");
 
@@ -587,12 +560,8 @@ TEST(AttribListener, CarriesAWriteInTheTreeToTheCurrentState)
 TEST(AttribListener, AsksNothingOfAnAttributeThatDoesNotExist)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Start(10).Node(
-        Generic("Stand", 10).Set(JSON_Attributes, Json::Array({Attribute("flag", "bool", true)})));
-    TestMachine machine(document);
-    ASSERT_EQ(machine.Init(), 1);
-    machine.Start();
+    StartedMachine machine(DocumentBuilder().Start(10).Node(
+        Generic("Stand", 10).Set(JSON_Attributes, Json::Array({Attribute("flag", "bool", true)}))));
     log.Clear();
     int value = 5;
     bool flag = false;
