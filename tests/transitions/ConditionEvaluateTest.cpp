@@ -47,38 +47,18 @@ public:
     }
 };
 
-/// An integer condition of any operator number.
-class IntegerTest
+/// A condition on a number, of any operator number.
+template <class Class, class Parameter, class Value, int kType>
+class NumberTest
 {
 public:
-    IntegerTest(int evaluation, int target) : bound(IntCondition("x", 1, target), parameter)
-    {
-        bound->evaluation = evaluation;
-    }
-
-    bool Holds(int value)
-    {
-        parameter.SetValue(value);
-        return bound.Holds();
-    }
-
-private:
-    LogRecorder log;
-    ParameterIntegerDef parameter;
-    Bound<ConditionDefInteger> bound;
-};
-
-/// A float condition of any operator number.
-class FloatTest
-{
-public:
-    FloatTest(int evaluation, float target) : bound(FloatCondition("x", 1, 0.0), parameter)
+    NumberTest(int evaluation, Value target) : bound(Condition(kType, "x", 1, 0), parameter)
     {
         bound->evaluation = evaluation;
         bound->target = target;
     }
 
-    bool Holds(float value)
+    bool Holds(Value value)
     {
         parameter.SetValue(value);
         return bound.Holds();
@@ -86,9 +66,12 @@ public:
 
 private:
     LogRecorder log;
-    ParameterFloatDef parameter;
-    Bound<ConditionFloatDef> bound;
+    Parameter parameter;
+    Bound<Class> bound;
 };
+
+using IntegerTest = NumberTest<ConditionDefInteger, ParameterIntegerDef, int, PARAM_Integer>;
+using FloatTest = NumberTest<ConditionFloatDef, ParameterFloatDef, float, PARAM_Float>;
 
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
@@ -201,15 +184,34 @@ TEST(FloatCondition, NeverHoldsByAnyOtherOperator)
     }
 }
 
-TEST(FloatCondition, IsEqualWithinAToleranceThatDoesNotBelongToIt)
+TEST(FloatCondition, ComparesWithAToleranceByEqualAlone)
 {
-    EXPECT_TRUE(FloatTest(1, 1.0f).Holds(1.005f));
-    EXPECT_TRUE(FloatTest(1, 1.0f).Holds(0.995f));
-    EXPECT_FALSE(FloatTest(1, 0.0f).Holds(0.01f)) << "the difference is the constant";
-    EXPECT_FALSE(FloatTest(1, 0.0f).Holds(-0.01f));
-    EXPECT_TRUE(FloatTest(1, 0.0f).Holds(std::nextafter(0.01f, 0.0f)));
-    EXPECT_TRUE(FloatTest(1, 1.0f).Holds(1.01f)) << "just short of the constant";
-    EXPECT_FALSE(FloatTest(1, 1.0f).Holds(1.02f));
+    const float above = std::nextafter(1.0f, 2.0f);
+    const float below = std::nextafter(1.0f, 0.0f);
+    const struct
+    {
+        const char* what;
+        float value;
+        int evaluation;
+        float target;
+        bool holds;
+    } cases[] = {{"equal, a little above", 1.005f, 1, 1.0f, true},
+                 {"equal, a little below", 0.995f, 1, 1.0f, true},
+                 {"equal, just short of the constant", 1.01f, 1, 1.0f, true},
+                 {"equal, beyond the constant", 1.02f, 1, 1.0f, false},
+                 {"equal, less than the constant", std::nextafter(0.01f, 0.0f), 1, 0.0f, true},
+                 {"equal, the constant itself", 0.01f, 1, 0.0f, false},
+                 {"equal, the constant itself below", -0.01f, 1, 0.0f, false},
+                 {"not equal, the next number", above, 2, 1.0f, true},
+                 {"greater", above, 3, 1.0f, true},
+                 {"greater or equal", below, 4, 1.0f, false},
+                 {"less", below, 5, 1.0f, true},
+                 {"less or equal", above, 6, 1.0f, false}};
+    for (const auto& example : cases)
+    {
+        EXPECT_EQ(FloatTest(example.evaluation, example.target).Holds(example.value), example.holds)
+            << example.what;
+    }
 }
 
 TEST(FloatCondition, IsEqualAndNotEqualForAValueCloseToItsTarget)
@@ -219,16 +221,11 @@ TEST(FloatCondition, IsEqualAndNotEqualForAValueCloseToItsTarget)
     EXPECT_FALSE(FloatTest(2, 1.0f).Holds(1.0f));
 }
 
-TEST(FloatCondition, ComparesWithoutAToleranceByTheOtherOperators)
+TEST(FloatCondition, DoesNotFindEqualInfinitiesEqual)
 {
-    const float above = std::nextafter(1.0f, 2.0f);
-    const float below = std::nextafter(1.0f, 0.0f);
-
-    EXPECT_TRUE(FloatTest(2, 1.0f).Holds(above));
-    EXPECT_TRUE(FloatTest(3, 1.0f).Holds(above));
-    EXPECT_FALSE(FloatTest(4, 1.0f).Holds(below));
-    EXPECT_TRUE(FloatTest(5, 1.0f).Holds(below));
-    EXPECT_FALSE(FloatTest(6, 1.0f).Holds(above));
+    EXPECT_FALSE(FloatTest(1, kInfinity).Holds(kInfinity)) << "their difference is no number";
+    EXPECT_FALSE(FloatTest(2, kInfinity).Holds(kInfinity));
+    EXPECT_TRUE(FloatTest(4, kInfinity).Holds(kInfinity));
 }
 
 TEST(FloatCondition, HoldsForNaNByNotEqualAlone)
@@ -239,13 +236,6 @@ TEST(FloatCondition, HoldsForNaNByNotEqualAlone)
         EXPECT_EQ(FloatTest(evaluation, kNaN).Holds(0.0f), evaluation == 2) << evaluation;
         EXPECT_EQ(FloatTest(evaluation, kNaN).Holds(kNaN), evaluation == 2) << evaluation;
     }
-}
-
-TEST(FloatCondition, DoesNotFindEqualInfinitiesEqual)
-{
-    EXPECT_FALSE(FloatTest(1, kInfinity).Holds(kInfinity)) << "their difference is no number";
-    EXPECT_FALSE(FloatTest(2, kInfinity).Holds(kInfinity));
-    EXPECT_TRUE(FloatTest(4, kInfinity).Holds(kInfinity));
 }
 
 TEST(FloatCondition, HoldsWithinARangeWhoseBoundsBelongToIt)

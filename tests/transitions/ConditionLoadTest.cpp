@@ -199,19 +199,38 @@ TEST(ConditionLoad, RunsFailingCommonMembersFourTimes)
     }
 }
 
-TEST(ConditionLoad, FailsWithoutTheTextOfAnOperator)
+TEST(ConditionLoad, FailsWithoutAnOperatorAParameterOrAnArrayThatBeginsWithAnObject)
 {
-    for (Example& example : Examples())
+    using Member = DURMBaseLib::__JSONTYPES__;
+    const struct
     {
-        LogRecorder log;
-        Attempt missing(JsonObject(example.json).Remove(JSON_ConditionEvaluation));
-        Attempt number(JsonObject(example.json).Set(JSON_ConditionEvaluation, 3));
+        const char* what;
+        Member member;
+        Json value; ///< null leaves the member out
+        Lines line; ///< of the common members, which are then read twice
+    } cases[] = {
+        {"no operator", JSON_ConditionEvaluation, Json::Null(), {ErrorBreak(kBaseInit, "")}},
+        {"an operator that is a number", JSON_ConditionEvaluation, 3, {ErrorBreak(kBaseInit, "")}},
+        {"no parameter", JSON_ConditionParameter, Json::Null(), {ErrorBreak(kBaseInit)}},
+        {"the parameter 0", JSON_ConditionParameter, 0, {ErrorBreak(kBaseInit)}},
+        {"no value", JSON_ConditionValue, Json::Null(), {}},
+        {"a value that is a number", JSON_ConditionValue, 3, {}},
+        {"a value of no elements", JSON_ConditionValue, Json::Raw("[]"), {}},
+        {"a value of a number", JSON_ConditionValue, Json::Raw("[3]"), {}}};
+    for (const auto& bad : cases)
+    {
+        for (const Example& example : Examples())
+        {
+            SCOPED_TRACE(bad.what + (" for " + example.init));
+            LogRecorder log;
+            JsonObject json = example.json;
+            bad.value.Text() == "null" ? json.Remove(bad.member) : json.Set(bad.member, bad.value);
+            Attempt attempt(json);
 
-        EXPECT_EQ(missing.result, 0);
-        EXPECT_EQ(number.result, 0);
-        const Lines failed =
-            Twice(Read() + Lines{ErrorBreak(kBaseInit, "")}) + Lines{ErrorBreak(example.init)};
-        EXPECT_EQ(log.Take(), Twice(failed)) << example.init;
+            EXPECT_EQ(attempt.result, 0);
+            EXPECT_EQ(log.Take(), (bad.line.empty() ? Read() : Twice(Read() + bad.line)) +
+                                      Lines{ErrorBreak(example.init)});
+        }
     }
 }
 
@@ -227,41 +246,6 @@ TEST(ConditionLoad, TakesAnUnknownOperatorThatThenNeverHolds)
     EXPECT_EQ(built->evaluation, GetEvaluationEnum("approximately"));
     EXPECT_FALSE(built->Evaluate(nullptr));
     EXPECT_EQ(log.Take(), Read());
-}
-
-TEST(ConditionLoad, FailsWithoutAParameterId)
-{
-    for (Example& example : Examples())
-    {
-        LogRecorder log;
-        Attempt missing(JsonObject(example.json).Remove(JSON_ConditionParameter));
-        Attempt zero(JsonObject(example.json).Set(JSON_ConditionParameter, 0));
-
-        EXPECT_EQ(missing.result, 0);
-        EXPECT_EQ(zero.result, 0);
-        const Lines failed =
-            Twice(Read() + Lines{ErrorBreak(kBaseInit)}) + Lines{ErrorBreak(example.init)};
-        EXPECT_EQ(log.Take(), Twice(failed)) << example.init;
-    }
-}
-
-TEST(ConditionLoad, FailsWithoutAnArrayThatBeginsWithAnObject)
-{
-    for (Example& example : Examples())
-    {
-        LogRecorder log;
-        Attempt missing(JsonObject(example.json).Remove(JSON_ConditionValue));
-        Attempt number(JsonObject(example.json).Set(JSON_ConditionValue, 3));
-        Attempt empty(JsonObject(example.json).Set(JSON_ConditionValue, Json::Raw("[]")));
-        Attempt noObject(JsonObject(example.json).Set(JSON_ConditionValue, Json::Raw("[3]")));
-
-        for (const Attempt* attempt : {&missing, &number, &empty, &noObject})
-        {
-            EXPECT_EQ(attempt->result, 0) << example.init;
-        }
-        EXPECT_EQ(log.Take(), Twice(Twice(Read() + Lines{ErrorBreak(example.init)})))
-            << example.init;
-    }
 }
 
 TEST(ConditionLoad, ReadsTheFirstElementAlone)
