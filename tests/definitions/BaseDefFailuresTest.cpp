@@ -52,14 +52,6 @@ TEST(BaseDefFailures, AnInitWithoutAnArenaMakesTheTableAndReadsNothing)
     EXPECT_TRUE(def.GetKVTable()->GetTable("attribs"));
 }
 
-TEST(BaseDefFailures, ANodeThatIsNoObjectIsRefusedAfterTheTableWasMade)
-{
-    const InitAttempt array(Json::Raw("[]"));
-    EXPECT_EQ(array.result, 0);
-    EXPECT_EQ(array.lines, (Lines{ErrorBreak(kInit), FailedDef("")}));
-    EXPECT_TRUE(array.def.GetKVTable());
-}
-
 TEST(BaseDefFailures, TheLineShowsTheNameThatStoodBefore)
 {
     LogRecorder log;
@@ -72,78 +64,58 @@ TEST(BaseDefFailures, TheLineShowsTheNameThatStoodBefore)
     EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kInit), FailedDef("Old")}));
 }
 
-TEST(BaseDefFailures, AScriptNameAByteTooLongForTheArenaIsAFailure)
+TEST(BaseDefFailures, LeaveALineTheTableAndWhatWasReadBefore)
 {
-    const Json node = Walk().Set(JSON_ScriptName, "run").Set(JSON_Children, Json::Array({1}));
+    const JsonObject script = Walk().Set(JSON_ScriptName, "run");
+    const Json children = Json::Array({7, 8, 9});
+    const Ids none;
+    const Ids zeros{0, 0, 0};
+    const Ids seven{7, 0, 0};
+    const Ids sevenOfTwo{7, 0};
+    const struct
+    {
+        const char* what;
+        Json node;
+        unsigned int room;
+        std::string line;
+        const char* name;
+        Ids children;
+    } cases[] = {
+        {"no object", Json::Raw("[]"), 4096, ErrorBreak(kInit), "", none},
+        {"a script name that is no text", Walk().Set(JSON_ScriptName, 5), 4096,
+         ErrorBreak(kInit, ""), "Walk", none},
+        {"a script name without a block", script, 0, ErrorBreak(kInit, ""), "Walk", none},
+        {"a script name a byte too long", JsonObject(script).Set(JSON_Children, children), 4,
+         ErrorBreak(kInit, ""), "Walk", none},
+        {"children that are no array", JsonObject(script).Set(JSON_Children, 5), 4096,
+         ErrorBreak(kInit), "Walk", none},
+        {"children a byte too long, whose count stays", Walk().Set(JSON_Children, children), 11,
+         ErrorBreak(kInit), "Walk", zeros},
+        {"a child of the id zero, which ends the reading",
+         Walk().Set(JSON_Children, Json::Array({7, 0, 9})), 4096, ErrorGoto(kInit), "Walk", seven},
+        {"a child that is no number", Walk().Set(JSON_Children, Json::Array({Json(7), Json("8")})),
+         4096, ErrorGoto(kInit), "Walk", sevenOfTwo}};
+    for (const auto& example : cases)
+    {
+        SCOPED_TRACE(example.what);
+        const InitAttempt failed(example.node, example.room);
 
-    const InitAttempt tooSmall(node, 4);
+        EXPECT_EQ(failed.result, 0);
+        EXPECT_EQ(failed.lines, (Lines{example.line, FailedDef(example.name)}));
+        EXPECT_TRUE(failed.def.GetKVTable());
+        EXPECT_EQ(ChildIds(failed.def), example.children);
+    }
+    EXPECT_EQ(InitAttempt(Walk().Set(JSON_Children, children), 12).result, 1);
+}
 
-    EXPECT_EQ(tooSmall.result, 0);
-    EXPECT_EQ(tooSmall.lines, (Lines{ErrorBreak(kInit, ""), FailedDef("Walk")}));
+TEST(BaseDefFailures, LeaveTheScriptNameThatFitted)
+{
+    EXPECT_STREQ(
+        InitAttempt(Walk().Set(JSON_ScriptName, "run").Set(JSON_Children, 5)).def.scriptName,
+        "run");
+    const InitAttempt tooSmall(Walk().Set(JSON_ScriptName, "run"), 4);
     EXPECT_EQ(tooSmall.def.scriptName, nullptr);
-    EXPECT_EQ(tooSmall.def.GetNumChildren(), 0u);
     EXPECT_EQ(tooSmall.alloc.used, 0u);
-}
-
-TEST(BaseDefFailures, AScriptNameNeedsABlock)
-{
-    LogRecorder log;
-    HSMAlloc alloc;
-    const ParsedJson node(Walk().Set(JSON_ScriptName, "run"));
-    OpenDef def;
-
-    EXPECT_EQ(def.Init(*node, &alloc), 0);
-
-    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kInit, ""), FailedDef("Walk")}));
-}
-
-TEST(BaseDefFailures, AScriptNameThatIsNoTextIsAFailure)
-{
-    const InitAttempt number(Walk().Set(JSON_ScriptName, 5));
-
-    EXPECT_EQ(number.result, 0);
-    EXPECT_EQ(number.lines, (Lines{ErrorBreak(kInit, ""), FailedDef("Walk")}));
-}
-
-TEST(BaseDefFailures, ChildrenThatAreNoArrayAreAFailure)
-{
-    const InitAttempt number(Walk().Set(JSON_ScriptName, "run").Set(JSON_Children, 5));
-
-    EXPECT_EQ(number.result, 0);
-    EXPECT_EQ(number.lines, (Lines{ErrorBreak(kInit), FailedDef("Walk")}));
-    EXPECT_STREQ(number.def.scriptName, "run");
-    EXPECT_EQ(number.def.GetNumChildren(), 0u);
-}
-
-TEST(BaseDefFailures, AnArrayOfChildrenAByteTooLongForTheArenaIsAFailure)
-{
-    const Json node = Walk().Set(JSON_Children, Json::Array({7, 8, 9}));
-    ASSERT_EQ(InitAttempt(node, 12).result, 1);
-
-    const InitAttempt tooSmall(node, 11);
-
-    EXPECT_EQ(tooSmall.result, 0);
-    EXPECT_EQ(tooSmall.lines, (Lines{ErrorBreak(kInit), FailedDef("Walk")}));
-    EXPECT_EQ(tooSmall.def.childIds, nullptr);
-    EXPECT_EQ(tooSmall.def.GetNumChildren(), 3u);
-    EXPECT_EQ(ChildIds(tooSmall.def), (Ids{0, 0, 0})) << "the count stays";
-}
-
-TEST(BaseDefFailures, AChildIdOfZeroStopsAtTheSecondElement)
-{
-    const InitAttempt zero(Walk().Set(JSON_Children, Json::Array({7, 0, 9})));
-
-    EXPECT_EQ(zero.result, 0);
-    EXPECT_EQ(zero.lines, (Lines{ErrorGoto(kInit), FailedDef("Walk")}));
-    EXPECT_EQ(ChildIds(zero.def), (Ids{7, 0, 0}));
-}
-
-TEST(BaseDefFailures, AChildThatIsNoNumberCountsAsZero)
-{
-    const InitAttempt text(Walk().Set(JSON_Children, Json::Array({Json(7), Json("8")})));
-
-    EXPECT_EQ(text.result, 0);
-    EXPECT_EQ(text.lines, (Lines{ErrorGoto(kInit), FailedDef("Walk")}));
 }
 
 TEST(BaseDefFailures, NothingIsCleanedUpByTheBaseItself)

@@ -52,9 +52,14 @@ Lines Followed(Lines lines, const std::string& line)
     return lines;
 }
 
-std::string Characters(std::size_t count)
+/// Expects that `table` holds `text` under `key`, or nothing.
+void ExpectText(Tessel::KVTable table, const char* key, bool isThere, const std::string& text)
 {
-    return std::string(count, 'x');
+    ASSERT_EQ(table->FindValue(key) != nullptr, isThere) << key;
+    if (isThere)
+    {
+        EXPECT_EQ(table->GetString(key), text) << key;
+    }
 }
 
 JsonObject Files()
@@ -87,86 +92,64 @@ TEST_F(NodeDefTableHead, OfVersionTwoHasNoSubstateRoot)
 
     EXPECT_EQ(table->ImportHead(Parse(Head(2))), 1);
 
-    EXPECT_EQ(log.Take(), HeadLines("the guid", "the build", "0"));
     EXPECT_EQ(table->substateRootId, 0u);
     EXPECT_EQ(table->headValue84, 0u);
 }
 
-TEST_F(NodeDefTableHead, OfVersionOneHasNoIdentity)
+TEST_F(NodeDefTableHead, ShowsItsGuidAndItsBuildIdInTheLogAndInTheTree)
 {
-    Fill({Generic("a", 10)});
+    const std::string longest(69, 'x');
+    const std::string longestBuild = "b" + std::string(68, 'x');
+    const struct
+    {
+        const char* what;
+        Json head;
+        std::string guid;
+        std::string build;
+        bool isGuidInTree;
+        bool isBuildInTree;
+    } cases[] = {
+        {"both", Head(2), "the guid", "the build", true, true},
+        {"no version with an identity", Head(1), "", "", false, false},
+        {"no build id, for which the guid is taken", Head(2).Remove(JSON_HeadBuildID), "the guid",
+         "the guid", true, true},
+        {"a build id that is no text", Head(2).Set(JSON_HeadBuildID, 5), "the guid", "", true,
+         false},
+        {"neither", Head(2).Remove(JSON_GUID).Remove(JSON_HeadBuildID), "", "", false, false},
+        {"empty texts, of which the build id is written",
+         Head(2).Set(JSON_GUID, "").Set(JSON_HeadBuildID, ""), "", "", false, true},
+        {"69 characters", Head(2).Set(JSON_GUID, longest).Set(JSON_HeadBuildID, longestBuild),
+         longest, longestBuild, true, true}};
+    for (const auto& example : cases)
+    {
+        SCOPED_TRACE(example.what);
+        auto* own = alloc.New<NodeDefTable>();
+        own->Init(Parse(Json::Array({Generic("a", 10)})), &alloc);
+        log.Clear();
 
-    EXPECT_EQ(table->ImportHead(Parse(Head(1))), 1);
+        EXPECT_EQ(own->ImportHead(Parse(example.head)), 1);
 
-    EXPECT_EQ(log.Take(), HeadLines("", "", "0"));
-    EXPECT_STREQ(table->guid, "");
-    EXPECT_STREQ(table->buildId, "");
-    EXPECT_EQ(table->kvTable->FindValue("hsmID"), nullptr);
-    EXPECT_EQ(table->kvTable->FindValue("buildID"), nullptr);
-}
-
-TEST_F(NodeDefTableHead, ShowsItsGuidAsTheBuildIdThatIsMissing)
-{
-    Fill({Generic("a", 10)});
-
-    EXPECT_EQ(table->ImportHead(Parse(Head(2).Remove(JSON_HeadBuildID))), 1);
-
-    EXPECT_EQ(log.Take(), HeadLines("the guid", "the guid", "0"));
-    EXPECT_STREQ(table->buildId, "the guid");
-    EXPECT_STREQ(table->kvTable->GetString("buildID"), "the guid");
-}
-
-TEST_F(NodeDefTableHead, KeepsTextsOfSixtyNineCharacters)
-{
-    Fill({Generic("a", 10)});
-
-    table->ImportHead(
-        Parse(Head(2).Set(JSON_GUID, Characters(69)).Set(JSON_HeadBuildID, "b" + Characters(68))));
-
-    EXPECT_EQ(table->guid, Characters(69));
-    EXPECT_EQ(table->buildId, "b" + Characters(68));
+        EXPECT_EQ(log.Take(), HeadLines(example.guid, example.build, "0"));
+        EXPECT_EQ(own->guid, example.guid);
+        EXPECT_EQ(own->buildId, example.build);
+        ExpectText(own->kvTable, "hsmID", example.isGuidInTree, example.guid);
+        ExpectText(own->kvTable, "buildID", example.isBuildInTree, example.build);
+        own->Uninit();
+    }
 }
 
 TEST_F(NodeDefTableHead, DropsTextsOfSeventyCharactersWithoutAWord)
 {
+    const std::string tooLong(70, 'x');
     Fill({Generic("a", 10)});
 
-    EXPECT_EQ(table->ImportHead(Parse(
-                  Head(2).Set(JSON_GUID, Characters(70)).Set(JSON_HeadBuildID, Characters(70)))),
-              1);
+    EXPECT_EQ(
+        table->ImportHead(Parse(Head(2).Set(JSON_GUID, tooLong).Set(JSON_HeadBuildID, tooLong))),
+        1);
 
     EXPECT_EQ(log.Take(), HeadLines("", "", "0"));
     EXPECT_EQ(table->kvTable->FindValue("hsmID"), nullptr);
     EXPECT_EQ(table->kvTable->FindValue("buildID"), nullptr);
-}
-
-TEST_F(NodeDefTableHead, HasNoIdentityWithoutAGuid)
-{
-    Fill({Generic("a", 10)});
-
-    table->ImportHead(Parse(Head(2).Remove(JSON_GUID).Remove(JSON_HeadBuildID)));
-
-    EXPECT_EQ(log.Take(), HeadLines("", "", "0"));
-    EXPECT_EQ(table->kvTable->FindValue("buildID"), nullptr);
-}
-
-TEST_F(NodeDefTableHead, WritesAnEmptyBuildIdButNoEmptyGuid)
-{
-    Fill({Generic("a", 10)});
-
-    table->ImportHead(Parse(Head(2).Set(JSON_GUID, "").Set(JSON_HeadBuildID, "")));
-
-    EXPECT_EQ(table->kvTable->FindValue("hsmID"), nullptr);
-    EXPECT_STREQ(table->kvTable->GetString("buildID"), "");
-}
-
-TEST_F(NodeDefTableHead, TakesNoBuildIdFromAMemberThatIsNoText)
-{
-    Fill({Generic("a", 10)});
-
-    table->ImportHead(Parse(Head(2).Set(JSON_HeadBuildID, 5)));
-
-    EXPECT_EQ(log.Take(), HeadLines("the guid", "", "0"));
 }
 
 TEST_F(NodeDefTableHead, FillsItsFieldsAlsoWithoutATable)
@@ -277,35 +260,37 @@ TEST_F(NodeDefTableSkeleton, SucceedsWithoutAFileNameThatIsAByteTooLong)
     EXPECT_EQ(table->kvTable->GetKeyCount(), 0u);
 }
 
-TEST_F(NodeDefTableSkeleton, SucceedsWithoutFileNames)
+TEST_F(NodeDefTableSkeleton, SucceedsWithoutUsableFileNames)
 {
-    EXPECT_EQ(table->ImportSkel(Parse(JsonObject{}.Set(JSON_SkeletonValue89, 89)), &alloc), 1);
+    const auto files = [](const Json& name)
+    {
+        return Files().Set(JSON_ModelFileName, name).Set(JSON_SkeletonFileName, name);
+    };
+    const struct
+    {
+        JsonObject skeleton;
+        const char* shown;
+    } cases[] = {{JsonObject(), "0"}, {files(""), "0"}, {files(1), ""}};
+    for (const auto& [skeleton, shown] : cases)
+    {
+        SCOPED_TRACE(skeleton.Text());
+        EXPECT_EQ(
+            table->ImportSkel(Parse(JsonObject(skeleton).Set(JSON_SkeletonValue89, 89)), &alloc),
+            1);
 
-    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kModel), ErrorBreak(kSkeleton)}));
-    EXPECT_EQ(table->skelValue89, 89u);
+        EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kModel, shown), ErrorBreak(kSkeleton, shown)}));
+        EXPECT_EQ(table->skelValue89, 89u);
+    }
 }
 
-TEST_F(NodeDefTableSkeleton, SucceedsWithEmptyFileNames)
+TEST_F(NodeDefTableSkeleton, TakesNoRoomForEmptyFileNames)
 {
     const unsigned int before = alloc.used;
 
-    EXPECT_EQ(
-        table->ImportSkel(
-            Parse(JsonObject{}.Set(JSON_ModelFileName, "").Set(JSON_SkeletonFileName, "")), &alloc),
-        1);
+    table->ImportSkel(
+        Parse(JsonObject{}.Set(JSON_ModelFileName, "").Set(JSON_SkeletonFileName, "")), &alloc);
 
-    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kModel), ErrorBreak(kSkeleton)}));
     EXPECT_EQ(alloc.used, before);
-}
-
-TEST_F(NodeDefTableSkeleton, SucceedsWithFileNamesThatAreNoTexts)
-{
-    EXPECT_EQ(
-        table->ImportSkel(
-            Parse(JsonObject{}.Set(JSON_ModelFileName, 1).Set(JSON_SkeletonFileName, 2)), &alloc),
-        1);
-
-    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kModel, ""), ErrorBreak(kSkeleton, "")}));
 }
 
 TEST_F(NodeDefTableSkeleton, NeedsAnArenaAndAnObject)

@@ -10,13 +10,22 @@
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/TreeLines.h"
+#include "tests/support/TreeValues.h"
 
 #include <gtest/gtest.h>
+
+#include <string>
+#include <type_traits>
 
 namespace vell::test
 {
 namespace
 {
+
+using namespace std::string_literals;
+using Tessel::Float2;
+using Tessel::Float3;
+using Tessel::Float4;
 
 int CountWrite(void* count, Tessel::opResult, Tessel::KVTable, const char*)
 {
@@ -29,17 +38,9 @@ class HSMTreeWrite : public testing::Test
 protected:
     void SetUp() override
     {
-        ASSERT_EQ(machine.Init(), 1);
-        machine.Start();
         ASSERT_EQ(machine.MainStack(), "Idle");
         before = TreeLines(machine.GetKVTable());
         log.Clear();
-    }
-
-    /// The path below which a parameter lies.
-    static std::string ParameterPath(const std::string& name)
-    {
-        return "parameterTable/" + std::to_string(ParameterId(name));
     }
 
     /// The path below which an attribute of "Idle" lies.
@@ -79,131 +80,101 @@ protected:
         return changes;
     }
 
+    /// Expects that a tool's write of `written` into a parameter leaves it the value `expected` and
+    /// changes the tree from `shown` to `shownNow`.
+    template <class Def, class Written, class Value>
+    void ExpectParameter(const char* name, const Written& written, const Value& expected,
+                         const std::string& shown, const std::string& shownNow)
+    {
+        SCOPED_TRACE(name);
+        before = TreeLines(machine.GetKVTable());
+        WriteByTool(At(ParameterPath(name)), written);
+        EXPECT_TRUE(AreEqual<Value>(Parameter<Def>(name)->GetValue(), expected));
+        EXPECT_EQ(Changes(ParameterPath(name)), (Lines{"- value " + shown, "+ value " + shownNow}));
+    }
+
+    template <class Value>
+    Value AttributeValue(const char* name)
+    {
+        if constexpr (std::is_same_v<Value, std::string>)
+        {
+            const char* text = nullptr;
+            EXPECT_EQ(machine.GetAttributeValue(name, &text), 1);
+            return text;
+        }
+        else
+        {
+            Value value{};
+            // A bool attribute gives its value to the state alone.
+            if constexpr (std::is_same_v<Value, bool>)
+            {
+                EXPECT_EQ(machine.GetCurrentState()->GetAttrib(name, &value), 1);
+            }
+            else
+            {
+                EXPECT_EQ(Attrib(name)->GetValue(&value), 1);
+            }
+            return value;
+        }
+    }
+
+    /// The same for an attribute of "Idle".
+    template <class Written, class Value>
+    void ExpectAttribute(const char* name, const Written& written, const Value& expected,
+                         const std::string& shown, const std::string& shownNow)
+    {
+        SCOPED_TRACE(name);
+        before = TreeLines(machine.GetKVTable());
+        WriteByTool(At(AttributePath(name)), written);
+        EXPECT_TRUE(AreEqual(AttributeValue<Value>(name), expected));
+        EXPECT_EQ(Changes(AttributePath(name)), (Lines{"- value " + shown, "+ value " + shownNow}));
+    }
+
     LogRecorder log;
-    TestMachine machine{RichDocument()};
+    StartedMachine machine{RichDocument()};
     Lines before;
 };
 
 } // namespace
 
-TEST_F(HSMTreeWrite, SetsABoolParameter)
+TEST_F(HSMTreeWrite, OfItsOwnTypeSetsAParameter)
 {
-    At(ParameterPath("hit"))->SetInt("value", 1, 1);
-
-    EXPECT_TRUE(Parameter<ParameterBoolDef>("hit")->GetValue());
-    EXPECT_EQ(Changes(ParameterPath("hit")), (Lines{"- value int 0", "+ value int 1"}));
+    ExpectParameter<ParameterBoolDef>("hit", 1, true, "int 0", "int 1");
+    ExpectParameter<ParameterIntegerDef>("count", 12, 12, "int -3", "int 12");
+    ExpectParameter<ParameterFloatDef>("speed", 2.25f, 2.25f, "float 0.5", "float 2.25");
+    ExpectParameter<ParameterAnalogDef>("stick", Float2{6, 8}, Float2{6, 8}, "float2 3,4",
+                                        "float2 6,8");
+    ExpectParameter<ParameterFloat3Def>("aim", Float3{2, 3, 6}, Float3{2, 3, 6}, "float3 1,2,3",
+                                        "float3 2,3,6");
+    ExpectParameter<ParameterFloat4Def>("turn", Float4{1, 0, 0, 0}, Float4{1, 0, 0, 0},
+                                        "float4 0,0,0,1", "float4 1,0,0,0");
+    ExpectParameter<ParameterMessageDef>("shout", "stop"s, "stop"s, "text \"\"", "text \"stop\"");
+    EXPECT_EQ(Parameter<ParameterAnalogDef>("stick")->GetMagnitude(), 10.0f);
+    EXPECT_EQ(Parameter<ParameterFloat3Def>("aim")->GetMagnitude(), 7.0f);
 }
 
-TEST_F(HSMTreeWrite, OfAnyNumberButZeroSetsABoolParameterAndIsShownAsOne)
+TEST_F(HSMTreeWrite, OfAnotherTypeSetsAScalarParameterAndIsShownInItsOwn)
 {
-    At(ParameterPath("hit"))->SetUInt("value", 5, 1);
-
-    EXPECT_TRUE(Parameter<ParameterBoolDef>("hit")->GetValue());
-    EXPECT_EQ(Changes(ParameterPath("hit")), (Lines{"- value int 0", "+ value int 1"}));
+    ExpectParameter<ParameterBoolDef>("hit", 5u, true, "int 0", "int 1");
+    ExpectParameter<ParameterIntegerDef>("count", 7.9f, 7, "int -3", "int 7");
+    ExpectParameter<ParameterFloatDef>("speed", 2, 2.0f, "float 0.5", "float 2");
+    ExpectParameter<ParameterFloatDef>("speed", "9"s, 0.0f, "float 2", "float 0");
 }
 
 TEST_F(HSMTreeWrite, OfAnEqualBoolIsNotWrittenBack)
 {
     Parameter<ParameterBoolDef>("hit")->SetValue(true);
 
-    At(ParameterPath("hit"))->SetUInt("value", 5, 1);
-
-    EXPECT_TRUE(Parameter<ParameterBoolDef>("hit")->GetValue());
-    EXPECT_EQ(Changes(ParameterPath("hit")), (Lines{"- value int 0", "+ value uint 5"}));
-}
-
-TEST_F(HSMTreeWrite, SetsAnIntegerParameter)
-{
-    At(ParameterPath("count"))->SetInt("value", 12, 1);
-
-    EXPECT_EQ(Parameter<ParameterIntegerDef>("count")->GetValue(), 12);
-    EXPECT_EQ(Changes(ParameterPath("count")), (Lines{"- value int -3", "+ value int 12"}));
-}
-
-TEST_F(HSMTreeWrite, OfAFloatSetsAnIntegerParameterToItsWholePart)
-{
-    At(ParameterPath("count"))->SetFloat("value", 7.9f, 1);
-
-    EXPECT_EQ(Parameter<ParameterIntegerDef>("count")->GetValue(), 7);
-    EXPECT_EQ(Changes(ParameterPath("count")), (Lines{"- value int -3", "+ value int 7"}));
-}
-
-TEST_F(HSMTreeWrite, SetsAFloatParameter)
-{
-    At(ParameterPath("speed"))->SetFloat("value", 2.25f, 1);
-
-    EXPECT_FLOAT_EQ(Parameter<ParameterFloatDef>("speed")->GetValue(), 2.25f);
-    EXPECT_EQ(Changes(ParameterPath("speed")), (Lines{"- value float 0.5", "+ value float 2.25"}));
-}
-
-TEST_F(HSMTreeWrite, OfAnIntSetsAFloatParameterAndIsShownAsAFloat)
-{
-    At(ParameterPath("speed"))->SetInt("value", 2, 1);
-
-    EXPECT_FLOAT_EQ(Parameter<ParameterFloatDef>("speed")->GetValue(), 2.0f);
-    EXPECT_EQ(Changes(ParameterPath("speed")), (Lines{"- value float 0.5", "+ value float 2"}));
-}
-
-TEST_F(HSMTreeWrite, OfATextSetsANumberParameterToZero)
-{
-    At(ParameterPath("speed"))->SetString("value", "9", 1);
-
-    EXPECT_FLOAT_EQ(Parameter<ParameterFloatDef>("speed")->GetValue(), 0.0f);
-    EXPECT_EQ(Changes(ParameterPath("speed")), (Lines{"- value float 0.5", "+ value float 0"}));
-}
-
-TEST_F(HSMTreeWrite, SetsATwoFloatParameterWithItsMagnitude)
-{
-    const Tessel::Float2 value{6.0f, 8.0f};
-    At(ParameterPath("stick"))->SetFloat2("value", &value, 1);
-
-    EXPECT_FLOAT_EQ(Parameter<ParameterAnalogDef>("stick")->GetValue().x, 6.0f);
-    EXPECT_FLOAT_EQ(Parameter<ParameterAnalogDef>("stick")->GetMagnitude(), 10.0f);
-    EXPECT_EQ(Changes(ParameterPath("stick")), (Lines{"- value float2 3,4", "+ value float2 6,8"}));
-}
-
-TEST_F(HSMTreeWrite, SetsAThreeFloatParameterWithItsMagnitude)
-{
-    const Tessel::Float3 value{2.0f, 3.0f, 6.0f};
-    At(ParameterPath("aim"))->SetFloat3("value", &value, 1);
-
-    EXPECT_FLOAT_EQ(Parameter<ParameterFloat3Def>("aim")->GetValue().y, 3.0f);
-    EXPECT_FLOAT_EQ(Parameter<ParameterFloat3Def>("aim")->GetMagnitude(), 7.0f);
-    EXPECT_EQ(Changes(ParameterPath("aim")),
-              (Lines{"- value float3 1,2,3", "+ value float3 2,3,6"}));
-}
-
-TEST_F(HSMTreeWrite, SetsAFourFloatParameter)
-{
-    const Tessel::Float4 value{1.0f, 0.0f, 0.0f, 0.0f};
-    At(ParameterPath("turn"))->SetFloat4("value", &value, 1);
-
-    EXPECT_FLOAT_EQ(Parameter<ParameterFloat4Def>("turn")->GetValue().x, 1.0f);
-    EXPECT_EQ(Changes(ParameterPath("turn")),
-              (Lines{"- value float4 0,0,0,1", "+ value float4 1,0,0,0"}));
-}
-
-TEST_F(HSMTreeWrite, SetsAMessageParameter)
-{
-    At(ParameterPath("shout"))->SetString("value", "stop", 1);
-
-    EXPECT_EQ(Parameter<ParameterMessageDef>("shout")->GetValue(), "stop");
-    EXPECT_EQ(Changes(ParameterPath("shout")),
-              (Lines{"- value text \"\"", "+ value text \"stop\""}));
+    ExpectParameter<ParameterBoolDef>("hit", 5u, true, "int 1", "uint 5");
 }
 
 TEST_F(HSMTreeWrite, OfAnotherTypeLeavesVectorsAndMessagesAsTheyAre)
 {
-    At(ParameterPath("stick"))->SetFloat("value", 1.0f, 1);
-    At(ParameterPath("aim"))->SetInt("value", 1, 1);
-    At(ParameterPath("turn"))->SetString("value", "1,2,3,4", 1);
-    At(ParameterPath("shout"))->SetInt("value", 1, 1);
-
-    EXPECT_FLOAT_EQ(Parameter<ParameterAnalogDef>("stick")->GetValue().y, 4.0f);
-    EXPECT_FLOAT_EQ(Parameter<ParameterFloat3Def>("aim")->GetValue().z, 3.0f);
-    EXPECT_FLOAT_EQ(Parameter<ParameterFloat4Def>("turn")->GetValue().w, 1.0f);
-    EXPECT_EQ(Parameter<ParameterMessageDef>("shout")->GetValue(), "");
-    EXPECT_EQ(At(ParameterPath("shout"))->GetInt("value"), 1);
+    ExpectParameter<ParameterAnalogDef>("stick", 1.0f, Float2{3, 4}, "float2 3,4", "float 1");
+    ExpectParameter<ParameterFloat3Def>("aim", 1, Float3{1, 2, 3}, "float3 1,2,3", "int 1");
+    ExpectParameter<ParameterFloat4Def>("turn", "1,2,3,4"s, Float4{0, 0, 0, 1}, "float4 0,0,0,1",
+                                        "text \"1,2,3,4\"");
+    ExpectParameter<ParameterMessageDef>("shout", 1, ""s, "text \"\"", "int 1");
 }
 
 TEST_F(HSMTreeWrite, SetsARunTimeParameter)
@@ -225,128 +196,41 @@ TEST_F(HSMTreeWrite, OfAParameterIsSeenByTheNextTick)
     EXPECT_EQ(machine.MainStack(), "Walk");
 }
 
-TEST_F(HSMTreeWrite, SetsATextAttribute)
+TEST_F(HSMTreeWrite, OfItsOwnTypeSetsAnAttributeUnlessItIsOfFourFloats)
 {
-    At(AttributePath("surface"))->SetString("value", "mud", 1);
+    ExpectAttribute("steps", 8, 8, "int -4", "int 8");
+    ExpectAttribute("steps", 9u, 9, "int 8", "int 9");
+    ExpectAttribute("length", 1.5f, 1.5f, "float 0.75", "float 1.5");
+    ExpectAttribute("offset", Float2{5, 6}, Float2{5, 6}, "float2 1,-2", "float2 5,6");
+    ExpectAttribute("pivot", Float3{5, 6, 7}, Float3{5, 6, 7}, "float3 1,2,3", "float3 5,6,7");
+    ExpectAttribute("tint", Float4{9, 9, 9, 9}, Float4{0, 0.5f, 1, 1}, "float4 0,0.5,1,1",
+                    "float4 9,9,9,9");
+    ExpectAttribute("loud", 0, false, "int 1", "int 0");
+    ExpectAttribute("surface", "mud"s, "mud"s, "text \"stone\"", "text \"mud\"");
+}
 
-    const char* text = nullptr;
-    EXPECT_EQ(machine.GetAttributeValue("surface", &text), 1);
-    EXPECT_STREQ(text, "mud");
-    EXPECT_EQ(Changes(AttributePath("surface")),
-              (Lines{"- value text \"stone\"", "+ value text \"mud\""}));
+TEST_F(HSMTreeWrite, OfAnIntOtherThanZeroSetsABoolAttributeAndIsShownAsOne)
+{
+    At(AttributePath("loud"))->SetInt("value", 0, 1);
+    At(AttributePath("loud"))->SetInt("value", -2, 1);
+
+    EXPECT_TRUE(AttributeValue<bool>("loud"));
+    EXPECT_EQ(Changes(AttributePath("loud")), Lines());
+}
+
+TEST_F(HSMTreeWrite, OfAnotherTypeChangesTheTreeOfAnAttributeAlone)
+{
+    ExpectAttribute("steps", 1.0f, -4, "int -4", "float 1");
+    ExpectAttribute("length", 3, 0.75f, "float 0.75", "int 3");
+    ExpectAttribute("surface", 3, "stone"s, "text \"stone\"", "int 3");
+    ExpectAttribute("loud", 0u, true, "int 1", "uint 0");
 }
 
 TEST_F(HSMTreeWrite, OfATextTooLongChangesTheTreeAlone)
 {
     const std::string tooLong(1024, 'x');
-    At(AttributePath("surface"))->SetString("value", tooLong.c_str(), 1);
-
-    const char* text = nullptr;
-    EXPECT_EQ(machine.GetAttributeValue("surface", &text), 1);
-    EXPECT_STREQ(text, "stone");
-    EXPECT_EQ(At(AttributePath("surface"))->GetString("value"), tooLong);
+    ExpectAttribute("surface", tooLong, "stone"s, "text \"stone\"", "text \"" + tooLong + "\"");
     EXPECT_EQ(log.Take(), Lines());
-}
-
-TEST_F(HSMTreeWrite, SetsAnIntegerAttributeByEitherKindOfInteger)
-{
-    int value = 0;
-    At(AttributePath("steps"))->SetInt("value", 8, 1);
-    EXPECT_EQ(Attrib("steps")->GetValue(&value), 1);
-    EXPECT_EQ(value, 8);
-
-    At(AttributePath("steps"))->SetUInt("value", 9, 1);
-    EXPECT_EQ(Attrib("steps")->GetValue(&value), 1);
-    EXPECT_EQ(value, 9);
-    EXPECT_EQ(Changes(AttributePath("steps")), (Lines{"- value int -4", "+ value int 9"}));
-}
-
-TEST_F(HSMTreeWrite, SetsAFloatAttribute)
-{
-    float value = 0.0f;
-    At(AttributePath("length"))->SetFloat("value", 1.5f, 1);
-
-    EXPECT_EQ(Attrib("length")->GetValue(&value), 1);
-    EXPECT_FLOAT_EQ(value, 1.5f);
-    EXPECT_EQ(Changes(AttributePath("length")), (Lines{"- value float 0.75", "+ value float 1.5"}));
-}
-
-TEST_F(HSMTreeWrite, SetsATwoFloatAttribute)
-{
-    Tessel::Float2 value{5.0f, 6.0f};
-    At(AttributePath("offset"))->SetFloat2("value", &value, 1);
-
-    value = {};
-    EXPECT_EQ(Attrib("offset")->GetValue(&value), 1);
-    EXPECT_FLOAT_EQ(value.x, 5.0f);
-    EXPECT_FLOAT_EQ(value.y, 6.0f);
-    EXPECT_EQ(Changes(AttributePath("offset")),
-              (Lines{"- value float2 1,-2", "+ value float2 5,6"}));
-}
-
-TEST_F(HSMTreeWrite, SetsAThreeFloatAttribute)
-{
-    Tessel::Float3 value{5.0f, 6.0f, 7.0f};
-    At(AttributePath("pivot"))->SetFloat3("value", &value, 1);
-
-    value = {};
-    EXPECT_EQ(Attrib("pivot")->GetValue(&value), 1);
-    EXPECT_FLOAT_EQ(value.z, 7.0f);
-    EXPECT_EQ(Changes(AttributePath("pivot")),
-              (Lines{"- value float3 1,2,3", "+ value float3 5,6,7"}));
-}
-
-TEST_F(HSMTreeWrite, OfAFourFloatAttributeChangesTheTreeAlone)
-{
-    Tessel::Float4 value{9.0f, 9.0f, 9.0f, 9.0f};
-    At(AttributePath("tint"))->SetFloat4("value", &value, 1);
-
-    EXPECT_EQ(Attrib("tint")->GetValue(&value), 1);
-    EXPECT_FLOAT_EQ(value.x, 0.0f);
-    EXPECT_FLOAT_EQ(value.w, 1.0f);
-    EXPECT_EQ(Changes(AttributePath("tint")),
-              (Lines{"- value float4 0,0.5,1,1", "+ value float4 9,9,9,9"}));
-}
-
-TEST_F(HSMTreeWrite, OfAnIntSetsABoolAttribute)
-{
-    bool value = true;
-    At(AttributePath("loud"))->SetInt("value", 0, 1);
-    EXPECT_EQ(machine.GetCurrentState()->GetAttrib("loud", &value), 1);
-    EXPECT_FALSE(value);
-
-    At(AttributePath("loud"))->SetInt("value", -2, 1);
-    EXPECT_EQ(machine.GetCurrentState()->GetAttrib("loud", &value), 1);
-    EXPECT_TRUE(value);
-    EXPECT_EQ(Changes(AttributePath("loud")), Lines());
-}
-
-TEST_F(HSMTreeWrite, OfAnUnsignedLeavesABoolAttributeAsItIs)
-{
-    bool value = false;
-    At(AttributePath("loud"))->SetUInt("value", 0, 1);
-
-    EXPECT_EQ(machine.GetCurrentState()->GetAttrib("loud", &value), 1);
-    EXPECT_TRUE(value);
-    EXPECT_EQ(Changes(AttributePath("loud")), (Lines{"- value int 1", "+ value uint 0"}));
-}
-
-TEST_F(HSMTreeWrite, OfAnotherTypeChangesTheTreeOfAnAttributeAlone)
-{
-    int steps = 0;
-    float length = 0.0f;
-    At(AttributePath("steps"))->SetFloat("value", 1.0f, 1);
-    At(AttributePath("length"))->SetInt("value", 3, 1);
-    At(AttributePath("surface"))->SetInt("value", 3, 1);
-
-    Attrib("steps")->GetValue(&steps);
-    Attrib("length")->GetValue(&length);
-    const char* text = nullptr;
-    machine.GetAttributeValue("surface", &text);
-    EXPECT_EQ(steps, -4);
-    EXPECT_FLOAT_EQ(length, 0.75f);
-    EXPECT_STREQ(text, "stone");
-    EXPECT_EQ(At(AttributePath("length"))->GetInt("value"), 3);
 }
 
 TEST_F(HSMTreeWrite, SetsATextAttributeThatTheDocumentLeftEmpty)
@@ -355,11 +239,8 @@ TEST_F(HSMTreeWrite, SetsATextAttributeThatTheDocumentLeftEmpty)
     data.Set(JSON_AttributeType, "QString");
     JsonObject attribute;
     attribute.Set(JSON_Name, "late").Set("ATTRIB_Data", Json::Array({data}));
-    DocumentBuilder document;
-    document.Start(1).Node(Generic("Only", 1).Set(JSON_Attributes, Json::Array({attribute})));
-    TestMachine other(document);
-    ASSERT_EQ(other.Init(), 1);
-    other.Start();
+    StartedMachine other(DocumentBuilder().Start(1).Node(
+        Generic("Only", 1).Set(JSON_Attributes, Json::Array({attribute}))));
 
     TableAt(other.GetKVTable(), "nodeDefTable/1/attribs/late")->SetString("value", "now", 1);
 

@@ -13,6 +13,8 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace vell::test
 {
@@ -87,55 +89,56 @@ struct Single
     ParameterDef* def;
 };
 
+JsonObject WithoutDefault(JsonObject parameter)
+{
+    return parameter.Remove(JSON_ParameterDefault);
+}
+
+/// Expects that each parameter starts with its number as its default and its value.
+template <class Class, class Value>
+void ExpectStarts(const std::vector<std::pair<Json, Value>>& cases)
+{
+    LogRecorder log;
+    for (const auto& [json, value] : cases)
+    {
+        SCOPED_TRACE(json.Text());
+        Single single(json);
+        auto* def = dynamic_cast<Class*>(single.def);
+
+        ASSERT_NE(def, nullptr);
+        EXPECT_EQ(def->GetDefaultValue(), value);
+        EXPECT_EQ(def->GetValue(), value);
+    }
+}
+
 } // namespace
 
 TEST(ParameterTableLoad, GivesABoolItsDefaultTwiceAndOnlyForTheLiteralTrue)
 {
-    LogRecorder log;
-    LoadedParameters loaded({BoolParameter("on", true), BoolParameter("off", false),
-                             Parameter(1, "one", 1), Parameter(1, "text", "true"),
-                             BoolParameter("none", true).Remove(JSON_ParameterDefault)});
-
-    EXPECT_TRUE(loaded.Find<ParameterBoolDef>("on")->GetDefaultValue());
-    EXPECT_TRUE(loaded.Find<ParameterBoolDef>("on")->GetValue());
-    for (const char* name : {"off", "one", "text", "none"})
-    {
-        EXPECT_FALSE(loaded.Find<ParameterBoolDef>(name)->GetDefaultValue()) << name;
-        EXPECT_FALSE(loaded.Find<ParameterBoolDef>(name)->GetValue()) << name;
-    }
+    ExpectStarts<ParameterBoolDef, bool>({{BoolParameter("x", true), true},
+                                          {BoolParameter("x", false), false},
+                                          {Parameter(1, "x", 1), false},
+                                          {Parameter(1, "x", "true"), false},
+                                          {WithoutDefault(BoolParameter("x", true)), false}});
 }
 
 TEST(ParameterTableLoad, GivesAnIntegerItsDefaultTwiceWithoutATypeTest)
 {
-    LogRecorder log;
-    LoadedParameters loaded({IntParameter("negative", -7),
-                             IntParameter("none", 3).Remove(JSON_ParameterDefault),
-                             Parameter(2, "large", 4294967295u), Parameter(2, "text", "5")});
-
-    EXPECT_EQ(loaded.result, 1);
-    EXPECT_EQ(loaded.Find<ParameterIntegerDef>("negative")->GetDefaultValue(), -7);
-    EXPECT_EQ(loaded.Find<ParameterIntegerDef>("negative")->GetValue(), -7);
-    EXPECT_EQ(loaded.Find<ParameterIntegerDef>("none")->GetValue(), 0);
-    EXPECT_EQ(loaded.Find<ParameterIntegerDef>("large")->GetValue(), -1);
-    EXPECT_EQ(loaded.Find<ParameterIntegerDef>("text")->GetValue(), 0);
+    ExpectStarts<ParameterIntegerDef, int>({{IntParameter("x", -7), -7},
+                                            {Parameter(2, "x", 4294967295u), -1},
+                                            {Parameter(2, "x", "5"), 0},
+                                            {WithoutDefault(IntParameter("x", 3)), 0}});
 }
 
 TEST(ParameterTableLoad, GivesAFloatItsDefaultTwiceFromAnyFormOfNumber)
 {
-    LogRecorder log;
-    LoadedParameters loaded({FloatParameter("real", 0.1), Parameter(3, "int", -3),
-                             Parameter(3, "unsigned", 4294967295u),
-                             Parameter(3, "int64", Json::Raw("-9000000000000000000")),
-                             Parameter(3, "unsigned64", Json::Raw("18000000000000000000")),
-                             Parameter(3, "text", "1.5")});
-
-    EXPECT_EQ(loaded.Find<ParameterFloatDef>("real")->GetDefaultValue(), 0.1f);
-    EXPECT_EQ(loaded.Find<ParameterFloatDef>("real")->GetValue(), 0.1f);
-    EXPECT_EQ(loaded.Find<ParameterFloatDef>("int")->GetValue(), -3.0f);
-    EXPECT_EQ(loaded.Find<ParameterFloatDef>("unsigned")->GetValue(), 4294967296.0f);
-    EXPECT_EQ(loaded.Find<ParameterFloatDef>("int64")->GetValue(), -9e18f);
-    EXPECT_EQ(loaded.Find<ParameterFloatDef>("unsigned64")->GetValue(), 18e18f);
-    EXPECT_EQ(loaded.Find<ParameterFloatDef>("text")->GetValue(), 0.0f);
+    ExpectStarts<ParameterFloatDef, float>(
+        {{FloatParameter("x", 0.1), 0.1f},
+         {Parameter(3, "x", -3), -3.0f},
+         {Parameter(3, "x", 4294967295u), 4294967296.0f},
+         {Parameter(3, "x", Json::Raw("-9000000000000000000")), -9e18f},
+         {Parameter(3, "x", Json::Raw("18000000000000000000")), 18e18f},
+         {Parameter(3, "x", "1.5"), 0.0f}});
 }
 
 TEST(ParameterTableLoad, ReadsVectorsFromTextsAndComputesTheirMagnitude)
@@ -307,16 +310,42 @@ TEST(ParameterTableLoad, RefusesToMakeAParameterOfNoObjectOrWithoutAnArena)
     EXPECT_EQ(log.Take(), (Lines{AssertBreak(kCreateDef)}));
 }
 
-TEST(ParameterTableLoad, LeavesTwoLinesForAnUnknownType)
+TEST(ParameterTableLoad, RefusesAParameterThatItCannotReadWithItsLines)
 {
-    LogRecorder log;
-    Single unknown(FloatParameter("x", 0.0).Set(JSON_ParameterType, "quaternion"));
-    Single missing(FloatParameter("x", 0.0).Remove(JSON_ParameterType));
+    const Lines refused{ErrorBreak(kCreateDef), ErrorBreak(kCreateDef)};
+    const Lines unknown{AssertBreak(kCreateDef), ErrorBreak(kCreateDef)};
+    const Lines noVector = Lines{CreatedDef("x")} + refused;
+    const auto vectorOf = [](const std::string& member, const Json& value)
+    {
+        return Parameter(4, "x", Json::Array({JsonObject().Set(member, value)}));
+    };
+    const struct
+    {
+        const char* what;
+        Json parameter;
+        Lines lines;
+    } cases[] = {
+        {"an unknown type", FloatParameter("x", 0).Set(JSON_ParameterType, "quaternion"), unknown},
+        {"no type", FloatParameter("x", 0).Remove(JSON_ParameterType), unknown},
+        {"no name", FloatParameter("x", 0).Remove(JSON_Name),
+         Loaded("", 3) + Lines{ErrorBreak(kCreateDef)}},
+        {"a vector that is a text", Parameter(4, "x", "1,2"), noVector},
+        {"a vector of nothing", Parameter(4, "x", Json::Raw("[]")), noVector},
+        {"a vector of a number", Parameter(4, "x", Json::Array({Json(5)})), noVector},
+        {"a vector whose text is a number", vectorOf("VARIANT_Data", 5), noVector},
+        {"a vector without its text", vectorOf("VARIANT_Other", "1,2"), noVector},
+        {"one number of two", VectorParameter(4, "x", "1,"), noVector},
+        {"two numbers of three", VectorParameter(5, "x", "1,2"), noVector},
+        {"three numbers of four", VectorParameter(6, "x", "1,,2,3"), noVector}};
+    for (const auto& example : cases)
+    {
+        SCOPED_TRACE(example.what);
+        LogRecorder log;
+        Single single(example.parameter);
 
-    EXPECT_EQ(unknown.def, nullptr);
-    EXPECT_EQ(missing.def, nullptr);
-    EXPECT_EQ(log.Take(), (Lines{AssertBreak(kCreateDef), ErrorBreak(kCreateDef),
-                                 AssertBreak(kCreateDef), ErrorBreak(kCreateDef)}));
+        EXPECT_EQ(single.def, nullptr);
+        EXPECT_EQ(log.Take(), example.lines);
+    }
 }
 
 TEST(ParameterTableLoad, RunsAFailingInitTwice)
@@ -327,51 +356,6 @@ TEST(ParameterTableLoad, RunsAFailingInitTwice)
     EXPECT_EQ(broken.def, nullptr);
     EXPECT_EQ(log.Take(), (BrokenRun("x") + BrokenRun("x") +
                            Lines{ErrorBreak(kCreateDef), ErrorBreak(kCreateDef)}));
-}
-
-TEST(ParameterTableLoad, RefusesAVectorThatIsNoArrayOrHasNoUsableText)
-{
-    JsonObject noText;
-    noText.Set("VARIANT_Data", 5);
-    JsonObject otherMember;
-    otherMember.Set("VARIANT_Other", "1,2");
-    const std::vector<Json> defaults = {Json("1,2"), Json::Raw("[]"), Json::Array({Json(5)}),
-                                        Json::Array({Json(noText)}),
-                                        Json::Array({Json(otherMember)})};
-    for (const Json& value : defaults)
-    {
-        LogRecorder log;
-        Single single(Parameter(4, "stick", value));
-
-        EXPECT_EQ(single.def, nullptr) << value.Text();
-        EXPECT_EQ(log.Take(),
-                  (Lines{CreatedDef("stick"), ErrorBreak(kCreateDef), ErrorBreak(kCreateDef)}))
-            << value.Text();
-    }
-}
-
-TEST(ParameterTableLoad, RefusesAVectorTextWithTooFewPieces)
-{
-    LogRecorder log;
-    Single two(VectorParameter(4, "a", "1,"));
-    Single three(VectorParameter(5, "b", "1,2"));
-    Single four(VectorParameter(6, "c", "1,,2,3"));
-
-    EXPECT_EQ(two.def, nullptr);
-    EXPECT_EQ(three.def, nullptr);
-    EXPECT_EQ(four.def, nullptr);
-    const Lines failed{ErrorBreak(kCreateDef), ErrorBreak(kCreateDef)};
-    EXPECT_EQ(log.Take(), (Lines{CreatedDef("a")} + failed + Lines{CreatedDef("b")} + failed +
-                           Lines{CreatedDef("c")} + failed));
-}
-
-TEST(ParameterTableLoad, RefusesAParameterWithoutANameAtTheEnd)
-{
-    LogRecorder log;
-    Single nameless(FloatParameter("x", 0.0).Remove(JSON_Name));
-
-    EXPECT_EQ(nameless.def, nullptr);
-    EXPECT_EQ(log.Take(), (Loaded("", 3) + Lines{ErrorBreak(kCreateDef)}));
 }
 
 TEST(ParameterTableLoad, LogsEachGoodParameterByCreationAndTypeName)
@@ -472,18 +456,6 @@ TEST(ParameterTableLoad, CannotBeInitialisedTwice)
     EXPECT_EQ(loaded.table.GetParameterCount(), 0);
 }
 
-TEST(HSMParameterTable, IsNotThereWithoutTheMember)
-{
-    LogRecorder log;
-    TestMachine machine(DocumentBuilder().LeaveOut(JSON_Parameters));
-    log.Clear();
-
-    EXPECT_EQ(machine.InitParameterTable(machine.document, &machine.alloc), 1);
-
-    EXPECT_EQ(machine.GetParameterTable(), nullptr);
-    EXPECT_EQ(log.Take(), Lines());
-}
-
 TEST(HSMParameterTable, IsMadeOnce)
 {
     LogRecorder log;
@@ -498,29 +470,10 @@ TEST(HSMParameterTable, IsMadeOnce)
     EXPECT_EQ(machine.GetParameterTable(), table);
 }
 
-TEST(HSMParameterTable, NeedsRoomForItself)
-{
-    LogRecorder log;
-    TestMachine tight(DocumentBuilder{});
-    TestMachine fitting(DocumentBuilder{});
-    log.Clear();
-    const auto size = static_cast<unsigned int>(sizeof(ParameterTable));
-    Arena shortArena(size - 1);
-    Arena arena(size);
-
-    EXPECT_EQ(tight.InitParameterTable(tight.document, &shortArena), 0);
-    EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kInitTable)}));
-    EXPECT_EQ(tight.GetParameterTable(), nullptr);
-    EXPECT_EQ(fitting.InitParameterTable(fitting.document, &arena), 1);
-    fitting.Uninit();
-}
-
 TEST(HSMParameterTable, FailsWithTheLinesOfFourInitsOfWhichOnlyTheFirstReadsTheArray)
 {
     LogRecorder log;
-    DocumentBuilder document;
-    document.Parameter(FloatParameter("a", 1.0)).Parameter(Json(5));
-    TestMachine machine(document);
+    TestMachine machine(DocumentBuilder().Parameter(FloatParameter("a", 1.0)).Parameter(Json(5)));
     log.Clear();
 
     EXPECT_EQ(machine.Init(), 0);
