@@ -22,27 +22,15 @@ namespace
 {
 
 template <class State>
-struct NameOf;
+constexpr const char* kNameOf = nullptr;
 template <>
-struct NameOf<EnterState>
-{
-    static constexpr const char* text = "EnterState";
-};
+constexpr const char* kNameOf<EnterState> = "EnterState";
 template <>
-struct NameOf<ExitState>
-{
-    static constexpr const char* text = "ExitState";
-};
+constexpr const char* kNameOf<ExitState> = "ExitState";
 template <>
-struct NameOf<GlobalState>
-{
-    static constexpr const char* text = "GlobalState";
-};
+constexpr const char* kNameOf<GlobalState> = "GlobalState";
 template <>
-struct NameOf<SubstateState>
-{
-    static constexpr const char* text = "SubstateState";
-};
+constexpr const char* kNameOf<SubstateState> = "SubstateState";
 
 /// Reaches the id that a factory stored.
 struct OpenId : SMState
@@ -56,7 +44,7 @@ class StateClass : public testing::Test
 protected:
     static std::string In(const char* operation)
     {
-        return ErrorBreak(std::string("vell::") + NameOf<State>::text + "::" + operation);
+        return ErrorBreak(std::string("vell::") + kNameOf<State> + "::" + operation);
     }
 };
 
@@ -66,7 +54,7 @@ struct ClassNames
     template <class State>
     static std::string GetName(int)
     {
-        return NameOf<State>::text;
+        return kNameOf<State>;
     }
 };
 
@@ -90,7 +78,7 @@ struct PairNames
     template <class Pair>
     static std::string GetName(int)
     {
-        return NameOf<typename Pair::State>::text;
+        return kNameOf<typename Pair::State>;
     }
 };
 
