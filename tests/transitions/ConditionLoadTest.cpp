@@ -54,6 +54,31 @@ Lines Twice(const Lines& lines)
     return lines + lines;
 }
 
+/// An operand, and the bounds that a condition reads from it; a single number is the lower one.
+template <class Value>
+struct Operand
+{
+    Json json;
+    Value low;
+    Value high;
+};
+
+/// Expects that a condition of the operator `evaluation` reads each operand as its bounds.
+template <class Class, class Value>
+void ExpectBounds(int type, int evaluation, const std::vector<Operand<Value>>& operands)
+{
+    LogRecorder log;
+    for (const Operand<Value>& operand : operands)
+    {
+        SCOPED_TRACE(operand.json.Text());
+        Built<Class> built(Condition(type, "x", evaluation, operand.json));
+
+        EXPECT_EQ(built.result, 1);
+        EXPECT_EQ(built->target, operand.low);
+        EXPECT_EQ(built->rangeHigh, operand.high);
+    }
+}
+
 /// Makes a condition and initialises it, whatever its class.
 struct Attempt
 {
@@ -303,91 +328,53 @@ TEST(BoolConditionLoad, WantsTrueForTheLiteralAlone)
 
 TEST(IntegerConditionLoad, ReadsA32BitNumberWithoutATypeTest)
 {
-    LogRecorder log;
-    const struct
-    {
-        Json value;
-        int target;
-    } cases[] = {{-5, -5}, {4294967295u, -1}, {"5", 0}, {true, 0}, {Json::Null(), 0}};
-    for (const auto& example : cases)
-    {
-        Built<ConditionDefInteger> built(Condition(PARAM_Integer, "x", 3, example.value));
-        EXPECT_EQ(built.result, 1) << example.value.Text();
-        EXPECT_EQ(built->target, example.target) << example.value.Text();
-    }
+    ExpectBounds<ConditionDefInteger, int>(
+        PARAM_Integer, 3,
+        {{-5, -5, 0}, {4294967295u, -1, 0}, {"5", 0, 0}, {true, 0, 0}, {Json::Null(), 0, 0}});
 }
 
 TEST(IntegerConditionLoad, TruncatesTheBoundsOfARange)
 {
-    LogRecorder log;
-    const struct
-    {
-        const char* text;
-        int low;
-        int high;
-    } cases[] = {{"1.9,4.9", 1, 4},
-                 {"4.9,1.9", 1, 4},
-                 {"-1.9,-4.9", -4, -1},
-                 {"-0.5,0.5", 0, 0},
-                 {"1e20,-1e20", INT_MIN, INT_MAX},
-                 {"2147483647.9,16777217", 16777217, INT_MAX},
-                 {"3,3", 3, 3},
-                 {"up,2", 0, 2},
-                 {"2,down", 0, 2},
-                 {"-2,down", -2, 0},
-                 {"up,down", 0, 0},
-                 {"3metres,2", 2, 3}};
-    for (const auto& example : cases)
-    {
-        Built<ConditionDefInteger> built(Condition(PARAM_Integer, "x", 10, example.text));
-        EXPECT_EQ(built.result, 1) << example.text;
-        EXPECT_EQ(built->target, example.low) << example.text;
-        EXPECT_EQ(built->rangeHigh, example.high) << example.text;
-    }
+    ExpectBounds<ConditionDefInteger, int>(PARAM_Integer, 10,
+                                           {{"1.9,4.9", 1, 4},
+                                            {"4.9,1.9", 1, 4},
+                                            {"-1.9,-4.9", -4, -1},
+                                            {"-0.5,0.5", 0, 0},
+                                            {"1e20,-1e20", INT_MIN, INT_MAX},
+                                            {"2147483647.9,16777217", 16777217, INT_MAX},
+                                            {"3,3", 3, 3},
+                                            {"up,2", 0, 2},
+                                            {"2,down", 0, 2},
+                                            {"-2,down", -2, 0},
+                                            {"up,down", 0, 0},
+                                            {"3metres,2", 2, 3}});
 }
 
 TEST(FloatConditionLoad, ReadsAnyFormOfNumber)
 {
-    LogRecorder log;
-    const struct
-    {
-        Json value;
-        float target;
-    } cases[] = {{0.1, 0.1f},
-                 {-3, -3.0f},
-                 {4294967295u, 4294967296.0f},
-                 {Json::Raw("18000000000000000000"), 18e18f},
-                 {Json::Raw("-9000000000000000000"), -9e18f},
-                 {"0.5", 0.0f},
-                 {Json::Null(), 0.0f}};
-    for (const auto& example : cases)
-    {
-        Built<ConditionFloatDef> built(Condition(PARAM_Float, "x", 3, example.value));
-        EXPECT_EQ(built.result, 1) << example.value.Text();
-        EXPECT_EQ(built->target, example.target) << example.value.Text();
-        EXPECT_EQ(built->rangeHigh, 0.0f) << example.value.Text();
-    }
+    ExpectBounds<ConditionFloatDef, float>(PARAM_Float, 3,
+                                           {{0.1, 0.1f, 0},
+                                            {-3, -3.0f, 0},
+                                            {4294967295u, 4294967296.0f, 0},
+                                            {Json::Raw("18000000000000000000"), 18e18f, 0},
+                                            {Json::Raw("-9000000000000000000"), -9e18f, 0},
+                                            {"0.5", 0, 0},
+                                            {Json::Null(), 0, 0}});
 }
 
 TEST(FloatConditionLoad, ReadsTheBoundsOfARangeInEitherOrder)
 {
-    LogRecorder log;
-    const struct
-    {
-        const char* text;
-        float low;
-        float high;
-    } cases[] = {{"0.1,0.9", 0.1f, 0.9f}, {"0.9,0.1", 0.1f, 0.9f},   {"-1,1,5,7", -1.0f, 1.0f},
-                 {"up,2", 0.0f, 2.0f},    {" 2 ,,-3 ", -3.0f, 2.0f}, {",1,2", 1.0f, 2.0f},
-                 {"2,down", 0.0f, 2.0f},  {"-2,down", -2.0f, 0.0f},  {"up,down", 0.0f, 0.0f},
-                 {"0.5m,-1", -1.0f, 0.5f}};
-    for (const auto& example : cases)
-    {
-        Built<ConditionFloatDef> built(Condition(PARAM_Float, "x", 10, example.text));
-        EXPECT_EQ(built.result, 1) << example.text;
-        EXPECT_EQ(built->target, example.low) << example.text;
-        EXPECT_EQ(built->rangeHigh, example.high) << example.text;
-    }
+    ExpectBounds<ConditionFloatDef, float>(PARAM_Float, 10,
+                                           {{"0.1,0.9", 0.1f, 0.9f},
+                                            {"0.9,0.1", 0.1f, 0.9f},
+                                            {"-1,1,5,7", -1, 1},
+                                            {"up,2", 0, 2},
+                                            {" 2 ,,-3 ", -3, 2},
+                                            {",1,2", 1, 2},
+                                            {"2,down", 0, 2},
+                                            {"-2,down", -2, 0},
+                                            {"up,down", 0, 0},
+                                            {"0.5m,-1", -1, 0.5f}});
 }
 
 TEST(RangeCondition, FailsForATextThatIsNoRange)
