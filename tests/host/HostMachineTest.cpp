@@ -4,6 +4,7 @@
 
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/LogTest.h"
 #include "tests/support/TestAction.h"
 #include "tests/support/TestListener.h"
 
@@ -18,6 +19,8 @@ namespace vell::test
 {
 namespace
 {
+
+using Host = LogTest;
 
 using Machine = std::unique_ptr<IHSM>;
 
@@ -132,9 +135,8 @@ private:
 
 } // namespace
 
-TEST(Host, KeepsTheOrderFromFactoryToDeletion)
+TEST_F(Host, KeepsTheOrderFromFactoryToDeletion)
 {
-    LogRecorder log;
     Lines notes;
     TestListener listener(notes, "changes");
     activations = 0;
@@ -158,9 +160,8 @@ TEST(Host, KeepsTheOrderFromFactoryToDeletion)
     EXPECT_EQ(machine->Destroy(), 1);
 }
 
-TEST(Host, HearsOfAFailedLoadFromInitAlone)
+TEST_F(Host, HearsOfAFailedLoadFromInitAlone)
 {
-    LogRecorder log;
     DocumentBuilder document = Walker();
     document.LeaveOut(JSON_Layers);
 
@@ -173,9 +174,8 @@ TEST(Host, HearsOfAFailedLoadFromInitAlone)
     EXPECT_EQ(machine->Destroy(), 1);
 }
 
-TEST(Host, RunsTwoMachinesThatKnowNothingOfEachOther)
+TEST_F(Host, RunsTwoMachinesThatKnowNothingOfEachOther)
 {
-    LogRecorder log;
     const Machine first = Make(Walker());
     const Machine second = Make(Walker());
     ASSERT_EQ(first->Init(), 1);
@@ -191,9 +191,8 @@ TEST(Host, RunsTwoMachinesThatKnowNothingOfEachOther)
     EXPECT_EQ(CurrentName(*second), "Stand");
 }
 
-TEST(Host, LosesNewStatesOfOneMachineWhenItDestroysAnother)
+TEST_F(Host, LosesNewStatesOfOneMachineWhenItDestroysAnother)
 {
-    LogRecorder log;
     const Machine first = Make(Walker());
     Machine second = Make(Walker());
     ASSERT_EQ(first->Init(), 1);
@@ -213,9 +212,8 @@ TEST(Host, LosesNewStatesOfOneMachineWhenItDestroysAnother)
     EXPECT_EQ(CurrentName(*first), "-");
 }
 
-TEST(Host, CannotInitialiseAMachineMadeBeforeAnotherWasDeleted)
+TEST_F(Host, CannotInitialiseAMachineMadeBeforeAnotherWasDeleted)
 {
-    LogRecorder log;
     const Machine first = Make(Walker());
     Make(Walker()).reset();
     log.Clear();
@@ -228,9 +226,8 @@ TEST(Host, CannotInitialiseAMachineMadeBeforeAnotherWasDeleted)
     EXPECT_NE(third->FindDef(10u), nullptr);
 }
 
-TEST(Host, AddsItsOwnKindOfNode)
+TEST_F(Host, AddsItsOwnKindOfNode)
 {
-    LogRecorder log;
     DocumentBuilder document;
     document.Start(10).Node(Node(kHostBuilder, "Own", 10).Set("colour", "red"));
     HostMachine machine(document.Text());
@@ -251,9 +248,8 @@ TEST(Host, AddsItsOwnKindOfNode)
     machine.Uninit();
 }
 
-TEST(Host, MovesAMachineToAnotherThread)
+TEST_F(Host, MovesAMachineToAnotherThread)
 {
-    LogRecorder log;
     const Machine machine = Make(Walker());
     ASSERT_EQ(machine->Init(), 1);
     machine->Start();
@@ -269,9 +265,8 @@ TEST(Host, MovesAMachineToAnotherThread)
     EXPECT_EQ(CurrentName(*machine), "Walk");
 }
 
-TEST(Host, FindsTheVocabularyAndTheTablesByWayOfTheLibrary)
+TEST_F(Host, FindsTheVocabularyAndTheTablesByWayOfTheLibrary)
 {
-    LogRecorder log;
     const Machine machine = Make(Walker());
     ASSERT_EQ(machine->Init(), 1);
 

@@ -11,6 +11,7 @@
 #include "states/GlobalState.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/LogTest.h"
 #include "tests/support/Recorders.h"
 #include "tests/support/SmallDocument.h"
 #include "tests/support/TestMachine.h"
@@ -25,6 +26,9 @@ namespace vell::test
 {
 namespace
 {
+
+using StateBuilders = LogTest;
+using DefinitionBuilders = LogTest;
 
 constexpr auto kHostBuilder = static_cast<__DURM_BUILDERS__>(100);
 
@@ -175,9 +179,8 @@ DocumentBuilder WithHostNode()
 
 } // namespace
 
-TEST(StateBuilders, AreTheStandardSixAfterCreate)
+TEST_F(StateBuilders, AreTheStandardSixAfterCreate)
 {
-    LogRecorder log;
     ClearStateBuilders();
 
     const TestMachine machine(TwoStates());
@@ -185,9 +188,8 @@ TEST(StateBuilders, AreTheStandardSixAfterCreate)
     EXPECT_EQ(Registry(), kStandard);
 }
 
-TEST(StateBuilders, StayTheSameSixWhenASecondMachineIsMade)
+TEST_F(StateBuilders, StayTheSameSixWhenASecondMachineIsMade)
 {
-    LogRecorder log;
     const TestMachine first(TwoStates());
 
     const TestMachine second(TwoStates());
@@ -195,9 +197,8 @@ TEST(StateBuilders, StayTheSameSixWhenASecondMachineIsMade)
     EXPECT_EQ(Registry(), kStandard);
 }
 
-TEST(StateBuilders, AreRegisteredOneByOneThroughTheVirtualOperation)
+TEST_F(StateBuilders, AreRegisteredOneByOneThroughTheVirtualOperation)
 {
-    LogRecorder log;
     RegisteringMachine machine;
 
     EXPECT_EQ(machine.Load(TwoStates().Text()), 1);
@@ -205,9 +206,8 @@ TEST(StateBuilders, AreRegisteredOneByOneThroughTheVirtualOperation)
     EXPECT_EQ(machine.asked, kStandard);
 }
 
-TEST(StateBuilders, AreRegisteredBeforeTheNodeTableIsPlaced)
+TEST_F(StateBuilders, AreRegisteredBeforeTheNodeTableIsPlaced)
 {
-    LogRecorder log;
     ClearStateBuilders();
     RegisteringMachine machine;
 
@@ -217,11 +217,11 @@ TEST(StateBuilders, AreRegisteredBeforeTheNodeTableIsPlaced)
     EXPECT_EQ(Registry(), kStandard);
 }
 
-TEST(StateBuilders, EndAtTheFirstThatIsRefusedAlsoWhenItIsTakenTheSecondTime)
+TEST_F(StateBuilders, EndAtTheFirstThatIsRefusedAlsoWhenItIsTakenTheSecondTime)
 {
     for (const int refusals : {1, 2})
     {
-        LogRecorder log;
+        log.Clear();
         ClearStateBuilders();
         RegisteringMachine machine;
         machine.refused = 9;
@@ -239,9 +239,8 @@ TEST(StateBuilders, EndAtTheFirstThatIsRefusedAlsoWhenItIsTakenTheSecondTime)
     }
 }
 
-TEST(StateBuilders, TakeANumberOfTheHosts)
+TEST_F(StateBuilders, TakeANumberOfTheHosts)
 {
-    LogRecorder log;
     HostMachine machine;
     ASSERT_EQ(machine.Load(WithHostNode().Text()), 1);
     ASSERT_EQ(machine.RegisterNodeDef(kHostBuilder, HostDef::Create), 1);
@@ -255,9 +254,8 @@ TEST(StateBuilders, TakeANumberOfTheHosts)
     EXPECT_EQ(machine.MainStack(), "Stand/Own");
 }
 
-TEST(StateBuilders, AreReplacedForAllMachinesOfTheProcess)
+TEST_F(StateBuilders, AreReplacedForAllMachinesOfTheProcess)
 {
-    LogRecorder log;
     TestMachine first(TwoStates());
     InitialisedMachine second(TwoStates());
 
@@ -268,9 +266,8 @@ TEST(StateBuilders, AreReplacedForAllMachinesOfTheProcess)
 }
 
 // Pins down that the constructor of the base cannot reach a subclass's builders.
-TEST(StateBuilders, OfASubclassAreNotReachedByTheConstructorOfTheBase)
+TEST_F(StateBuilders, OfASubclassAreNotReachedByTheConstructorOfTheBase)
 {
-    LogRecorder log;
     ClearStateBuilders();
     const std::string text = TwoStates().Text();
 
@@ -279,9 +276,8 @@ TEST(StateBuilders, OfASubclassAreNotReachedByTheConstructorOfTheBase)
     EXPECT_EQ(Registry(), kStandard);
 }
 
-TEST(StateBuilders, AreForgottenByDestroyThroughTheVirtualOperation)
+TEST_F(StateBuilders, AreForgottenByDestroyThroughTheVirtualOperation)
 {
-    LogRecorder log;
     HostMachine machine;
     machine.Load(TwoStates().Text());
 
@@ -291,9 +287,8 @@ TEST(StateBuilders, AreForgottenByDestroyThroughTheVirtualOperation)
     EXPECT_TRUE(Registry().empty());
 }
 
-TEST(StateBuilders, AreForgottenWhenAnyMachineIsDeleted)
+TEST_F(StateBuilders, AreForgottenWhenAnyMachineIsDeleted)
 {
-    LogRecorder log;
     const TestMachine stays(TwoStates());
     {
         const TestMachine other;
@@ -303,9 +298,8 @@ TEST(StateBuilders, AreForgottenWhenAnyMachineIsDeleted)
     EXPECT_TRUE(Registry().empty());
 }
 
-TEST(StateBuilders, AreMissedByOtherMachinesForStatesNotYetActivated)
+TEST_F(StateBuilders, AreMissedByOtherMachinesForStatesNotYetActivated)
 {
-    LogRecorder log;
     TestMachine first(TwoStates());
     TestMachine second(TwoStates());
     ASSERT_EQ(first.Init(), 1);
@@ -323,9 +317,8 @@ TEST(StateBuilders, AreMissedByOtherMachinesForStatesNotYetActivated)
     EXPECT_EQ(first.MainStack(), "Stand/Stand");
 }
 
-TEST(StateBuilders, ComeBackForAllMachinesWhenOneIsCreated)
+TEST_F(StateBuilders, ComeBackForAllMachinesWhenOneIsCreated)
 {
-    LogRecorder log;
     StartedMachine first(TwoStates());
     {
         const TestMachine second(TwoStates());
@@ -336,9 +329,8 @@ TEST(StateBuilders, ComeBackForAllMachinesWhenOneIsCreated)
     EXPECT_NE(first.PushState(11u), nullptr);
 }
 
-TEST(StateBuilders, BearANullFactory)
+TEST_F(StateBuilders, BearANullFactory)
 {
-    LogRecorder log;
     InitialisedMachine machine(TwoStates());
     machine.RegisterState(Builder(10), nullptr);
     log.Clear();
@@ -348,9 +340,8 @@ TEST(StateBuilders, BearANullFactory)
     EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::ActivateState"), NotActivated(11)}));
 }
 
-TEST(DefinitionBuilders, TakeANumberOfTheHostsBetweenCreateAndInit)
+TEST_F(DefinitionBuilders, TakeANumberOfTheHostsBetweenCreateAndInit)
 {
-    LogRecorder log;
     TestMachine machine(WithHostNode());
 
     EXPECT_EQ(machine.RegisterNodeDef(kHostBuilder, HostDef::Create), 1);
@@ -360,9 +351,8 @@ TEST(DefinitionBuilders, TakeANumberOfTheHostsBetweenCreateAndInit)
     EXPECT_EQ(log.Take({3}), (Lines{}));
 }
 
-TEST(DefinitionBuilders, AreAskedForEveryNodeOfTheirNumber)
+TEST_F(DefinitionBuilders, AreAskedForEveryNodeOfTheirNumber)
 {
-    LogRecorder log;
     TestMachine machine(TwoStates());
     machine.RegisterNodeDef(Builder(10), HostDef::Create);
     HostDef::created = 0;
@@ -372,9 +362,8 @@ TEST(DefinitionBuilders, AreAskedForEveryNodeOfTheirNumber)
     EXPECT_EQ(HostDef::created, 2);
 }
 
-TEST(DefinitionBuilders, HaveNoEffectAfterInit)
+TEST_F(DefinitionBuilders, HaveNoEffectAfterInit)
 {
-    LogRecorder log;
     InitialisedMachine machine(TwoStates());
 
     EXPECT_EQ(machine.RegisterNodeDef(Builder(10), HostDef::Create), 1);
@@ -382,9 +371,8 @@ TEST(DefinitionBuilders, HaveNoEffectAfterInit)
     EXPECT_EQ(dynamic_cast<HostDef*>(machine.FindDef(10u)), nullptr);
 }
 
-TEST(DefinitionBuilders, ActOnEveryMachineThatIsNotYetInitialised)
+TEST_F(DefinitionBuilders, ActOnEveryMachineThatIsNotYetInitialised)
 {
-    LogRecorder log;
     TestMachine first(WithHostNode());
     TestMachine second(WithHostNode());
 
@@ -394,9 +382,8 @@ TEST(DefinitionBuilders, ActOnEveryMachineThatIsNotYetInitialised)
     EXPECT_NE(dynamic_cast<HostDef*>(second.FindDef(11u)), nullptr);
 }
 
-TEST(DefinitionBuilders, AreForgottenWhenAnyMachineIsDeletedAndNotBefore)
+TEST_F(DefinitionBuilders, AreForgottenWhenAnyMachineIsDeletedAndNotBefore)
 {
-    LogRecorder log;
     auto first = std::make_unique<TestMachine>(TwoStates());
     TestMachine second(TwoStates());
     TestMachine third(TwoStates());
@@ -414,9 +401,8 @@ TEST(DefinitionBuilders, AreForgottenWhenAnyMachineIsDeletedAndNotBefore)
     EXPECT_NE(third.nodeDefTable->Find(10), nullptr);
 }
 
-TEST(DefinitionBuilders, AreForgottenByADestroyedNodeTable)
+TEST_F(DefinitionBuilders, AreForgottenByADestroyedNodeTable)
 {
-    LogRecorder log;
     TestMachine machine(TwoStates());
     {
         const NodeDefTable table;
@@ -427,9 +413,8 @@ TEST(DefinitionBuilders, AreForgottenByADestroyedNodeTable)
     EXPECT_EQ(machine.nodeDefTable->Find(10), nullptr);
 }
 
-TEST(DefinitionBuilders, NeedANodeTable)
+TEST_F(DefinitionBuilders, NeedANodeTable)
 {
-    LogRecorder log;
     TestMachine machine("{");
     log.Clear();
 
@@ -438,9 +423,8 @@ TEST(DefinitionBuilders, NeedANodeTable)
     EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::HSM::RegisterNodeDef")}));
 }
 
-TEST(DefinitionBuilders, FailALoadWhenTheyGiveNothing)
+TEST_F(DefinitionBuilders, FailALoadWhenTheyGiveNothing)
 {
-    LogRecorder log;
     for (const NodeDefFactory factory : {&HostDef::CreateNothing, NodeDefFactory(nullptr)})
     {
         TestMachine machine(WithHostNode());
@@ -459,9 +443,8 @@ TEST(DefinitionBuilders, FailALoadWhenTheyGiveNothing)
     }
 }
 
-TEST(DefinitionBuilders, MayCallADefinitionATransitionThatIsNone)
+TEST_F(DefinitionBuilders, MayCallADefinitionATransitionThatIsNone)
 {
-    LogRecorder log;
     TestMachine machine(WithHostNode());
     machine.RegisterNodeDef(kHostBuilder, HostDef::CreateTransition);
 

@@ -7,6 +7,7 @@
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/HeapWatch.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/LogTest.h"
 #include "tests/support/SmallDocument.h"
 #include "tests/support/TempFile.h"
 #include "tests/support/TestMachine.h"
@@ -51,6 +52,13 @@ public:
     }
 };
 
+/// Tests with a machine that has no document yet.
+class HSMCreate : public LogTest
+{
+protected:
+    TestMachine machine;
+};
+
 bool HasStandardBuilders()
 {
     for (const int builder : {8, 9, 10, 21, 23, 24})
@@ -65,11 +73,8 @@ bool HasStandardBuilders()
 
 } // namespace
 
-TEST(HSMCreate, SizesTheArenaAndPlacesTheNodeTableFirst)
+TEST_F(HSMCreate, SizesTheArenaAndPlacesTheNodeTableFirst)
 {
-    LogRecorder log;
-    TestMachine machine;
-
     EXPECT_EQ(machine.Load(TextWithMemory(50)), 1);
 
     EXPECT_EQ(log.Take(), Lines{});
@@ -82,10 +87,8 @@ TEST(HSMCreate, SizesTheArenaAndPlacesTheNodeTableFirst)
     EXPECT_FALSE(machine.kvTable);
 }
 
-TEST(HSMCreate, TakesTheModelsMemoryByOneMalloc)
+TEST_F(HSMCreate, TakesTheModelsMemoryByOneMalloc)
 {
-    LogRecorder log;
-    TestMachine machine;
     const std::string text = TextWithMemory(1234);
     HeapWatch heap;
     heap.RefuseMalloc(123400, 1);
@@ -95,12 +98,11 @@ TEST(HSMCreate, TakesTheModelsMemoryByOneMalloc)
     EXPECT_EQ(heap.Refused(), 1u);
 }
 
-TEST(HSMCreate, TakesADefaultOf100MebibytesWithoutAFigure)
+TEST_F(HSMCreate, TakesADefaultOf100MebibytesWithoutAFigure)
 {
-    LogRecorder log;
     DocumentBuilder document = SmallDocument();
     document.Head().Remove(JSON_HeadMemory);
-    TestMachine machine(document);
+    machine.Load(document.Text());
 
     EXPECT_EQ(machine.alloc.capacity, 0x6400000u);
     EXPECT_EQ(machine.GetMemoryRequirements(machine.document[DURMBaseLib::GetJsonName(JSON_Head)]),
@@ -108,10 +110,8 @@ TEST(HSMCreate, TakesADefaultOf100MebibytesWithoutAFigure)
     EXPECT_EQ(machine.Init(), 1);
 }
 
-TEST(HSMCreate, GivesTheFigureOfTheHeadAsItIs)
+TEST_F(HSMCreate, GivesTheFigureOfTheHeadAsItIs)
 {
-    LogRecorder log;
-    TestMachine machine;
     GenericDocument head;
 
     head.Parse(JsonObject().Set(JSON_HeadMemory, 77).Text().c_str());
@@ -123,19 +123,15 @@ TEST(HSMCreate, GivesTheFigureOfTheHeadAsItIs)
     EXPECT_EQ(log.Take(), Lines{});
 }
 
-TEST(HSMCreate, MultipliesTheFigureIn32Bits)
+TEST_F(HSMCreate, MultipliesTheFigureIn32Bits)
 {
-    LogRecorder log;
-    TestMachine machine;
-
     EXPECT_EQ(machine.Load(TextWithMemory(42949673 + static_cast<int>(kTableSize))), 1);
 
     EXPECT_EQ(machine.alloc.capacity, 4u + 100u * kTableSize);
 }
 
-TEST(HSMCreate, NeedsRoomForTheNodeTable)
+TEST_F(HSMCreate, NeedsRoomForTheNodeTable)
 {
-    LogRecorder log;
     TestMachine fits;
     TestMachine tooSmall;
 
@@ -151,10 +147,8 @@ TEST(HSMCreate, NeedsRoomForTheNodeTable)
     EXPECT_TRUE(HasStandardBuilders());
 }
 
-TEST(HSMCreate, AsksTwiceForABlockThatIsRefused)
+TEST_F(HSMCreate, AsksTwiceForABlockThatIsRefused)
 {
-    LogRecorder log;
-    TestMachine machine;
     const std::string text = TextWithMemory(5000);
     HeapWatch heap;
     heap.RefuseMalloc(500000, 2);
@@ -168,11 +162,9 @@ TEST(HSMCreate, AsksTwiceForABlockThatIsRefused)
     EXPECT_EQ(machine.nodeDefTable, nullptr);
 }
 
-TEST(HSMCreate, FailsAlsoWhenTheSecondAttemptGetsTheBlock)
+TEST_F(HSMCreate, FailsAlsoWhenTheSecondAttemptGetsTheBlock)
 {
-    LogRecorder log;
     const std::string text = TextWithMemory(5000);
-    TestMachine machine;
     HeapWatch heap;
     heap.RefuseMalloc(500000, 1);
 
@@ -186,9 +178,8 @@ TEST(HSMCreate, FailsAlsoWhenTheSecondAttemptGetsTheBlock)
     EXPECT_EQ(machine.Init(), 0);
 }
 
-TEST(HSMCreate, GivesTheBlockOfASecondAttemptBackWithTheMachine)
+TEST_F(HSMCreate, GivesTheBlockOfASecondAttemptBackWithTheMachine)
 {
-    LogRecorder log;
     const std::string text = TextWithMemory(5000);
     HeapWatch heap;
     {
@@ -199,72 +190,68 @@ TEST(HSMCreate, GivesTheBlockOfASecondAttemptBackWithTheMachine)
     log.Clear();
     const std::ptrdiff_t before = heap.BlocksKept();
     {
-        TestMachine machine;
+        TestMachine fresh;
         heap.RefuseMalloc(500000, 1);
-        machine.Load(text);
-        EXPECT_NE(machine.alloc.block, nullptr);
+        fresh.Load(text);
+        EXPECT_NE(fresh.alloc.block, nullptr);
     }
     log.Clear();
 
     EXPECT_EQ(heap.BlocksKept(), before);
 }
 
-TEST(HSMCreate, ReportsAMissingFileWithTheCode1)
+TEST_F(HSMCreate, ReportsAMissingFileWithTheCode1)
 {
-    LogRecorder log;
-    FileMachine machine("/no/such/file.json");
+    FileMachine fromFile("/no/such/file.json");
 
-    EXPECT_EQ(machine.Create(), 0);
+    EXPECT_EQ(fromFile.Create(), 0);
 
     EXPECT_EQ(log.Take(), (Lines{ParseErrorLine(1), ErrorBreak(kCreate)}));
-    EXPECT_TRUE(machine.document.IsNull());
-    EXPECT_EQ(machine.alloc.block, nullptr);
-    EXPECT_EQ(machine.nodeDefTable, nullptr);
+    EXPECT_TRUE(fromFile.document.IsNull());
+    EXPECT_EQ(fromFile.alloc.block, nullptr);
+    EXPECT_EQ(fromFile.nodeDefTable, nullptr);
 }
 
-TEST(HSMCreate, ReportsAFileThatIsNoJsonWithTheParsersCode)
+TEST_F(HSMCreate, ReportsAFileThatIsNoJsonWithTheParsersCode)
 {
-    LogRecorder log;
     for (const auto& [text, code] : {std::pair("", 1), std::pair("{\"a\":1,}", 4)})
     {
         const TempFile file(text);
-        FileMachine machine(file.Path());
+        FileMachine fromFile(file.Path());
 
-        EXPECT_EQ(machine.Create(), 0);
+        EXPECT_EQ(fromFile.Create(), 0);
 
         EXPECT_EQ(log.Take(), (Lines{ParseErrorLine(code), ErrorBreak(kCreate)})) << text;
-        EXPECT_TRUE(machine.document.IsNull());
-        EXPECT_EQ(machine.nodeDefTable, nullptr);
+        EXPECT_TRUE(fromFile.document.IsNull());
+        EXPECT_EQ(fromFile.nodeDefTable, nullptr);
     }
 }
 
 // Pins down that the parser's code is lost when the document comes as text.
-TEST(HSMCreate, ReportsASyntaxErrorInATextAlwaysWithZero)
+TEST_F(HSMCreate, ReportsASyntaxErrorInATextAlwaysWithZero)
 {
-    LogRecorder log;
     for (const char* text : {"", "{", "{\"a\":1,}", "[1e999]", "{} {}"})
     {
-        TestMachine machine;
+        TestMachine fresh;
 
-        EXPECT_EQ(machine.Load(text), 0);
+        EXPECT_EQ(fresh.Load(text), 0);
 
         EXPECT_EQ(log.Take(), (Lines{ParseErrorLine(0), ErrorBreak(kCreate)})) << text;
-        EXPECT_EQ(machine.nodeDefTable, nullptr);
+        EXPECT_EQ(fresh.nodeDefTable, nullptr);
     }
 }
 
-TEST(HSMCreate, TakesTheTextWhenThereAreAFileAndAText)
+TEST_F(HSMCreate, TakesTheTextWhenThereAreAFileAndAText)
 {
-    LogRecorder log;
-    FileMachine machine("/no/such/file.json");
+    FileMachine fromFile("/no/such/file.json");
 
-    EXPECT_EQ(machine.Load(SmallDocument().Text()), 1);
+    EXPECT_EQ(fromFile.Load(SmallDocument().Text()), 1);
 
     EXPECT_EQ(log.Take(), Lines{});
-    EXPECT_EQ(machine.Init(), 1);
+    EXPECT_EQ(fromFile.Init(), 1);
 }
 
-TEST(HSMCreate, NeedsAHeadWithAFigureAndATypeInADocumentThatIsAnObject)
+TEST_F(HSMCreate, NeedsAHeadWithAFigureAndATypeInADocumentThatIsAnObject)
 {
     const Lines refused = {ErrorBreak(kCreate)};
     const struct
@@ -286,20 +273,19 @@ TEST(HSMCreate, NeedsAHeadWithAFigureAndATypeInADocumentThatIsAnObject)
     for (const auto& failure : failures)
     {
         SCOPED_TRACE(failure.text);
-        LogRecorder log;
-        TestMachine machine;
+        log.Clear();
+        TestMachine fresh;
 
-        EXPECT_EQ(machine.Load(failure.text), 0);
+        EXPECT_EQ(fresh.Load(failure.text), 0);
 
         EXPECT_EQ(log.Take(), failure.lines);
-        EXPECT_EQ(machine.nodeDefTable, nullptr);
-        EXPECT_EQ(machine.Init(), 0);
+        EXPECT_EQ(fresh.nodeDefTable, nullptr);
+        EXPECT_EQ(fresh.Init(), 0);
     }
 }
 
-TEST(HSMCreate, TakesNoBlockWithoutAHeadAndNoneOfTheSizeZero)
+TEST_F(HSMCreate, TakesNoBlockWithoutAHeadAndNoneOfTheSizeZero)
 {
-    LogRecorder log;
     ClearStateBuilders();
 
     TestMachine headless(SmallDocument().LeaveOut(JSON_Head));
@@ -313,24 +299,18 @@ TEST(HSMCreate, TakesNoBlockWithoutAHeadAndNoneOfTheSizeZero)
     EXPECT_TRUE(HasStandardBuilders()) << "the last step is the first that fails";
 }
 
-TEST(HSMCreate, FailsWithoutADocument)
+TEST_F(HSMCreate, FailsWithoutADocument)
 {
-    LogRecorder log;
-    TestMachine machine;
-
     EXPECT_EQ(machine.Create(), 0);
 
     EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate)}));
 }
 
-TEST(HSMCreate, NeedsTheNameOfAMachineType)
+TEST_F(HSMCreate, NeedsTheNameOfAMachineType)
 {
-    LogRecorder log;
     DocumentBuilder document = SmallDocument();
     document.Head().Set(JSON_HeadMemory, 5000).Remove(JSON_HeadMachineType);
     ClearStateBuilders();
-    TestMachine machine;
-
     EXPECT_EQ(machine.Load(document.Text()), 0);
 
     EXPECT_EQ(log.Take(), (Lines{ErrorBreak(kCreate, "")}));
@@ -340,63 +320,56 @@ TEST(HSMCreate, NeedsTheNameOfAMachineType)
     EXPECT_EQ(machine.machineType, 1);
 }
 
-TEST(HSMCreate, TakesTheMachineTypeThatTheHeadNames)
+TEST_F(HSMCreate, TakesTheMachineTypeThatTheHeadNames)
 {
-    LogRecorder log;
     for (const int type : {1, 2, 3})
     {
-        TestMachine machine(WithHead(SmallDocument(), JSON_HeadMachineType, MachineTypeName(type)));
+        TestMachine typed(WithHead(SmallDocument(), JSON_HeadMachineType, MachineTypeName(type)));
 
-        EXPECT_EQ(static_cast<const IHSM&>(machine).GetHSMType(), type);
+        EXPECT_EQ(static_cast<const IHSM&>(typed).GetHSMType(), type);
         EXPECT_EQ(DURMBaseLib::GetStateMachineTypeByName(MachineTypeName(type).c_str()), type);
-        EXPECT_EQ(machine.GetHSMType(machine.document[DURMBaseLib::GetJsonName(JSON_Head)]),
+        EXPECT_EQ(typed.GetHSMType(typed.document[DURMBaseLib::GetJsonName(JSON_Head)]),
                   MachineTypeName(type));
     }
 }
 
-TEST(HSMCreate, TakesAnUnknownMachineTypeForZero)
+TEST_F(HSMCreate, TakesAnUnknownMachineTypeForZero)
 {
-    LogRecorder log;
-    TestMachine machine;
-
     EXPECT_EQ(machine.Load(WithHead(SmallDocument(), JSON_HeadMachineType, "no such type").Text()),
               1);
 
     EXPECT_EQ(machine.machineType, 0);
 }
 
-TEST(HSMCreate, ReadsTheHostsTextAndLeavesItAsItIs)
+TEST_F(HSMCreate, ReadsTheHostsTextAndLeavesItAsItIs)
 {
-    LogRecorder log;
     const std::string before = SmallDocument().Text();
     std::string text = before;
-    HSM machine(text.c_str());
+    HSM host(text.c_str());
 
     EXPECT_EQ(text, before);
     text.assign(text.size(), '#');
-    EXPECT_EQ(machine.Init(), 1);
-    EXPECT_STREQ(machine.FindDef(10u)->GetName(), "Stand");
-    machine.Uninit();
+    EXPECT_EQ(host.Init(), 1);
+    EXPECT_STREQ(host.FindDef(10u)->GetName(), "Stand");
+    host.Uninit();
 }
 
-TEST(HSMCreate, KeepsATextOfTheFilesNameForTheTree)
+TEST_F(HSMCreate, KeepsATextOfTheFilesNameForTheTree)
 {
     const TempFile file(SmallDocument().Text());
-    LogRecorder log;
     std::string path = file.Path();
-    HSM machine(path.c_str(), nullptr);
+    HSM host(path.c_str(), nullptr);
 
     path.assign(path.size(), '#');
 
-    ASSERT_EQ(machine.Init(), 1);
-    EXPECT_STREQ(machine.GetKVTable()->GetString("filename"), file.Path());
-    machine.Uninit();
+    ASSERT_EQ(host.Init(), 1);
+    EXPECT_STREQ(host.GetKVTable()->GetString("filename"), file.Path());
+    host.Uninit();
 }
 
-TEST(HSMCreate, RunsAnewAfterUninitAndTakesANewBlock)
+TEST_F(HSMCreate, RunsAnewAfterUninitAndTakesANewBlock)
 {
-    LogRecorder log;
-    TestMachine machine(TextWithMemory(100));
+    machine.Load(TextWithMemory(100));
     machine.HSM::Uninit();
 
     EXPECT_EQ(machine.Load(TextWithMemory(200)), 1);

@@ -10,6 +10,7 @@
 #include "definitions/NodeDefTable.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/LogTest.h"
 #include "tests/support/SmallDocument.h"
 #include "tests/support/TestAction.h"
 #include "tests/support/TestMachine.h"
@@ -23,6 +24,10 @@ namespace vell::test
 {
 namespace
 {
+
+using ConditionBinding = LogTest;
+using FrameReset = LogTest;
+using HSMMessages = LogTest;
 
 using namespace DURMBaseLib;
 
@@ -69,9 +74,8 @@ const char* const kWarning = "4 Parameter definition is NULL";
 
 } // namespace
 
-TEST(ConditionBinding, ReachesEachLayerAndTheGlobalNodes)
+TEST_F(ConditionBinding, ReachesEachLayerAndTheGlobalNodes)
 {
-    LogRecorder log;
     TestMachine machine(DocumentBuilder()
                             .Parameter(BoolParameter("on", true))
                             .Start(10)
@@ -91,7 +95,7 @@ TEST(ConditionBinding, ReachesEachLayerAndTheGlobalNodes)
     }
 }
 
-TEST(ConditionBinding, WarnsAndFailsForAMissingParameterButNotForAFloat)
+TEST_F(ConditionBinding, WarnsAndFailsForAMissingParameterButNotForAFloat)
 {
     const struct
     {
@@ -108,7 +112,7 @@ TEST(ConditionBinding, WarnsAndFailsForAMissingParameterButNotForAFloat)
     };
     for (const auto& example : cases)
     {
-        LogRecorder log;
+        log.Clear();
         TestMachine machine(StandAndWalk(example.condition));
 
         EXPECT_EQ(machine.Init(), 1);
@@ -117,13 +121,13 @@ TEST(ConditionBinding, WarnsAndFailsForAMissingParameterButNotForAFloat)
     }
 }
 
-TEST(ConditionBinding, LeavesAConditionWithoutItsParameterFalse)
+TEST_F(ConditionBinding, LeavesAConditionWithoutItsParameterFalse)
 {
     for (const Json& condition :
          {Json(BoolCondition("none", false)), Json(IntCondition("none", 1, 0)),
           Json(FloatCondition("none", 1, 0.0)), Json(MessageCondition("none", "x"))})
     {
-        LogRecorder log;
+        log.Clear();
         StartedMachine machine(StandAndWalk(condition));
 
         machine.Update(0.1f);
@@ -132,9 +136,8 @@ TEST(ConditionBinding, LeavesAConditionWithoutItsParameterFalse)
     }
 }
 
-TEST(ConditionBinding, GoesOnBehindAMissingParameter)
+TEST_F(ConditionBinding, GoesOnBehindAMissingParameter)
 {
-    LogRecorder log;
     TestMachine machine(
         DocumentBuilder()
             .Parameter(BoolParameter("on", true))
@@ -148,9 +151,8 @@ TEST(ConditionBinding, GoesOnBehindAMissingParameter)
     EXPECT_EQ(FindTransition(machine, 100)->HandleConditions(&machine), 1);
 }
 
-TEST(ConditionBinding, SkipsAConditionWhoseParameterIdIsZero)
+TEST_F(ConditionBinding, SkipsAConditionWhoseParameterIdIsZero)
 {
-    LogRecorder log;
     InitialisedMachine machine(StandAndWalk(BoolCondition("none", true)));
     FindTransition(machine, 100)->conditions[0]->parameterID = 0;
     log.Clear();
@@ -160,9 +162,8 @@ TEST(ConditionBinding, SkipsAConditionWhoseParameterIdIsZero)
     EXPECT_EQ(log.Take(), Lines());
 }
 
-TEST(ConditionBinding, DoesNotSeeARuntimeParameterUntilItBindsAgain)
+TEST_F(ConditionBinding, DoesNotSeeARuntimeParameterUntilItBindsAgain)
 {
-    LogRecorder log;
     StartedMachine machine(StandAndWalk(BoolCondition("late", true)));
     IParameterBoolDef* late = nullptr;
     ASSERT_EQ(machine.GetParameterTable()->CreateBoolParameter("late", true, &late), 1);
@@ -177,14 +178,14 @@ TEST(ConditionBinding, DoesNotSeeARuntimeParameterUntilItBindsAgain)
     EXPECT_EQ(machine.MainStack(), "Walk");
 }
 
-TEST(ConditionBinding, ByHandCountsInTheNextTickOfAMachineThatHasSettled)
+TEST_F(ConditionBinding, ByHandCountsInTheNextTickOfAMachineThatHasSettled)
 {
     const Json conditions[] = {BoolCondition("bool", true), IntCondition("int", 1, 7),
                                FloatCondition("float", 3, 0.5), MessageCondition("text", "now")};
     const char* const others[] = {"other bool", "other int", "other float", "other text"};
     for (std::size_t i = 0; i < 4; ++i)
     {
-        LogRecorder log;
+        log.Clear();
         InitialisedMachine machine(StandAndWalk(conditions[i])
                                        .Parameter(BoolParameter("bool", false))
                                        .Parameter(IntParameter("int", 0))
@@ -210,9 +211,8 @@ TEST(ConditionBinding, ByHandCountsInTheNextTickOfAMachineThatHasSettled)
     }
 }
 
-TEST(ConditionBinding, NeedsNeitherTables)
+TEST_F(ConditionBinding, NeedsNeitherTables)
 {
-    LogRecorder log;
     TestMachine empty;
     TestMachine noParameters(StandAndWalk(BoolCondition("on", true)).LeaveOut(JSON_Parameters));
 
@@ -327,9 +327,8 @@ TEST_F(Messages, FindsAParameterByItsNameWithoutALogLine)
     EXPECT_EQ(log.Take(), Lines());
 }
 
-TEST(HSMMessages, DoNothingWithoutAParameterTable)
+TEST_F(HSMMessages, DoNothingWithoutAParameterTable)
 {
-    LogRecorder log;
     TestMachine machine;
     const char* text = nullptr;
 
@@ -344,9 +343,8 @@ TEST(HSMMessages, DoNothingWithoutAParameterTable)
     EXPECT_EQ(log.Take(), Lines());
 }
 
-TEST(HSMMessages, ABroadcastMessageFiresUntilItsTextIsSetAgain)
+TEST_F(HSMMessages, ABroadcastMessageFiresUntilItsTextIsSetAgain)
 {
-    LogRecorder log;
     DocumentBuilder document = StandAndWalk(MessageCondition("jump", "now"));
     document.Parameter(MessageParameter("jump", "now"));
     StartedMachine machine(document);
@@ -466,9 +464,8 @@ JsonObject Resetting(JsonObject parameter)
 
 } // namespace
 
-TEST(FrameReset, ComesAfterAllStatesHaveUpdated)
+TEST_F(FrameReset, ComesAfterAllStatesHaveUpdated)
 {
-    LogRecorder log;
     StartedMachine machine(SmallDocument()
                                .Node(Generic("Walk", 11))
                                .Parameter(Resetting(FloatParameter("push", 0.25))));
@@ -490,9 +487,8 @@ TEST(FrameReset, ComesAfterAllStatesHaveUpdated)
     EXPECT_EQ(push->GetValue(), 0.25f);
 }
 
-TEST(FrameReset, MakesATriggerThatIsTrueForOneTick)
+TEST_F(FrameReset, MakesATriggerThatIsTrueForOneTick)
 {
-    LogRecorder log;
     DocumentBuilder document = StandAndWalk(BoolCondition("go", true));
     document.Parameter(Resetting(BoolParameter("go", false)));
     StartedMachine machine(document);
@@ -505,9 +501,8 @@ TEST(FrameReset, MakesATriggerThatIsTrueForOneTick)
     EXPECT_FALSE(go->GetValue());
 }
 
-TEST(FrameReset, TakesParametersInAscendingIdOrderAndNoOthers)
+TEST_F(FrameReset, TakesParametersInAscendingIdOrderAndNoOthers)
 {
-    LogRecorder log;
     InitialisedMachine machine(
         SmallDocument()
             .Parameter(Resetting(IntParameter("c", 0)).Set(JSON_ID, 4000000000u))
@@ -534,9 +529,8 @@ TEST(FrameReset, TakesParametersInAscendingIdOrderAndNoOthers)
     EXPECT_EQ(Find<ParameterMessageDef>(machine, "b")->GetValue(), "text");
 }
 
-TEST(FrameReset, TakesADefaultThatTheHostHasChanged)
+TEST_F(FrameReset, TakesADefaultThatTheHostHasChanged)
 {
-    LogRecorder log;
     InitialisedMachine machine(
         SmallDocument().Parameter(Resetting(VectorParameter(4, "stick", "3,4"))));
     auto* stick = Find<ParameterAnalogDef>(machine, "stick");
@@ -549,9 +543,8 @@ TEST(FrameReset, TakesADefaultThatTheHostHasChanged)
     EXPECT_EQ(stick->GetMagnitude(), 10.0f);
 }
 
-TEST(FrameReset, EndsWithUninitParameterTable)
+TEST_F(FrameReset, EndsWithUninitParameterTable)
 {
-    LogRecorder log;
     InitialisedMachine machine(SmallDocument()
                                    .Parameter(Resetting(FloatParameter("push", 0.0)))
                                    .Parameter(Resetting(BoolParameter("hit", false))));
@@ -569,9 +562,8 @@ TEST(FrameReset, EndsWithUninitParameterTable)
     EXPECT_TRUE(hit->GetValue());
 }
 
-TEST(FrameReset, HappensBeforeStartTooButNotWhileAContextIsApplied)
+TEST_F(FrameReset, HappensBeforeStartTooButNotWhileAContextIsApplied)
 {
-    LogRecorder log;
     InitialisedMachine machine(SmallDocument().Parameter(Resetting(FloatParameter("push", 0.0))));
     auto* push = Find<ParameterFloatDef>(machine, "push");
     push->SetValue(1.0f);

@@ -5,6 +5,7 @@
 #include "tests/support/Definitions.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/LogTest.h"
 #include "tests/support/VirtualOrder.h"
 #include "transitions/ConditionDefBool.h"
 #include "transitions/ConditionDefInteger.h"
@@ -24,6 +25,8 @@ namespace vell::test
 {
 namespace
 {
+
+using WrongClassCondition = LogTest;
 
 using namespace DURMBaseLib;
 
@@ -437,9 +440,8 @@ TEST(Condition, UninitClearsTheBindingOfAllButMessagesAndNothingElse)
 
 // A condition reads the value of a parameter of another class as if it were of its own.
 
-TEST(WrongClassCondition, BoolComparesOneByteThatMayBeNeitherZeroNorOne)
+TEST_F(WrongClassCondition, BoolComparesOneByteThatMayBeNeitherZeroNorOne)
 {
-    LogRecorder log;
     ParameterIntegerDef integer;
     Bound<ConditionDefBool> wantsTrue(BoolCondition("x", true), integer);
     Bound<ConditionDefBool> wantsFalse(BoolCondition("x", false), integer);
@@ -455,9 +457,8 @@ TEST(WrongClassCondition, BoolComparesOneByteThatMayBeNeitherZeroNorOne)
     }
 }
 
-TEST(WrongClassCondition, IntegerReadsABoolWithoutFaulting)
+TEST_F(WrongClassCondition, IntegerReadsABoolWithoutFaulting)
 {
-    LogRecorder log;
     ParameterBoolDef flag;
     Bound<ConditionDefInteger> isZero(IntCondition("x", 1, 0), flag);
 
@@ -468,9 +469,8 @@ TEST(WrongClassCondition, IntegerReadsABoolWithoutFaulting)
     EXPECT_TRUE(isZero.Holds());
 }
 
-TEST(WrongClassCondition, IntegerReadsTheBitsOfAFloat)
+TEST_F(WrongClassCondition, IntegerReadsTheBitsOfAFloat)
 {
-    LogRecorder log;
     ParameterFloatDef number;
     Bound<ConditionDefInteger> isBits(IntCondition("x", 1, 0x3f800000), number);
 
@@ -479,9 +479,8 @@ TEST(WrongClassCondition, IntegerReadsTheBitsOfAFloat)
     EXPECT_TRUE(isBits.Holds());
 }
 
-TEST(WrongClassCondition, FloatReadsTheBitsOfAnIntegerAndTheFirstOfAVector)
+TEST_F(WrongClassCondition, FloatReadsTheBitsOfAnIntegerAndTheFirstOfAVector)
 {
-    LogRecorder log;
     ParameterIntegerDef integer;
     ParameterFloat3Def vector;
     Bound<ConditionFloatDef> onInteger(FloatCondition("x", 1, 1.0), integer);
@@ -494,9 +493,8 @@ TEST(WrongClassCondition, FloatReadsTheBitsOfAnIntegerAndTheFirstOfAVector)
     EXPECT_TRUE(onVector.Holds());
 }
 
-TEST(WrongClassCondition, FloatReadsABoolAsATinyNumber)
+TEST_F(WrongClassCondition, FloatReadsABoolAsATinyNumber)
 {
-    LogRecorder log;
     ParameterBoolDef flag;
     Bound<ConditionFloatDef> isZero(FloatCondition("x", 1, 0.0), flag);
 
@@ -505,9 +503,8 @@ TEST(WrongClassCondition, FloatReadsABoolAsATinyNumber)
     EXPECT_TRUE(isZero.Holds());
 }
 
-TEST(WrongClassCondition, AllButMessagesReadTheBytesOfAText)
+TEST_F(WrongClassCondition, AllButMessagesReadTheBytesOfAText)
 {
-    LogRecorder log;
     ParameterMessageDef text;
     text.SetValue("some text");
     Bound<ConditionDefBool> boolean(BoolCondition("x", true), text);
@@ -525,9 +522,8 @@ TEST(WrongClassCondition, AllButMessagesReadTheBytesOfAText)
     EXPECT_EQ(number.Holds(), asFloat > 0.0f);
 }
 
-TEST(WrongClassCondition, MessageOnWhatIsNoMessageIsFalse)
+TEST_F(WrongClassCondition, MessageOnWhatIsNoMessageIsFalse)
 {
-    LogRecorder log;
     ParameterFloatDef number;
     Bound<ConditionDefMessage> bound(MessageCondition("x", "y"), number);
 

@@ -11,6 +11,7 @@
 #include "tests/support/Definitions.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/LogTest.h"
 #include "tests/support/TestMachine.h"
 #include "tests/support/VirtualOrder.h"
 #include "transitions/ConditionDefBool.h"
@@ -24,6 +25,8 @@ namespace vell::test
 {
 namespace
 {
+
+using TransitionInAMachine = LogTest;
 
 using namespace DURMBaseLib;
 
@@ -596,9 +599,8 @@ const std::vector<Json>& WhenOn()
 
 } // namespace
 
-TEST(TransitionInAMachine, WithTheSmallerPriorityFires)
+TEST_F(TransitionInAMachine, WithTheSmallerPriorityFires)
 {
-    LogRecorder log;
     StartedMachine machine(
         TwoWays(Transition("Later", 100, 10, 11, WhenOn()),
                 Transition("Sooner", 101, 10, 12, WhenOn()).Set(JSON_TransitionPriority, 4)));
@@ -608,9 +610,8 @@ TEST(TransitionInAMachine, WithTheSmallerPriorityFires)
     EXPECT_EQ(machine.MainStack(), "Run");
 }
 
-TEST(TransitionInAMachine, WithTheTargetZeroBlocksThoseBehindItWhileItHolds)
+TEST_F(TransitionInAMachine, WithTheTargetZeroBlocksThoseBehindItWhileItHolds)
 {
-    LogRecorder log;
     StartedMachine machine(
         TwoWays(Transition("Nowhere", 100, 10, 0, WhenOn()), Transition("Go", 101, 10, 12)));
     machine.AssignTrigger("Go", Note<'g', true>);
@@ -627,9 +628,8 @@ TEST(TransitionInAMachine, WithTheTargetZeroBlocksThoseBehindItWhileItHolds)
     TakeCalls();
 }
 
-TEST(TransitionInAMachine, SeesWhatATriggerBeforeItBound)
+TEST_F(TransitionInAMachine, SeesWhatATriggerBeforeItBound)
 {
-    LogRecorder log;
     StartedMachine machine(TwoWays(Transition("Binds", 100, 10, 11),
                                    Transition("Late", 101, 10, 12, {BoolCondition("late", true)})));
     machine.Update(0.1f);
@@ -649,9 +649,8 @@ TEST(TransitionInAMachine, SeesWhatATriggerBeforeItBound)
     EXPECT_EQ(machine.MainStack(), "Run") << "in the same tick";
 }
 
-TEST(TransitionInAMachine, IsNotAskedWhenDisabled)
+TEST_F(TransitionInAMachine, IsNotAskedWhenDisabled)
 {
-    LogRecorder log;
     StartedMachine machine(
         TwoWays(Transition("Off", 100, 10, 11, WhenOn()).Set(JSON_TransitionDisabled, true),
                 Transition("None", 101, 10, 12)));
@@ -663,9 +662,8 @@ TEST(TransitionInAMachine, IsNotAskedWhenDisabled)
     EXPECT_EQ(TakeCalls(), "");
 }
 
-TEST(TransitionInAMachine, DoesNotOwnAConditionThatStandsAmongTheNodes)
+TEST_F(TransitionInAMachine, DoesNotOwnAConditionThatStandsAmongTheNodes)
 {
-    LogRecorder log;
     JsonObject node = BoolCondition("on", true);
     node.Set(JSON_ID, 300).Set(JSON_BuilderType, BuilderName(BUILDER_Condition));
     StartedMachine machine(
@@ -679,9 +677,8 @@ TEST(TransitionInAMachine, DoesNotOwnAConditionThatStandsAmongTheNodes)
     EXPECT_EQ(machine.MainStack(), "Stand");
 }
 
-TEST(TransitionInAMachine, WithBadConditionsFiresByATrigger)
+TEST_F(TransitionInAMachine, WithBadConditionsFiresByATrigger)
 {
-    LogRecorder log;
     StartedMachine machine(TwoWays(Transition("Broken", 100, 10, 11).Set(JSON_Conditions, 5),
                                    Transition("None", 101, 10, 12)));
     machine.Update(0.1f);
