@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <iterator>
 
 namespace vell::tool
 {
@@ -123,8 +124,8 @@ std::string SignatureOf(const OptionDescription& option)
 
 bool IsFileValue(const std::string& valueName)
 {
-    return valueName == "FILE" || valueName == "SCRIPT" || valueName == "DOCUMENT" ||
-           valueName == "CONTEXT";
+    static const char* const names[] = {"FILE", "SCRIPT", "DOCUMENT", "CONTEXT", "A", "B"};
+    return std::find(std::begin(names), std::end(names), valueName) != std::end(names);
 }
 
 std::vector<std::string> Wrapped(const std::string& text, std::size_t width)

@@ -154,40 +154,45 @@ std::string ZshFunction(const CommandDescription& command, const std::string& wo
            cases + "    esac ;;\n  esac\n}\n\n";
 }
 
+/// Branches of `case` statements of bash.
+struct BashCases
+{
+    std::string known;  ///< steps into a command
+    std::string values; ///< what an option takes, behind the command and the option
+    std::string next;   ///< what is behind a command
+};
+
+void AddBashCases(const CommandDescription& command, const std::string& words, BashCases& cases)
+{
+    const std::string margin = "        ";
+    cases.known += words.empty() ? "" : margin + Quoted(words) + ") path=$try ;;\n";
+    for (const OptionDescription& option : command.options)
+    {
+        if (option.valueName.empty() || option.hasOptionalValue)
+        {
+            continue;
+        }
+        cases.values += margin + Quoted(words + " " + option.longName);
+        cases.values +=
+            option.shortName.empty() ? "" : "|" + Quoted(words + " " + option.shortName);
+        const bool isFile = IsFileValue(option.valueName);
+        cases.values +=
+            ") " + (isFile ? "files=1" : "words=" + Quoted(Joined(option.choices))) + " ;;\n";
+    }
+    cases.next += margin + Quoted(words) + ") words=" + Quoted(NextWords(command)) +
+                  " options=" + Quoted(OptionWords(command)) +
+                  (TakesFiles(command) ? " files=1" : "") + " ;;\n";
+}
+
 } // namespace
 
 std::string BashCompletion(const CommandDescription& program)
 {
-    std::string known;  // cases that step into a command
-    std::string values; // cases of an option's value
-    std::string next;   // cases of the words behind a command
+    BashCases cases;
     Visit(program, "",
-          [&](const CommandDescription& command, const std::string& words)
+          [&cases](const CommandDescription& command, const std::string& words)
           {
-              if (!words.empty())
-              {
-                  known += "        " + Quoted(words) + ") path=$try ;;\n";
-              }
-              for (const OptionDescription& option : command.options)
-              {
-                  const std::string pattern =
-                      "        " + Quoted(words + " " + option.longName) +
-                      (option.shortName.empty() ? ""
-                                                : "|" + Quoted(words + " " + option.shortName)) +
-                      ") ";
-                  if (!option.choices.empty() && !option.hasOptionalValue)
-                  {
-                      values += pattern + "words=" + Quoted(Joined(option.choices)) + " ;;\n";
-                  }
-                  else if (!option.valueName.empty() && !option.hasOptionalValue)
-                  {
-                      values += pattern + (IsFileValue(option.valueName) ? "files=1" : "words=''") +
-                                " ;;\n";
-                  }
-              }
-              next += "        " + Quoted(words) + ") words=" + Quoted(NextWords(command)) +
-                      " options=" + Quoted(OptionWords(command)) +
-                      (TakesFiles(command) ? "; files=1" : "") + " ;;\n";
+              AddBashCases(command, words, cases);
           });
     return "# bash completion of vell. Load it with: source <(vell completion bash)\n"
            "_vell() {\n"
@@ -198,17 +203,17 @@ std::string BashCompletion(const CommandDescription& program)
            "    for ((i = 1; i < COMP_CWORD; ++i)); do\n"
            "        try=\"${path:+$path }${COMP_WORDS[i]}\"\n"
            "        case $try in\n" +
-           known +
+           cases.known +
            "        esac\n"
            "    done\n"
            "    # bash splits --option=value at the equals sign.\n"
            "    [[ $current == '=' ]] && current=''\n"
            "    [[ $previous == '=' ]] && previous=${COMP_WORDS[COMP_CWORD - 2]}\n"
            "    case \"$path $previous\" in\n" +
-           values +
+           cases.values +
            "        *)\n"
            "        case $path in\n" +
-           next +
+           cases.next +
            "        esac ;;\n"
            "    esac\n"
            "    [[ $current == -* || -z $words$files ]] && words=$options\n"
