@@ -83,7 +83,7 @@ void Session::AddDocument(CLI::App& command)
                     "Write the library's log to this file; otherwise it is not shown")
         ->type_name("FILE");
     command.add_flag("--no-check", options.noCheck, "Go on with a document that has errors");
-    command.add_flag("-W", options.showsWarnings, "Show the warnings of vell check too");
+    command.add_flag("-W,--warnings", options.showsWarnings, "Show the warnings of vell check too");
 }
 
 void Session::AddColor(CLI::App& command)
