@@ -15,6 +15,21 @@ namespace
 
 using source::Value;
 
+/// Tells whether other places name what this member says or contains.
+bool IsNamedElsewhere(const std::string& member)
+{
+    using namespace DURMBaseLib;
+    for (const __JSONTYPES__ named :
+         {JSON_ID, JSON_Name, JSON_Nodes, JSON_Layers, JSON_Parameters, JSON_Global})
+    {
+        if (member == GetJsonName(named))
+        {
+            return true;
+        }
+    }
+    return false;
+}
+
 /// An object or array that is not empty.
 std::vector<const Value*> FindContainers(const Value& root)
 {
@@ -96,8 +111,7 @@ private:
     {
         const std::size_t index = Below(object.members.size());
         const source::Member& member = object.members[index];
-        made.isId = member.name == DURMBaseLib::GetJsonName(DURMBaseLib::JSON_ID) ||
-                    member.name == DURMBaseLib::GetJsonName(DURMBaseLib::JSON_Name);
+        made.isId = IsNamedElsewhere(member.name);
         const std::uint32_t begin = member.nameSpan.begin.offset;
         const std::uint32_t end = member.value.span.end.offset;
         const Value& value = member.value;
