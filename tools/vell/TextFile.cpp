@@ -62,10 +62,11 @@ std::string ReadTextFile(const std::string& path, std::string* text)
             return "";
         }
     }
+    const int error = errno;
     std::error_code ignored;
     // Windows does not open a folder, and says that it is not permitted.
     const bool isFolder = std::filesystem::is_directory(PathOf(path), ignored);
-    return "cannot read " + path + ": " + Reason(isFolder ? EISDIR : errno);
+    return "cannot read " + path + ": " + Reason(isFolder ? EISDIR : error);
 }
 
 std::string WriteTextFile(const std::string& path, const std::string& text)
