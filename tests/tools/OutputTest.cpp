@@ -100,10 +100,10 @@ TEST(VellOutput, ExitsWithTwoWhenTheDiskIsFull)
     const std::string document = folder.Write("a.json", Walker().Text());
     const std::string script = folder.Write("a.script", "expect stack X\n");
     for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
-             {"run", document},
-             {"graph", document},
-             {"tree", document, "--format", "text"},
-             {"context", "save", document, "--after", "/dev/null"},
+             {"run", document, "--no-check"},
+             {"graph", document, "--no-check"},
+             {"tree", document, "--no-check", "--format", "text"},
+             {"context", "save", document, "--no-check", "--after", "/dev/null"},
              {"help"},
              {"run", "--help"},
              {"--version"}})
@@ -124,8 +124,9 @@ TEST(VellOutput, EndsALongRunWhenNobodyReadsIt)
     const Folder folder;
 
     // To its end this run would take hours.
-    const Outcome outcome = CallOn(ends[1], {"run", folder.Write("a.json", Walker().Text()),
-                                             "--ticks", "1000000000000", "--explain=all"});
+    const Outcome outcome =
+        CallOn(ends[1], {"run", folder.Write("a.json", Walker().Text()), "--no-check", "--ticks",
+                         "1000000000000", "--explain=all"});
 
     std::signal(SIGPIPE, before);
     EXPECT_EQ(outcome.code, tool::ExitUsage);
@@ -151,8 +152,8 @@ TEST(VellOutput, ComesBeforeTheFailureThatFollowsIt)
     const Folder folder;
     const std::string document = folder.Write("a.json", Walker().Text());
     const std::string script = folder.Write("a.script", "tick\nexpect stack X\ntick\n");
-    const std::vector<const char*> arguments = {"vell", "run", document.c_str(), "--script",
-                                                script.c_str()};
+    const std::vector<const char*> arguments = {"vell",       "run",      document.c_str(),
+                                                "--no-check", "--script", script.c_str()};
     std::string arrived;
     HeldBack outBuffer(arrived);
     HeldBack errorBuffer(arrived);
