@@ -19,7 +19,7 @@ namespace vell::test
 /// Notes each call: "NAME: change TRANSITION: PREVIOUS -> NEXT" for a state change, "NAME: play
 /// CLIP FLAG SCALAR" for an animation, "NAME: event NUMBER" for others and for null records. Then
 /// runs `then`, if there is one.
-class TestListener : public IBroadcastListener
+class TestListener final : public IBroadcastListener
 {
 public:
     /// Notes between the lines of the LogRecorder that lives.

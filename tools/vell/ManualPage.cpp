@@ -30,7 +30,8 @@ std::string AsTyped(const std::string& text)
     const std::size_t end = text.find_last_not_of('\n');
     return begin == std::string::npos
                ? ""
-               : ".PP\n.in 0\n.nf\n" + Escaped(text.substr(begin, end - begin + 1)) + "\n.fi\n.in\n";
+               : ".PP\n.in 0\n.nf\n" + Escaped(text.substr(begin, end - begin + 1)) +
+                     "\n.fi\n.in\n";
 }
 
 std::string Entry(const std::string& left, const std::string& description)
