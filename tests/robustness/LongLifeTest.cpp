@@ -29,6 +29,15 @@
 #include <unistd.h>
 #endif
 
+#if defined(__SANITIZE_ADDRESS__)
+/// The address sanitizer asks for this: it is to keep little of what was freed.
+extern "C" __attribute__((visibility("default"))) const char* __asan_default_options();
+const char* __asan_default_options()
+{
+    return "quarantine_size_mb=1";
+}
+#endif
+
 namespace vell::test
 {
 namespace
@@ -38,7 +47,11 @@ namespace
 constexpr unsigned long long kMachines = 500;
 constexpr unsigned long long kTicks = 100000;
 /// What the resident memory may grow by after warm-up, however long a run is.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr long kPlayKilobytes = 4096; // the sanitizer keeps a record of each place of allocation
+#else
 constexpr long kPlayKilobytes = 1024;
+#endif
 
 std::string ReadSample(const std::string& name)
 {
