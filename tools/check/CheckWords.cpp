@@ -83,7 +83,7 @@ std::string HintFor(Words words, const std::string& wrong)
         }
     }
     const std::vector<std::string_view>& list = WordsOf(words);
-    const std::string nearest = DidYouMean(wrong, list);
+    std::string nearest = DidYouMean(wrong, list);
     if (!nearest.empty())
     {
         return nearest;

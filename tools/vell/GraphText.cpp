@@ -45,7 +45,7 @@ std::size_t CharacterLength(const std::string& text, std::size_t at)
 /// Cuts a text that is too long for a box; the tool tip has all of it.
 std::string Shortened(const std::string& text)
 {
-    const std::string whole = Printable(text);
+    std::string whole = Printable(text);
     std::size_t end = 0;
     for (std::size_t count = 0; end < whole.size(); ++count)
     {

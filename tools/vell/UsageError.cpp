@@ -25,6 +25,7 @@ std::vector<const CLI::App*> SubcommandsOf(const CLI::App& app)
 std::vector<std::string> NamesOf(const std::vector<const CLI::App*>& commands)
 {
     std::vector<std::string> names;
+    names.reserve(commands.size());
     for (const CLI::App* command : commands)
     {
         names.push_back(command->get_name());
