@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -95,35 +96,39 @@ TEST(GraphScope, ShowsLevelsAndTheirNeighbours)
 {
     struct Case
     {
-        tool::GraphScope scope;
-        std::string shown;
+        const char* level;
+        std::optional<std::size_t> depth;
+        const char* shown;
     };
     const std::vector<Case> cases{
-        {{},
+        {"",
+         {},
          "a: House{HouseIn HouseOut Hall Kitchen{KitchenIn KitchenOut Cook Oven{OvenIn OvenOut "
          "Bake}}} Garden Alarm: Leave . HallToKitchen KitchenToHall . CookToOven CookToHall "
          "OvenToCook . BakeToBake BakeToGarden GardenToHouse Fire"},
-        {{"", 1}, "a: [House] Garden Alarm: Leave BakeToGarden(Bake) GardenToHouse Fire"},
-        {{"", 2},
+        {"", 1, "a: [House] Garden Alarm: Leave BakeToGarden(Bake) GardenToHouse Fire"},
+        {"", 2,
          "a: House{HouseIn HouseOut Hall [Kitchen]} Garden Alarm: Leave . HallToKitchen "
          "KitchenToHall CookToHall(Cook) BakeToGarden(Bake) GardenToHouse Fire"},
-        {{"", 9},
+        {"", 9,
          "a: House{HouseIn HouseOut Hall Kitchen{KitchenIn KitchenOut Cook Oven{OvenIn OvenOut "
          "Bake}}} Garden Alarm: Leave . HallToKitchen KitchenToHall . CookToOven CookToHall "
          "OvenToCook . BakeToBake BakeToGarden GardenToHouse Fire"},
-        {{"Kitchen", {}},
+        {"Kitchen",
+         {},
          "a: Kitchen: Kitchen{KitchenIn KitchenOut Cook Oven{OvenIn OvenOut Bake}} (House/Hall) "
          "(Garden) (Alarm): HallToKitchen KitchenToHall . CookToOven CookToHall OvenToCook . "
          "BakeToBake BakeToGarden Fire"},
-        {{"Kitchen", 1},
+        {"Kitchen", 1,
          "a: Kitchen: Kitchen{KitchenIn KitchenOut Cook [Oven]} (House/Hall) (Garden) (Alarm): "
          "HallToKitchen KitchenToHall . CookToOven CookToHall OvenToCook BakeToGarden(Bake) Fire"},
-        {{"30", {}},
+        {"30",
+         {},
          "a: Oven: Oven{OvenIn OvenOut Bake} (House/Kitchen/Cook) (Garden) (Alarm): CookToOven "
          "OvenToCook . BakeToBake BakeToGarden Fire"}};
     for (const Case& one : cases)
     {
-        EXPECT_EQ(Shown(one.scope), one.shown);
+        EXPECT_EQ(Shown({one.level, one.depth}), one.shown);
     }
 }
 
