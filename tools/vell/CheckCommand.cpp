@@ -35,7 +35,7 @@ constexpr const char* kCheckHelp = R"(
 A DOCUMENT may be a folder, which stands for all files *.json in it, or - for
 standard input. Each finding is a line such as
 
-  hero.json:12:29: error VELL041: unknown operator 'lessThan'; did you mean 'less'?
+  hero.json:12:9: error VELL041: unknown operator 'lesser'; did you mean 'less'?
 
 An error: the library refuses the document or loses a part of it, or a
 reference leads nowhere. A warning: it is accepted, but hardly meant.
