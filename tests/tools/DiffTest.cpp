@@ -13,6 +13,7 @@
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/DocumentFiles.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -32,6 +33,7 @@ namespace
 using diff::Change;
 using diff::Difference;
 using diff::Subject;
+using testing::HasSubstr;
 
 /// A document in pieces that a test changes.
 struct Pieces
@@ -463,6 +465,23 @@ TEST(VellDiff, WritesMarkdownForAReview)
                              "- removed **Sky (31)**: generic in Air (30), layer More\n");
     EXPECT_EQ(same.code, tool::ExitWell);
     EXPECT_EQ(same.out, "### " + before + " \xE2\x86\x92 " + before + "\n\nNo differences.\n");
+}
+
+TEST(VellDiff, PrintsNoControlCharacterOfADocument)
+{
+    const Folder folder;
+    const std::string before = folder.Write("a.json", Pieces().Text());
+    Pieces pieces;
+    pieces.more.push_back(Generic("Rain\x1B[2J\n", 32, {}, 30));
+    const std::string after = folder.Write("b.json", pieces.Text());
+    const std::string shown = "Rain\xEF\xBF\xBD[2J\xEF\xBF\xBD";
+
+    const Outcome text = CallVell({"diff", before, after});
+    const Outcome markdown = CallVell({"diff", before, after, "--format", "markdown"});
+
+    EXPECT_EQ(text.out,
+              "states\n  + " + shown + " (32): generic in Air (30), layer More\n1 added\n");
+    EXPECT_THAT(markdown.out, HasSubstr("- added **Rain\xEF\xBF\xBD\\[2J\xEF\xBF\xBD (32)**: "));
 }
 
 TEST(VellDiff, WritesJsonForPrograms)

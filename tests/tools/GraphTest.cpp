@@ -422,25 +422,31 @@ TEST(GraphDot, EscapesNamesOfStatesLevelsAndTransitions)
 
     EXPECT_EQ(
         LinesWith(GraphOf(builder), "d#e"),
-        "label=\"\"; tooltip=\"a\\\"b\\\\c\\nd#e<f>g`h&i?, id 20\";\n"
+        "label=\"\"; tooltip=\"a\\\"b\\\\c\\nd#e<f>g`h&i\xEF\xBF\xBD, id 20\";\n"
         "<TR><TD PORT=\"head\" CELLPADDING=\"6\"><FONT POINT-SIZE=\"16\"><B><FONT "
-        "COLOR=\"#1f2933\">a&quot;b\\c<BR/>d#e&lt;f&gt;g`h&amp;i?</FONT></B></FONT></TD></TR>\n"
-        ">, tooltip=\"a\\\"b\\\\c\\nd#e<f>g`h&i?, id 20\"];\n"
+        "COLOR=\"#1f2933\">a&quot;b\\c<BR/>d#e&lt;f&gt;g`h&amp;i\xEF\xBF\xBD</FONT></B></FONT></"
+        "TD></TR>\n"
+        ">, tooltip=\"a\\\"b\\\\c\\nd#e<f>g`h&i\xEF\xBF\xBD, id 20\"];\n"
         "<TR><TD PORT=\"head\" CELLPADDING=\"6\"><FONT POINT-SIZE=\"13\"><B><FONT "
-        "COLOR=\"#1f2933\">a&quot;b\\c<BR/>d#e&lt;f&gt;g`h&amp;i?</FONT></B></FONT></TD></TR>\n"
+        "COLOR=\"#1f2933\">a&quot;b\\c<BR/>d#e&lt;f&gt;g`h&amp;i\xEF\xBF\xBD</FONT></B></FONT></"
+        "TD></TR>\n"
         "<HR/><TR><TD PORT=\"row0\" ALIGN=\"LEFT\" BALIGN=\"LEFT\"><FONT POINT-SIZE=\"11\"><FONT "
         "COLOR=\"#1f2933\">m == "
-        "&quot;a&quot;b\\c<BR/>d#e&lt;f&gt;g`h&amp;i?&quot;&#160;&#160;&#8635;<BR "
+        "&quot;a&quot;b\\c<BR/>d#e&lt;f&gt;g`h&amp;i\xEF\xBF\xBD&quot;&#160;&#160;&#8635;<BR "
         "ALIGN=\"LEFT\"/></FONT></FONT></TD></TR>\n"
-        ">, tooltip=\"a\\\"b\\\\c\\nd#e<f>g`h&i?, id 10\\na\\\"b\\\\c\\nd#e<f>g`h&i? "
-        "(a\\\"b\\\\c\\nd#e<f>g`h&i? -> a\\\"b\\\\c\\nd#e<f>g`h&i?), priority 5: m == "
-        "\\\"a\\\"b\\\\c\\nd#e<f>g`h&i?\\\"\"];\n"
+        ">, tooltip=\"a\\\"b\\\\c\\nd#e<f>g`h&i\xEF\xBF\xBD, id "
+        "10\\na\\\"b\\\\c\\nd#e<f>g`h&i\xEF\xBF\xBD "
+        "(a\\\"b\\\\c\\nd#e<f>g`h&i\xEF\xBF\xBD -> a\\\"b\\\\c\\nd#e<f>g`h&i\xEF\xBF\xBD), "
+        "priority 5: m == "
+        "\\\"a\\\"b\\\\c\\nd#e<f>g`h&i\xEF\xBF\xBD\\\"\"];\n"
         "n20:head:_ -> n10:head:_ [weight=8, tooltip=\"The substate starts here: "
-        "a\\\"b\\\\c\\nd#e<f>g`h&i?In, id 21\", dir=both, arrowtail=dot];\n");
-    EXPECT_EQ(LinesWith(GraphOf(builder, {"--format", "mermaid"}), "#35;"),
-              "subgraph n20[\"a#quot;b\\c d#35;e#lt;f#gt;g#96;h#amp;i?\"]\n"
-              "n10(\"a#quot;b\\c d#35;e#lt;f#gt;g#96;h#amp;i?\")\n"
-              "n10 -->|\"m == #quot;a#quot;b\\c d#35;e#lt;f#gt;g#96;h#amp;i?#quot;\"| n10\n");
+        "a\\\"b\\\\c\\nd#e<f>g`h&i\xEF\xBF\xBD"
+        "In, id 21\", dir=both, arrowtail=dot];\n");
+    EXPECT_EQ(
+        LinesWith(GraphOf(builder, {"--format", "mermaid"}), "#35;"),
+        "subgraph n20[\"a#quot;b\\c d#35;e#lt;f#gt;g#96;h#amp;i\xEF\xBF\xBD\"]\n"
+        "n10(\"a#quot;b\\c d#35;e#lt;f#gt;g#96;h#amp;i\xEF\xBF\xBD\")\n"
+        "n10 -->|\"m == #quot;a#quot;b\\c d#35;e#lt;f#gt;g#96;h#amp;i\xEF\xBF\xBD#quot;\"| n10\n");
 }
 
 TEST(GraphOptions, AreCheckedOneByOne)
@@ -515,27 +521,6 @@ TEST(GraphText, ShowsConditionsAsLinesOfBoundedLength)
         edge.conditions = one.conditions;
 
         EXPECT_EQ(tool::TransitionLines(edge), one.lines);
-    }
-}
-
-TEST(GraphText, ReplacesWhatNoPictureCanShow)
-{
-    const std::vector<std::pair<std::string, std::string>> cases{
-        {"plain\ntext", "plain\ntext"},
-        {"\x01\t\x7F", "???"},
-        {"\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80", "\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80"},
-        {"\xE9", "?"},
-        {"\xC3", "?"},
-        {"\xC3(", "?("},
-        {"\xC0\x80", "??"},
-        {"\xE0\x80\x80", "???"},
-        {"\xED\xA0\x80", "???"},
-        {"\xF4\x90\x80\x80", "????"},
-        {"\xEF\xBF\xBD \xEF\xBF\xBE \xEF\xBF\xBF", "\xEF\xBF\xBD ??? ???"},
-        {"\xF0\x80\x80\x80", "????"}};
-    for (const auto& [text, printable] : cases)
-    {
-        EXPECT_EQ(tool::Printable(text), printable);
     }
 }
 

@@ -1,7 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tools/check/OutputData.cpp: findings for programs.
 #include "tools/check/Output.h"
-#include "tools/check/Printable.h"
+#include "tools/source/Printable.h"
 
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
@@ -30,7 +30,7 @@ void Put(Writer& writer, const char* name, std::uint64_t number)
 
 std::string MessageOf(const Finding& finding)
 {
-    return ToPrintable(finding.message + (finding.hint.empty() ? "" : "; " + finding.hint));
+    return source::ToPrintable(finding.message + (finding.hint.empty() ? "" : "; " + finding.hint));
 }
 
 void PutSpan(Writer& writer, const source::Span& span)
@@ -47,17 +47,17 @@ void PutFinding(Writer& writer, const Finding& finding)
     Put(writer, "code", NameOf(finding.code));
     Put(writer, "severity", NameOf(GetEntry(finding.code).severity));
     PutSpan(writer, finding.where);
-    Put(writer, "message", ToPrintable(finding.message));
+    Put(writer, "message", source::ToPrintable(finding.message));
     if (!finding.hint.empty())
     {
-        Put(writer, "hint", ToPrintable(finding.hint));
+        Put(writer, "hint", source::ToPrintable(finding.hint));
     }
     if (finding.hasOther)
     {
         writer.Key("other");
         writer.StartObject();
         PutSpan(writer, finding.other);
-        Put(writer, "message", ToPrintable(finding.otherNote));
+        Put(writer, "message", source::ToPrintable(finding.otherNote));
         writer.EndObject();
     }
     writer.EndObject();
@@ -144,7 +144,7 @@ void PutResult(Writer& writer, const std::string& path, const Finding& finding,
         writer.StartArray();
         writer.StartObject();
         PutPhysicalLocation(writer, path, finding.other);
-        PutText(writer, "message", ToPrintable(finding.otherNote));
+        PutText(writer, "message", source::ToPrintable(finding.otherNote));
         writer.EndObject();
         writer.EndArray();
     }
@@ -187,7 +187,7 @@ std::string ToJson(const CheckedDocuments& documents)
     for (const CheckedDocument& document : documents)
     {
         writer.StartObject();
-        Put(writer, "path", ToPrintable(document.path));
+        Put(writer, "path", source::ToPrintable(document.path));
         writer.Key("findings");
         writer.StartArray();
         for (const Finding& finding : document.findings.list)

@@ -1,8 +1,8 @@
 // VELL: data-driven hierarchical state machines.
 // tools/check/OutputText.cpp: findings for people.
 #include "tools/check/Output.h"
-#include "tools/check/Printable.h"
 #include "tools/source/Cursor.h"
+#include "tools/source/Printable.h"
 
 #include <algorithm>
 #include <string_view>
@@ -76,7 +76,7 @@ std::string ShowPlace(const source::Text& text, const source::Span& span, const 
     const std::size_t end = isOneLine ? span.end.column - 1 : length;
     const std::size_t last = std::min(end, first + kWidth);
     const std::string front = first == 0 ? "" : "...";
-    std::string all = "    " + front + ToPrintable(shown) + (isCut ? "..." : "") + "\n";
+    std::string all = "    " + front + source::ToPrintable(shown) + (isCut ? "..." : "") + "\n";
     all += "    " + std::string(front.size() + at - first, ' ') + colors.mark + "^";
     all += std::string(last > at + 1 ? last - at - 1 : 0, '~') + colors.end + "\n";
     return all;
@@ -84,7 +84,7 @@ std::string ShowPlace(const source::Text& text, const source::Span& span, const 
 
 std::string PlaceText(const CheckedDocument& document, const source::Place& place)
 {
-    return ToPrintable(document.path) + ":" + std::to_string(place.line) + ":" +
+    return source::ToPrintable(document.path) + ":" + std::to_string(place.line) + ":" +
            std::to_string(place.column) + ": ";
 }
 
@@ -131,14 +131,14 @@ std::string ToText(const CheckedDocument& document, bool hasColor)
         all += colors.bold + PlaceText(document, finding.where.begin) + colors.end;
         all += std::string(colors.severity) + NameOf(severity) + " " + NameOf(finding.code) + ":" +
                colors.end + " ";
-        all += ToPrintable(finding.message);
-        all += finding.hint.empty() ? "\n" : "; " + ToPrintable(finding.hint) + "\n";
+        all += source::ToPrintable(finding.message);
+        all += finding.hint.empty() ? "\n" : "; " + source::ToPrintable(finding.hint) + "\n";
         all += ShowPlace(document.text, finding.where, colors);
         if (finding.hasOther)
         {
             const Colors note = ColorsOf(Severity::Note, hasColor);
             all += note.bold + PlaceText(document, finding.other.begin) + note.end + note.severity +
-                   "note:" + note.end + " " + ToPrintable(finding.otherNote) + "\n";
+                   "note:" + note.end + " " + source::ToPrintable(finding.otherNote) + "\n";
             all += ShowPlace(document.text, finding.other, note);
         }
     }

@@ -2,6 +2,8 @@
 // tools/diff/DifferenceText.cpp: the three formats.
 #include "tools/diff/DifferenceText.h"
 
+#include "tools/source/Printable.h"
+
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
 
@@ -185,14 +187,9 @@ std::string CountsOf(const std::vector<Difference>& differences)
 std::string Escape(const std::string& text)
 {
     std::string escaped;
-    for (const char c : text)
+    for (const char c : source::ToPrintable(text))
     {
-        if (c == '\n' || c == '\r')
-        {
-            escaped += ' ';
-            continue;
-        }
-        if (std::strchr("\\`*_<>[]|#~", c) != nullptr && c != '\0')
+        if (std::strchr("\\`*_<>[]|#~", c) != nullptr)
         {
             escaped += '\\';
         }
@@ -251,13 +248,13 @@ std::string ToText(const std::vector<Difference>& differences)
         }
         if (!IsWhole(difference))
         {
-            text += std::string("  ") + MarkOf(difference.change) + NameOf(difference) +
-                    Behind(difference) + "\n";
+            text += std::string("  ") + MarkOf(difference.change) +
+                    source::ToPrintable(NameOf(difference) + Behind(difference)) + "\n";
         }
         for (const Detail& detail : difference.details)
         {
             text += std::string(IsWhole(difference) ? "  " : "      ") + MarkOf(detail.change) +
-                    DescribeDetail(detail) + "\n";
+                    source::ToPrintable(DescribeDetail(detail)) + "\n";
         }
     }
     return differences.empty() ? "" : text + CountsOf(differences) + "\n";

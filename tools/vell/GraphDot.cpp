@@ -2,6 +2,7 @@
 // tools/vell/GraphDot.cpp: a graph in Graphviz's language.
 #include "tools/vell/GraphDot.h"
 
+#include "tools/source/Printable.h"
 #include "tools/vell/GraphLegend.h"
 #include "tools/vell/GraphText.h"
 #include "tools/vell/GraphTheme.h"
@@ -16,7 +17,10 @@ namespace
 /// A text in quotes. Graphviz would expand \N and the like.
 std::string Quoted(const std::string& text)
 {
-    return '"' + Replaced(Printable(text), {{'"', "\\\""}, {'\\', "\\\\"}, {'\n', "\\n"}}) + '"';
+    return '"' +
+           Replaced(source::ToPrintableLines(text),
+                    {{'"', "\\\""}, {'\\', "\\\\"}, {'\n', "\\n"}}) +
+           '"';
 }
 
 class DotWriter

@@ -2,6 +2,8 @@
 // tools/vell/GraphLegend.cpp: the title and the legend of a picture.
 #include "tools/vell/GraphLegend.h"
 
+#include "tools/source/Printable.h"
+
 #include <algorithm>
 #include <functional>
 
@@ -176,7 +178,7 @@ std::string Markup(const std::string& text)
 {
     // Graphviz refuses markup without text.
     return Replaced(
-        text.empty() ? "?" : Printable(text),
+        text.empty() ? "?" : source::ToPrintableLines(text),
         {{'"', "&quot;"}, {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'\n', "<BR/>"}});
 }
 

@@ -2,6 +2,7 @@
 // tools/vell/GraphMermaid.cpp: a graph in Mermaid's language.
 #include "tools/vell/GraphMermaid.h"
 
+#include "tools/source/Printable.h"
 #include "tools/vell/GraphText.h"
 #include "tools/vell/GraphTheme.h"
 
@@ -16,13 +17,13 @@ namespace
 std::string MermaidText(const std::string& text)
 {
     return '"' +
-           Replaced(Printable(text), {{'"', "#quot;"},
-                                      {'#', "#35;"},
-                                      {'&', "#amp;"},
-                                      {'<', "#lt;"},
-                                      {'>', "#gt;"},
-                                      {'`', "#96;"},
-                                      {'\n', " "}}) +
+           Replaced(source::ToPrintableLines(text), {{'"', "#quot;"},
+                                                     {'#', "#35;"},
+                                                     {'&', "#amp;"},
+                                                     {'<', "#lt;"},
+                                                     {'>', "#gt;"},
+                                                     {'`', "#96;"},
+                                                     {'\n', " "}}) +
            '"';
 }
 
@@ -61,7 +62,8 @@ private:
             const std::string title =
                 graph.title + (graph.subtitle.empty() ? "" : " - " + graph.subtitle);
             text = "---\ntitle: \"" +
-                   Replaced(Printable(title), {{'"', "\\\""}, {'\\', "\\\\"}, {'\n', " "}}) +
+                   Replaced(source::ToPrintableLines(title),
+                            {{'"', "\\\""}, {'\\', "\\\\"}, {'\n', " "}}) +
                    "\"\n---\n";
         }
         text += "flowchart " + direction + "\n";

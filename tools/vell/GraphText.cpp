@@ -2,6 +2,9 @@
 // tools/vell/GraphText.cpp: what the writers of pictures share.
 #include "tools/vell/GraphText.h"
 
+#include "tools/source/Cursor.h"
+#include "tools/source/Printable.h"
+
 #include <algorithm>
 
 namespace vell::tool
@@ -12,48 +15,18 @@ namespace
 constexpr std::size_t kLinesShown = 6;
 constexpr std::size_t kLineLength = 48;
 
-/// Gives the length of the UTF-8 character at `at`, or 0 when the bytes are not one.
-std::size_t CharacterLength(const std::string& text, std::size_t at)
-{
-    const auto first = static_cast<unsigned char>(text[at]);
-    const std::size_t length = first < 0x80    ? 1u
-                               : first < 0xC2  ? 0u
-                               : first < 0xE0  ? 2u
-                               : first < 0xF0  ? 3u
-                               : first <= 0xF4 ? 4u
-                                               : 0u;
-    if (length == 0 || at + length > text.size())
-    {
-        return 0;
-    }
-    for (std::size_t i = 1; i < length; ++i)
-    {
-        if ((static_cast<unsigned char>(text[at + i]) & 0xC0) != 0x80)
-        {
-            return 0;
-        }
-    }
-    // Overlong forms, surrogates, numbers above the last character, and the two that XML excludes.
-    const auto second = static_cast<unsigned char>(length > 1 ? text[at + 1] : '\0');
-    const bool isWrong = (first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F) ||
-                         (first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F) ||
-                         text.compare(at, length, "\xEF\xBF\xBE") == 0 ||
-                         text.compare(at, length, "\xEF\xBF\xBF") == 0;
-    return isWrong ? 0 : length;
-}
-
 /// Cuts a text that is too long for a box; the tool tip has all of it.
 std::string Shortened(const std::string& text)
 {
-    std::string whole = Printable(text);
-    std::size_t end = 0;
-    for (std::size_t count = 0; end < whole.size(); ++count)
+    const std::string whole = source::ToPrintableLines(text);
+    source::Cursor cursor(whole);
+    for (std::size_t count = 0; !cursor.AtEnd(); ++count)
     {
         if (count == kLineLength)
         {
-            return whole.substr(0, end) + "...";
+            return std::string(cursor.From(0)) + "...";
         }
-        end += CharacterLength(whole, end);
+        cursor.AdvanceCharacter();
     }
     return whole;
 }
@@ -196,7 +169,8 @@ std::string TransitionTip(const GraphEdge& edge)
         tip += separator + condition;
         separator = " or ";
     }
-    return Printable(tip + (edge.conditions.empty() ? ": a trigger" : "") + Remark(edge));
+    return source::ToPrintableLines(tip + (edge.conditions.empty() ? ": a trigger" : "") +
+                                    Remark(edge));
 }
 
 std::string NodeTip(const GraphNode& node, const GraphIndex& index)
@@ -208,21 +182,7 @@ std::string NodeTip(const GraphNode& node, const GraphIndex& index)
     {
         tip += "\n" + TransitionTip(*edge);
     }
-    return Printable(tip);
-}
-
-std::string Printable(const std::string& text)
-{
-    std::string printable;
-    for (std::size_t i = 0; i < text.size();)
-    {
-        const std::size_t length = CharacterLength(text, i);
-        const auto first = static_cast<unsigned char>(text[i]);
-        const bool isControl = (first < 0x20 && first != '\n') || first == 0x7F;
-        printable += length == 0 || isControl ? "?" : text.substr(i, length);
-        i += std::max<std::size_t>(length, 1);
-    }
-    return printable;
+    return source::ToPrintableLines(tip);
 }
 
 std::string Replaced(const std::string& text, const std::map<char, std::string_view>& replacements)

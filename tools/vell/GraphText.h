@@ -68,9 +68,6 @@ std::string TransitionTip(const GraphEdge& edge);
 /// Gives the text of a node with all its transitions, for a tool tip.
 std::string NodeTip(const GraphNode& node, const GraphIndex& index);
 
-/// Replaces what no picture can show: control characters and bytes that are not UTF-8.
-std::string Printable(const std::string& text);
-
 /// Replaces single characters.
 std::string Replaced(const std::string& text, const std::map<char, std::string_view>& replacements);
 
