@@ -2,6 +2,8 @@
 // tests/callbacks/Process.cpp: starting, limiting and waiting for processes.
 #include "tests/callbacks/Process.h"
 
+#include "tests/support/Sanitizer.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -14,14 +16,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define VELL_HAS_LEAK_SANITIZER
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define VELL_HAS_LEAK_SANITIZER
-#endif
-#endif
-#if defined(VELL_HAS_LEAK_SANITIZER)
+#if defined(VELL_ADDRESS_SANITIZER)
 #include <sanitizer/lsan_interface.h>
 #endif
 
@@ -196,7 +191,7 @@ void FailProcess(const std::string& what)
 
 bool HasLeaked()
 {
-#if defined(VELL_HAS_LEAK_SANITIZER)
+#if defined(VELL_ADDRESS_SANITIZER)
     return __lsan_do_recoverable_leak_check() != 0;
 #else
     return false;

@@ -3,7 +3,7 @@
 
 #include "tests/model/Comparison.h"
 #include "tests/model/QuietStandardError.h"
-#include "tests/model/Sanitizer.h"
+#include "tests/support/Sanitizer.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ using model::Counts;
 using model::Difference;
 using model::Fault;
 
-#if defined(VELL_MODEL_IS_SANITIZED)
+#if defined(VELL_SANITIZER)
 constexpr unsigned long long kDefaultMachines = 500;
 #elif defined(NDEBUG)
 constexpr unsigned long long kDefaultMachines = 10000;

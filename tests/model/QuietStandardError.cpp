@@ -2,7 +2,7 @@
 // tests/model/QuietStandardError.cpp: standard error, sent nowhere.
 #include "tests/model/QuietStandardError.h"
 
-#include "tests/model/Sanitizer.h"
+#include "tests/support/Sanitizer.h"
 #include "tests/support/System.h"
 
 namespace model
@@ -10,12 +10,12 @@ namespace model
 
 QuietStandardError::QuietStandardError() : saved(vell::test::SilenceStandardError())
 {
-    SendSanitizerReports(saved);
+    vell::test::SendSanitizerReports(saved);
 }
 
 QuietStandardError::~QuietStandardError()
 {
-    SendSanitizerReports(2); // standard error, which is back in a moment
+    vell::test::SendSanitizerReports(2); // standard error, which is back in a moment
     vell::test::RestoreStandardError(saved);
 }
 

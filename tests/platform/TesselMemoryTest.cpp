@@ -6,6 +6,7 @@
 #include "platform/tessel/Table.h"
 #include "platform/tessel/TableHandle.h"
 #include "tests/support/HeapWatch.h"
+#include "tests/support/Sanitizer.h"
 #include "tests/support/TreeLines.h"
 
 #include <gtest/gtest.h>
@@ -17,15 +18,7 @@
 #include <string>
 #include <vector>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define TESSEL_TEST_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define TESSEL_TEST_SANITIZED 1
-#endif
-#endif
-
-#if defined(TESSEL_TEST_SANITIZED)
+#if defined(VELL_SANITIZER)
 // Of the sanitizers' run-time library; not every compiler brings its header.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #else
@@ -40,7 +33,7 @@ using namespace Tessel;
 /// Gives the bytes that are allocated in all.
 std::size_t GetHeapBytes()
 {
-#if defined(TESSEL_TEST_SANITIZED)
+#if defined(VELL_SANITIZER)
     return __sanitizer_get_current_allocated_bytes();
 #elif defined(_WIN32)
     std::size_t bytes = 0;
@@ -58,7 +51,7 @@ std::size_t GetHeapBytes()
 }
 
 /// How far the bytes may move without a leak; one block a round would come to far more.
-#if defined(TESSEL_TEST_SANITIZED)
+#if defined(VELL_SANITIZER)
 constexpr std::size_t kSlack = 0;
 #else
 constexpr std::size_t kSlack = 4096;

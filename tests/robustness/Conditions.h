@@ -4,26 +4,13 @@
 
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Sanitizer.h"
 
 #include <cstddef>
 #include <string>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define VELL_ROBUSTNESS_IS_SANITIZED
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define VELL_ROBUSTNESS_IS_SANITIZED
-#endif
-#endif
-
 namespace vell::test
 {
-
-#if defined(VELL_ROBUSTNESS_IS_SANITIZED)
-constexpr bool kIsSanitized = true;
-#else
-constexpr bool kIsSanitized = false;
-#endif
 
 /// Gives `full`, or `reduced` where a sanitizer makes every step slow.
 constexpr unsigned int Scaled(unsigned int full, unsigned int reduced)

@@ -6,6 +6,7 @@
 #include <vell/Parameters.h>
 
 #include "tests/robustness/Conditions.h"
+#include "tests/support/Sanitizer.h"
 #include "tests/support/SourceDir.h"
 #include "tools/vell/ParameterText.h"
 #include "tools/vell/Script.h"
@@ -29,7 +30,7 @@
 #include <unistd.h>
 #endif
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(VELL_ADDRESS_SANITIZER)
 /// The address sanitizer asks for this: it is to keep little of what was freed.
 extern "C" __attribute__((visibility("default"))) const char* __asan_default_options();
 const char* __asan_default_options()
@@ -47,7 +48,7 @@ namespace
 constexpr unsigned long long kMachines = 500;
 constexpr unsigned long long kTicks = 100000;
 /// What the resident memory may grow by after warm-up, however long a run is.
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(VELL_ADDRESS_SANITIZER)
 constexpr long kPlayKilobytes = 4096; // the sanitizer keeps a record of each place of allocation
 #else
 constexpr long kPlayKilobytes = 1024;

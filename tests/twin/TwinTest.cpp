@@ -1,7 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/twin/TwinTest.cpp: a machine that passes over idle states, beside its twin that does not.
 #include "tests/model/QuietStandardError.h"
-#include "tests/model/Sanitizer.h"
+#include "tests/support/Sanitizer.h"
 #include "tests/twin/TwinRun.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@ namespace
 {
 
 constexpr unsigned long long kDefaultSeed = 1;
-#if defined(VELL_MODEL_IS_SANITIZED)
+#if defined(VELL_SANITIZER)
 constexpr unsigned long long kDefaultDocuments = 200;
 #else
 constexpr unsigned long long kDefaultDocuments = 1000;
