@@ -8,6 +8,7 @@
 
 #include <charconv>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #if defined(__MINGW32__)
@@ -143,17 +144,24 @@ void LineBuffer::Grow(std::size_t count)
     capacity = larger;
 }
 
+// Machines on several threads log while a host may set another level.
+std::atomic<int> loggedLevel{std::numeric_limits<int>::max()};
+
+void SetLogLevel(int level)
+{
+    loggedLevel.store(level, std::memory_order_relaxed);
+}
+
 // Required: each line has a buffer of its own. A line that is written while this one is being built
 // comes out first.
-LogStream::LogStream(int lineLevel)
-    : buffers(threadBuffers != nullptr ? threadBuffers : MakeThreadBuffers()),
-      text(buffers != nullptr ? buffers->Take() : new LineBuffer),
-      level(lineLevel)
+void LogStream::Begin()
 {
+    buffers = threadBuffers != nullptr ? threadBuffers : MakeThreadBuffers();
+    text = buffers != nullptr ? buffers->Take() : new LineBuffer;
     text->Start(TagOf(level));
 }
 
-LogStream::~LogStream()
+void LogStream::GiveBack()
 {
     if (buffers == nullptr)
     {
@@ -165,19 +173,24 @@ LogStream::~LogStream()
 
 LogStream& LogStream::operator<<(bool value)
 {
-    text->Append(value ? "1" : "0", 1);
-    return *this;
+    return *this << std::string_view(value ? "1" : "0");
 }
 
 LogStream& LogStream::operator<<(int value)
 {
-    AppendNumber(*text, value, 10);
+    if (text != nullptr)
+    {
+        AppendNumber(*text, value, 10);
+    }
     return *this;
 }
 
 LogStream& LogStream::operator<<(unsigned int value)
 {
-    AppendNumber(*text, value, 10);
+    if (text != nullptr)
+    {
+        AppendNumber(*text, value, 10);
+    }
     return *this;
 }
 
@@ -185,16 +198,22 @@ LogStream& LogStream::operator<<(const void* value)
 {
     if (value == nullptr)
     {
-        text->Append("0", 1);
-        return *this;
+        return *this << std::string_view("0");
     }
-    text->Append("0x", 2);
-    AppendNumber(*text, reinterpret_cast<std::uintptr_t>(value), 16);
+    if (text != nullptr)
+    {
+        text->Append("0x", 2);
+        AppendNumber(*text, reinterpret_cast<std::uintptr_t>(value), 16);
+    }
     return *this;
 }
 
 void LogStream::Flush()
 {
+    if (text == nullptr)
+    {
+        return;
+    }
     char* end = text->Reserve(2);
     end[0] = '\n';
     end[1] = '\0';

@@ -2,6 +2,9 @@
 // foundation/LogStream.h: one log line, from its tag to its newline.
 #pragma once
 
+#include <vell/LogLevel.h>
+
+#include <atomic>
 #include <cstddef>
 #include <cstring>
 #include <memory>
@@ -10,16 +13,6 @@
 
 namespace vell
 {
-
-/// The levels of log lines, as the host's callback receives them.
-enum LogLevel : int
-{
-    LogError = 3,
-    LogWarning = 4,
-    LogInfo = 6,
-    LogLua = 8,  ///< has a tag; no line of the library uses it
-    LogPlain = 9 ///< has no tag: banners and section lines
-};
 
 /// What a line of a log level starts with. The text is as wide for every level, so that it is
 /// copied without a call; `size` says how much of it counts.
@@ -91,11 +84,14 @@ private:
 
 class LineBuffers;
 
+/// The level of `SetLogLevel`.
+extern std::atomic<int> loggedLevel;
+
 /// Builds one line and writes it. The text of each value is that of a standard stream in its
 /// default state. A null text inserts nothing; a null pointer inserts 0.
 ///
 /// Lines nest: while one is being built, a call in it may write lines of its own, which come out
-/// first.
+/// first. A line above the level of `SetLogLevel` is not built: what is inserted is left out.
 class LogStream
 {
 public:
@@ -107,20 +103,35 @@ public:
 
     /// Starts a line with the tag of `level`. Any number may be given; those without a tag start
     /// empty.
-    explicit LogStream(int level);
-    ~LogStream();
+    explicit LogStream(int lineLevel) : level(lineLevel)
+    {
+        if (level <= loggedLevel.load(std::memory_order_relaxed))
+        {
+            Begin();
+        }
+    }
+    ~LogStream()
+    {
+        if (text != nullptr)
+        {
+            GiveBack();
+        }
+    }
     LogStream(const LogStream&) = delete;
     LogStream& operator=(const LogStream&) = delete;
 
     LogStream& operator<<(std::string_view value)
     {
-        text->Append(value.data(), value.size());
+        if (text != nullptr)
+        {
+            text->Append(value.data(), value.size());
+        }
         return *this;
     }
     // Required: a null text leaves a gap, and the line continues.
     LogStream& operator<<(const char* value)
     {
-        if (value != nullptr)
+        if (text != nullptr && value != nullptr)
         {
             text->Append(value, std::strlen(value));
         }
@@ -128,8 +139,7 @@ public:
     }
     LogStream& operator<<(const std::string& value)
     {
-        text->Append(value.data(), value.size());
-        return *this;
+        return *this << std::string_view(value);
     }
     /// A character would come out as its number. A text of one character says what is meant.
     LogStream& operator<<(char value) = delete;
@@ -150,8 +160,11 @@ public:
     void Flush();
 
 private:
-    LineBuffers* buffers; ///< of this thread; null when they are gone
-    LineBuffer* text;     ///< one of the thread's, given back at the end
+    void Begin();
+    void GiveBack();
+
+    LineBuffers* buffers = nullptr; ///< of this thread; null when they are gone
+    LineBuffer* text = nullptr;     ///< one of the thread's; null when the line is left out
     int level;
 };
 

@@ -19,6 +19,7 @@
 #include <vell/IHSM.h>
 #include <vell/IParameterTable.h>
 #include <vell/Json.h>
+#include <vell/LogLevel.h>
 #include <vell/NotCopied.h>
 #include <vell/ParamBroadcast.h>
 #include <vell/ParameterDef.h>

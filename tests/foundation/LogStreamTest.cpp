@@ -57,6 +57,22 @@ const char* WriteInnerLine()
     return "value";
 }
 
+/// Sets a log level for as long as it lives.
+class LoggedLevel
+{
+public:
+    explicit LoggedLevel(int level)
+    {
+        SetLogLevel(level);
+    }
+    ~LoggedLevel()
+    {
+        SetLogLevel(INT_MAX);
+    }
+    LoggedLevel(const LoggedLevel&) = delete;
+    LoggedLevel& operator=(const LoggedLevel&) = delete;
+};
+
 } // namespace
 
 TEST(LogStream, BeginsEachLineWithTheTagOfItsLevelAndASeparator)
@@ -213,6 +229,34 @@ TEST(LogStream, AllocatesNothingOnceItHasWrittenALineOfTheLength)
     LogStream(LogInfo) << "some text " << 5 << " " << true << EndLine;
 
     EXPECT_EQ(heap.Mallocs() + heap.News(), 0u);
+}
+
+TEST(LogStream, LeavesOutWhatIsAboveTheLevelButEvaluatesIt)
+{
+    LogRecorder log;
+    const LoggedLevel level(LogInfo);
+
+    LogStream(LogPlain) << "outer " << WriteInnerLine() << std::string("s") << 1 << 1u << true
+                        << static_cast<const void*>(&log) << EndLine;
+
+    EXPECT_EQ(log.Take(), (Lines{"6 inner"}));
+}
+
+TEST(LogStream, AllocatesNothingForALineThatIsLeftOut)
+{
+    const LoggedLevel level(LogInfo - 1);
+    std::size_t blocks = 1;
+
+    std::thread(
+        [&blocks]
+        {
+            HeapWatch heap;
+            LogStream(LogInfo) << "some text " << 5 << EndLine;
+            blocks = heap.Mallocs() + heap.News();
+        })
+        .join();
+
+    EXPECT_EQ(blocks, 0u);
 }
 
 TEST(LogStream, WritesANumberBehindATextOfAnyLength)
