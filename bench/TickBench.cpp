@@ -124,6 +124,28 @@ BENCHMARK(ManyMachines)
     ->ArgsProduct({{1, 10, 100, 1000, 10000}, {0, 1}})
     ->ArgNames({"machines", "shuffled"});
 
+void ManyMachinesTogether(benchmark::State& state)
+{
+    const std::string document = IdleDocument({});
+    std::vector<Machine> machines;
+    for (int i = 0; i < state.range(0); ++i)
+    {
+        machines.push_back(StartMachine(document));
+    }
+    std::vector<IHSM*> pointers;
+    for (const std::size_t i : Order(machines.size(), state.range(1) != 0))
+    {
+        pointers.push_back(machines[i].get());
+    }
+    for (auto _ : state)
+    {
+        UpdateMachines(pointers.data(), pointers.size(), kTimeStep);
+    }
+}
+BENCHMARK(ManyMachinesTogether)
+    ->ArgsProduct({{1, 10, 100, 1000, 10000}, {0, 1}})
+    ->ArgNames({"machines", "shuffled"});
+
 template <class MakeBlock>
 void TickManyLimits(benchmark::State& state, const MakeBlock& makeBlock)
 {

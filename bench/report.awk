@@ -50,6 +50,10 @@ END {
     plain("  switching tick, nanoseconds", "SwitchingTick/3", "", "")
     plain("  its bare writes, nanoseconds", "LimitLogOfOneChange", "", "")
     plain("blip, start to end: nanoseconds", "BlipStartAndEnd", "", "")
+    ratio("10,000 machines in turn, UpdateMachines / limit.virtual", "ManyMachinesTogether/10000/0", \
+        "ManyLimitVirtualBlock/10000/0", "1.25", "1.0")
+    ratio("10,000 machines shuffled, UpdateMachines / limit.virtual", "ManyMachinesTogether/10000/1", \
+        "ManyLimitVirtualBlock/10000/1", "1.25", "1.0")
     ratio("10,000 machines in turn / limit.virtual", "ManyMachines/10000/0", \
         "ManyLimitVirtualBlock/10000/0", "1.25", "1.0")
     ratio("10,000 machines shuffled / limit.virtual", "ManyMachines/10000/1", \

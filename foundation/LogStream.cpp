@@ -27,7 +27,7 @@ public:
     {
         if (inUse == buffers.size())
         {
-            buffers.push_back(std::make_unique<LineBuffer>());
+            buffers.push_back(std::make_unique<LineBuffer>(this));
         }
         return buffers[inUse++].get();
     }
@@ -152,75 +152,56 @@ void SetLogLevel(int level)
     loggedLevel.store(level, std::memory_order_relaxed);
 }
 
-// Required: each line has a buffer of its own. A line that is written while this one is being built
-// comes out first.
-void LogStream::Begin()
+void LineBuffer::Append(int value)
 {
-    buffers = threadBuffers != nullptr ? threadBuffers : MakeThreadBuffers();
-    text = buffers != nullptr ? buffers->Take() : new LineBuffer;
-    text->Start(TagOf(level));
+    AppendNumber(*this, value, 10);
 }
 
-void LogStream::GiveBack()
+void LineBuffer::Append(unsigned int value)
 {
-    if (buffers == nullptr)
+    AppendNumber(*this, value, 10);
+}
+
+void LineBuffer::Append(const void* value)
+{
+    if (value == nullptr)
+    {
+        Append("0", 1);
+        return;
+    }
+    Append("0x", 2);
+    AppendNumber(*this, reinterpret_cast<std::uintptr_t>(value), 16);
+}
+
+// Required: each line has a buffer of its own. A line that is written while this one is being built
+// comes out first.
+LineBuffer* LogStream::Begin(int level)
+{
+    LineBuffers* buffers = threadBuffers != nullptr ? threadBuffers : MakeThreadBuffers();
+    LineBuffer* text = buffers != nullptr ? buffers->Take() : new LineBuffer(nullptr);
+    text->Start(TagOf(level));
+    return text;
+}
+
+void LogStream::Write(LineBuffer& text, int level)
+{
+    char* end = text.Reserve(2);
+    end[0] = '\n';
+    end[1] = '\0';
+    text.AppendUpTo(end + 1);
+    // Required: standard error gets the line even when a host has set a callback.
+    WriteToStandardError(text.Characters(), text.Size());
+    LogImpl(level, text.Characters());
+}
+
+void LogStream::GiveBack(LineBuffer* text)
+{
+    if (text->Owner() == nullptr)
     {
         delete text;
         return;
     }
-    buffers->GiveBack();
-}
-
-LogStream& LogStream::operator<<(bool value)
-{
-    return *this << std::string_view(value ? "1" : "0");
-}
-
-LogStream& LogStream::operator<<(int value)
-{
-    if (text != nullptr)
-    {
-        AppendNumber(*text, value, 10);
-    }
-    return *this;
-}
-
-LogStream& LogStream::operator<<(unsigned int value)
-{
-    if (text != nullptr)
-    {
-        AppendNumber(*text, value, 10);
-    }
-    return *this;
-}
-
-LogStream& LogStream::operator<<(const void* value)
-{
-    if (value == nullptr)
-    {
-        return *this << std::string_view("0");
-    }
-    if (text != nullptr)
-    {
-        text->Append("0x", 2);
-        AppendNumber(*text, reinterpret_cast<std::uintptr_t>(value), 16);
-    }
-    return *this;
-}
-
-void LogStream::Flush()
-{
-    if (text == nullptr)
-    {
-        return;
-    }
-    char* end = text->Reserve(2);
-    end[0] = '\n';
-    end[1] = '\0';
-    text->AppendUpTo(end + 1);
-    // Required: standard error gets the line even when a host has set a callback.
-    WriteToStandardError(text->Characters(), text->Size());
-    LogImpl(level, text->Characters());
+    text->Owner()->GiveBack();
 }
 
 } // namespace vell

@@ -22,11 +22,14 @@ struct LineTag
     std::size_t size;
 };
 
+class LineBuffers;
+
 /// Where a line is built. Grows as needed and keeps its space.
 class LineBuffer
 {
 public:
-    LineBuffer()
+    /// `bufferOwner` gets it back; null when it is nobody's.
+    explicit LineBuffer(LineBuffers* bufferOwner) : owner(bufferOwner)
     {
         Grow(kFirstCapacity);
     }
@@ -49,6 +52,9 @@ public:
             size += count;
         }
     }
+    void Append(int value);
+    void Append(unsigned int value);
+    void Append(const void* value);
     /// Gives space for `count` more characters, for writing them in place.
     char* Reserve(std::size_t count)
     {
@@ -71,6 +77,10 @@ public:
     {
         return size;
     }
+    LineBuffers* Owner() const
+    {
+        return owner;
+    }
 
 private:
     static constexpr std::size_t kFirstCapacity = 256;
@@ -80,9 +90,8 @@ private:
     std::unique_ptr<char[]> storage;
     std::size_t size = 0;
     std::size_t capacity = 0;
+    LineBuffers* owner;
 };
-
-class LineBuffers;
 
 /// The level of `SetLogLevel`.
 extern std::atomic<int> loggedLevel;
@@ -103,18 +112,17 @@ public:
 
     /// Starts a line with the tag of `level`. Any number may be given; those without a tag start
     /// empty.
-    explicit LogStream(int lineLevel) : level(lineLevel)
+    explicit LogStream(int lineLevel)
+        : text(lineLevel <= loggedLevel.load(std::memory_order_relaxed) ? Begin(lineLevel)
+                                                                        : nullptr),
+          level(lineLevel)
     {
-        if (level <= loggedLevel.load(std::memory_order_relaxed))
-        {
-            Begin();
-        }
     }
     ~LogStream()
     {
         if (text != nullptr)
         {
-            GiveBack();
+            GiveBack(text);
         }
     }
     LogStream(const LogStream&) = delete;
@@ -148,24 +156,53 @@ public:
     LogStream& operator<<(wchar_t value) = delete;
     LogStream& operator<<(char16_t value) = delete;
     LogStream& operator<<(char32_t value) = delete;
-    LogStream& operator<<(bool value);
-    LogStream& operator<<(int value);
-    LogStream& operator<<(unsigned int value);
-    LogStream& operator<<(const void* value);
+    LogStream& operator<<(bool value)
+    {
+        return *this << std::string_view(value ? "1" : "0");
+    }
+    LogStream& operator<<(int value)
+    {
+        return Insert(value);
+    }
+    LogStream& operator<<(unsigned int value)
+    {
+        return Insert(value);
+    }
+    LogStream& operator<<(const void* value)
+    {
+        return Insert(value);
+    }
     void operator<<(End)
     {
         Flush();
     }
 
-    void Flush();
+    void Flush()
+    {
+        if (text != nullptr)
+        {
+            Write(*text, level);
+        }
+    }
 
 private:
-    void Begin();
-    void GiveBack();
+    // Static, so that the compiler can keep a stream's members in registers.
+    static LineBuffer* Begin(int level);
+    static void Write(LineBuffer& text, int level);
+    static void GiveBack(LineBuffer* text);
 
-    LineBuffers* buffers = nullptr; ///< of this thread; null when they are gone
-    LineBuffer* text = nullptr;     ///< one of the thread's; null when the line is left out
-    int level;
+    template <class Value>
+    LogStream& Insert(Value value)
+    {
+        if (text != nullptr)
+        {
+            text->Append(value);
+        }
+        return *this;
+    }
+
+    LineBuffer* const text; ///< one of the thread's; null when the line is left out
+    const int level;
 };
 
 /// What ends every log statement, as std::endl does.

@@ -14,6 +14,7 @@
 #include "definitions/GenericDef.h"
 #include "definitions/GlobalDef.h"
 #include "definitions/SubstateDef.h"
+#include "foundation/Prefetch.h"
 #include "states/EnterState.h"
 #include "states/ExitState.h"
 #include "states/GlobalState.h"
@@ -103,6 +104,31 @@ void IdleCache::Forget()
     entriesNeeded = 1;
     boundsNeeded = 0;
     settled = nullptr;
+}
+
+void IdleCache::Prefetch() const
+{
+    constexpr std::size_t kUsualStates = 4;
+    vell::Prefetch(this, reinterpret_cast<const char*>(&entries.own) -
+                             reinterpret_cast<const char*>(this));
+    vell::Prefetch(entries.begin, kUsualStates * sizeof(Entry));
+}
+
+void IdleCache::PrefetchStates() const
+{
+    if (madeAt != revision.number || entryCount == 0)
+    {
+        return;
+    }
+    const ConditionBounds* const end = entries.begin[entryCount].textEnd;
+    vell::Prefetch(bounds.begin, static_cast<std::size_t>(end - bounds.begin) * sizeof(*end));
+    for (std::size_t i = 1; i <= entryCount; ++i)
+    {
+        if (entries.begin[i].substate != nullptr)
+        {
+            vell::Prefetch(&entries.begin[i].substate->currentChild, sizeof(SMState*));
+        }
+    }
 }
 
 /// Notes that `state` is about to get the record of the tick. One of a host's class may keep it,

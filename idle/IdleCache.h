@@ -74,6 +74,11 @@ public:
     /// Forgets the states that were taken in: the machine's arena goes.
     void Forget();
 
+    /// Fetches what a tick of a machine whose states are known reads here.
+    void Prefetch() const;
+    /// Fetches what such a tick reads of the states, when `Prefetch` is done.
+    void PrefetchStates() const;
+
     /// Tells whether `result` is the record of a tick that is under way and that no host has seen.
     bool IsTickRecord(const UpdateResult* result) const
     {

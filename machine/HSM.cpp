@@ -17,12 +17,12 @@ constexpr auto kDefaultMachineType = static_cast<__STATE_MACHINE_TYPES__>(1);
 
 } // namespace
 
-HSM::HSM() : machineType(kDefaultMachineType), internals(std::make_unique<Internals>())
+HSM::HSM() : internals(std::make_unique<Internals>()), machineType(kDefaultMachineType)
 {
 }
 
 HSM::HSM(const char* path, const char* auxiliary)
-    : filePath(path), auxiliaryName(auxiliary), internals(std::make_unique<Internals>())
+    : internals(std::make_unique<Internals>()), filePath(path), auxiliaryName(auxiliary)
 {
     // Required: this call reaches no override, since the subclass is not constructed yet. A
     // subclass's RegisterBuilders does not run in the constructors that load a document.
@@ -30,7 +30,7 @@ HSM::HSM(const char* path, const char* auxiliary)
 }
 
 HSM::HSM(const char* text)
-    : jsonText(text), machineType(kDefaultMachineType), internals(std::make_unique<Internals>())
+    : internals(std::make_unique<Internals>()), jsonText(text), machineType(kDefaultMachineType)
 {
     HSM::Create();
 }

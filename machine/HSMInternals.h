@@ -30,6 +30,10 @@ struct HSM::Internals
         return !machine.eventListeners.empty();
     }
 
+    // What a tick of `machine` reads, in two steps; see UpdateMachines.
+    static void PrefetchTick(const HSM& machine);
+    static void PrefetchStates(const HSM& machine);
+
     IdleCache idle;
     std::string fileName;       ///< copy of filePath's text, taken by Create, for the tree
     UninitStep uninitStep = {}; ///< since the last Create

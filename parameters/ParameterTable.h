@@ -7,6 +7,7 @@
 #include <vell/IParameterTable.h>
 #include <vell/Json.h>
 
+#include "foundation/Prefetch.h"
 #include "parameters/ValueBlock.h"
 
 #include <cstring>
@@ -85,6 +86,13 @@ public:
         {
             ResetAll();
         }
+    }
+
+    /// Fetches what a tick reads here.
+    void Prefetch() const
+    {
+        vell::Prefetch(&values, sizeof(values));
+        vell::Prefetch(&resetting, sizeof(resetting));
     }
 
     /// Finds the parameters to be reset again, after one of them was assigned.

@@ -208,11 +208,15 @@ protected:
     using ListenerList = std::vector<IBroadcastListener*>;
 
     // What a tick reads comes first, in as few cache lines as possible.
+private:
+    std::unique_ptr<Internals> internals; ///< the library's own
+
+protected:
     bool applyingContext = false;                  ///< Update does nothing while it is true
     SMState* globalState = nullptr;                ///< created by the first Start
     std::vector<SMState*>* currentStack = nullptr; ///< one of the two; null until Start
-    std::vector<SMState*> stateStack;              ///< the main stack, bottom first
     ParameterTable* parameterTable = nullptr;      ///< in the arena; null without JSON_Parameters
+    std::vector<SMState*> stateStack;              ///< the main stack, bottom first
 
     std::vector<SMState*> blipStack;          ///< the stack of a blip, bottom first
     Tessel::KVTable kvTable;                  ///< root of the tree; null until Init
@@ -245,8 +249,6 @@ private:
     VELL_LOCAL void StartBlip(UpdateResult* result);
     VELL_LOCAL void ReportStateChange(SMState* previous, unsigned int nextId);
     VELL_LOCAL Tessel::KVTable GetStackTable(const std::vector<SMState*>* stack) const;
-
-    std::unique_ptr<Internals> internals; ///< the library's own
 };
 
 } // namespace vell

@@ -29,5 +29,6 @@
 #include <vell/SubstateState.h>
 #include <vell/TransitionDef.h>
 #include <vell/Types.h>
+#include <vell/UpdateMachines.h>
 #include <vell/UpdateResult.h>
 #include <vell/ValueRecord.h>

@@ -1,0 +1,88 @@
+// VELL: data-driven hierarchical state machines.
+// machine/UpdateMachines.cpp: ticking many machines, the next of them fetched meanwhile.
+#include <vell/HSM.h>
+#include <vell/UpdateMachines.h>
+
+#include "foundation/Prefetch.h"
+#include "machine/HSMInternals.h"
+#include "parameters/ParameterTable.h"
+
+#include <typeinfo>
+
+namespace vell
+{
+namespace
+{
+
+/// Tells which machines are of a class of HSM. Machines side by side are mostly of one class, so
+/// that the last answer serves.
+class MachineKind
+{
+public:
+    const HSM* AsHSM(const IHSM& machine)
+    {
+        const std::type_info* type = &typeid(machine);
+        if (type != lastType)
+        {
+            lastType = type;
+            isHSM = dynamic_cast<const HSM*>(&machine) != nullptr;
+        }
+        return isHSM ? static_cast<const HSM*>(&machine) : nullptr;
+    }
+
+private:
+    const std::type_info* lastType = nullptr;
+    bool isHSM = false;
+};
+
+} // namespace
+
+void HSM::Internals::PrefetchTick(const HSM& machine)
+{
+    machine.internals->idle.Prefetch();
+    if (machine.currentStack != nullptr)
+    {
+        Prefetch(machine.currentStack->data(), kCacheLine);
+    }
+    if (machine.parameterTable != nullptr)
+    {
+        machine.parameterTable->Prefetch();
+    }
+}
+
+void HSM::Internals::PrefetchStates(const HSM& machine)
+{
+    machine.internals->idle.PrefetchStates();
+}
+
+// What a tick reads is found in three steps, each from what the one before it has fetched: the
+// machine, what it points to, and the states. A machine takes one step while each of the three
+// before it is updated.
+void UpdateMachines(IHSM* const* machines, std::size_t count, float timeStep)
+{
+    MachineKind kind;
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        if (i + 3 < count)
+        {
+            Prefetch(machines[i + 3], kCacheLine);
+        }
+        if (i + 2 < count)
+        {
+            if (const HSM* machine = kind.AsHSM(*machines[i + 2]))
+            {
+                HSM::Internals::PrefetchTick(*machine);
+            }
+        }
+        if (i + 1 < count)
+        {
+            if (const HSM* machine = kind.AsHSM(*machines[i + 1]))
+            {
+                HSM::Internals::PrefetchStates(*machine);
+            }
+        }
+        machines[i]->Update(timeStep);
+    }
+}
+
+} // namespace vell
