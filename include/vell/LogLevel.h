@@ -18,8 +18,8 @@ enum LogLevel : int
 };
 
 /// Leaves out the library's lines of levels above `level`, for every machine of the process: they
-/// are neither built nor written nor handed to the callback. `LogPlain` leaves out none, as before the
-/// first call; 0 leaves out all. Only lines change: what a machine does stays the same. May be
+/// are neither built nor written nor handed to the callback. `LogPlain` leaves out none, as before
+/// the first call; 0 leaves out all. Only lines change: what a machine does stays the same. May be
 /// called at any time from any thread; a line that is being built is still written. Lines that a
 /// host hands to `LogImpl` itself are not affected.
 VELL_API void SetLogLevel(int level);
