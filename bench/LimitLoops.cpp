@@ -63,4 +63,9 @@ void VirtualMachine::Update(float timeStep)
     }
 }
 
+void VirtualMachine::SetValue(int index, float value)
+{
+    *values[index] = value;
+}
+
 } // namespace vell::bench

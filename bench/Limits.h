@@ -69,6 +69,8 @@ public:
 
     static std::size_t BlockSize();
     void Update(float timeStep);
+    /// Stores the value of condition `index`.
+    void SetValue(int index, float value);
 
     unsigned int current = 0;
     float elapsed = 0.0f;

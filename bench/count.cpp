@@ -1,6 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // bench/count.cpp: one kind of work, a given number of times, for counting instructions and bytes.
 #include "bench/Documents.h"
+#include "bench/GameWorks.h"
 #include "bench/HeapCount.h"
 #include "bench/Machines.h"
 
@@ -184,6 +185,13 @@ constexpr Work kWorks[] = {
          TickSwitching(3, true, times);
      }},
     {"blip", Blip},
+    {"sample", TickSample},
+    {"settled", TickSettled},
+    {"triggered", TickTriggered},
+    {"resetting", TickResetting},
+    {"set-value", SetHotFloat},
+    {"frame", Frame},
+    {"frame-limit", FrameLimit},
     {"table-write", WriteTable},
     {"table-make", MakeTables},
     {"load", Load},
