@@ -88,6 +88,20 @@ public:
         SetKind(kind);
     }
 
+    /// Stores a plain value in place of one of the same kind.
+    template <class Value>
+    void Overwrite(const Value& value)
+    {
+        static_assert(sizeof(Value) <= sizeof(payload), "a value fits into the entry");
+        std::memcpy(payload, &value, sizeof(value));
+    }
+
+    /// Tells whether this is the entry of `key`, null allowed, with a value of `kind`: one compare.
+    bool Is(const Key* key, Kind kind) const
+    {
+        return keyAndKind == (reinterpret_cast<std::uintptr_t>(key) | kind);
+    }
+
     /// Stores a text that may be in this very entry. `buffer` has space for it when it is neither
     /// short nor fits into the long text that the entry holds, and is taken over then. A table that
     /// the entry held is the caller's to release.

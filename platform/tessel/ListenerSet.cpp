@@ -21,11 +21,6 @@ namespace
 /// As many records of a key are looked at one by one for the one to remove.
 constexpr std::uint32_t kMostWithoutIndex = 32;
 
-bool IsSame(const KVListener& left, const KVListener& right)
-{
-    return left.object == right.object && left.function == right.function;
-}
-
 } // namespace
 
 /// A call of listeners under way. It holds the record that comes next, and moves on when that one

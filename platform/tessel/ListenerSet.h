@@ -46,11 +46,30 @@ public:
         return groupCount != 0 || tableListener.function != nullptr;
     }
 
+    /// Gives the key of the first group, or null. Its records are looked at by `IsOnly`.
+    const Key* GetFirstKey() const
+    {
+        return home.key;
+    }
+
+    /// Tells whether the first group, which must be there, has one record, with `own`, and the
+    /// table's own record has the function `ofTable`.
+    bool IsOnly(const KVListener& own, decltype(KVListener::function) ofTable) const
+    {
+        return home.first->next == nullptr && IsSame(home.first->listener, own) &&
+               tableListener.function == ofTable;
+    }
+
     /// Calls the listeners of `name` that were there when the call began, then the table's own.
     /// Ends when `table` was closed by one of them: this set is gone then.
     void Call(Table& table, const KeyText& name);
 
 private:
+    static bool IsSame(const KVListener& left, const KVListener& right)
+    {
+        return left.object == right.object && left.function == right.function;
+    }
+
     class CallScope;
     class RecordIndex;
 

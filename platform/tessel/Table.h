@@ -68,6 +68,24 @@ public:
     const char* GetKeyAt(unsigned index) override;
     int GetTypeAt(unsigned index) override;
 
+    /// Tells whether `handle`, which was one of this slot, is that of the open table.
+    bool IsOpenAs(KVTable handle) const
+    {
+        return GetGeneration() == TableHandle::GetGeneration(handle);
+    }
+
+    /// Tells whether the table has a set of listeners, which it then has until it is closed.
+    bool HasListeners() const
+    {
+        return extras != nullptr;
+    }
+
+    /// Gives the set of listeners, which must be there.
+    const ListenerSet& GetListeners() const
+    {
+        return extras->listeners;
+    }
+
     const char* GetName() const
     {
         return name->GetText();
