@@ -5,6 +5,7 @@
 
 #include "foundation/TableSync.h"
 #include "parameters/ParameterKeys.h"
+#include "parameters/ParameterMirror.h"
 
 #include <cmath>
 
@@ -48,10 +49,13 @@ void ParameterAnalogDef::SetValue(const Tessel::Float2& newValue)
 {
     value = newValue;
     magnitude = std::sqrt(value.x * value.x + value.y * value.y);
-    WriteValue();
+    if (!Mirror::Write(*this, value))
+    {
+        WriteValue();
+    }
 }
 
-void ParameterAnalogDef::WriteValue()
+VELL_NOINLINE void ParameterAnalogDef::WriteValue()
 {
     WriteOwnTable(syncState, kvTable,
                   [this](Tessel::KVTable table)

@@ -6,6 +6,7 @@
 #include "foundation/Checks.h"
 #include "foundation/TableSync.h"
 #include "parameters/ParameterKeys.h"
+#include "parameters/ParameterMirror.h"
 
 namespace vell
 {
@@ -50,10 +51,13 @@ void ParameterBoolDef::SetValue(bool newValue)
         return;
     }
     *value = newValue;
-    WriteValue();
+    if (!Mirror::Write(*this, *value ? 1 : 0))
+    {
+        WriteValue();
+    }
 }
 
-void ParameterBoolDef::WriteValue()
+VELL_NOINLINE void ParameterBoolDef::WriteValue()
 {
     WriteOwnTable(syncState, kvTable,
                   [this](Tessel::KVTable table)

@@ -6,6 +6,7 @@
 #include "foundation/TableSync.h"
 #include "foundation/TreeKeys.h"
 #include "parameters/ParameterKeys.h"
+#include "parameters/ParameterMirror.h"
 #include "parameters/ParameterTable.h"
 
 namespace vell
@@ -46,11 +47,18 @@ ParameterDef& ParameterDef::operator=(const ParameterDef& other)
     assign = other.assign;
     assignClass = other.assignClass;
     resetEachFrame = other.resetEachFrame;
-    if (resetBy.pointer != nullptr)
+    if (mirror.pointer != nullptr)
     {
-        resetBy.pointer->CollectResetting();
+        mirror.pointer->owner.CollectResetting();
     }
     return *this;
+}
+
+/// A key that is not there is not looked for again: without it there is no listener either.
+void ParameterDef::Mirror::Find(const ParameterDef& parameter)
+{
+    slot.own = Tessel::KVListener{const_cast<ParameterDef*>(&parameter), Forward};
+    slotOperations.find(&slot, parameter.kvTable, kValueKey);
 }
 
 void ParameterDef::Uninit()

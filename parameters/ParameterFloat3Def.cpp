@@ -5,6 +5,7 @@
 
 #include "foundation/TableSync.h"
 #include "parameters/ParameterKeys.h"
+#include "parameters/ParameterMirror.h"
 
 #include <cmath>
 
@@ -47,10 +48,13 @@ void ParameterFloat3Def::SetValue(const Tessel::Float3& newValue)
 {
     value = newValue;
     magnitude = std::sqrt(value.x * value.x + value.y * value.y + value.z * value.z);
-    WriteValue();
+    if (!Mirror::Write(*this, value))
+    {
+        WriteValue();
+    }
 }
 
-void ParameterFloat3Def::WriteValue()
+VELL_NOINLINE void ParameterFloat3Def::WriteValue()
 {
     WriteOwnTable(syncState, kvTable,
                   [this](Tessel::KVTable table)

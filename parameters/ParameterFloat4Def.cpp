@@ -5,6 +5,7 @@
 
 #include "foundation/TableSync.h"
 #include "parameters/ParameterKeys.h"
+#include "parameters/ParameterMirror.h"
 
 namespace vell
 {
@@ -44,10 +45,13 @@ Tessel::Float4 ParameterFloat4Def::GetValue()
 void ParameterFloat4Def::SetValue(const Tessel::Float4& newValue)
 {
     value = newValue;
-    WriteValue();
+    if (!Mirror::Write(*this, value))
+    {
+        WriteValue();
+    }
 }
 
-void ParameterFloat4Def::WriteValue()
+VELL_NOINLINE void ParameterFloat4Def::WriteValue()
 {
     WriteOwnTable(syncState, kvTable,
                   [this](Tessel::KVTable table)

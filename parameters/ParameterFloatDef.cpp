@@ -6,6 +6,7 @@
 #include "foundation/Checks.h"
 #include "foundation/TableSync.h"
 #include "parameters/ParameterKeys.h"
+#include "parameters/ParameterMirror.h"
 
 namespace vell
 {
@@ -45,10 +46,13 @@ float ParameterFloatDef::GetValue()
 void ParameterFloatDef::SetValue(float newValue)
 {
     *value = newValue;
-    WriteValue();
+    if (!Mirror::Write(*this, *value))
+    {
+        WriteValue();
+    }
 }
 
-void ParameterFloatDef::WriteValue()
+VELL_NOINLINE void ParameterFloatDef::WriteValue()
 {
     WriteOwnTable(syncState, kvTable,
                   [this](Tessel::KVTable table)

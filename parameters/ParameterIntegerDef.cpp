@@ -5,6 +5,7 @@
 
 #include "foundation/TableSync.h"
 #include "parameters/ParameterKeys.h"
+#include "parameters/ParameterMirror.h"
 
 namespace vell
 {
@@ -44,10 +45,13 @@ int ParameterIntegerDef::GetValue()
 void ParameterIntegerDef::SetValue(int newValue)
 {
     *value = newValue;
-    WriteValue();
+    if (!Mirror::Write(*this, *value))
+    {
+        WriteValue();
+    }
 }
 
-void ParameterIntegerDef::WriteValue()
+VELL_NOINLINE void ParameterIntegerDef::WriteValue()
 {
     WriteOwnTable(syncState, kvTable,
                   [this](Tessel::KVTable table)

@@ -115,7 +115,7 @@ int ParameterTable::AddParameter(ParameterDef* def)
         // parameter's id.
         const bool newId = idToParam.emplace(id, def).second;
         ASSERT_BREAK(newId);
-        def->resetBy.pointer = this;
+        def->mirror.pointer = &mirrors.emplace_front(*this, OnParameterTableModified);
         if (def->resetEachFrame)
         {
             const std::pair<unsigned int, ParameterDef*> entry{id, def};
@@ -202,10 +202,14 @@ void ParameterTable::ForgetUpTo(ParameterMap::iterator end)
     {
         if (entry->second != nullptr)
         {
-            entry->second->resetBy.pointer = nullptr;
+            entry->second->mirror.pointer = nullptr;
         }
     }
     idToParam.erase(idToParam.begin(), end);
+    if (idToParam.empty())
+    {
+        mirrors.clear();
+    }
     CollectResetting();
 }
 

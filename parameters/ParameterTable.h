@@ -8,9 +8,11 @@
 #include <vell/Json.h>
 
 #include "foundation/Prefetch.h"
+#include "parameters/ParameterMirror.h"
 #include "parameters/ValueBlock.h"
 
 #include <cstring>
+#include <forward_list>
 #include <map>
 #include <memory>
 #include <utility>
@@ -121,8 +123,9 @@ private:
     /// a log line, and deletes it, when its id or name is taken.
     int Publish(std::unique_ptr<ParameterDef> owned);
 
-    ValueBlock values;          ///< of the document's first scalar parameters
-    HSMAlloc* arena = nullptr;  ///< holds the document's parameters; null until Init
+    ValueBlock values;         ///< of the document's first scalar parameters
+    HSMAlloc* arena = nullptr; ///< holds the document's parameters; null until Init
+    std::forward_list<ParameterDef::Mirror> mirrors; ///< one for each parameter taken in
     ParameterList resetting;    ///< those that reset each frame, in ascending id order
     bool isTableClosed = false; ///< `table` keeps its handle
     /// A loop that finds it changed is at a deleted parameter.

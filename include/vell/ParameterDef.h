@@ -17,6 +17,8 @@ class ParameterTable;
 class VELL_API ParameterDef : public BaseDef, public IBroadcastListener
 {
 public:
+    struct VELL_LOCAL Mirror; ///< the library's own
+
     // The order of these is part of the interface; they follow those of BaseDef.
 
     void Uninit() override;
@@ -83,8 +85,8 @@ protected:
 private:
     friend class ParameterTable;
 
-    NotCopied<ParameterTable> resetBy; ///< the library's; the table that resets it, or null
-    ValueRecord listening;             ///< the library's; the listener record for the value
+    NotCopied<Mirror> mirror; ///< the library's; null while it is in no parameter table
+    ValueRecord listening;    ///< the library's; the listener record for the value
 };
 
 } // namespace vell
