@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <typeinfo>
 
 namespace vell
 {
@@ -118,8 +119,7 @@ int ParameterTable::AddParameter(ParameterDef* def)
         def->mirror.pointer = &mirrors.emplace_front(*this, OnParameterTableModified);
         if (def->resetEachFrame)
         {
-            const std::pair<unsigned int, ParameterDef*> entry{id, def};
-            resetting.insert(std::lower_bound(resetting.begin(), resetting.end(), entry), entry);
+            Collect(id, *def);
         }
 
         char key[64];
@@ -189,9 +189,19 @@ void ParameterTable::CollectResetting()
     {
         if (entry.second->resetEachFrame)
         {
-            resetting.push_back(entry);
+            Collect(entry.first, *entry.second);
         }
     }
+}
+
+void ParameterTable::Collect(unsigned int id, ParameterDef& def)
+{
+    const auto isBelow = [](const Resetting& entry, unsigned int newId)
+    {
+        return entry.id < newId;
+    };
+    const Resetting added{id, typeid(def) == typeid(ParameterBoolDef), &def};
+    resetting.insert(std::lower_bound(resetting.begin(), resetting.end(), id, isBelow), added);
 }
 
 /// A run-time parameter may outlive the table.
@@ -215,10 +225,29 @@ void ParameterTable::ForgetUpTo(ParameterMap::iterator end)
 
 void ParameterTable::ResetAll()
 {
-    for (std::size_t i = 0; i < resetting.size(); ++i)
+    // There is at least one. By index: a listener that hears of a reset may assign a parameter,
+    // which changes the list.
+    std::size_t i = 0;
+    do
     {
-        resetting[i].second->ResetValue();
+        if (resetting[i].IsDue())
+        {
+            resetting[i].def->ResetValue();
+        }
+    } while (++i < resetting.size());
+}
+
+/// A bool that has its default is not written, so nobody can tell whether it was reset. The values
+/// are compared, since a host may write to the address of a value. All others are written again
+/// at each reset, and listeners hear of it.
+inline bool ParameterTable::Resetting::IsDue() const
+{
+    if (!isBool)
+    {
+        return true;
     }
+    const auto& parameter = static_cast<const ParameterBoolDef&>(*def);
+    return *parameter.value != parameter.defaultValue;
 }
 
 void ParameterTable::PlaceValue(ParameterDef& def, int type)
@@ -264,7 +293,7 @@ Tessel::KVTable ReleaseStorage(ParameterTable& params, ArenaLink::AtEnd)
     params.ForgetUpTo(params.idToParam.end());
     ParameterTable::NameMap().swap(params.nameToId);
     ParameterTable::ParameterMap().swap(params.idToParam);
-    ParameterTable::ParameterList().swap(params.resetting);
+    std::vector<ParameterTable::Resetting>().swap(params.resetting);
     return params.isTableClosed ? Tessel::KVTable() : params.table;
 }
 

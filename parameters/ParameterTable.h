@@ -39,7 +39,6 @@ public:
     };
     using NameMap = std::map<const char*, unsigned int, NameOrder>;
     using ParameterMap = std::map<unsigned int, ParameterDef*>;
-    using ParameterList = std::vector<std::pair<unsigned int, ParameterDef*>>;
 
     ParameterTable();
     /// Never runs for a table in the arena.
@@ -114,6 +113,17 @@ public:
     ParameterMap idToParam; ///< every parameter
 
 private:
+    /// A parameter that resets each frame.
+    struct Resetting
+    {
+        bool IsDue() const;
+
+        unsigned int id;
+        bool isBool; ///< its class is ParameterBoolDef
+        ParameterDef* def;
+    };
+
+    void Collect(unsigned int id, ParameterDef& def);
     void ResetAll();
     void ForgetUpTo(ParameterMap::iterator end);
     void CloseRuntimeTables();
@@ -126,8 +136,8 @@ private:
     ValueBlock values;         ///< of the document's first scalar parameters
     HSMAlloc* arena = nullptr; ///< holds the document's parameters; null until Init
     std::forward_list<ParameterDef::Mirror> mirrors; ///< one for each parameter taken in
-    ParameterList resetting;    ///< those that reset each frame, in ascending id order
-    bool isTableClosed = false; ///< `table` keeps its handle
+    std::vector<Resetting> resetting;                ///< in ascending id order
+    bool isTableClosed = false;                      ///< `table` keeps its handle
     /// A loop that finds it changed is at a deleted parameter.
     unsigned int timesForgotten = 0;
 
