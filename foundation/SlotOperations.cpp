@@ -44,9 +44,11 @@ struct Asking
 {
     Asking()
     {
-        if (const auto function = FindFunction())
+        const auto function = FindFunction();
+        const Tessel::SlotOperations* offered = function == nullptr ? nullptr : function();
+        if (offered != nullptr)
         {
-            slotOperations = *function();
+            slotOperations = *offered;
         }
     }
 };

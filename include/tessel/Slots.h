@@ -48,6 +48,6 @@ struct SlotOperations
 
 } // namespace Tessel
 
-/// Gives the operations on slots, which belong to the library. A table library need not have this
-/// function: a program that uses it asks whether it is there.
+/// Gives the operations on slots, which belong to the library, or null when it has none. A table
+/// library need not have this function either: whoever uses it asks whether it is there.
 extern "C" TESSEL_API const Tessel::SlotOperations* TesselGetSlotOperations();

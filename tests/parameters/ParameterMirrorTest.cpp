@@ -242,6 +242,12 @@ constexpr Deed kDeeds[] = {
      {
          *static_cast<bool*>(side.Parameter(4).GetValuePtr()) = number % 2 != 0;
      }},
+    {"the host sets other defaults",
+     [](Side& side, unsigned int, int number)
+     {
+         dynamic_cast<IParameterBoolDef&>(side.Parameter(4)).SetDefaultValue(number % 2 != 0);
+         dynamic_cast<IParameterIntDef&>(side.Parameter(3)).SetDefaultValue(number);
+     }},
     {"the frame ends",
      [](Side& side, unsigned int, int)
      {
@@ -347,6 +353,13 @@ constexpr Deed kEnds[] = {
      [](Side& side, unsigned int index, int)
      {
          Tessel::CloseTable(side.Table(index));
+     }},
+    {"a parameter gets another table, to which it does not listen",
+     [](Side& side, unsigned int index, int)
+     {
+         GenericDocument node;
+         node.Parse("{}");
+         side.Parameter(index).Init(node, &side.loaded.alloc);
      }},
     {"a parameter gets another table",
      [](Side& side, unsigned int index, int)

@@ -6,6 +6,7 @@
 #include "tests/support/LoadedParameters.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
+#include "tests/support/WriteCounter.h"
 
 #include <gtest/gtest.h>
 
@@ -268,6 +269,59 @@ TEST(ParameterTable, UninitForgetsParametersButNotTheirNames)
     EXPECT_EQ(Tessel::GetTableName(root), nullptr) << "closed";
     EXPECT_EQ(Tessel::GetTableName(child), nullptr) << "closed";
     EXPECT_EQ(loaded.table.GetKVTable(), root) << "the handle stays";
+}
+
+TEST(ParameterTable, ResetsABoolByWhateverWayItGotItsValue)
+{
+    LogRecorder log;
+    LoadedParameters loaded({PulseParameter("pulse")});
+    auto& pulse = *loaded.Find<ParameterBoolDef>("pulse");
+    auto& value = *static_cast<bool*>(pulse.GetValuePtr());
+    const Tessel::KVTable table = pulse.GetKVTable();
+
+    pulse.SetValue(true);
+    loaded.table.ResetFrameParameters();
+    EXPECT_FALSE(value) << "set";
+
+    value = true;
+    loaded.table.ResetFrameParameters();
+    EXPECT_FALSE(value) << "stored at its address";
+
+    table->SetInt("value", 1, 1);
+    loaded.table.ResetFrameParameters();
+    EXPECT_FALSE(value) << "written by a tool";
+    EXPECT_EQ(table->GetInt("value"), 0);
+
+    pulse.SetDefaultValue(true);
+    loaded.table.ResetFrameParameters();
+    EXPECT_TRUE(value) << "another default";
+    EXPECT_EQ(table->GetInt("value"), 1);
+}
+
+TEST(ParameterTable, WritesAllButABoolAgainWhenTheyHaveTheirDefaults)
+{
+    LogRecorder log;
+    const auto resetting = [](JsonObject parameter)
+    {
+        return Json(parameter.Set(JSON_ParameterResetEachFrame, true));
+    };
+    LoadedParameters loaded(
+        {resetting(BoolParameter("bool", true)), resetting(IntParameter("int", 1)),
+         resetting(FloatParameter("float", 1.0)), resetting(VectorParameter(4, "vector", "3,4")),
+         resetting(MessageParameter("message", "text"))});
+    const auto writesOf = [&](const char* name)
+    {
+        WriteCounter writes(loaded.Find<ParameterDef>(name)->GetKVTable(), "value");
+        loaded.table.ResetFrameParameters();
+        loaded.table.ResetFrameParameters();
+        return writes.Take();
+    };
+
+    EXPECT_EQ(writesOf("bool"), 0);
+    EXPECT_EQ(writesOf("int"), 2);
+    EXPECT_EQ(writesOf("float"), 2);
+    EXPECT_EQ(writesOf("vector"), 2);
+    EXPECT_EQ(writesOf("message"), 2);
 }
 
 TEST(ParameterTable, UninitAgainDoesNothing)
