@@ -1,5 +1,6 @@
 // VELL: data-driven hierarchical state machines.
 // tests/fuzz/TablesFuzzer.cpp: the key/value tables beside a plain model of them.
+#include <tessel/Slots.h>
 #include <tessel/Tessel.h>
 
 #include "tests/fuzz/Bytes.h"
@@ -7,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -31,6 +33,7 @@ const std::array<const char*, 9> kKeys = {
     "x y",
     "a key that is too long for the row of those that all tables share, so that one table owns it"};
 constexpr unsigned int kMostTables = 60;
+constexpr std::size_t kMostSlots = 40;
 constexpr int kDeepest = 3;
 constexpr int kNoTable = -1;
 
@@ -82,6 +85,15 @@ struct ModelTable
     int own = 0; ///< the table's own listener, 0 for none
 };
 
+/// A slot of the listener `id`. It is kept when the listener or the table has gone.
+struct ModelSlot
+{
+    int table;
+    std::string key;
+    int id;
+    KVSlot slot;
+};
+
 /// One write under way: the listeners that are still to be called.
 struct Write
 {
@@ -124,6 +136,8 @@ private:
     void EndWrite();
     void Step();
     void MakeTable();
+    bool MayTake(const ModelSlot& slot, int type);
+    bool SetBySlot(int table, const Words& key, const ModelValue& value);
     void SetNumber(int table, const Words& key);
     void SetFloats(int table, const Words& key);
     void SetText(int table, const Words& key);
@@ -139,6 +153,7 @@ private:
     Bytes& bytes;
     std::vector<ModelTable> tables;
     std::vector<Write> writes;
+    std::vector<ModelSlot> slots;
     int nextListener = 1;
 };
 
@@ -329,6 +344,62 @@ void Pair::MakeTable()
     tables.push_back(model);
 }
 
+/// Tells whether a value of `type` may be written to a slot without a call of a listener.
+bool Pair::MayTake(const ModelSlot& slot, int type)
+{
+    const ModelTable& model = tables[static_cast<std::size_t>(slot.table)];
+    const ModelValue* there = Find(slot.table, slot.key);
+    if (!model.open || there == nullptr || there->type != type)
+    {
+        return false;
+    }
+    const bool isTableHeard = model.own != 0;
+    return isTableHeard == (slot.slot.ownOfTable != nullptr) &&
+           std::all_of(model.listeners.begin(), model.listeners.end(),
+                       [&](const ModelListener& listener)
+                       {
+                           return listener.key != slot.key || listener.id == slot.id;
+                       });
+}
+
+/// Writes the value to each slot of the key, which calls nobody, and tells whether one took it.
+bool Pair::SetBySlot(int table, const Words& key, const ModelValue& value)
+{
+    const SlotOperations& operations = *TesselGetSlotOperations();
+    bool isTaken = false;
+    for (ModelSlot& slot : slots)
+    {
+        if (slot.table != table || slot.key != key.copy)
+        {
+            continue;
+        }
+        if (slot.slot.value == nullptr)
+        {
+            operations.find(&slot.slot, tables[static_cast<std::size_t>(table)].handle,
+                            slot.key.c_str());
+        }
+        const auto& floats = value.floats;
+        const Float2 two{floats[0], floats[1]};
+        const Float3 three{floats[0], floats[1], floats[2]};
+        const Float4 four{floats[0], floats[1], floats[2], floats[3]};
+        const int done = value.type == ValueType_Int
+                             ? operations.setInt(&slot.slot, static_cast<int>(value.word))
+                         : value.type == ValueType_Float
+                             ? operations.setFloat(&slot.slot, floats[0])
+                         : value.type == ValueType_Float2 ? operations.setFloat2(&slot.slot, &two)
+                         : value.type == ValueType_Float3 ? operations.setFloat3(&slot.slot, &three)
+                         : value.type == ValueType_Float4 ? operations.setFloat4(&slot.slot, &four)
+                                                          : 0;
+        Require(done == 0 || MayTake(slot, value.type), "a slot takes what nobody else hears");
+        isTaken = isTaken || done != 0;
+    }
+    if (isTaken)
+    {
+        Put(table, key.copy, value);
+    }
+    return isTaken;
+}
+
 void Pair::SetNumber(int table, const Words& key)
 {
     const KVTable handle = tables[static_cast<std::size_t>(table)].handle;
@@ -336,6 +407,10 @@ void Pair::SetNumber(int table, const Words& key)
     ModelValue value;
     value.word = bytes.Word();
     value.type = bytes.Below(2) == 0 ? ValueType_Int : ValueType_UInt;
+    if (value.word % 2 == 0 && SetBySlot(table, key, value))
+    {
+        return;
+    }
     if (open)
     {
         Put(table, key.copy, value);
@@ -363,6 +438,10 @@ void Pair::SetFloats(int table, const Words& key)
     for (unsigned int i = 0; i < count; ++i)
     {
         value.floats[i] = bytes.Float();
+    }
+    if (!std::signbit(value.floats[0]) && SetBySlot(table, key, value))
+    {
+        return;
     }
     if (open)
     {
@@ -491,6 +570,12 @@ void Pair::Listen(int table, const Words& key)
     else
     {
         model.listeners.push_back(ModelListener{key.copy, id, record});
+        if (slots.size() < kMostSlots)
+        {
+            slots.push_back(ModelSlot{table, key.copy, id, {}});
+            slots.back().slot.own = Record(id);
+            slots.back().slot.ownOfTable = model.own == 0 ? nullptr : &Hear;
+        }
     }
 }
 
