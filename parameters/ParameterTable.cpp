@@ -225,16 +225,18 @@ void ParameterTable::ForgetUpTo(ParameterMap::iterator end)
 
 void ParameterTable::ResetAll()
 {
-    // There is at least one. By index: a listener that hears of a reset may assign a parameter,
-    // which changes the list.
-    std::size_t i = 0;
+    // There is at least one. A listener that hears of a reset may assign a parameter or
+    // uninitialise the machine, which changes the list: the loop goes on at the same index.
+    const Resetting* next = resetting.data();
     do
     {
-        if (resetting[i].IsDue())
+        if (next->IsDue())
         {
-            resetting[i].def->ResetValue();
+            const std::ptrdiff_t index = next - resetting.data();
+            next->def->ResetValue();
+            next = resetting.data() + index;
         }
-    } while (++i < resetting.size());
+    } while (++next < resetting.data() + resetting.size());
 }
 
 /// A bool that has its default is not written, so nobody can tell whether it was reset. The values
