@@ -4,12 +4,10 @@
 
 #include "tests/support/SourceDir.h"
 #include "tests/tools/CommandRun.h"
-#include "tools/layout/SafeFile.h"
 #include "tools/vell/DocumentFiles.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <random>
 #include <string>
 #include <vector>
@@ -293,39 +291,5 @@ TEST(Layout, IsItsOwnLayoutAndKeepsEveryValueOfMutatedDocuments)
     }
     EXPECT_GT(readable, 300);
 }
-
-#if !defined(_WIN32) // which has other permissions
-TEST(SafeFile, ReplacesTheContentAndKeepsPermissionsAndLinks)
-{
-    const Folder folder;
-    const std::string path = folder.Write("a.json", "old");
-    std::filesystem::permissions(path, std::filesystem::perms(0640));
-    std::filesystem::create_symlink(path, folder.PathOf("link.json"));
-
-    ASSERT_EQ(layout::ReplaceFile(folder.PathOf("link.json"), "new"), "");
-
-    EXPECT_EQ(folder.Read("a.json"), "new");
-    EXPECT_TRUE(std::filesystem::is_symlink(folder.PathOf("link.json")));
-    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0640));
-}
-#endif
-
-#if !defined(_WIN32) // which says it in other words
-TEST(SafeFile, LeavesNothingBesideAFileThatItCannotReplace)
-{
-    const Folder folder;
-    std::filesystem::create_directory(folder.PathOf("inner"));
-
-    EXPECT_EQ(layout::ReplaceFile(folder.PathOf("none.json"), "new"), "No such file or directory");
-    EXPECT_EQ(layout::ReplaceFile(folder.PathOf("inner"), "new"), "Is a directory");
-
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.PathOf("")))
-    {
-        names.push_back(entry.path().filename().string());
-    }
-    EXPECT_EQ(names, std::vector<std::string>{"inner"});
-}
-#endif
 
 } // namespace vell::test

@@ -2,11 +2,13 @@
 // tools/check/OutputData.cpp: findings for programs.
 #include "tools/check/Output.h"
 #include "tools/source/Printable.h"
+#include "tools/vell/System.h"
 
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <map>
 
 namespace vell::check
@@ -63,25 +65,45 @@ void PutFinding(Writer& writer, const Finding& finding)
     writer.EndObject();
 }
 
-/// A path as a relative or absolute reference (RFC 3986).
-std::string ToUri(const std::string& path)
+/// Gives the text with all that a URI does not take as it is in percent signs (RFC 3986).
+std::string Escaped(const std::string& text)
 {
     constexpr const char* kDigits = "0123456789ABCDEF";
     const std::string plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";
-    std::string uri = path.empty() || path[0] != '/' ? "" : "file://";
-    for (const char c : path)
+    std::string escaped;
+    for (const char c : text)
     {
         const auto byte = static_cast<unsigned char>(c);
         if (plain.find(c) != std::string::npos)
         {
-            uri += c;
+            escaped += c;
         }
         else
         {
-            uri += {'%', kDigits[byte >> 4u], kDigits[byte & 15u]};
+            escaped += {'%', kDigits[byte >> 4u], kDigits[byte & 15u]};
         }
     }
-    return uri;
+    return escaped;
+}
+
+/// A path as a relative or absolute reference: a.json, file:///tmp/a.json, and on Windows
+/// file:///C:/a.json, file://server/a.json.
+std::string ToUri(const std::string& path)
+{
+    const std::filesystem::path parts = tool::PathOf(path);
+    const std::string text = tool::TextOf(parts);
+    if (!parts.is_absolute())
+    {
+        return Escaped(text);
+    }
+    const std::string drive = tool::TextOf(parts.root_name());
+    const std::string inside = text.substr(drive.size());
+    if (drive == "//?") // a path that Windows takes as it is, such as \\?\C:\a.json
+    {
+        return ToUri(inside.substr(1));
+    }
+    const bool isServer = drive.rfind("//", 0) == 0;
+    return (isServer ? "file:" : drive.empty() ? "file://" : "file:///") + drive + Escaped(inside);
 }
 
 void PutText(Writer& writer, const char* name, const std::string& text)

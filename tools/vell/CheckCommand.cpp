@@ -6,7 +6,6 @@
 
 #include "tools/check/Check.h"
 #include "tools/check/Output.h"
-#include "tools/layout/SafeFile.h"
 #include "tools/repair/LineDiff.h"
 #include "tools/repair/Repair.h"
 #include "tools/vell/Color.h"
@@ -192,7 +191,7 @@ private:
             session.out << repair::UnifiedDiff(document.path, document.text.bytes, repaired.bytes);
             return true;
         }
-        const std::string error = layout::ReplaceFile(document.path, repaired.bytes);
+        const std::string error = ReplaceContent(document.path, repaired.bytes);
         if (!error.empty())
         {
             session.errors << document.path << ": cannot write the file: " << error << '\n';

@@ -3,11 +3,11 @@
 #include "tools/vell/FmtCommand.h"
 
 #include "tools/layout/Layout.h"
-#include "tools/layout/SafeFile.h"
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/DocumentFiles.h"
 #include "tools/vell/DocumentText.h"
 #include "tools/vell/Session.h"
+#include "tools/vell/System.h"
 
 #include <CLI/CLI.hpp>
 
@@ -84,7 +84,7 @@ int FormatFile(Session& session, const std::string& path, bool isCheck)
         session.out << result;
         return ExitWell;
     }
-    const std::string error = isChanged ? layout::ReplaceFile(path, result) : "";
+    const std::string error = isChanged ? ReplaceContent(path, result) : "";
     if (!error.empty())
     {
         session.errors << path << ": cannot write the file: " << error << '\n';

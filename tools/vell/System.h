@@ -25,6 +25,7 @@ inline std::string TextOf(const std::filesystem::path& path)
     return path.generic_u8string();
 }
 
+constexpr int kStandardInput = 0;
 constexpr int kStandardOutput = 1;
 constexpr int kStandardError = 2;
 
@@ -41,6 +42,11 @@ std::ptrdiff_t WriteToDescriptor(int descriptor, const char* bytes, std::size_t 
 /// Creates or empties the file and gives its descriptor, which a child process does not inherit; -1
 /// on failure. An empty path is a file that keeps nothing.
 int OpenFileToWrite(const std::string& path);
+
+/// Replaces the content of a file: it is written to a temporary file beside it, which then takes
+/// its place with its permissions. If this fails or is interrupted, the file is as before. A link
+/// is followed. Returns an empty text, or why it failed.
+std::string ReplaceContent(const std::string& path, const std::string& bytes);
 
 /// A new temporary file with a content, deleted with the object.
 class TemporaryFile

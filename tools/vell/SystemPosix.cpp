@@ -2,12 +2,16 @@
 // tools/vell/SystemPosix.cpp: the command's system calls where POSIX is spoken.
 #include "tools/vell/System.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <sys/stat.h>
 #include <sys/wait.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace vell::tool
@@ -29,6 +33,34 @@ void OpenStandardStreams()
             open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
         }
     }
+}
+
+bool WriteAll(int file, const std::string& bytes)
+{
+    std::size_t done = 0;
+    while (done < bytes.size())
+    {
+        const ssize_t count = write(file, bytes.data() + done, bytes.size() - done);
+        if (count < 0 && errno != EINTR)
+        {
+            return false;
+        }
+        done += count < 0 ? 0 : static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+/// Fills the open file `file` and gives it the permissions of `path`.
+bool FillLike(const std::string& path, int file, const std::string& bytes)
+{
+    struct stat status = {};
+    return stat(path.c_str(), &status) == 0 && WriteAll(file, bytes) &&
+           fchmod(file, status.st_mode & 07777) == 0 && fsync(file) == 0;
+}
+
+std::string LastError()
+{
+    return std::strerror(errno);
 }
 
 } // namespace
@@ -72,6 +104,38 @@ int OpenFileToWrite(const std::string& path)
     return open(target, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
 }
 
+std::string ReplaceContent(const std::string& path, const std::string& bytes)
+{
+    std::error_code failure;
+    const std::filesystem::path target = std::filesystem::canonical(path, failure);
+    if (failure)
+    {
+        return failure.message();
+    }
+    // rename() asks for the right to write to the folder only.
+    if (access(target.c_str(), W_OK) != 0)
+    {
+        return LastError();
+    }
+    std::string temporary = (target.parent_path() / ".vell-XXXXXX").string();
+    const int file = mkstemp(temporary.data());
+    if (file < 0)
+    {
+        return LastError();
+    }
+    std::string error = FillLike(target.string(), file, bytes) ? "" : LastError();
+    close(file);
+    if (error.empty() && std::rename(temporary.c_str(), target.c_str()) != 0)
+    {
+        error = LastError();
+    }
+    if (!error.empty())
+    {
+        unlink(temporary.c_str());
+    }
+    return error;
+}
+
 TemporaryFile::TemporaryFile(const std::string& content)
 {
     path = (std::filesystem::temp_directory_path() / "vell-XXXXXX").string();
@@ -81,8 +145,7 @@ TemporaryFile::TemporaryFile(const std::string& content)
         path.clear();
         return;
     }
-    const bool isFilled =
-        write(file, content.data(), content.size()) == static_cast<ssize_t>(content.size());
+    const bool isFilled = WriteAll(file, content);
     close(file);
     if (!isFilled)
     {

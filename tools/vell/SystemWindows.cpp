@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <io.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <windows.h>
 
 namespace vell::tool
@@ -28,11 +29,35 @@ bool IsInstalled(const char* program)
     return false;
 }
 
+std::string LastError()
+{
+    return std::system_category().message(static_cast<int>(GetLastError()));
+}
+
+/// Creates the file `path`, which must not exist, and fills it.
+bool WriteNewFile(const wchar_t* path, const std::string& bytes)
+{
+    const HANDLE file = CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+    {
+        return false;
+    }
+    DWORD done = 0;
+    const auto size = static_cast<DWORD>(bytes.size());
+    const bool isWritten = WriteFile(file, bytes.data(), size, &done, nullptr) != 0 &&
+                           done == size && FlushFileBuffers(file) != 0;
+    const DWORD error = GetLastError();
+    CloseHandle(file);
+    SetLastError(error);
+    return isWritten;
+}
+
 } // namespace
 
 void PrepareStandardStreams()
 {
     // A line ends with one character in files and pipes, as on other systems.
+    _setmode(kStandardInput, _O_BINARY);
     _setmode(kStandardOutput, _O_BINARY);
     _setmode(kStandardError, _O_BINARY);
     SetConsoleOutputCP(CP_UTF8);
@@ -74,6 +99,38 @@ int OpenFileToWrite(const std::string& path)
     const char* target = path.empty() ? "NUL" : path.c_str();
     return _open(target, _O_WRONLY | _O_CREAT | _O_TRUNC | _O_BINARY | _O_NOINHERIT,
                  _S_IREAD | _S_IWRITE);
+}
+
+std::string ReplaceContent(const std::string& path, const std::string& bytes)
+{
+    std::error_code failure;
+    const std::filesystem::path target = std::filesystem::canonical(PathOf(path), failure);
+    if (failure)
+    {
+        return failure.message();
+    }
+    const DWORD attributes = GetFileAttributesW(target.c_str());
+    constexpr DWORD kNotReplaced = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY;
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & kNotReplaced) != 0)
+    {
+        return std::system_category().message(ERROR_ACCESS_DENIED);
+    }
+    std::filesystem::path temporary = target;
+    temporary += ".vell-" + std::to_string(GetCurrentProcessId());
+    if (!WriteNewFile(temporary.c_str(), bytes))
+    {
+        std::string error = LastError();
+        DeleteFileW(temporary.c_str());
+        return error;
+    }
+    // The exchange keeps the attributes and the access list of the file.
+    if (ReplaceFileW(target.c_str(), temporary.c_str(), nullptr, 0, nullptr, nullptr) == 0)
+    {
+        std::string error = LastError();
+        DeleteFileW(temporary.c_str());
+        return error;
+    }
+    return "";
 }
 
 TemporaryFile::TemporaryFile(const std::string& content)
