@@ -44,6 +44,7 @@ TEST(Sarif, NamesAFileByAReference)
             {"c:/heroes/a.json", "file:///c:/heroes/a.json"},
             {"\\\\server\\share\\a b.json", "file://server/share/a%20b.json"},
             {"\\\\?\\C:\\heroes\\a.json", "file:///C:/heroes/a.json"},
+            {"\\\\?\\UNC\\server\\share\\a.json", "file://server/share/a.json"},
 #else
             {"/tmp/a b.json", "file:///tmp/a%20b.json"},
             {"/tmp/C:\\a.json", "file:///tmp/C%3A%5Ca.json"},

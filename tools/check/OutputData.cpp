@@ -8,7 +8,6 @@
 #include <rapidjson/stringbuffer.h>
 
 #include <cstdint>
-#include <filesystem>
 #include <map>
 
 namespace vell::check
@@ -86,26 +85,6 @@ std::string Escaped(const std::string& text)
     return escaped;
 }
 
-/// A path as a relative or absolute reference: a.json, file:///tmp/a.json, and on Windows
-/// file:///C:/a.json, file://server/a.json.
-std::string ToUri(const std::string& path)
-{
-    const std::filesystem::path parts = tool::PathOf(path);
-    const std::string text = tool::TextOf(parts);
-    if (!parts.is_absolute())
-    {
-        return Escaped(text);
-    }
-    const std::string drive = tool::TextOf(parts.root_name());
-    const std::string inside = text.substr(drive.size());
-    if (drive == "//?") // a path that Windows takes as it is, such as \\?\C:\a.json
-    {
-        return ToUri(inside.substr(1));
-    }
-    const bool isServer = drive.rfind("//", 0) == 0;
-    return (isServer ? "file:" : drive.empty() ? "file://" : "file:///") + drive + Escaped(inside);
-}
-
 void PutText(Writer& writer, const char* name, const std::string& text)
 {
     writer.Key(name);
@@ -134,7 +113,8 @@ void PutPhysicalLocation(Writer& writer, const std::string& path, const source::
     writer.StartObject();
     writer.Key("artifactLocation");
     writer.StartObject();
-    Put(writer, "uri", ToUri(path));
+    const tool::Reference reference = tool::ReferenceOf(path);
+    Put(writer, "uri", reference.start + Escaped(reference.path));
     writer.EndObject();
     writer.Key("region");
     writer.StartObject();

@@ -19,11 +19,16 @@ inline std::filesystem::path PathOf(const std::string& text)
 {
     return std::filesystem::u8path(text);
 }
-/// Gives the text of a path, with slashes.
-inline std::string TextOf(const std::filesystem::path& path)
+/// Gives the text of a path, with slashes. One that begins with two backslashes stays as it is.
+std::string TextOf(const std::filesystem::path& path);
+
+/// A path as two parts of a reference (RFC 3986).
+struct Reference
 {
-    return path.generic_u8string();
-}
+    std::string start; ///< file: and so on; empty when the path is relative
+    std::string path;  ///< what is behind, with slashes, to be escaped
+};
+Reference ReferenceOf(const std::string& path);
 
 constexpr int kStandardInput = 0;
 constexpr int kStandardOutput = 1;

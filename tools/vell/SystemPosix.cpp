@@ -65,6 +65,16 @@ std::string LastError()
 
 } // namespace
 
+std::string TextOf(const std::filesystem::path& path)
+{
+    return path.string();
+}
+
+Reference ReferenceOf(const std::string& path)
+{
+    return {path.rfind('/', 0) == 0 ? "file://" : "", path};
+}
+
 void PrepareStandardStreams()
 {
     OpenStandardStreams();

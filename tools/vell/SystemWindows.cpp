@@ -4,6 +4,7 @@
 #include "tools/vell/System.h"
 
 #define WIN32_LEAN_AND_MEAN
+#include <algorithm>
 #include <cstdio>
 #include <fcntl.h>
 #include <io.h>
@@ -34,6 +35,25 @@ std::string LastError()
     return std::system_category().message(static_cast<int>(GetLastError()));
 }
 
+/// Gives the full path of a file that may be written to, behind all links. Returns an empty text,
+/// or why it failed.
+std::string FindFileToReplace(const std::wstring& path, std::wstring* target)
+{
+    const HANDLE file =
+        CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+    {
+        return LastError();
+    }
+    target->resize(GetFinalPathNameByHandleW(file, nullptr, 0, FILE_NAME_NORMALIZED));
+    const auto size = static_cast<DWORD>(target->size());
+    target->resize(GetFinalPathNameByHandleW(file, target->data(), size, FILE_NAME_NORMALIZED));
+    std::string error = target->empty() ? LastError() : "";
+    CloseHandle(file);
+    return error;
+}
+
 /// Creates the file `path`, which must not exist, and fills it.
 bool WriteNewFile(const wchar_t* path, const std::string& bytes)
 {
@@ -53,6 +73,33 @@ bool WriteNewFile(const wchar_t* path, const std::string& bytes)
 }
 
 } // namespace
+
+std::string TextOf(const std::filesystem::path& path)
+{
+    std::string text = path.u8string();
+    if (text.rfind("\\\\", 0) != 0)
+    {
+        std::replace(text.begin(), text.end(), '\\', '/');
+    }
+    return text;
+}
+
+Reference ReferenceOf(const std::string& path)
+{
+    std::string text = path;
+    std::replace(text.begin(), text.end(), '\\', '/');
+    if (text.rfind("//?/", 0) == 0)
+    {
+        const bool isServer = text.rfind("//?/UNC/", 0) == 0;
+        text = isServer ? "//" + text.substr(8) : text.substr(4);
+    }
+    if (text.rfind("//", 0) == 0)
+    {
+        return {"file:", text};
+    }
+    const bool hasDrive = text.find(":/") == 1;
+    return {hasDrive ? "file:///" + text.substr(0, 2) : "", text.substr(hasDrive ? 2 : 0)};
+}
 
 void PrepareStandardStreams()
 {
@@ -103,34 +150,21 @@ int OpenFileToWrite(const std::string& path)
 
 std::string ReplaceContent(const std::string& path, const std::string& bytes)
 {
-    std::error_code failure;
-    const std::filesystem::path target = std::filesystem::canonical(PathOf(path), failure);
-    if (failure)
+    std::wstring target;
+    std::string error = FindFileToReplace(PathOf(path).wstring(), &target);
+    if (!error.empty())
     {
-        return failure.message();
-    }
-    const DWORD attributes = GetFileAttributesW(target.c_str());
-    constexpr DWORD kNotReplaced = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY;
-    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & kNotReplaced) != 0)
-    {
-        return std::system_category().message(ERROR_ACCESS_DENIED);
-    }
-    std::filesystem::path temporary = target;
-    temporary += ".vell-" + std::to_string(GetCurrentProcessId());
-    if (!WriteNewFile(temporary.c_str(), bytes))
-    {
-        std::string error = LastError();
-        DeleteFileW(temporary.c_str());
         return error;
     }
+    const std::wstring temporary = target + L".vell-" + std::to_wstring(GetCurrentProcessId());
     // The exchange keeps the attributes and the access list of the file.
-    if (ReplaceFileW(target.c_str(), temporary.c_str(), nullptr, 0, nullptr, nullptr) == 0)
+    if (!WriteNewFile(temporary.c_str(), bytes) ||
+        ReplaceFileW(target.c_str(), temporary.c_str(), nullptr, 0, nullptr, nullptr) == 0)
     {
-        std::string error = LastError();
+        error = LastError();
         DeleteFileW(temporary.c_str());
-        return error;
     }
-    return "";
+    return error;
 }
 
 TemporaryFile::TemporaryFile(const std::string& content)
