@@ -22,6 +22,9 @@ foreach(kind LIBRARY INCLUDE PACKAGE)
     set(CMAKE_FIND_ROOT_PATH_MODE_${kind} ONLY)
 endforeach()
 
+# As /usr/include is on this machine: no warnings about what is in there.
+set(CMAKE_CXX_STANDARD_INCLUDE_DIRECTORIES ${vell_header_only}/include)
+
 # One library less to ship.
 set(ZLIB_USE_STATIC_LIBS ON)
 

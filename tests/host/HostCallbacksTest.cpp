@@ -234,6 +234,32 @@ TEST(HostCallbacks, AnExecuteActionMayTakeOffItsStateAndNoMore)
     }
 }
 
+TEST(HostCallbacks, AnExceptionOfAnActionPassesThroughTheTickAsItIs)
+{
+    struct Stopped : std::runtime_error
+    {
+        using std::runtime_error::runtime_error;
+    };
+    Started started;
+    bool stops = true;
+    started.machine.OnExecute("Stand",
+                              [&]
+                              {
+                                  if (stops)
+                                  {
+                                      throw Stopped("by the host");
+                                  }
+                              });
+    started.machine.Speed().SetValue(1.0f);
+
+    EXPECT_THROW(started.machine.Update(0.1f), Stopped);
+    EXPECT_EQ(started.machine.Main(), Lines{"Stand"});
+
+    stops = false;
+    started.machine.Update(0.1f);
+    EXPECT_EQ(started.machine.Main(), Lines{"Walk"});
+}
+
 TEST(HostCallbacks, ATransitionOfAStateThatItsActionTookOffIsStillTested)
 {
     Started started;
