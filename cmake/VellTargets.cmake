@@ -20,7 +20,8 @@ endif()
 
 if(MSVC)
     # The sources are UTF-8; a few of them have more sections than its object files have by default.
-    add_compile_options(/utf-8 /permissive- /EHsc /bigobj)
+    # C4251 asks for an export of the standard library's classes that are private members.
+    add_compile_options(/utf-8 /permissive- /EHsc /bigobj /wd4251)
 endif()
 if(MINGW)
     # The same sources give the same file.
@@ -30,8 +31,7 @@ endif()
 # Strict warnings, where the presets ask for them: for every target of this project, the headers that
 # compile alone included.
 if(VELL_WARNINGS_AS_ERRORS AND MSVC)
-    # C4251 asks for an export of the standard library's classes that are private members.
-    add_compile_options(/W4 /WX /wd4251)
+    add_compile_options(/W4 /WX)
 elseif(VELL_WARNINGS_AS_ERRORS)
     add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
     # What sanitizers put in between makes g++ see uninitialised values in the standard library; the
@@ -68,6 +68,9 @@ function(vell_library name prefix objects)
         add_library(${name} STATIC $<TARGET_OBJECTS:${objects}>)
         target_compile_definitions(${name} PUBLIC ${prefix}_STATIC)
     elseif(WIN32)
+        if(MSVC)
+            target_compile_options(${name} INTERFACE /wd4251)
+        endif()
         # An import from a DLL is another call than one within the program: it is compiled as such.
         get_target_property(sources ${objects} SOURCES)
         add_library(${name} SHARED ${sources})
