@@ -476,4 +476,135 @@ TEST(CheckMistakes, OfMeaningAreFound)
     });
 }
 
+TEST(CheckMistakes, OfMessagesThatAreFiredEmptyAreFound)
+{
+    ExpectFound({
+        {"use",
+         R"(, "default": "door")",
+         "",
+         {"19:18: warning VELL134: message 'use' (2494680139) has no default, so it is fired as an "
+          "empty text and no condition can match it; write one of the texts that the conditions "
+          "wait for"}},
+        {"use",
+         R"("default": "door")",
+         R"("default": "")",
+         {"19:82: warning VELL134: message 'use' (2494680139) has an empty default, so it is fired "
+          "as an empty text and no condition can match it; write one of the texts that the "
+          "conditions wait for"}},
+    });
+}
+
+TEST(CheckMistakes, OfNodesThatAreNoStatesAreFound)
+{
+    ExpectFound({
+        {"WalkToStand",
+         R"("target": 1010)",
+         R"("target": 1001)",
+         {"39:104: warning VELL135: transition 'WalkToStand' (1022) leads to 'LocomotionEnter' "
+          "(1001), an enter node: as a state it does nothing, and the machine stays there; write "
+          "1010 to enter state 'Stand' (1010)"}},
+        {"WalkToStand",
+         R"("target": 1010)",
+         R"("target": 5000)",
+         {"39:104: warning VELL135: transition 'WalkToStand' (1022) leads to 'Interruptions' "
+          "(5000), a global node: as a state it does nothing"}},
+        {"LocomotionEnter",
+         R"("entryTarget": 1010)",
+         R"("entryTarget": 1001)",
+         {"32:110: warning VELL135: 'entryTarget' of enter node 'LocomotionEnter' (1001) is the "
+          "node itself: as a state it does nothing, and the machine stays there"}},
+        {"LocomotionEnter",
+         R"("entryTarget": 1010)",
+         R"("entryTarget": 1000)",
+         {"32:110: warning VELL135: 'entryTarget' of enter node 'LocomotionEnter' (1001) is its "
+          "own substate 'Locomotion' (1000), which is then entered within itself and does "
+          "nothing"}},
+        {"LocomotionEnter",
+         R"("entryTarget": 1010)",
+         R"("entryTarget": 2001)",
+         {"32:110: warning VELL135: 'entryTarget' of enter node 'LocomotionEnter' (1001) is "
+          "'CombatEnter' (2001), an enter node: as a state it does nothing, and the machine stays "
+          "there"}},
+        {"",
+         R"("substateRoot": 1000)",
+         R"("substateRoot": 1001)",
+         {"11:25: warning VELL135: 'substateRoot' is 'LocomotionEnter' (1001), an enter node: as a "
+          "state it does nothing, and the machine stays there; write 1000 to enter substate "
+          "'Locomotion' (1000)"}},
+        {"",
+         R"("substateRoot": 1000)",
+         R"("substateRoot": 1002)",
+         {"11:25: warning VELL135: 'substateRoot' is 'LocomotionExit' (1002), an exit node: as a "
+          "state it does nothing, and the machine stays there"}},
+        {"",
+         R"("substateRoot": 1000)",
+         R"("substateRoot": 5000)",
+         {"11:25: warning VELL135: 'substateRoot' is 'Interruptions' (5000), a global node: as a "
+          "state it does nothing"}},
+    });
+}
+
+TEST(CheckMistakes, OfListsOfChildrenAreFound)
+{
+    ExpectFound({
+        {"Walk",
+         "[1021, 1022]",
+         "[1021, 1022, 1022]",
+         {"35:112: warning VELL136: 'children' of state 'Walk' (1011) names 'WalkToStand' (1022) "
+          "twice; remove one of them",
+          "  35:106: the first is here"}},
+        {"Walk",
+         "[1021, 1022]",
+         "[1021, 1022, 254213878]",
+         {"35:112: error VELL073: 'children' of state 'Walk' (1011) names 254213878, which is the "
+          "parameter 'speed' and not a node"}},
+    });
+}
+
+TEST(CheckMistakes, OfTheBoundsOfARangeAreFound)
+{
+    ExpectFound({
+        {"HookToEnd",
+         R"("3,9")",
+         R"("3.5,9.7")",
+         {"59:243: warning VELL108: '3.5' in the range of the condition of transition 'HookToEnd' "
+          "(2121) is not a whole number and counts as 3: the condition is of the type 'integer'"}},
+        {"HookToEnd",
+         R"("3,9")",
+         R"("3,99999999999")",
+         {"59:243: warning VELL109: '99999999999' in the range of the condition of transition "
+          "'HookToEnd' (2121) does not fit 32 bits and counts as 2147483647"}},
+        {"HookToEnd",
+         R"("3,9")",
+         R"("-2--1")",
+         {R"(59:243: error VELL103: '-2--1' is not a range, so the condition of transition 'HookToEnd' (2121) and those behind it are left out; write "-2, -1")"}},
+        {"HookToEnd",
+         R"("3,9")",
+         R"("3..9")",
+         {R"(59:243: error VELL103: '3..9' is not a range, so the condition of transition 'HookToEnd' (2121) and those behind it are left out; write "3, 9")"}},
+        {"HookToEnd",
+         R"("3,9")",
+         R"("3 to -1")",
+         {R"(59:243: error VELL103: '3 to -1' is not a range, so the condition of transition 'HookToEnd' (2121) and those behind it are left out; write "3, -1")"}},
+        {"StandToWalk",
+         R"("greater", "operand": [{"value": 0.1}])",
+         R"("range", "operand": [{"value": "0.1,1e39"}])",
+         {"37:26: warning VELL126: transition 'StandToWalk' (1020) and 'WalkToStand' (1022) throw "
+          "the machine from 'Stand' (1010) to 'Walk' (1011) and back in every tick: both hold for "
+          "the same value of 'speed' (254213878)",
+          "  39:26: the way back",
+          "37:267: warning VELL109: '1e39' in the range of the condition of transition "
+          "'StandToWalk' (1020) does not fit a float and counts as infinite"}},
+        {"StandToWalk",
+         R"("greater", "operand": [{"value": 0.1}])",
+         R"("range", "operand": [{"value": "inf,0.1"}])",
+         {"37:26: warning VELL126: transition 'StandToWalk' (1020) and 'WalkToStand' (1022) throw "
+          "the machine from 'Stand' (1010) to 'Walk' (1011) and back in every tick: both hold for "
+          "the same value of 'speed' (254213878)",
+          "  39:26: the way back",
+          "37:267: warning VELL109: 'inf' in the range of the condition of transition "
+          "'StandToWalk' (1020) does not fit a float and counts as infinite"}},
+    });
+}
+
 } // namespace vell::test

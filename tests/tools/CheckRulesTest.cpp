@@ -261,6 +261,31 @@ TEST(CheckReach, LeavesTheWorkOfABlipAlone)
     EXPECT_EQ(FindingsOf(document.Text()), Codes{"VELL122 \"Stand\""});
 }
 
+TEST(CheckReach, FindsAnExitNodeOnTheMainStackThatNothingLeaves)
+{
+    const auto document = [](const std::vector<unsigned int>& levelTransitions)
+    {
+        DocumentBuilder builder;
+        builder.Start(20)
+            .Parameter(BoolParameter("armed", false))
+            .Node(Substate("Fight", 20, 21, 22, levelTransitions))
+            .Node(Enter("In", 21, 30, 20))
+            .Node(Exit("Out", 22, 20))
+            .Node(Generic("Jab", 30, {300}, 20))
+            .Node(Transition("End", 300, 30, 22, {BoolCondition("armed", true)}))
+            .Node(Generic("Stand", 10, {100}))
+            .Node(Transition("Draw", 100, 10, 20, {BoolCondition("armed", true)}));
+        if (!levelTransitions.empty())
+        {
+            builder.Node(Transition("Leave", 200, 20, 10, {BoolCondition("armed", false)}));
+        }
+        return FindingsOf(builder.Text());
+    };
+
+    EXPECT_TRUE(Has(document({}), "VELL135 \"Out\""));
+    EXPECT_EQ(document({200}), Codes());
+}
+
 TEST(CheckMemory, AsksForJustWhatTheDocumentAndItsStatesNeed)
 {
     const std::string text =

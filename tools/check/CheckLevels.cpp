@@ -27,8 +27,27 @@ bool IsSubstate(const NodeModel& node)
     return node.Is(BUILDER_Substate);
 }
 
+/// An id that the list has twice.
+void CheckTwice(const NodeModel& node, Findings& findings)
+{
+    std::unordered_map<unsigned int, const Value*> firsts;
+    for (const ChildModel& child : node.children)
+    {
+        const auto entry = firsts.emplace(child.id, child.value);
+        if (child.id != 0 && !entry.second)
+        {
+            const std::string name =
+                child.node == nullptr ? std::to_string(child.id) : Named(*child.node);
+            findings.Add(Code::ChildTwice, child.value->span,
+                         "'children' of " + Titled(node) + " names " + name + " twice",
+                         "remove one of them", entry.first->second->span, "the first is here");
+        }
+    }
+}
+
 void CheckChildren(const DocumentModel& model, const NodeModel& node, Findings& findings)
 {
+    CheckTwice(node, findings);
     for (const ChildModel& child : node.children)
     {
         const std::string begin = "'children' of " + Titled(node) + " names ";
@@ -43,8 +62,7 @@ void CheckChildren(const DocumentModel& model, const NodeModel& node, Findings& 
         }
         else if (child.node == nullptr)
         {
-            findings.Add(Code::ChildAbsent, child.value->span,
-                         begin + "node " + std::to_string(child.id) + ", which does not exist",
+            findings.Add(Code::ChildAbsent, child.value->span, begin + Absent(model, child.id),
                          SuggestNode(model, child.id, IsAny));
         }
         else if (!child.node->Is(BUILDER_Transition) && child.node->builder != 0 &&
@@ -135,7 +153,8 @@ public:
     /// Gives the states whose parentId it reported.
     const std::unordered_set<const NodeModel*>& Run()
     {
-        Arrive(model.start, nullptr, nullptr);
+        Arrive(model.start != nullptr && model.start->IsEnd() ? nullptr : model.start, nullptr,
+               nullptr);
         if (model.global != nullptr)
         {
             for (const NodeModel* transition : model.global->transitions)
@@ -164,7 +183,10 @@ private:
 
     void Arrive(NodeModel* state, const NodeModel* level, const NodeModel* by)
     {
-        if (state == nullptr || !state->CanRun())
+        // What cannot run is told elsewhere; so are enter and global nodes that are run as states,
+        // and a substate that is entered within itself.
+        if (state == nullptr || !state->CanRun() || state->Is(BUILDER_Enter) ||
+            state->Is(BUILDER_Global) || state == level)
         {
             return;
         }
@@ -226,8 +248,7 @@ private:
     void Judge(const NodeModel& state, const std::vector<Arrival>& known)
     {
         const auto bad = std::find_if_not(known.begin(), known.end(), IsRight);
-        // A global node that is a target is told elsewhere.
-        if (bad == known.end() || state.Is(BUILDER_Global))
+        if (bad == known.end())
         {
             return;
         }

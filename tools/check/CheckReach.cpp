@@ -2,6 +2,7 @@
 // tools/check/CheckReach.cpp: states that are never entered or never left, and blips without end.
 #include "tools/check/Rules.h"
 
+#include <algorithm>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -42,8 +43,8 @@ void ForEachNext(const DocumentModel& model, const NodeModel& state, Use use)
     offer(FirstOf(model, state));
 }
 
-/// Gives the states that run at some time.
-NodeSet FindReached(const DocumentModel& model)
+/// Gives the states that run at some time: on the main stack and, when asked, in blips.
+NodeSet FindReached(const DocumentModel& model, bool withBlips)
 {
     NodeSet reached;
     std::vector<const NodeModel*> open;
@@ -55,7 +56,7 @@ NodeSet FindReached(const DocumentModel& model)
         }
     };
     reach(*model.start);
-    if (model.global != nullptr)
+    if (withBlips && model.global != nullptr)
     {
         reach(*model.global);
     }
@@ -108,8 +109,7 @@ NodeSet FindEnding(const DocumentModel& model)
 
 bool IsPlainState(const NodeModel& node)
 {
-    return node.CanRun() && !node.Is(BUILDER_Enter) && !node.Is(BUILDER_Exit) &&
-           !node.Is(BUILDER_Global);
+    return node.CanRun() && !node.IsEnd();
 }
 
 void CheckUnreached(const DocumentModel& model, const NodeSet& reached, Findings& findings)
@@ -154,13 +154,29 @@ void CheckUnused(const DocumentModel& model, const NodeSet& reached, Findings& f
     }
 }
 
-/// A state that is left by no transition of its own and of no level around it.
+void ReportNeverLeft(const NodeModel& node, Findings& findings)
+{
+    if (node.Is(BUILDER_Exit))
+    {
+        findings.Add(Code::EndRunsAsState, TitlePlace(*node.value),
+                     Titled(node) + " is reached on the main stack, and no substate around it has "
+                                    "a transition in force: the machine stays there");
+        return;
+    }
+    findings.Add(Code::StateNeverLeft, TitlePlace(*node.value),
+                 Titled(node) + " is never left: it has no transition in force, and "
+                                "neither has a substate around it");
+}
+
+/// A state that is left by no transition of its own and of no level around it; and so an exit node
+/// that ends no blip.
 void CheckDeadEnds(const DocumentModel& model, const NodeSet& reached, Findings& findings)
 {
     if (reached.size() < 2)
     {
         return;
     }
+    const NodeSet onMainStack = FindReached(model, false);
     // Whether a substate or one around it has a transition, asked once of each.
     std::unordered_map<const NodeModel*, bool> isLeft;
     const auto find = [&](const NodeModel& node)
@@ -193,13 +209,12 @@ void CheckDeadEnds(const DocumentModel& model, const NodeSet& reached, Findings&
     };
     for (const NodeModel& node : model.nodes)
     {
-        const bool isAsked = node.isFirst && IsPlainState(node) && !node.Is(BUILDER_Substate) &&
-                             reached.count(&node) != 0;
-        if (isAsked && !find(node))
+        const bool isState =
+            IsPlainState(node) && !node.Is(BUILDER_Substate) && reached.count(&node) != 0;
+        const bool isExit = node.Is(BUILDER_Exit) && onMainStack.count(&node) != 0;
+        if (node.isFirst && (isState || isExit) && !find(node))
         {
-            findings.Add(Code::StateNeverLeft, TitlePlace(*node.value),
-                         Titled(node) + " is never left: it has no transition in force, and "
-                                        "neither has a substate around it");
+            ReportNeverLeft(node, findings);
         }
     }
 }
@@ -231,17 +246,27 @@ void CheckBlips(const DocumentModel& model, Findings& findings)
     }
 }
 
+/// Where the machine stays at an enter or global node, much is out of reach because of that.
+bool HasEndThatRuns(const Findings& findings)
+{
+    return std::any_of(findings.list.begin(), findings.list.end(),
+                       [](const Finding& finding)
+                       {
+                           return finding.code == Code::EndRunsAsState;
+                       });
+}
+
 } // namespace
 
 void CheckReach(const DocumentModel& model, Findings& findings)
 {
     CheckBlips(model, findings);
     // What does not lead where it should leaves much out of reach; that is told first.
-    if (model.start == nullptr || findings.HasErrors())
+    if (model.start == nullptr || findings.HasErrors() || HasEndThatRuns(findings))
     {
         return;
     }
-    const NodeSet reached = FindReached(model);
+    const NodeSet reached = FindReached(model, true);
     CheckUnreached(model, reached, findings);
     CheckUnused(model, reached, findings);
     CheckDeadEnds(model, reached, findings);

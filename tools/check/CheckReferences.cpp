@@ -41,17 +41,6 @@ bool IsNumber(const Value* value)
     return value != nullptr && value->IsNumber();
 }
 
-/// Says what an id leads to that should lead to a node: `node 7, which does not exist`.
-std::string Missing(const DocumentModel& model, unsigned int id)
-{
-    if (const ParameterModel* parameter = model.FindParameter(id))
-    {
-        return std::to_string(id) + ", which is the parameter '" + std::string(parameter->name) +
-               "' and not a node";
-    }
-    return "node " + std::to_string(id) + ", which does not exist";
-}
-
 /// The member of one node that names another.
 class Reference
 {
@@ -76,6 +65,39 @@ public:
     const NodeModel* node;
 };
 
+/// Says what to write in place of an enter node: what it leads to or the substate that it is of,
+/// whichever is in this level.
+std::string AdviseInsteadOf(const DocumentModel& model, const NodeModel& end, unsigned int level)
+{
+    if (!end.Is(BUILDER_Enter))
+    {
+        return "";
+    }
+    for (const NodeModel* node : {model.FindNode(end.entryTarget), model.FindNode(end.parentId)})
+    {
+        if (node != nullptr && node->CanRun() && !node->IsEnd() && node->parentId == level)
+        {
+            return "write " + std::to_string(node->id) + " to enter " + Titled(*node);
+        }
+    }
+    return "";
+}
+
+/// An enter or global node that is entered like a state in this level. `begin` says by what.
+void CheckEntered(const Reference& reference, unsigned int level, const std::string& begin,
+                  Findings& findings)
+{
+    const NodeModel& node = *reference.node;
+    if (!node.Is(BUILDER_Enter) && !node.Is(BUILDER_Global))
+    {
+        return;
+    }
+    findings.Add(Code::EndRunsAsState, reference.value->span,
+                 begin + Named(node) + ", " + KindOf(node) + ": as a state it does nothing" +
+                     (node.transitions.empty() ? ", and the machine stays there" : ""),
+                 AdviseInsteadOf(reference.model, node, level));
+}
+
 void CheckTarget(const DocumentModel& model, const NodeModel& transition, Findings& findings)
 {
     const Reference target(model, *transition.value, JSON_TransitionTarget);
@@ -93,7 +115,7 @@ void CheckTarget(const DocumentModel& model, const NodeModel& transition, Findin
     else if (target.node == nullptr)
     {
         findings.Add(Code::TargetAbsent, place,
-                     Titled(transition) + " leads to " + Missing(model, target.id),
+                     Titled(transition) + " leads to " + Absent(model, target.id),
                      SuggestNode(model, target.id, CanRun));
     }
     else if (!target.node->CanRun())
@@ -102,6 +124,12 @@ void CheckTarget(const DocumentModel& model, const NodeModel& transition, Findin
                      Titled(transition) + " leads to " + Named(*target.node) + ", " +
                          KindOf(*target.node) + ", which cannot run",
                      "", TitlePlace(*target.node->value), "its target");
+    }
+    else
+    {
+        const bool isListed = !transition.listers.empty();
+        CheckEntered(target, isListed ? transition.listers[0]->parentId : 0,
+                     Titled(transition) + " leads to ", findings);
     }
 }
 
@@ -125,7 +153,7 @@ void CheckEnd(const DocumentModel& model, const NodeModel& substate, __JSONTYPES
     }
     else if (end.node == nullptr)
     {
-        findings.Add(code, end.value->span, begin + Missing(model, end.id),
+        findings.Add(code, end.value->span, begin + Absent(model, end.id),
                      SuggestNode(model, end.id, isWanted));
     }
     else if (!isWanted(*end.node))
@@ -161,7 +189,7 @@ void CheckEntryTarget(const DocumentModel& model, const NodeModel& node, Finding
     }
     else if (target.node == nullptr)
     {
-        findings.Add(Code::EntryTarget, place, begin + Missing(model, target.id),
+        findings.Add(Code::EntryTarget, place, begin + Absent(model, target.id),
                      SuggestNode(model, target.id, CanRun));
     }
     else if (!target.node->CanRun())
@@ -170,6 +198,22 @@ void CheckEntryTarget(const DocumentModel& model, const NodeModel& node, Finding
                      begin + Named(*target.node) + ", " + KindOf(*target.node) +
                          ", which cannot run",
                      "", TitlePlace(*target.node->value), "the node");
+    }
+    else if (target.node == &node)
+    {
+        findings.Add(Code::EndRunsAsState, place,
+                     begin + "the node itself: as a state it does nothing, and the machine stays "
+                             "there");
+    }
+    else if (target.node->enter == &node)
+    {
+        findings.Add(Code::EndRunsAsState, place,
+                     begin + "its own substate " + Named(*target.node) +
+                         ", which is then entered within itself and does nothing");
+    }
+    else
+    {
+        CheckEntered(target, node.parentId, begin, findings);
     }
 }
 
@@ -184,7 +228,7 @@ void CheckExitConnector(const DocumentModel& model, const NodeModel& node, Findi
     if (connector.node == nullptr)
     {
         findings.Add(Code::ExitConnectorWrong, connector.value->span,
-                     begin + Missing(model, connector.id), SuggestNode(model, connector.id, IsAny));
+                     begin + Absent(model, connector.id), SuggestNode(model, connector.id, IsAny));
     }
     else if (!connector.node->Is(BUILDER_Connector))
     {
@@ -296,7 +340,7 @@ void CheckSubstateRoot(const DocumentModel& model, Findings& findings)
     }
     else if (start.node == nullptr)
     {
-        findings.Add(Code::StartWrong, place, "'substateRoot' is " + Missing(model, start.id),
+        findings.Add(Code::StartWrong, place, "'substateRoot' is " + Absent(model, start.id),
                      SuggestNode(model, start.id, CanRun));
     }
     else if (!start.node->CanRun())
@@ -304,6 +348,14 @@ void CheckSubstateRoot(const DocumentModel& model, Findings& findings)
         findings.Add(Code::StartWrong, place,
                      "'substateRoot' is " + Named(*start.node) + ", " + KindOf(*start.node) +
                          ", which cannot run" + effect);
+    }
+    else if (start.node->IsEnd())
+    {
+        findings.Add(Code::EndRunsAsState, place,
+                     "'substateRoot' is " + Named(*start.node) + ", " + KindOf(*start.node) +
+                         ": as a state it does nothing" +
+                         (start.node->transitions.empty() ? ", and the machine stays there" : ""),
+                     AdviseInsteadOf(model, *start.node, 0));
     }
 }
 
@@ -322,7 +374,7 @@ void CheckEnterNode(const DocumentModel& model, Findings& findings)
     }
     else if (enter.node == nullptr)
     {
-        findings.Add(Code::EnterNodeAbsent, place, "'enterNode' is " + Missing(model, enter.id),
+        findings.Add(Code::EnterNodeAbsent, place, "'enterNode' is " + Absent(model, enter.id),
                      SuggestNode(model, enter.id, CanRun));
     }
     else if (model.IsInGlobal(*enter.node))

@@ -427,7 +427,18 @@ private:
             findings.Add(Code::MessageUnawaited, TitlePlace(*parameter.value),
                          "no condition waits for message " + Named(parameter));
         }
-        else if (!fired.empty() && known->second.count(fired) == 0)
+        else if (fired.empty())
+        {
+            const bool isWritten = Find(*parameter.value, JSON_ParameterDefault) != nullptr;
+            findings.Add(Code::MessageEmpty, PlaceOf(*parameter.value, JSON_ParameterDefault),
+                         "message " + Named(parameter) +
+                             (isWritten ? " has an empty default" : " has no default") +
+                             ", so it is fired as an empty text and no condition can match it",
+                         known->second.size() == 1
+                             ? "write \"default\": \"" + *known->second.begin() + "\""
+                             : "write one of the texts that the conditions wait for");
+        }
+        else if (known->second.count(fired) == 0)
         {
             findings.Add(Code::MessageUnawaited, PlaceOf(*parameter.value, JSON_ParameterDefault),
                          "message " + Named(parameter) + " is fired as '" + fired +

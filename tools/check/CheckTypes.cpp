@@ -112,15 +112,65 @@ std::string MeantRange(const std::string& text)
 {
     char* end = nullptr;
     std::strtod(text.c_str(), &end);
-    const std::string first(text.c_str(), static_cast<const char*>(end));
+    std::string first(text.c_str(), static_cast<const char*>(end));
     std::string rest = end;
-    const std::size_t begin = rest.find_first_not_of(" .;:-/to");
+    while (!first.empty() && first.back() == '.')
+    {
+        first.pop_back();
+    }
+    std::size_t begin = rest.find_first_not_of(" .;:-/to");
     if (first.empty() || begin == 0 || begin == std::string::npos)
     {
         return "";
     }
+    // Of "-2--1" and of "0 to -1" the last dash belongs to the second number.
+    begin -= begin > 1 && rest[begin - 1] == '-' ? 1 : 0;
     rest = rest.substr(begin);
     return IsNumberText(rest) ? first + ", " + rest : "";
+}
+
+/// A bound of a range, which is to be a value of the condition's type. Returns false when it is
+/// not.
+bool CheckBound(const Case& condition, const Value& operand, const std::string& piece, double bound,
+                Findings& findings)
+{
+    const int type = condition.Condition().type;
+    const std::size_t before = findings.list.size();
+    const std::string begin = "'" + piece + "' in the range of " + condition.Title() + " ";
+    if (type == PARAM_Integer && (bound < -2147483648.0 || bound > 2147483647.0))
+    {
+        findings.Add(Code::OperandRange, operand.span,
+                     begin + "does not fit 32 bits and counts as " +
+                         std::to_string(TruncateToInt(bound)));
+    }
+    else if (type == PARAM_Integer && std::trunc(bound) != bound)
+    {
+        findings.Add(Code::OperandFraction, operand.span,
+                     begin + "is not a whole number and counts as " +
+                         std::to_string(TruncateToInt(bound)) + ": the condition is of the type '" +
+                         TypeName(type) + "'");
+    }
+    else if (type == PARAM_Float && std::isinf(static_cast<float>(bound)))
+    {
+        findings.Add(Code::OperandRange, operand.span,
+                     begin + "does not fit a float and counts as infinite");
+    }
+    return findings.list.size() == before;
+}
+
+/// The first bound that is no value of the condition's type is told.
+void CheckBounds(const Case& condition, const Value& operand,
+                 const std::vector<std::string>& pieces, const double (&bounds)[2],
+                 Findings& findings)
+{
+    for (std::size_t i = 0; i < 2; ++i)
+    {
+        if (IsNumberText(pieces[i]) &&
+            !CheckBound(condition, operand, pieces[i], bounds[i], findings))
+        {
+            return;
+        }
+    }
 }
 
 void CheckRange(const Case& condition, const Value& operand, Findings& findings)
@@ -157,6 +207,7 @@ void CheckRange(const Case& condition, const Value& operand, Findings& findings)
                     std::to_string(static_cast<long>(std::isnan(bounds[i]) ? 0 : bounds[i])));
         }
     }
+    CheckBounds(condition, operand, pieces, bounds, findings);
     if (pieces.size() > 2)
     {
         findings.Add(Code::RangePiece, operand.span,

@@ -129,6 +129,9 @@ enum class Code : int
     ParameterUntested = 131,
     MessageUnawaited = 132,
     MessageReset = 133,
+    MessageEmpty = 134,
+    EndRunsAsState = 135,
+    ChildTwice = 136,
     // 150 to 159: memory.
     MemoryTooSmall = 150,
     MemoryTooLarge = 151,

@@ -121,6 +121,26 @@ const CodeTable& MeaningCodes()
          "{\"name\": \"jump\", \"parameterType\": \"message\", \"default\": \"now\", "
          "\"resetEachFrame\": true}",
          "{\"name\": \"jump\", \"parameterType\": \"message\", \"default\": \"now\"}"},
+        {Code::MessageEmpty, Severity::Warning, "a message that is fired as an empty text",
+         "A fired message takes the text of its `default`. Without one, or with an empty one, it "
+         "is as if it had not been fired: no condition can match it. Give it a default, and let "
+         "the conditions compare it with that.",
+         "{\"name\": \"jump\", \"parameterType\": \"message\"}",
+         "{\"name\": \"jump\", \"parameterType\": \"message\", \"default\": \"now\"}"},
+        {Code::EndRunsAsState, Severity::Warning,
+         "an enter, exit or global node that is run as a state",
+         "An enter node leads on only when a substate is entered through it; the transitions of a "
+         "global node are tested only beside the stacks; an exit node ends a blip and nothing "
+         "else. When one of them is entered like a state, the machine stays there. Name the state "
+         "that is meant. An exit node may be reached inside of a substate that is left by "
+         "transitions of its own, and in a blip.",
+         "{\"name\": \"WalkToStand\", \"builder\": \"transition\", \"target\": 1001}\n{\"name\": "
+         "\"Enter\", \"id\": 1001, \"builder\": \"enter\", \"entryTarget\": 1010}",
+         "{\"name\": \"WalkToStand\", \"builder\": \"transition\", \"target\": 1010}"},
+        {Code::ChildTwice, Severity::Warning, "an id twice in one list of children",
+         "The second one has no effect. Perhaps another node is meant.",
+         "{\"name\": \"Walk\", \"builder\": \"generic\", \"children\": [20, 21, 21]}",
+         "{\"name\": \"Walk\", \"builder\": \"generic\", \"children\": [20, 21, 22]}"},
     };
     return table;
 }

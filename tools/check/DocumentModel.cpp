@@ -115,6 +115,12 @@ bool NodeModel::IsOfHost() const
     return builder != 0 && BuilderWord(builder) == nullptr;
 }
 
+bool NodeModel::IsEnd() const
+{
+    return Is(DURMBaseLib::BUILDER_Enter) || Is(DURMBaseLib::BUILDER_Exit) ||
+           Is(DURMBaseLib::BUILDER_Global);
+}
+
 bool NodeModel::CanRun() const
 {
     return IsStateBuilder(builder) || BuilderWord(builder) == nullptr;
@@ -140,6 +146,12 @@ const ParameterModel* DocumentModel::FindParameter(unsigned int id) const
 {
     const auto entry = parametersById.find(id);
     return id == 0 || entry == parametersById.end() ? nullptr : &parameters[entry->second];
+}
+
+const NodeModel* DocumentModel::FindOwnerOfCondition(unsigned int id) const
+{
+    const auto entry = ownersByConditionId.find(id);
+    return id == 0 || entry == ownersByConditionId.end() ? nullptr : &nodes[entry->second];
 }
 
 const ParameterModel* DocumentModel::FindParameterByCrc(unsigned int crc) const
@@ -254,6 +266,7 @@ void DocumentModel::ReadTransition(NodeModel& node)
         if (condition.IsObject())
         {
             node.conditions.push_back(ReadCondition(condition));
+            ownersByConditionId.emplace(ReadId(condition, JSON_ID), nodes.size());
         }
     }
 }
@@ -366,6 +379,23 @@ std::string TitledCondition(const NodeModel& transition, std::size_t index)
                                   ? "the condition"
                                   : "condition " + std::to_string(index + 1);
     return which + " of " + Titled(transition);
+}
+
+std::string Absent(const DocumentModel& model, unsigned int id)
+{
+    const std::string text = std::to_string(id);
+    if (const ParameterModel* parameter = model.FindParameter(id))
+    {
+        return text + ", which is the " +
+               (parameter->name.empty() ? "id of a parameter"
+                                        : "parameter '" + std::string(parameter->name) + "'") +
+               " and not a node";
+    }
+    if (const NodeModel* owner = model.FindOwnerOfCondition(id))
+    {
+        return text + ", which is the id of a condition of " + Titled(*owner) + " and not a node";
+    }
+    return "node " + text + ", which does not exist";
 }
 
 std::string LossWith(const DocumentModel& model, const NodeModel& node)

@@ -76,6 +76,8 @@ struct NodeModel
     {
         return builder == builderNumber;
     }
+    /// True for an enter, exit or global node: a state can be created from it, but it is none.
+    bool IsEnd() const;
     /// Tells whether a state can be created from it. One of a host's own builder may, and so may
     /// one without a valid builder, which is told elsewhere.
     bool CanRun() const;
@@ -102,6 +104,8 @@ public:
     /// Gives the node that `id` means, or null.
     NodeModel* FindNode(unsigned int id) const;
     const ParameterModel* FindParameter(unsigned int id) const;
+    /// Gives the transition with a condition that has this id, or null. Nothing reads these ids.
+    const NodeModel* FindOwnerOfCondition(unsigned int id) const;
     /// Gives the parameter whose name has this CRC, whatever its id is.
     const ParameterModel* FindParameterByCrc(unsigned int crc) const;
     const ParameterModel* FindParameterByName(std::string_view name) const;
@@ -133,6 +137,7 @@ private:
     std::unordered_map<unsigned int, std::size_t> parametersById;
     std::unordered_map<unsigned int, std::size_t> parametersByCrc;
     std::unordered_map<std::string_view, std::size_t> parametersByName;
+    std::unordered_map<unsigned int, std::size_t> ownersByConditionId;
 };
 
 // Reading as the library reads: a missing member or one of another type gives 0, false or an empty
@@ -158,6 +163,8 @@ std::string Named(const ParameterModel& parameter);
 std::string Titled(const NodeModel& node);
 /// Gives `condition 2 of transition 'Stop' (20)`; `index` is counted from 0.
 std::string TitledCondition(const NodeModel& transition, std::size_t index);
+/// Says what an id is that should be a node's: `node 7, which does not exist`.
+std::string Absent(const DocumentModel& model, unsigned int id);
 /// Says what is lost with a node that the library cannot build: `so no layer is read`.
 std::string LossWith(const DocumentModel& model, const NodeModel& node);
 /// Gives the word for a builder with its article: `a transition`.
