@@ -122,13 +122,53 @@ TEST(VellCheck, ChecksFoldersAndLeavesOutWhatHasNoMachine)
     folder.Write("in/b.json", "[1");
     folder.Write("in/a.json", SmallDocument().Text());
     folder.Write("in/package.json", "{\"name\": \"other\"}");
+    folder.Write("in/list.json", "[]");
     folder.Write("in/note.txt", "{");
     folder.Write("in/.hidden/c.json", "{");
 
     const Outcome outcome = Check(folder, {"in"}, {"--allow", "VELL009,VELL151"});
 
-    EXPECT_EQ(outcome.out, "nothing found in 2 documents\nleft out 1 file without a machine\n");
+    EXPECT_EQ(outcome.out,
+              "in/list.json: note: left out, it has no member of a machine document\n"
+              "in/package.json: note: left out, it has no member of a machine document\n"
+              "nothing found in 2 documents\n");
     EXPECT_EQ(outcome.code, 0);
+}
+
+TEST(VellCheck, ChecksADocumentOfAFolderWhoseMembersAreMisspelt)
+{
+    const Folder folder;
+    std::filesystem::create_directories(folder.PathOf("in"));
+    folder.Write("in/a.json", "{\"heads\": {}, \"layer\": []}");
+    folder.Write("in/b.json", "{\"Head\": {}}");
+
+    const Outcome outcome = Check(folder, {"in"}, {});
+
+    EXPECT_NE(outcome.out.find("in/a.json:1:2: error VELL021"), std::string::npos) << outcome.out;
+    EXPECT_NE(outcome.out.find("in/b.json:1:2: error VELL021"), std::string::npos) << outcome.out;
+    EXPECT_EQ(outcome.code, 1);
+}
+
+TEST(VellCheck, SaysThatAFolderHasNoDocuments)
+{
+    const Folder folder;
+    std::filesystem::create_directories(folder.PathOf("in"));
+
+    const Outcome outcome = Check(folder, {"in"}, {});
+
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.errors, "in: no *.json in this folder\n");
+    EXPECT_EQ(outcome.code, 2);
+}
+
+TEST(VellCheck, ChecksAFileOnceThoughItIsNamedTwice)
+{
+    const Folder folder;
+    std::filesystem::create_directories(folder.PathOf("in"));
+    folder.Write("in/a.json", SmallDocument().Text());
+
+    EXPECT_EQ(Check(folder, {"in", "in/a.json", "in/../in/a.json"}, {"--allow", "VELL151"}).out,
+              "nothing found in 1 document\n");
 }
 
 TEST(VellCheck, EndsByWhatItFound)
@@ -163,7 +203,7 @@ TEST(VellCheck, EndsByWhatItFound)
         EXPECT_EQ(outcome.code, entry.code) << outcome.out << outcome.errors;
     }
     EXPECT_EQ(Check(folder, {"none.json"}, {}).errors,
-              "none.json: cannot read the file: No such file or directory\n");
+              "cannot read none.json: No such file or directory\n");
     EXPECT_EQ(Check(folder, {}, {"--explain", "9"}).errors, "--explain: unknown code '9'\n");
 }
 

@@ -81,12 +81,30 @@ TEST(VellCheckFirst, ShowsWarningsOnlyWhenAsked)
     EXPECT_EQ(outcome.out, quiet.out);
 }
 
+TEST(VellCheckFirst, FailsWithoutAStartStateEvenWhenToldToGoOn)
+{
+    const Folder folder;
+    DocumentBuilder builder = Astray();
+    builder.Head().Set(JSON_HeadSubstateRoot, 0);
+    const std::string path = folder.Write("a.json", builder.Text());
+
+    for (const std::string command : {"run", "graph", "tree"})
+    {
+        const Outcome outcome = CallVellAsIs({command, path, "--no-check"});
+
+        EXPECT_EQ(outcome.code, 1) << command;
+        EXPECT_NE(outcome.errors.find("nothing to run: the head names no start state"),
+                  std::string::npos)
+            << outcome.errors;
+    }
+}
+
 TEST(VellCheckFirst, LeavesAFileThatCannotBeReadToWhatLoadsIt)
 {
     const Outcome outcome = CallVellAsIs({"run", "/no/such/file.json"});
 
-    EXPECT_EQ(outcome.code, 1);
-    EXPECT_EQ(outcome.errors.find("use --no-check"), std::string::npos);
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_EQ(outcome.errors, "cannot read /no/such/file.json: No such file or directory\n");
 }
 
 } // namespace vell::test

@@ -261,6 +261,25 @@ TEST(CheckReach, LeavesTheWorkOfABlipAlone)
     EXPECT_EQ(FindingsOf(document.Text()), Codes{"VELL122 \"Stand\""});
 }
 
+TEST(CheckMessages, MayBeEmptyWhereTheHostSetsOneOfSeveralTexts)
+{
+    const auto document = [](const std::string& fired, const std::string& other)
+    {
+        DocumentBuilder builder;
+        builder.Start(10)
+            .Parameter(MessageParameter("jump", fired))
+            .Node(Generic("Stand", 10, {100}))
+            .Node(Generic("Walk", 11, {101}))
+            .Node(Transition("ToWalk", 100, 10, 11, {MessageCondition("jump", "now")}))
+            .Node(Transition("ToStand", 101, 11, 10, {MessageCondition("jump", other)}));
+        return FindingsOf(builder.Text());
+    };
+
+    EXPECT_TRUE(Has(document("", "now"), "VELL134 \"\""));
+    EXPECT_EQ(document("", "later"), Codes());
+    EXPECT_EQ(document("now", "later"), Codes());
+}
+
 TEST(CheckReach, FindsAnExitNodeOnTheMainStackThatNothingLeaves)
 {
     const auto document = [](const std::vector<unsigned int>& levelTransitions)

@@ -216,7 +216,7 @@ TEST(VellCommand, WritesNothingOfADocumentThatDoesNotLoad)
     for (const Command& command : Commands(folder))
     {
         const Outcome absent = CallVell(command.words + Words{missing} + command.options);
-        EXPECT_EQ(absent.code, tool::ExitFailed) << Join(command.words);
+        EXPECT_EQ(absent.code, tool::ExitUsage) << Join(command.words);
         EXPECT_EQ(absent.errors, "cannot read " + missing + ": No such file or directory\n");
         EXPECT_EQ(absent.out, "") << Join(command.words);
 
@@ -383,7 +383,7 @@ TEST(VellCommand, TakesAWordThatBeginsWithASlashForAPath)
 {
     const Outcome outcome = CallVell({"run", "/help"});
 
-    EXPECT_EQ(outcome.code, tool::ExitFailed);
+    EXPECT_EQ(outcome.code, tool::ExitUsage);
     EXPECT_EQ(outcome.errors, "cannot read /help: No such file or directory\n");
 }
 

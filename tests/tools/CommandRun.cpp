@@ -38,7 +38,7 @@ std::size_t StartOfTotals(const std::string& text)
 
 Outcome CallVell(const std::vector<std::string>& words, bool isTerminal)
 {
-    const std::set<std::string> loading{"run", "graph", "tree", "save", "restore"};
+    const std::set<std::string> loading{"run", "graph", "tree", "stats", "save", "restore"};
     const std::size_t at = !words.empty() && words[0] == "context" ? 1 : 0;
     std::vector<std::string> all = words;
     if (words.size() > at + 1 && loading.count(words[at]) != 0)

@@ -143,7 +143,7 @@ TEST(VellContext, SaysWhyARecordCannotBeRead)
     const Outcome outcome = CallVell({"context", "restore", folder.Write("a.json", Walker().Text()),
                                       folder.PathOf("none.json")});
 
-    EXPECT_EQ(outcome.code, tool::ExitFailed);
+    EXPECT_EQ(outcome.code, tool::ExitUsage);
     EXPECT_EQ(outcome.errors,
               "cannot read " + folder.PathOf("none.json") + ": No such file or directory\n");
     EXPECT_EQ(outcome.out, "");

@@ -570,6 +570,8 @@ TEST(VellDiff, SaysWhatItCannotRead)
     const Folder folder;
     const std::string good = folder.Write("a.json", "{}");
     const std::string broken = folder.Write("b.json", "{\"a\": }");
+    const std::string comma = folder.Write("c.json", "{\"a\": 1,}");
+    const std::string comment = folder.Write("d.json", "{} // a");
     const std::string none = folder.PathOf("none.json");
 
     const Outcome notJson = CallVell({"diff", good, broken});
@@ -578,7 +580,12 @@ TEST(VellDiff, SaysWhatItCannotRead)
     EXPECT_EQ(notJson.code, tool::ExitFailed);
     EXPECT_EQ(notJson.errors.substr(0, broken.size() + 11), broken + ":1:7: error");
     EXPECT_EQ(unreadable.code, tool::ExitUsage);
-    EXPECT_EQ(unreadable.errors.substr(0, none.size()), none);
+    EXPECT_EQ(unreadable.errors.substr(0, 13 + none.size()), "cannot read " + none + ":");
+    EXPECT_EQ(CallVell({"diff", good, comma}).errors,
+              comma + ":1:8: error: trailing comma is not allowed; remove it\n");
+    EXPECT_EQ(CallVell({"diff", good, comma}).code, tool::ExitFailed);
+    EXPECT_EQ(CallVell({"diff", comment, good}).errors,
+              comment + ":1:4: error: a comment is not allowed; remove it\n");
 }
 
 } // namespace vell::test

@@ -97,6 +97,17 @@ TEST(VellFmt, FormatsTheDocumentsOfAFolder)
     EXPECT_EQ(folder.Read("messy.txt"), kMessy);
 }
 
+TEST(VellFmt, SaysThatAFolderHasNoDocuments)
+{
+    const Folder folder;
+    folder.Write("messy.txt", kMessy);
+
+    const Outcome outcome = CallVell({"fmt", folder.PathOf("")});
+
+    EXPECT_EQ(outcome.code, tool::ExitUsage);
+    EXPECT_EQ(outcome.errors, folder.PathOf("") + ": no *.json in this folder\n");
+}
+
 TEST(VellFmt, SaysWhichFileItCannotRead)
 {
     const Folder folder;
@@ -105,7 +116,7 @@ TEST(VellFmt, SaysWhichFileItCannotRead)
     const Outcome outcome = CallVell({"fmt", none});
 
     EXPECT_EQ(outcome.code, tool::ExitUsage);
-    EXPECT_EQ(outcome.errors, none + ": cannot read the file: No such file or directory\n");
+    EXPECT_EQ(outcome.errors, "cannot read " + none + ": No such file or directory\n");
 }
 
 TEST(VellFmt, KeepsCommentsAndDuplicates)

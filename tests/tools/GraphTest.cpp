@@ -182,7 +182,8 @@ TEST(GraphDot, ShowsWhatIsWrongWithADocumentInsteadOfDroppingIt)
         .Node(Substate("P", 20, 30, 31, {}, 21))
         .Node(Substate("Q", 21, 30, 31, {}, 20));
 
-    const std::string dot = GraphOf(builder);
+    const Folder folder;
+    const std::string dot = CallVell({"graph", folder.Write("a.json", builder.Text())}).out;
 
     EXPECT_EQ(Rows(dot), "A &quot;quoted&quot;\n"
                          "- a trigger\n"

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <ext/stdio_filebuf.h>
 #include <fcntl.h>
 #include <iostream>
 #include <optional>
@@ -113,6 +114,25 @@ TEST(VellOutput, ExitsWithTwoWhenTheDiskIsFull)
         EXPECT_EQ(outcome.code, tool::ExitUsage) << words[0];
         EXPECT_EQ(outcome.errors, "cannot write standard output: No space left on device\n");
     }
+}
+
+TEST(VellOutput, ExitsWithTwoWhenTheLogCannotBeWritten)
+{
+    const Folder folder;
+    const std::string document = folder.Write("a.json", Walker().Text());
+
+    // As in the command, whose streams are apart from those of stdio.
+    __gnu_cxx::stdio_filebuf<char> buffer(STDERR_FILENO, std::ios::out, 1);
+    std::streambuf* const before = std::cerr.rdbuf(&buffer);
+    testing::internal::CaptureStderr();
+    const Outcome outcome = CallVell({"run", document, "--log", "/dev/full"});
+    buffer.pubsync();
+    const std::string leaked = testing::internal::GetCapturedStderr();
+    std::cerr.rdbuf(before);
+
+    EXPECT_EQ(outcome.code, tool::ExitUsage);
+    EXPECT_EQ(outcome.errors, "cannot write /dev/full: No space left on device\n");
+    EXPECT_EQ(leaked, "");
 }
 
 TEST(VellOutput, EndsALongRunWhenNobodyReadsIt)

@@ -353,6 +353,18 @@ TEST(VellCheckFix, ShowsADiffAndWritesNothingInADryRun)
     EXPECT_EQ(nothing.out + nothing.errors, "");
 }
 
+TEST(VellCheckFix, ShowsInADryRunWhyATextIsNotJson)
+{
+    const Folder folder;
+    const std::string path = folder.Write("a.json", "{\"a\": 1,}");
+
+    const Outcome outcome = CallVellAsIs({"check", "--fix", "--dry-run", path});
+
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_NE(outcome.out.find(path + ":1:8: error VELL004: trailing comma"), std::string::npos)
+        << outcome.out;
+}
+
 TEST(VellCheckFix, LeavesWhatIsAllowed)
 {
     const Folder folder;

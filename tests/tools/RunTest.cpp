@@ -297,12 +297,22 @@ TEST(VellRun, SaysWhereADocumentDoesNotParse)
     EXPECT_EQ(outcome.out, "");
 }
 
+TEST(VellRun, ShowsTheIdOfAStateWithoutAName)
+{
+    DocumentBuilder builder;
+    builder.Start(10).Node(Generic("", 10));
+
+    EXPECT_EQ(RunScript(builder, "tick\n").out, "     0  entered  #10\n"
+                                                "     0  stack    #10\n"
+                                                "     1  stack    #10\n");
+}
+
 TEST(VellRun, SaysWhyADocumentDoesNotLoad)
 {
     const Folder folder;
 
     const Outcome missing = CallVell({"run", folder.PathOf("none.json")});
-    EXPECT_EQ(missing.code, tool::ExitFailed);
+    EXPECT_EQ(missing.code, tool::ExitUsage);
     EXPECT_EQ(missing.errors,
               "cannot read " + folder.PathOf("none.json") + ": No such file or directory\n");
 

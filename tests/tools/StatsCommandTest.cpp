@@ -123,6 +123,52 @@ TEST(VellStats, PrintsALinePerFigure)
             "load +[0-9.]+ ms  [0-9.]+ times the parse alone, [0-9.]+ ms\n"));
 }
 
+TEST(VellStats, ShowsWhatTheCheckFindsAndFails)
+{
+    const Folder folder;
+    DocumentBuilder builder = Walker();
+    builder.Node(Generic("Deep", 60).Set(JSON_BuilderType, "state"));
+    const std::string path = folder.Write("a.json", builder.Text());
+
+    const Outcome checked = CallVellAsIs({"stats", path});
+    const Outcome unchecked = CallVell({"stats", path});
+
+    EXPECT_EQ(checked.code, tool::ExitFailed);
+    EXPECT_THAT(checked.errors, testing::HasSubstr("error VELL040: unknown builder 'state'"));
+    EXPECT_THAT(checked.out, testing::HasSubstr("nodes               14"));
+    EXPECT_EQ(unchecked.code, tool::ExitFailed);
+    EXPECT_EQ(unchecked.errors, "");
+    EXPECT_EQ(unchecked.out, checked.out);
+    EXPECT_THAT(unchecked.out, testing::HasSubstr("the need is unknown: 13 of 14 nodes are lost"));
+}
+
+TEST(VellStats, ShowsTheWarningsOfTheCheckWhenAsked)
+{
+    const Folder folder;
+    DocumentBuilder builder;
+    builder.Start(10).Node(Generic("Stand", 10));
+    const std::string path = folder.Write("a.json", WithMemory(builder, 1000000).Text());
+
+    EXPECT_THAT(CallVellAsIs({"stats", path, "-W"}).errors,
+                testing::HasSubstr("warning VELL151: memory 1000000"));
+    EXPECT_EQ(CallVellAsIs({"stats", path}).errors, "");
+}
+
+TEST(VellStats, CountsAPlainNodeForOneThatOnlyAHostCanBuild)
+{
+    const std::uint64_t without = NeedOf(Walker().Text()).complete;
+    DocumentBuilder plain = Walker();
+    plain.Node(Generic("Deep", 60));
+    DocumentBuilder hosted = Walker();
+    hosted.Node(Generic("Deep", 60).Set(JSON_BuilderType, "1000"));
+
+    const stats::MemoryNeed need = NeedOf(hosted.Text());
+
+    EXPECT_EQ(need.losses, "");
+    EXPECT_GT(need.complete, without);
+    EXPECT_LE(need.complete, NeedOf(plain.Text()).complete);
+}
+
 TEST(VellStats, WritesJsonForPrograms)
 {
     const Folder folder;

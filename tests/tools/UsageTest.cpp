@@ -128,7 +128,7 @@ TEST(VellUsage, SaysThatAFolderIsOne)
     const std::string fault = "cannot read " + folder.PathOf("") + ": it is a folder\n";
 
     const Outcome asDocument = CallVell({"run", folder.PathOf("")});
-    EXPECT_EQ(asDocument.code, tool::ExitFailed);
+    EXPECT_EQ(asDocument.code, tool::ExitUsage);
     EXPECT_EQ(asDocument.errors, fault);
     EXPECT_EQ(CallVell({"context", "restore", document, folder.PathOf("")}).errors, fault);
     for (const Words& words : {Words{"run", document, "--script", folder.PathOf("")},

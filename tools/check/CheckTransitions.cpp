@@ -430,6 +430,11 @@ private:
         else if (fired.empty())
         {
             const bool isWritten = Find(*parameter.value, JSON_ParameterDefault) != nullptr;
+            // An empty text is written where the host itself sets one of several.
+            if (isWritten && known->second.size() > 1)
+            {
+                return;
+            }
             findings.Add(Code::MessageEmpty, PlaceOf(*parameter.value, JSON_ParameterDefault),
                          "message " + Named(parameter) +
                              (isWritten ? " has an empty default" : " has no default") +

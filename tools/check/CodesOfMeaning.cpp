@@ -124,7 +124,8 @@ const CodeTable& MeaningCodes()
         {Code::MessageEmpty, Severity::Warning, "a message that is fired as an empty text",
          "A fired message takes the text of its `default`. Without one, or with an empty one, it "
          "is as if it had not been fired: no condition can match it. Give it a default, and let "
-         "the conditions compare it with that.",
+         "the conditions compare it with that. Where the host sets one of several texts itself, "
+         "write `\"default\": \"\"`.",
          "{\"name\": \"jump\", \"parameterType\": \"message\"}",
          "{\"name\": \"jump\", \"parameterType\": \"message\", \"default\": \"now\"}"},
         {Code::EndRunsAsState, Severity::Warning,

@@ -6,11 +6,15 @@
 #include <vell/BaseDef.h>
 #include <vell/HSM.h>
 
+#include "definitions/GenericDef.h"
 #include "definitions/NodeDefTable.h"
 #include "document/DocumentParser.h"
+#include "tools/check/DocumentModel.h"
+#include "tools/vell/Losses.h"
 
 #include <algorithm>
 #include <chrono>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,7 +38,8 @@ constexpr double kMilliseconds = 100.0; ///< time spent on each figure, unless t
 class MeasuredMachine : public HSM
 {
 public:
-    explicit MeasuredMachine(const std::string& text)
+    MeasuredMachine(const std::string& text, const std::set<int>& newHostBuilders)
+        : hostBuilders(newHostBuilders)
     {
         jsonText = text.c_str();
     }
@@ -50,7 +55,19 @@ public:
     bool Load()
     {
         isCreated = Create() != 0;
+        if (isCreated)
+        {
+            for (const int builder : hostBuilders)
+            {
+                RegisterNodeDef(static_cast<__DURM_BUILDERS__>(builder), GenericDef::Create);
+            }
+        }
         return isCreated && Init() != 0;
+    }
+
+    std::string Losses() const
+    {
+        return tool::LossText(document, *nodeDefTable);
     }
 
     std::uint64_t Used() const
@@ -74,6 +91,7 @@ public:
 private:
     static constexpr unsigned int kStates = DefTypesState | DefTypesSubstate;
 
+    const std::set<int>& hostBuilders;
     std::vector<unsigned int> ids;
     bool isCreated = false;
 };
@@ -97,6 +115,20 @@ std::string WithAmpleMemory(const source::Text& text)
         bytes.replace(begin, memory->span.end.offset - begin, std::to_string(ample));
     }
     return bytes;
+}
+
+std::set<int> FindHostBuilders(const source::Text& text)
+{
+    std::set<int> builders;
+    const check::DocumentModel model(text.root);
+    for (const check::NodeModel& node : model.nodes)
+    {
+        if (node.IsOfHost())
+        {
+            builders.insert(node.builder);
+        }
+    }
+    return builders;
 }
 
 template <class Work>
@@ -135,11 +167,13 @@ std::int64_t DeclaredMemory(const source::Text& text)
 MemoryNeed MeasureMemory(const source::Text& text)
 {
     const std::string bytes = WithAmpleMemory(text);
-    MeasuredMachine machine(bytes);
+    const std::set<int> hostBuilders = FindHostBuilders(text);
+    MeasuredMachine machine(bytes, hostBuilders);
     MemoryNeed need;
     need.loads = machine.Load();
     if (need.loads)
     {
+        need.losses = machine.Losses();
         need.loaded = machine.Used();
         machine.ActivateStates();
         need.complete = machine.Used();
@@ -150,11 +184,12 @@ MemoryNeed MeasureMemory(const source::Text& text)
 LoadTime MeasureTime(const source::Text& text)
 {
     const std::string bytes = WithAmpleMemory(text);
+    const std::set<int> hostBuilders = FindHostBuilders(text);
     LoadTime time;
     time.load = MedianOf(
-        [&bytes]
+        [&bytes, &hostBuilders]
         {
-            MeasuredMachine machine(bytes);
+            MeasuredMachine machine(bytes, hostBuilders);
             const Clock::time_point start = Clock::now();
             machine.Load();
             return MillisecondsSince(start);

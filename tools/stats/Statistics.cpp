@@ -128,6 +128,10 @@ std::string MemoryLines(const Statistics& statistics)
     {
         return Line("memory", declared, "the need is unknown: the document does not load");
     }
+    if (!need.losses.empty())
+    {
+        return Line("memory", declared, "the need is unknown: " + need.losses);
+    }
     const std::uint64_t units = need.Units();
     const bool isEnough = statistics.declaredMemory >= static_cast<std::int64_t>(units);
     return Line("memory", declared, isEnough ? "declared" : "declared, which is too little") +
@@ -165,18 +169,23 @@ void WriteCost(Writer& writer, const Statistics& statistics)
 {
     writer.Key("loads");
     writer.Bool(statistics.memory.loads);
+    if (!statistics.memory.losses.empty())
+    {
+        writer.Key("losses");
+        writer.String(statistics.memory.losses.c_str());
+    }
     writer.Key("memory");
     writer.StartObject();
     writer.Key("declared");
     writer.Int64(statistics.declaredMemory);
-    if (statistics.memory.loads)
+    if (statistics.memory.IsKnown())
     {
         WriteNumber(writer, "needed", statistics.memory.Units());
         WriteNumber(writer, "bytes", statistics.memory.complete);
         WriteNumber(writer, "bytesAfterLoading", statistics.memory.loaded);
     }
     writer.EndObject();
-    if (statistics.memory.loads)
+    if (statistics.memory.IsKnown())
     {
         writer.Key("loadMilliseconds");
         writer.Double(statistics.time.load);
@@ -233,7 +242,7 @@ std::string ToText(const Statistics& statistics)
     text += Line("conditions", std::to_string(counts.conditions), "");
     text += Line("attributes", std::to_string(counts.attributes), "");
     text += MemoryLines(statistics);
-    return text + (statistics.memory.loads ? TimeLine(statistics) : "");
+    return text + (statistics.memory.IsKnown() ? TimeLine(statistics) : "");
 }
 
 std::string ToJson(const Statistics& statistics)

@@ -5,9 +5,11 @@
 #include <durm/DURMBaseLib.h>
 
 #include "tools/check/Check.h"
+#include "tools/check/Nearest.h"
 #include "tools/check/Output.h"
 #include "tools/repair/LineDiff.h"
 #include "tools/repair/Repair.h"
+#include "tools/source/Printable.h"
 #include "tools/vell/Color.h"
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/DocumentFiles.h"
@@ -19,6 +21,7 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -32,7 +35,8 @@ using check::CheckedDocuments;
 
 constexpr const char* kCheckHelp = R"(
 A DOCUMENT may be a folder, which stands for all files *.json in it, or - for
-standard input. Each finding is a line such as
+standard input. A file of a folder that has no member of a machine document is
+left out, with a note. Each finding is a line such as
 
   hero.json:12:9: error VELL041: unknown operator 'lesser'; did you mean 'less'?
 
@@ -61,16 +65,19 @@ struct CheckOptions
     bool isDryRun = false;
 };
 
-/// A file of a folder that is JSON, but has nothing of a machine.
+/// A file of a folder that is JSON, but has nothing of a machine, not even misspelt.
 bool IsNoMachine(const source::Text& text)
 {
     using namespace DURMBaseLib;
-    const auto has = [&text](__JSONTYPES__ member)
-    {
-        return text.root.Find(GetJsonName(member)) != nullptr;
-    };
-    return text.isWhole && !has(JSON_Head) && !has(JSON_Layers) && !has(JSON_Parameters) &&
-           !has(JSON_Nodes) && !has(JSON_Global);
+    const std::vector<std::string_view> members = {
+        GetJsonName(JSON_Head), GetJsonName(JSON_Layers), GetJsonName(JSON_Parameters),
+        GetJsonName(JSON_Nodes), GetJsonName(JSON_Global)};
+    return text.isWhole &&
+           std::none_of(text.root.members.begin(), text.root.members.end(),
+                        [&members](const source::Member& member)
+                        {
+                            return !check::FindNearest(member.name, members).empty();
+                        });
 }
 
 class CheckRun
@@ -108,7 +115,10 @@ public:
         CheckAll();
         if (options.isDryRun)
         {
-            return hasUnread ? ExitUsage : wouldChange ? ExitFailed : ExitWell;
+            documents.empty() ? void() : Show(); // those that are not JSON
+            return hasUnread                           ? ExitUsage
+                   : wouldChange || !documents.empty() ? ExitFailed
+                                                       : ExitWell;
         }
         Show();
         return ExitCode();
@@ -136,10 +146,16 @@ private:
     {
         for (const DocumentFile& file : FindDocuments(options.paths))
         {
+            if (!file.fault.empty())
+            {
+                session.errors << file.fault << '\n';
+                hasUnread = true;
+                continue;
+            }
             FileText text = ReadWholeFile(file.path);
             if (!text.error.empty())
             {
-                session.errors << file.path << ": cannot read the file: " << text.error << '\n';
+                session.errors << CannotRead(file.path, text.error) << '\n';
                 hasUnread = true;
                 continue;
             }
@@ -148,7 +164,7 @@ private:
             document.text = source::ReadText(std::move(text.bytes));
             if (!file.isNamed && IsNoMachine(document.text))
             {
-                ++skipped;
+                leftOut.push_back(file.path);
                 continue;
             }
             if (options.isFix && !Fix(document))
@@ -156,7 +172,7 @@ private:
                 hasUnread = true;
                 continue;
             }
-            if (options.isDryRun)
+            if (options.isDryRun && document.text.parsed)
             {
                 continue;
             }
@@ -230,6 +246,11 @@ private:
             return;
         }
         const bool hasColor = WantsColor(session.options.color, session.isOutTerminal);
+        for (const std::string& path : leftOut)
+        {
+            session.out << source::ToPrintable(path)
+                        << ": note: left out, it has no member of a machine document\n";
+        }
         for (const CheckedDocument& document : documents)
         {
             session.out << check::ToText(document, hasColor);
@@ -237,11 +258,6 @@ private:
         if (!documents.empty())
         {
             session.out << check::SummaryOf(documents);
-        }
-        if (skipped != 0)
-        {
-            session.out << "left out " << skipped << (skipped == 1 ? " file" : " files")
-                        << " without a machine\n";
         }
     }
 
@@ -259,7 +275,7 @@ private:
     Session& session;
     const CheckOptions& options;
     CheckedDocuments documents;
-    std::size_t skipped = 0;
+    std::vector<std::string> leftOut; ///< paths of what is in a folder and no machine
     bool hasUnread = false;
     bool wouldChange = false; ///< --fix has something to write
 };

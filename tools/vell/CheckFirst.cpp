@@ -30,8 +30,8 @@ void KeepFrom(Severity lowest, std::vector<Finding>& list)
 
 } // namespace
 
-bool PassesCheck(const std::string& path, const std::string& text, bool showsWarnings,
-                 bool hasColor, std::ostream& errors)
+bool ShowFindings(const std::string& path, const std::string& text, bool showsWarnings,
+                  bool hasColor, std::ostream& errors)
 {
     check::CheckedDocument document;
     document.path = path == "-" ? check::kStandardInput : path;
@@ -46,8 +46,15 @@ bool PassesCheck(const std::string& path, const std::string& text, bool showsWar
     check::CheckedDocuments documents;
     documents.push_back(std::move(document));
     errors << check::SummaryOf(documents);
-    errors << "use --no-check to go on all the same\n";
     return false;
+}
+
+bool PassesCheck(const std::string& path, const std::string& text, bool showsWarnings,
+                 bool hasColor, std::ostream& errors)
+{
+    const bool passes = ShowFindings(path, text, showsWarnings, hasColor, errors);
+    errors << (passes ? "" : "use --no-check to go on all the same\n");
+    return passes;
 }
 
 } // namespace vell::tool

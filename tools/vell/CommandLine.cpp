@@ -39,7 +39,7 @@ Exit codes:
   0  success
   1  a document could not be loaded, or was loaded with losses; a tick was
      aborted; an expectation failed
-  2  invalid command line or script; output could not be written)";
+  2  invalid command line or script; a file could not be read or written)";
 
 /// Flushes `out` before each write to `errors`, so that a reader of both sees them in order.
 class Tie

@@ -35,11 +35,12 @@ int SaveTheContext(Session& session)
         return ExitUsage;
     }
     ObservedMachine machine;
-    if (!session.LoadMachine(machine) || !session.RunQuietly(machine, *script))
+    const int loadCode = session.LoadMachine(machine);
+    if (loadCode != ExitWell)
     {
-        return ExitFailed;
+        return loadCode;
     }
-    return session.Write(SaveContext(machine));
+    return session.RunQuietly(machine, *script) ? session.Write(SaveContext(machine)) : ExitFailed;
 }
 
 int ContinueFromContext(Session& session, const std::string& path)
@@ -54,12 +55,13 @@ int ContinueFromContext(Session& session, const std::string& path)
     if (!fault.empty())
     {
         session.Complain(fault);
-        return ExitFailed;
+        return ExitUsage;
     }
     ObservedMachine machine;
-    if (!session.LoadMachine(machine))
+    const int loadCode = session.LoadMachine(machine);
+    if (loadCode != ExitWell)
     {
-        return ExitFailed;
+        return loadCode;
     }
     if (!session.CheckExplain(machine))
     {

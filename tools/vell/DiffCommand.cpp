@@ -31,7 +31,7 @@ do not count. An empty file, such as /dev/null, is an empty document.
 
 Exit codes:
   0  no differences
-  1  differences, or a document is not JSON
+  1  differences, or a document is not JSON as the library reads it
   2  invalid command line, or a file cannot be read
 
 Examples:
@@ -53,7 +53,7 @@ int ReadModelOf(Session& session, const std::string& path, diff::DocumentModel* 
     if (code == ExitWell && !bytes.empty())
     {
         source::Text text;
-        code = ParseDocument(session, path, std::move(bytes), &text);
+        code = ParseDocument(session, path, std::move(bytes), &text, {}); // as the library does
         *model = diff::ReadModel(text.root);
     }
     return code;

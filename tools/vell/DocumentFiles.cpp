@@ -12,7 +12,9 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <set>
 #include <system_error>
+#include <utility>
 
 namespace vell::tool
 {
@@ -51,9 +53,35 @@ bool AddFolder(const std::string& folder, std::vector<DocumentFile>& files)
     std::sort(found.begin(), found.end());
     for (std::string& path : found)
     {
-        files.push_back({std::move(path), false});
+        files.push_back({std::move(path), false, ""});
+    }
+    if (!error && found.empty())
+    {
+        files.push_back({folder, true, folder + ": no *.json in this folder"});
     }
     return !error;
+}
+
+/// Leaves out what came before, under whatever path.
+void LeaveOutRepeated(std::vector<DocumentFile>& files)
+{
+    std::set<fs::path> known;
+    const auto isRepeated = [&known](const DocumentFile& file)
+    {
+        std::error_code error;
+        const fs::path path = fs::canonical(PathOf(file.path), error);
+        return file.path != "-" && !error && !known.insert(path).second;
+    };
+    // Not remove_if, which may ask in any order.
+    std::vector<DocumentFile> once;
+    for (DocumentFile& file : files)
+    {
+        if (!isRepeated(file))
+        {
+            once.push_back(std::move(file));
+        }
+    }
+    files = std::move(once);
 }
 
 } // namespace
@@ -69,7 +97,7 @@ FileText ReadWholeFile(const std::string& path)
     std::error_code ignored;
     if (fs::is_directory(PathOf(path), ignored))
     {
-        text.error = std::strerror(EISDIR);
+        text.error = "it is a folder";
         return text;
     }
     errno = 0;
@@ -103,10 +131,16 @@ std::vector<DocumentFile> FindDocuments(const std::vector<std::string>& paths)
         std::error_code ignored;
         if (path == "-" || !fs::is_directory(PathOf(path), ignored) || !AddFolder(path, files))
         {
-            files.push_back({path, true});
+            files.push_back({path, true, ""});
         }
     }
+    LeaveOutRepeated(files);
     return files;
+}
+
+std::string CannotRead(const std::string& path, const std::string& reason)
+{
+    return "cannot read " + path + ": " + reason;
 }
 
 } // namespace vell::tool

@@ -50,7 +50,7 @@ int ReadDocumentBytes(Session& session, const std::string& path, std::string* by
     *bytes = std::move(file.bytes);
     if (!file.error.empty())
     {
-        session.errors << path << ": cannot read the file: " << file.error << '\n';
+        session.errors << CannotRead(path, file.error) << '\n';
         return ExitUsage;
     }
     return ExitWell;

@@ -98,6 +98,12 @@ int FormatFiles(Session& session, const FmtOptions& options)
     int code = ExitWell;
     for (const DocumentFile& file : FindDocuments(options.files))
     {
+        if (!file.fault.empty())
+        {
+            session.errors << file.fault << '\n';
+            code = ExitUsage;
+            continue;
+        }
         code = std::max(code, FormatFile(session, file.path, options.isCheck));
     }
     return code;

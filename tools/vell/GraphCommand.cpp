@@ -99,8 +99,16 @@ int DrawGraph(Session& session, const GraphOptions& options)
     }
     ObservedMachine machine;
     const std::string& scriptPath = session.options.script;
-    if (!session.LoadMachine(machine) ||
-        (!scriptPath.empty() && !session.RunQuietly(machine, *script)))
+    const int loadCode = session.LoadMachine(machine);
+    if (loadCode != ExitWell)
+    {
+        return loadCode;
+    }
+    if (scriptPath.empty())
+    {
+        session.CheckStart(machine);
+    }
+    else if (!session.RunQuietly(machine, *script))
     {
         return ExitFailed;
     }

@@ -20,6 +20,9 @@ public:
 
     /// Tells whether the file could be opened; if not, nothing is redirected.
     bool IsActive() const;
+    /// Ends the redirection. Returns 0, or the system's number for why not all of the log could be
+    /// written, such as ENOSPC.
+    int Finish();
 
 private:
     int saved = -1; ///< the former standard error; -1 when nothing is redirected

@@ -264,6 +264,15 @@ std::string ObservedMachine::StartFault() const
                           : "the start state " + NameOf(*def) + " (" + id + ") cannot be entered";
 }
 
+std::string ObservedMachine::StartStateFault() const
+{
+    BaseDef* def =
+        nodeDefTable == nullptr || startStateID == 0 ? nullptr : nodeDefTable->Find(startStateID);
+    const bool canStart =
+        def != nullptr && def->GetType() != DefTypeTransition && def->GetType() != DefTypeConnector;
+    return canStart ? "" : "nothing to run: " + StartFault();
+}
+
 unsigned int ObservedMachine::ArenaUsed() const
 {
     return alloc.used;
@@ -416,7 +425,8 @@ void ObservedMachine::CheckTarget()
 std::string NameOf(BaseDef& def)
 {
     const char* name = def.GetName();
-    return name == nullptr ? "#" + std::to_string(def.GetID()) : std::string(name);
+    const bool hasName = name != nullptr && *name != '\0';
+    return hasName ? std::string(name) : "#" + std::to_string(def.GetID());
 }
 
 std::string NameOf(const SMState& state)

@@ -51,6 +51,8 @@ public:
     /// Enters the start state. Returns an empty text, or an error message when that failed. The
     /// machine may have a global state that runs all the same.
     std::string StartRunning();
+    /// Says why the machine has no state to start with; empty when it has one. It need not run.
+    std::string StartStateFault() const;
     /// Tells whether there is anything to run.
     bool CanRun() const;
     /// Errors and warnings that the library logged while loading and starting.

@@ -27,9 +27,10 @@ int RunMachine(Session& session)
         return ExitUsage;
     }
     ObservedMachine machine;
-    if (!session.LoadMachine(machine))
+    const int loadCode = session.LoadMachine(machine);
+    if (loadCode != ExitWell)
     {
-        return ExitFailed;
+        return loadCode;
     }
     if (!session.CheckExplain(machine))
     {

@@ -171,13 +171,19 @@ int Session::RunAction()
         errors << fault << '\n';
         return ExitUsage;
     }
-    const LogRedirect redirect(options.log);
+    LogRedirect redirect(options.log);
     if (!redirect.IsActive())
     {
         errors << CannotWrite(options.log, errno) << '\n';
         return ExitUsage;
     }
     const int code = action();
+    const int logError = redirect.Finish();
+    if (logError != 0 && !options.log.empty())
+    {
+        errors << CannotWrite(options.log, logError) << '\n';
+        return ExitUsage;
+    }
     return code == ExitWell && hasComplained ? ExitFailed : code;
 }
 
@@ -225,24 +231,29 @@ std::unique_ptr<Script> Session::LoadScript()
     return script->errors.empty() ? std::move(script) : nullptr;
 }
 
-bool Session::LoadMachine(ObservedMachine& machine)
+int Session::LoadMachine(ObservedMachine& machine)
 {
     std::string text;
     std::string fault = ReadTextFile(options.document, &text);
-    if (fault.empty() && !options.noCheck)
+    if (!fault.empty())
+    {
+        Complain(fault);
+        return ExitUsage;
+    }
+    if (!options.noCheck)
     {
         const bool hasColor = WantsColor(options.color, isErrorTerminal);
         if (!PassesCheck(options.document, text, options.showsWarnings, hasColor, errors))
         {
-            return false;
+            return ExitFailed;
         }
     }
-    fault = fault.empty() ? machine.LoadText(options.document, std::move(text)) : fault;
+    fault = machine.LoadText(options.document, std::move(text));
     if (!fault.empty())
     {
         Complain(fault + machine.ArenaHint());
         ShowComplaints(machine);
-        return false;
+        return ExitFailed;
     }
     const std::string losses = machine.Losses();
     if (!losses.empty())
@@ -250,7 +261,16 @@ bool Session::LoadMachine(ObservedMachine& machine)
         Complain(FileName(options.document) + ": " + losses + machine.ArenaHint());
         ShowComplaints(machine);
     }
-    return true;
+    return ExitWell;
+}
+
+void Session::CheckStart(const ObservedMachine& machine)
+{
+    const std::string fault = machine.StartStateFault();
+    if (!fault.empty())
+    {
+        Complain(FileName(options.document) + ": " + fault);
+    }
 }
 
 bool Session::RunQuietly(ObservedMachine& machine, const Script& script)

@@ -77,9 +77,12 @@ public:
     /// Reads the script of --script or --after. Returns null, with errors, when it has invalid
     /// lines; an empty script when the option was not given.
     std::unique_ptr<Script> LoadScript();
-    /// Checks and loads DOCUMENT. Returns false, with errors, when it has errors or does not load.
-    /// When it loads and loses nodes, there is an error too, and the call will exit with 1.
-    bool LoadMachine(ObservedMachine& machine);
+    /// Checks and loads DOCUMENT. Returns `ExitWell`, `ExitUsage` when the file cannot be read, or
+    /// `ExitFailed` when it has errors or does not load; both with errors. When it loads and loses
+    /// nodes, there is an error too, and the call will exit with 1.
+    int LoadMachine(ObservedMachine& machine);
+    /// Complains when the machine has no state to start with. For commands that do not start it.
+    void CheckStart(const ObservedMachine& machine);
     /// Starts the machine and runs the script without output. Returns false, with errors, when
     /// nothing can run or an expectation failed.
     bool RunQuietly(ObservedMachine& machine, const Script& script);

@@ -4,6 +4,8 @@
 
 #include "tools/stats/LoadCost.h"
 #include "tools/stats/Statistics.h"
+#include "tools/vell/CheckFirst.h"
+#include "tools/vell/Color.h"
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/DocumentText.h"
 #include "tools/vell/HelpText.h"
@@ -12,6 +14,7 @@
 #include <CLI/CLI.hpp>
 
 #include <string>
+#include <utility>
 
 namespace vell::tool
 {
@@ -20,35 +23,48 @@ namespace
 
 constexpr const char* kStatsHelp = R"(
 The memory that is needed is the smallest value of the head's "memory" with
-which the machine loads and can enter each of its states. It is for a machine
-without builders of the host's own. Times are medians of several runs on this
-computer, with the log discarded.
+which the machine loads and can enter each of its states. A node with a builder
+of the host's own counts as a plain one, so the host needs as much or more.
+Times are medians of several runs on this computer, with the log discarded.
 
 Exit codes:
   0  success
-  1  the document does not load; what can be counted is printed
+  1  the document has errors, does not load, or loses nodes; what can be counted
+     is printed
   2  invalid command line, or the file cannot be read)";
 
 int ShowStatistics(Session& session)
 {
-    source::Text text;
-    const int code = ReadDocumentText(session, session.options.document, &text, {});
+    const Options& options = session.options;
+    std::string bytes;
+    int code = ReadDocumentBytes(session, options.document, &bytes);
     if (code != ExitWell)
     {
         return code;
     }
+    const bool hasColor = WantsColor(options.color, session.isErrorTerminal);
+    const bool isSound =
+        options.noCheck ||
+        ShowFindings(options.document, bytes, options.showsWarnings, hasColor, session.errors);
+    source::Text text = source::ReadText(std::move(bytes));
+    if (!text.parsed)
+    {
+        return isSound ? ParseDocument(session, options.document, text.bytes, &text, {})
+                       : int{ExitFailed};
+    }
     stats::Statistics statistics;
-    statistics.document = DocumentName(session.options.document);
+    statistics.document = DocumentName(options.document);
     statistics.counts = stats::Count(text);
     statistics.declaredMemory = stats::DeclaredMemory(text);
     statistics.memory = stats::MeasureMemory(text);
-    if (statistics.memory.loads)
+    if (statistics.memory.IsKnown())
     {
         statistics.time = stats::MeasureTime(text);
     }
-    const int writeCode = session.Write(
-        session.options.format == "json" ? stats::ToJson(statistics) : stats::ToText(statistics));
-    return writeCode == ExitWell && !statistics.memory.loads ? int{ExitFailed} : writeCode;
+    code = session.Write(options.format == "json" ? stats::ToJson(statistics)
+                                                  : stats::ToText(statistics));
+    const bool isFailed = !isSound || !statistics.memory.IsKnown();
+    return code == ExitWell && isFailed ? int{ExitFailed} : code;
 }
 
 } // namespace

@@ -47,8 +47,16 @@ int PrintTree(Session& session)
         return ExitUsage;
     }
     ObservedMachine machine;
-    if (!session.LoadMachine(machine) ||
-        (!session.options.script.empty() && !session.RunQuietly(machine, *script)))
+    const int loadCode = session.LoadMachine(machine);
+    if (loadCode != ExitWell)
+    {
+        return loadCode;
+    }
+    if (session.options.script.empty())
+    {
+        session.CheckStart(machine);
+    }
+    else if (!session.RunQuietly(machine, *script))
     {
         return ExitFailed;
     }
