@@ -184,6 +184,18 @@ constexpr Work kWorks[] = {
      {
          TickSwitching(3, true, times);
      }},
+    {"switching-quiet",
+     [](int times)
+     {
+         SetLogLevel(LogError);
+         TickSwitching(3, false, times);
+     }},
+    {"load-quiet",
+     [](int states)
+     {
+         SetLogLevel(LogError);
+         Load(states);
+     }},
     {"blip", Blip},
     {"sample", TickSample},
     {"settled", TickSettled},
