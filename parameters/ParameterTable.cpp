@@ -200,7 +200,14 @@ void ParameterTable::Collect(unsigned int id, ParameterDef& def)
     {
         return entry.id < newId;
     };
-    const Resetting added{id, typeid(def) == typeid(ParameterBoolDef), &def};
+    static const bool different[] = {false, true};
+    Resetting added{id, &def, &different[0], &different[1]};
+    if (typeid(def) == typeid(ParameterBoolDef))
+    {
+        const auto& parameter = static_cast<const ParameterBoolDef&>(def);
+        added.value = parameter.value.Place();
+        added.defaultValue = &parameter.defaultValue;
+    }
     resetting.insert(std::lower_bound(resetting.begin(), resetting.end(), id, isBelow), added);
 }
 
@@ -237,19 +244,6 @@ void ParameterTable::ResetAll()
             next = resetting.data() + index;
         }
     } while (++next < resetting.data() + resetting.size());
-}
-
-/// A bool that has its default is not written, so nobody can tell whether it was reset. The values
-/// are compared, since a host may write to the address of a value. All others are written again
-/// at each reset, and listeners hear of it.
-inline bool ParameterTable::Resetting::IsDue() const
-{
-    if (!isBool)
-    {
-        return true;
-    }
-    const auto& parameter = static_cast<const ParameterBoolDef&>(*def);
-    return *parameter.value != parameter.defaultValue;
 }
 
 void ParameterTable::PlaceValue(ParameterDef& def, int type)

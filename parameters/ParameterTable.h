@@ -116,11 +116,18 @@ private:
     /// A parameter that resets each frame.
     struct Resetting
     {
-        bool IsDue() const;
+        /// Tells whether there is anything to do. A bool that has its default is not written, so
+        /// nobody can tell whether it was reset. All others are written again at each reset, and
+        /// listeners hear of it.
+        bool IsDue() const
+        {
+            return *value != *defaultValue;
+        }
 
         unsigned int id;
-        bool isBool; ///< its class is ParameterBoolDef
         ParameterDef* def;
+        const bool* value;        ///< of a bool; a host may write there at any time
+        const bool* defaultValue; ///< of a bool; of all others, the two point to different values
     };
 
     void Collect(unsigned int id, ParameterDef& def);
