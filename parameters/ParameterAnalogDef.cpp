@@ -5,7 +5,7 @@
 
 #include "foundation/TableSync.h"
 #include "parameters/ParameterKeys.h"
-#include "parameters/ParameterMirror.h"
+#include "parameters/ParameterSlot.h"
 
 #include <cmath>
 
@@ -49,7 +49,7 @@ void ParameterAnalogDef::SetValue(const Tessel::Float2& newValue)
 {
     value = newValue;
     magnitude = std::sqrt(value.x * value.x + value.y * value.y);
-    if (!Mirror::Write(*this, value))
+    if (!Slot::Write(*this, value))
     {
         WriteValue();
     }

@@ -6,7 +6,7 @@
 #include "foundation/Checks.h"
 #include "foundation/TableSync.h"
 #include "parameters/ParameterKeys.h"
-#include "parameters/ParameterMirror.h"
+#include "parameters/ParameterSlot.h"
 
 namespace vell
 {
@@ -51,7 +51,7 @@ void ParameterBoolDef::SetValue(bool newValue)
         return;
     }
     *value = newValue;
-    if (!Mirror::Write(*this, *value ? 1 : 0))
+    if (!Slot::Write(*this, *value ? 1 : 0))
     {
         WriteValue();
     }

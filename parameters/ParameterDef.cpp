@@ -6,7 +6,7 @@
 #include "foundation/TableSync.h"
 #include "foundation/TreeKeys.h"
 #include "parameters/ParameterKeys.h"
-#include "parameters/ParameterMirror.h"
+#include "parameters/ParameterSlot.h"
 #include "parameters/ParameterTable.h"
 
 namespace vell
@@ -47,18 +47,18 @@ ParameterDef& ParameterDef::operator=(const ParameterDef& other)
     assign = other.assign;
     assignClass = other.assignClass;
     resetEachFrame = other.resetEachFrame;
-    if (mirror.pointer != nullptr)
+    if (slot.pointer != nullptr)
     {
-        mirror.pointer->owner.CollectResetting();
+        slot.pointer->owner.CollectResetting();
     }
     return *this;
 }
 
 /// A key that is not there is not looked for again: without it there is no listener either.
-void ParameterDef::Mirror::Find(const ParameterDef& parameter)
+void ParameterDef::Slot::Find(const ParameterDef& parameter)
 {
-    slot.own = Tessel::KVListener{const_cast<ParameterDef*>(&parameter), Forward};
-    slotOperations.find(&slot, parameter.kvTable, kValueKey);
+    key.own = Tessel::KVListener{const_cast<ParameterDef*>(&parameter), Forward};
+    slotOperations.find(&key, parameter.kvTable, kValueKey);
 }
 
 void ParameterDef::Uninit()

@@ -5,7 +5,7 @@
 
 #include "foundation/TableSync.h"
 #include "parameters/ParameterKeys.h"
-#include "parameters/ParameterMirror.h"
+#include "parameters/ParameterSlot.h"
 
 #include <cmath>
 
@@ -48,7 +48,7 @@ void ParameterFloat3Def::SetValue(const Tessel::Float3& newValue)
 {
     value = newValue;
     magnitude = std::sqrt(value.x * value.x + value.y * value.y + value.z * value.z);
-    if (!Mirror::Write(*this, value))
+    if (!Slot::Write(*this, value))
     {
         WriteValue();
     }

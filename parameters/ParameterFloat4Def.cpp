@@ -5,7 +5,7 @@
 
 #include "foundation/TableSync.h"
 #include "parameters/ParameterKeys.h"
-#include "parameters/ParameterMirror.h"
+#include "parameters/ParameterSlot.h"
 
 namespace vell
 {
@@ -45,7 +45,7 @@ Tessel::Float4 ParameterFloat4Def::GetValue()
 void ParameterFloat4Def::SetValue(const Tessel::Float4& newValue)
 {
     value = newValue;
-    if (!Mirror::Write(*this, value))
+    if (!Slot::Write(*this, value))
     {
         WriteValue();
     }

@@ -6,7 +6,7 @@
 #include "foundation/Checks.h"
 #include "foundation/TableSync.h"
 #include "parameters/ParameterKeys.h"
-#include "parameters/ParameterMirror.h"
+#include "parameters/ParameterSlot.h"
 
 namespace vell
 {
@@ -46,7 +46,7 @@ float ParameterFloatDef::GetValue()
 void ParameterFloatDef::SetValue(float newValue)
 {
     *value = newValue;
-    if (!Mirror::Write(*this, *value))
+    if (!Slot::Write(*this, *value))
     {
         WriteValue();
     }

@@ -5,7 +5,7 @@
 
 #include "foundation/TableSync.h"
 #include "parameters/ParameterKeys.h"
-#include "parameters/ParameterMirror.h"
+#include "parameters/ParameterSlot.h"
 
 namespace vell
 {
@@ -45,7 +45,7 @@ int ParameterIntegerDef::GetValue()
 void ParameterIntegerDef::SetValue(int newValue)
 {
     *value = newValue;
-    if (!Mirror::Write(*this, *value))
+    if (!Slot::Write(*this, *value))
     {
         WriteValue();
     }

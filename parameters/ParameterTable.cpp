@@ -116,7 +116,7 @@ int ParameterTable::AddParameter(ParameterDef* def)
         // parameter's id.
         const bool newId = idToParam.emplace(id, def).second;
         ASSERT_BREAK(newId);
-        def->mirror.pointer = &mirrors.emplace_front(*this, OnParameterTableModified);
+        def->slot.pointer = &slots.emplace_front(*this, OnParameterTableModified);
         if (def->resetEachFrame)
         {
             Collect(id, *def);
@@ -219,13 +219,13 @@ void ParameterTable::ForgetUpTo(ParameterMap::iterator end)
     {
         if (entry->second != nullptr)
         {
-            entry->second->mirror.pointer = nullptr;
+            entry->second->slot.pointer = nullptr;
         }
     }
     idToParam.erase(idToParam.begin(), end);
     if (idToParam.empty())
     {
-        mirrors.clear();
+        slots.clear();
     }
     CollectResetting();
 }

@@ -8,7 +8,7 @@
 #include <vell/Json.h>
 
 #include "foundation/Prefetch.h"
-#include "parameters/ParameterMirror.h"
+#include "parameters/ParameterSlot.h"
 #include "parameters/ValueBlock.h"
 
 #include <cstring>
@@ -142,9 +142,9 @@ private:
 
     ValueBlock values;         ///< of the document's first scalar parameters
     HSMAlloc* arena = nullptr; ///< holds the document's parameters; null until Init
-    std::forward_list<ParameterDef::Mirror> mirrors; ///< one for each parameter taken in
-    std::vector<Resetting> resetting;                ///< in ascending id order
-    bool isTableClosed = false;                      ///< `table` keeps its handle
+    std::forward_list<ParameterDef::Slot> slots; ///< one for each parameter taken in
+    std::vector<Resetting> resetting;            ///< in ascending id order
+    bool isTableClosed = false;                  ///< `table` keeps its handle
     /// A loop that finds it changed is at a deleted parameter.
     unsigned int timesForgotten = 0;
 

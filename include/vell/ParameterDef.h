@@ -17,7 +17,7 @@ class ParameterTable;
 class VELL_API ParameterDef : public BaseDef, public IBroadcastListener
 {
 public:
-    struct VELL_LOCAL Mirror; ///< the library's own
+    struct VELL_LOCAL Slot; ///< the library's own
 
     // The order of these is part of the interface; they follow those of BaseDef.
 
@@ -85,8 +85,8 @@ protected:
 private:
     friend class ParameterTable;
 
-    NotCopied<Mirror> mirror; ///< the library's; null while it is in no parameter table
-    ValueRecord listening;    ///< the library's; the listener record for the value
+    NotCopied<Slot> slot;  ///< the library's; null while it is in no parameter table
+    ValueRecord listening; ///< the library's; the listener record for the value
 };
 
 } // namespace vell

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// parameters/ParameterMirror.h: a parameter's value in its table, at the price of a store.
+// parameters/ParameterSlot.h: writing a parameter's value to its table without look-ups.
 #pragma once
 
 #include <vell/ParameterDef.h>
@@ -16,12 +16,12 @@
 namespace vell
 {
 
-/// The shortcut of the mirror. Each class has the rule in its `WriteValue`, which is out of line
-/// for the sake of the shortcut: while nothing is being written, write the key "value" of the table
-/// by the setter of its type. That looks the key up, and calls two listeners which do nothing about
-/// the parameter's own writes: the parameter's, which hears them while `syncState` is 2, and that
-/// of the table of parameters, which never does anything. Nobody listens to most parameters beside
-/// these two, and games set them in each frame.
+/// How a parameter writes its value to the tree when nobody but itself listens. Each class has the
+/// rule in its `WriteValue`, which is out of line for the sake of this one: while nothing is being
+/// written, write the key "value" of the table by the setter of its type. That looks the key up,
+/// and calls two listeners which do nothing about the parameter's own writes: the parameter's,
+/// which hears them while `syncState` is 2, and that of the table of parameters, which never does
+/// anything. Nobody listens to most parameters beside these two, and games set them in each frame.
 ///
 /// *Contract.* Whether a value was written by `Write` or by the setter is not observable. "No" is
 /// always a right answer, and the rule then does all the work.
@@ -39,26 +39,26 @@ namespace vell
 ///
 /// *Where it is.* With the table of parameters, on the heap: neither the parameter nor the arena is
 /// larger for it. A parameter that is in no such table has none.
-struct ParameterDef::Mirror
+struct ParameterDef::Slot
 {
     /// `listener` is what `newOwner` listens with to the tables of its parameters.
-    Mirror(ParameterTable& newOwner, decltype(Tessel::KVListener::function) listener)
+    Slot(ParameterTable& newOwner, decltype(Tessel::KVListener::function) listener)
         : owner(newOwner)
     {
-        slot.ownOfTable = listener;
+        key.ownOfTable = listener;
     }
 
     /// Writes the value that `parameter` has just been given, or returns false.
     template <class Value>
     static bool Write(const ParameterDef& parameter, const Value& value)
     {
-        Mirror* mirror = parameter.mirror.pointer;
-        if (mirror == nullptr || parameter.syncState != kSyncIdle)
+        Slot* slot = parameter.slot.pointer;
+        if (slot == nullptr || parameter.syncState != kSyncIdle)
         {
             return false;
         }
-        return mirror->slot.table == parameter.kvTable ? Set(mirror->slot, value) != 0
-                                                       : mirror->FindAndSet(parameter, value);
+        return slot->key.table == parameter.kvTable ? Set(slot->key, value) != 0
+                                                    : slot->FindAndSet(parameter, value);
     }
 
     ParameterTable& owner; ///< resets the parameter, if it asks for that
@@ -71,7 +71,7 @@ private:
     VELL_NOINLINE bool FindAndSet(const ParameterDef& parameter, const Value& value)
     {
         Find(parameter);
-        return Set(slot, value) != 0;
+        return Set(key, value) != 0;
     }
 
     static int Set(const Tessel::KVSlot& found, int value)
@@ -95,7 +95,7 @@ private:
         return slotOperations.setFloat4(&found, &value);
     }
 
-    Tessel::KVSlot slot{};
+    Tessel::KVSlot key{};
 };
 
 } // namespace vell

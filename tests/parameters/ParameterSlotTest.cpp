@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// tests/parameters/ParameterMirrorTest.cpp: parameters whose values are written without look-ups,
+// tests/parameters/ParameterSlotTest.cpp: parameters whose values are written without look-ups,
 // beside others whose values never are.
 #include <vell/Parameters.h>
 
@@ -373,7 +373,7 @@ constexpr Deed kEnds[] = {
 
 } // namespace
 
-TEST(ParameterMirror, IsWrittenWithoutLookUpsAsItIsByKey)
+TEST(ParameterSlot, IsWrittenWithoutLookUpsAsItIsByKey)
 {
     LogRecorder log;
     constexpr unsigned long long kSeeds = 400;
@@ -395,7 +395,7 @@ TEST(ParameterMirror, IsWrittenWithoutLookUpsAsItIsByKey)
     }
 }
 
-TEST(ParameterMirror, IsHeardByAListenerThatATimeLaterTakesTheTablesRecord)
+TEST(ParameterSlot, IsHeardByAListenerThatATimeLaterTakesTheTablesRecord)
 {
     LogRecorder log;
     LoadedParameters loaded(Document());
@@ -414,7 +414,7 @@ TEST(ParameterMirror, IsHeardByAListenerThatATimeLaterTakesTheTablesRecord)
     EXPECT_EQ(heard, 1);
 }
 
-TEST(ParameterMirror, OfAParameterThatOutlivesItsMachineIsOnlyAStore)
+TEST(ParameterSlot, OfAParameterThatOutlivesItsMachineIsOnlyAStore)
 {
     LogRecorder log;
     ParameterFloatDef* late = nullptr;
