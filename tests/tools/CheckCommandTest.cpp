@@ -100,6 +100,18 @@ TEST(VellCheck, ShowsASecondPlaceAndCutsLongLines)
             "1 warning in 1 document\n");
 }
 
+TEST(VellCheck, MarksTheCellsOfWideCharacters)
+{
+    const Folder folder;
+    folder.Write("a.json", "{\"\u65e5\u672c\": \"e\u0301\", '\u8a9e': 1}");
+
+    EXPECT_EQ(Check(folder, {"a.json"}, {"--allow", "VELL020,VELL021"}).out,
+              "a.json:1:14: error VELL014: single quotes are not allowed; write \"\u8a9e\"\n"
+              "    {\"\u65e5\u672c\": \"e\u0301\", '\u8a9e': 1}\n"
+              "                  ^~~~\n"
+              "1 error in 1 document\n");
+}
+
 TEST(VellCheck, ColorsWhatItShowsWhenAsked)
 {
     const Folder folder;

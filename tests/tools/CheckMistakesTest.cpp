@@ -222,9 +222,7 @@ TEST(CheckMistakes, OfIdsAreFound)
          R"("name": "combo")",
          R"("name": "armed")",
          {"18:18: error VELL054: there is a parameter 'armed' already: this one is left out",
-          "  16:18: the first parameter of this name",
-          "18:33: warning VELL055: the id of parameter 'armed' is 2973511754; it should be "
-          "2971444007, the CRC of its name"}},
+          "  16:18: the first parameter of this name"}},
         {"StandToWalk",
          R"("parameter": 254213878)",
          R"("parameter": "speed")",
@@ -243,7 +241,7 @@ TEST(CheckMistakes, OfReferencesAreFound)
          R"("target": 1011)",
          R"("target": 1101)",
          {"37:104: error VELL070: transition 'StandToWalk' (1020) leads to node 1101, which does "
-          "not exist"}},
+          "not exist; did you mean 1011, 'Walk'?"}},
         {"StandToWalk",
          R"("target": 1011)",
          R"("target": 1021)",
@@ -334,7 +332,9 @@ TEST(CheckMistakes, OfReferencesAreFound)
         {"",
          R"("enterNode": 1000)",
          R"("enterNode": 1004)",
-         {"10:22: error VELL088: 'enterNode' is node 1004, which does not exist"}},
+         {"10:22: error VELL088: 'enterNode' is node 1004, which does not exist; did you mean "
+          "1000, "
+          "'Locomotion'?"}},
         {"",
          R"("substateRoot": 1000)",
          R"("substateRoot": 1020)",
@@ -599,6 +599,71 @@ TEST(CheckMistakes, OfTheBoundsOfARangeAreFound)
           "  39:26: the way back",
           "37:267: warning VELL109: 'inf' in the range of the condition of transition "
           "'StandToWalk' (1020) does not fit a float and counts as infinite"}},
+    });
+}
+
+TEST(CheckMistakes, ThatHaveACompleteHintAreFound)
+{
+    ExpectFound({
+        {"",
+         R"("memory": 1000)",
+         R"("memory": -1)",
+         {"8:19: error VELL023: 'memory' must be from 1 to 42949672, not -1"}},
+        {"StandToWalk",
+         R"("value": 0.1)",
+         R"("value": "0.1")",
+         {"37:269: error VELL106: the value of the condition of transition 'StandToWalk' (1020) is "
+          "no number and counts as 0: the condition is of the type 'float'; write 0.1 without "
+          "quotes"}},
+        {"DrawWeapon",
+         R"("value": true)",
+         R"("value": 1)",
+         {"30:264: error VELL106: the value of the condition of transition 'DrawWeapon' (1090) is "
+          "neither true nor false and counts as false: the condition is of the type 'bool'; write "
+          "true"}},
+        {"stick",
+         R"([{"VARIANT_Data": "0,0"}])",
+         R"("0,0")",
+         {R"(15:83: error VELL022: 'default' must be an array with one object, not the text "0,0"; write [{"VARIANT_Data": "0,0"}])"}},
+        {"StandToWalk",
+         R"([{"value": 0.1}])",
+         "0.1",
+         {R"(37:258: error VELL022: 'operand' must be an array with one object, not 0.1; write [{"value": 0.1}])"}},
+        {"StandToWalk",
+         R"([{"value": 0.1}])",
+         "[0.1]",
+         {R"(37:259: error VELL022: an element of 'operand' must be an object, not 0.1; write {"value": 0.1})"}},
+        {"UseDoor",
+         R"([{"value": "door"}])",
+         R"("door")",
+         {R"(31:252: error VELL022: 'operand' must be an array with one object, not the text "door"; write [{"value": "door"}])"}},
+        {"StandToWalk",
+         R"("parameter": 254213878)",
+         R"("parameter": "sped")",
+         {R"(37:213: error VELL022: 'parameter' must be a whole number, not the text "sped"; did you mean 'speed' (254213878)?)"}},
+        {"StandToWalk",
+         R"("target": 1011)",
+         R"("target": "Wlak")",
+         {R"(37:104: error VELL022: 'target' must be a whole number, not the text "Wlak"; did you mean 'Walk' (1011)?)"}},
+        {"speed",
+         R"("leftTrigger")",
+         R"("aVeryOddInput")",
+         {"14:96: error VELL044: unknown input 'aVeryOddInput'; for the list, see: vell check "
+          "--explain VELL044"}},
+        {"Stand",
+         R"("id": 1010)",
+         R"("id": 0x3F2)",
+         {"34:41: error VELL013: this is not a number: 0x3F2; write 1010"}},
+        {"WalkToStand",
+         R"("target": 1010)",
+         R"("target": 1000.0)",
+         {"39:104: error VELL024: 'target' must be a whole number: the library reads 1000.0 as 0; "
+          "write 1000"}},
+        {"",
+         R"("substateRoot": 1000)",
+         R"("substateRoot": 1009)",
+         {"11:25: error VELL090: 'substateRoot' is node 1009, which does not exist; did you mean "
+          "1000, 'Locomotion'?"}},
     });
 }
 

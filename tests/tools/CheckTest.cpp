@@ -278,7 +278,8 @@ TEST(Check, FindsValuesOfTheWrongType)
           "]"}},
         {"[{\"value\": 0.5}]",
          "[0.5]",
-         {"52:41 VELL022 an element of 'operand' must be an object, not 0.5"}},
+         {"52:41 VELL022 an element of 'operand' must be an object, not 0.5; write {\"value\": "
+          "0.5}"}},
         {"[{\"value\": 0.5}]", "[]", {"52:40 VELL032 'operand' is empty, and needs an operand"}},
         {"[{\"value\": 0.5}]",
          "[{\"value\": 0.5}, 1]",
@@ -291,7 +292,7 @@ TEST(Check, FindsValuesOfTheWrongType)
          "\"default\": true",
          {"16:24 VELL022 'default' must be a number, not true"}},
     });
-    EXPECT_EQ(FindingsOf("[]"), Lines{"1:1 VELL022 the document is an object, not an array"});
+    EXPECT_EQ(FindingsOf("[]"), Lines{"1:1 VELL022 the document must be an object, not an array"});
 }
 
 TEST(Check, FindsTextsThatTheLibraryDropsOrMisreads)

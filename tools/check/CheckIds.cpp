@@ -1,11 +1,13 @@
 // VELL: data-driven hierarchical state machines.
 // tools/check/CheckIds.cpp: ids that are missing, taken or not what they should be.
+#include "tools/check/Nearest.h"
 #include "tools/check/Rules.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace vell::check
 {
@@ -98,7 +100,8 @@ void CheckParameterId(const DocumentModel& model, const ParameterModel& paramete
 {
     const Value& value = *parameter.value;
     const bool isMissing = Find(value, JSON_ID) == nullptr;
-    const std::string name = parameter.name.empty() ? "without a name" : Quoted(parameter.name);
+    const std::string name = parameter.name.empty() ? "a parameter without a name"
+                                                    : "parameter " + Quoted(parameter.name);
     if (!isMissing && !HasNumber(value, JSON_ID))
     {
         return;
@@ -114,8 +117,8 @@ void CheckParameterId(const DocumentModel& model, const ParameterModel& paramete
     if (parameter.id == 0)
     {
         findings.Add(Code::ParameterWithoutId, PlaceOf(value, JSON_ID),
-                     isMissing ? "parameter " + name + " has no id, so it is left out"
-                               : "the id of parameter " + name + " is 0, so it is left out",
+                     isMissing ? name + " has no id, so it is left out"
+                               : "the id of " + name + " is 0, so it is left out",
                      advice);
         AddFixIf(hasOneAnswer, fix, findings);
         return;
@@ -124,8 +127,7 @@ void CheckParameterId(const DocumentModel& model, const ParameterModel& paramete
     if (first != &parameter && namesake == &parameter)
     {
         findings.Add(Code::DuplicateParameterId, PlaceOf(value, JSON_ID),
-                     "parameter " + name + " has the id of " + Quoted(first->name) +
-                         " and is left out",
+                     name + " has the id of " + Quoted(first->name) + " and is left out",
                      crc == parameter.id ? "" : advice, PlaceOf(*first->value, JSON_ID),
                      "the first parameter with this id");
         AddFixIf(hasOneAnswer, fix, findings);
@@ -151,6 +153,7 @@ void CheckParameterIds(const DocumentModel& model, Findings& findings)
                 Code::DuplicateParameterName, PlaceOf(*parameter.value, JSON_Name),
                 "there is a parameter " + Quoted(parameter.name) + " already: this one is left out",
                 "", PlaceOf(*namesake->value, JSON_Name), "the first parameter of this name");
+            continue;
         }
         CheckParameterId(model, parameter, findings);
     }
@@ -184,6 +187,13 @@ public:
         return entry == advices.end() ? nullptr : &entry->second;
     }
 
+    /// Gives what the value that begins at `offset` may mean, or null.
+    const std::string* FindNear(std::uint32_t offset) const
+    {
+        const auto entry = nears.find(offset);
+        return entry == nears.end() ? nullptr : &entry->second;
+    }
+
 private:
     void Take(const NodeModel& node)
     {
@@ -206,6 +216,14 @@ private:
             {
                 Add(*value, CrcOf(parameter->name));
             }
+            else if (isName)
+            {
+                AddNear(*value, NamesOfParameters(),
+                        [this](std::string_view name)
+                        {
+                            return Named(*model.FindParameterByName(name));
+                        });
+            }
         }
     }
 
@@ -217,6 +235,50 @@ private:
         {
             Add(*value, entry->second->id);
         }
+        else if (isName)
+        {
+            AddNear(*value, NamesOfNodes(),
+                    [this](std::string_view name)
+                    {
+                        return Named(*nodesByName.at(name));
+                    });
+        }
+    }
+
+    std::vector<std::string_view> NamesOfNodes() const
+    {
+        std::vector<std::string_view> names;
+        for (const NodeModel& node : model.nodes)
+        {
+            names.push_back(node.name);
+        }
+        return names;
+    }
+
+    std::vector<std::string_view> NamesOfParameters() const
+    {
+        std::vector<std::string_view> names;
+        for (const ParameterModel& parameter : model.parameters)
+        {
+            names.push_back(parameter.name);
+        }
+        return names;
+    }
+
+    /// A name that is written in a slightly wrong way. `nameOf` gives the words for the right one.
+    template <class NameOf>
+    void AddNear(const Value& value, const std::vector<std::string_view>& names, NameOf nameOf)
+    {
+        if (nears.size() == kMostNear ||
+            value.text.find_first_not_of("0123456789") == std::string::npos)
+        {
+            return;
+        }
+        const std::vector<std::string_view> nearest = FindNearest(value.text, names);
+        if (nearest.size() == 1)
+        {
+            nears.emplace(value.span.begin.offset, "did you mean " + nameOf(nearest[0]) + "?");
+        }
     }
 
     void Add(const Value& value, unsigned int id)
@@ -225,9 +287,13 @@ private:
                         "the id of " + Quoted(value.text) + " is " + std::to_string(id));
     }
 
+    /// So many wrong names are compared with all others.
+    static constexpr std::size_t kMostNear = 50;
+
     const DocumentModel& model;
     std::unordered_map<std::string_view, const NodeModel*> nodesByName;
     std::unordered_map<std::uint32_t, std::string> advices;
+    std::unordered_map<std::uint32_t, std::string> nears;
 };
 
 /// A name in place of an id is a value of the wrong type; here is what to write instead.
@@ -244,12 +310,19 @@ void ExplainNames(const DocumentModel& model, Findings& findings)
     const NamesForIds names(model);
     for (Finding& finding : findings.list)
     {
-        const std::string* advice =
-            isWrongType(finding) ? names.FindAdvice(finding.where.begin.offset) : nullptr;
-        if (advice != nullptr)
+        if (!isWrongType(finding))
+        {
+            continue;
+        }
+        const std::uint32_t offset = finding.where.begin.offset;
+        if (const std::string* advice = names.FindAdvice(offset))
         {
             finding.code = Code::NameForId;
             finding.hint = *advice;
+        }
+        else if (const std::string* near = names.FindNear(offset))
+        {
+            finding.hint = *near;
         }
     }
 }

@@ -17,9 +17,15 @@ namespace
 using namespace DURMBaseLib;
 using source::Value;
 
-bool IsAny(const NodeModel&)
+bool IsTransition(const NodeModel& node)
 {
-    return true;
+    return node.Is(BUILDER_Transition);
+}
+
+/// What a substate may list.
+bool IsNotGlobal(const NodeModel& node)
+{
+    return !node.Is(BUILDER_Global);
 }
 
 bool IsSubstate(const NodeModel& node)
@@ -62,8 +68,9 @@ void CheckChildren(const DocumentModel& model, const NodeModel& node, Findings& 
         }
         else if (child.node == nullptr)
         {
-            findings.Add(Code::ChildAbsent, child.value->span, begin + Absent(model, child.id),
-                         SuggestNode(model, child.id, IsAny));
+            findings.Add(
+                Code::ChildAbsent, child.value->span, begin + Absent(model, child.id),
+                SuggestNode(model, child.id, IsSubstate(node) ? IsNotGlobal : IsTransition));
         }
         else if (!child.node->Is(BUILDER_Transition) && child.node->builder != 0 &&
                  child.node->parentId != node.id)

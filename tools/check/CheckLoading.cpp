@@ -34,13 +34,15 @@ std::string Grouped(std::uint64_t number)
 
 void CheckMemory(const DocumentModel& model, const Loading& loading, Findings& findings)
 {
+    // What a document needs that lacks something is no advice for the whole.
+    const bool isSaid = !findings.HasErrors();
     const source::Value* memory = Find(*model.head, JSON_HeadMemory);
     const std::uint64_t bytes = loading.used + CountStateBytes(model);
     const std::uint64_t needed = (bytes + kMemoryFactor - 1) / kMemoryFactor;
     const std::uint64_t size = GetArenaSize(model);
     const std::string need =
         "at least " + Grouped(needed) + " are needed (" + Grouped(bytes) + " bytes)";
-    if (memory != nullptr && !memory->IsInteger())
+    if (memory != nullptr && (!memory->IsInteger() || memory->kind == source::Kind::Int))
     {
         return;
     }
@@ -60,6 +62,10 @@ void CheckMemory(const DocumentModel& model, const Loading& loading, Findings& f
         const bool wraps = written > kMostMemory;
         findings.Add(Code::MemoryTooSmall, memory->span, figure + " is too small, " + need,
                      wraps ? "a hundred times the figure does not fit 32 bits" : "");
+    }
+    else if (!isSaid)
+    {
+        return;
     }
     else if (written > kMostMemory)
     {

@@ -286,7 +286,7 @@ void CheckMembers(const Document& document, Findings& findings)
     if (!document.root.IsObject())
     {
         findings.Add(Code::WrongType, document.root.span,
-                     "the document is an object, not " + Describe(document.root));
+                     "the document must be an object, not " + Describe(document.root));
         return;
     }
     VisitObjects(document.root,

@@ -16,11 +16,6 @@ using source::Value;
 
 constexpr unsigned int kVersionWithStart = 3;
 
-bool CanRun(const NodeModel& node)
-{
-    return node.CanRun();
-}
-
 bool IsEnter(const NodeModel& node)
 {
     return node.Is(BUILDER_Enter);
@@ -31,9 +26,20 @@ bool IsExit(const NodeModel& node)
     return node.Is(BUILDER_Exit);
 }
 
-bool IsAny(const NodeModel&)
+bool IsConnector(const NodeModel& node)
 {
-    return true;
+    return node.Is(BUILDER_Connector);
+}
+
+/// What a transition or an enter node may lead to.
+bool IsTarget(const NodeModel& node)
+{
+    return node.CanRun() && !node.Is(BUILDER_Enter) && !node.Is(BUILDER_Global);
+}
+
+bool IsStart(const NodeModel& node)
+{
+    return node.CanRun() && !node.IsEnd();
 }
 
 bool IsNumber(const Value* value)
@@ -116,7 +122,7 @@ void CheckTarget(const DocumentModel& model, const NodeModel& transition, Findin
     {
         findings.Add(Code::TargetAbsent, place,
                      Titled(transition) + " leads to " + Absent(model, target.id),
-                     SuggestNode(model, target.id, CanRun));
+                     SuggestNode(model, target.id, IsTarget));
     }
     else if (!target.node->CanRun())
     {
@@ -190,7 +196,7 @@ void CheckEntryTarget(const DocumentModel& model, const NodeModel& node, Finding
     else if (target.node == nullptr)
     {
         findings.Add(Code::EntryTarget, place, begin + Absent(model, target.id),
-                     SuggestNode(model, target.id, CanRun));
+                     SuggestNode(model, target.id, IsTarget));
     }
     else if (!target.node->CanRun())
     {
@@ -228,7 +234,8 @@ void CheckExitConnector(const DocumentModel& model, const NodeModel& node, Findi
     if (connector.node == nullptr)
     {
         findings.Add(Code::ExitConnectorWrong, connector.value->span,
-                     begin + Absent(model, connector.id), SuggestNode(model, connector.id, IsAny));
+                     begin + Absent(model, connector.id),
+                     SuggestNode(model, connector.id, IsConnector));
     }
     else if (!connector.node->Is(BUILDER_Connector))
     {
@@ -341,7 +348,7 @@ void CheckSubstateRoot(const DocumentModel& model, Findings& findings)
     else if (start.node == nullptr)
     {
         findings.Add(Code::StartWrong, place, "'substateRoot' is " + Absent(model, start.id),
-                     SuggestNode(model, start.id, CanRun));
+                     SuggestNode(model, start.id, IsStart));
     }
     else if (!start.node->CanRun())
     {
@@ -375,7 +382,7 @@ void CheckEnterNode(const DocumentModel& model, Findings& findings)
     else if (enter.node == nullptr)
     {
         findings.Add(Code::EnterNodeAbsent, place, "'enterNode' is " + Absent(model, enter.id),
-                     SuggestNode(model, enter.id, CanRun));
+                     SuggestNode(model, enter.id, IsStart));
     }
     else if (model.IsInGlobal(*enter.node))
     {

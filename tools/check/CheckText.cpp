@@ -66,7 +66,9 @@ void CheckText(const Document& document, Findings& findings)
         if (problem.hasOther)
         {
             findings.Add(code, problem.where, problem.message, problem.hint, problem.other,
-                         code == Code::DuplicateMember ? "the first is here" : "it is opened here");
+                         code == Code::DuplicateMember ? "the first is here"
+                         : code == Code::Character     ? "the '[' opened here is still open"
+                                                       : "it is opened here");
         }
         else
         {

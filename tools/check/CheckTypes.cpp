@@ -217,13 +217,16 @@ void CheckRange(const Case& condition, const Value& operand, Findings& findings)
     }
 }
 
-/// What to write when a number or a flag is in quotes.
-std::string WithoutQuotes(const Value& operand)
+/// What to write where true or false is meant.
+std::string AdviseFlag(const Value& operand)
 {
-    const bool isQuoted =
-        operand.IsString() &&
-        (operand.text == "true" || operand.text == "false" || IsNumberText(operand.text));
-    return isQuoted ? "write " + operand.text + " without quotes" : "";
+    if (operand.IsString() && (operand.text == "true" || operand.text == "false"))
+    {
+        return "write " + operand.text + " without quotes";
+    }
+    const bool isFlag =
+        (operand.IsNumber() || operand.IsString()) && (operand.text == "0" || operand.text == "1");
+    return !isFlag ? "" : operand.text == "1" ? "write true" : "write false";
 }
 
 /// The value of a condition with another operator than `range`.
@@ -239,7 +242,7 @@ void CheckValue(const Case& condition, const Value& operand, Findings& findings)
         {
             findings.Add(Code::OperandType, operand.span,
                          begin + "is neither true nor false and counts as false" + ofType,
-                         WithoutQuotes(operand));
+                         AdviseFlag(operand));
         }
         return;
     case PARAM_Message:
@@ -264,6 +267,8 @@ void CheckValue(const Case& condition, const Value& operand, Findings& findings)
                      begin + "is no number and counts as 0" + ofType,
                      operand.IsString() && Pieces(operand.text).size() == 2
                          ? "the operator of a range is 'range'"
+                     : operand.IsString() && IsNumberText(operand.text)
+                         ? "write " + operand.text + " without quotes"
                          : "");
     }
     else if (type == PARAM_Integer && !operand.IsInteger())

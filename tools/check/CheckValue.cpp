@@ -5,6 +5,7 @@
 #include <durm/DURMBaseLib.h>
 
 #include "definitions/NodeDefTable.h"
+#include "document/DataMembers.h"
 #include "document/NumberText.h"
 #include "document/VectorWidth.h"
 
@@ -31,6 +32,7 @@ constexpr std::size_t kLongestShown = 40;
 /// Of the text of an attribute and of the numbers of a vector, with the null character.
 constexpr std::size_t kAttributeText = 1024;
 constexpr std::size_t kVectorText = 128;
+constexpr std::int64_t kMostMemory = 42949672; ///< a hundred times that fits 32 bits
 constexpr std::uint64_t kIdRange = std::uint64_t{1} << 32u;
 
 /// The length that the library sees.
@@ -240,13 +242,48 @@ int TypeOf(const Value& object, __JSONTYPES__ member, Words words)
     return type != nullptr && type->IsString() ? NumberOf(words, type->text) : 0;
 }
 
+/// Gives the value as a document has it, or an empty text for an array, an object or a long text.
+std::string Written(const Value& value)
+{
+    switch (value.kind)
+    {
+    case Kind::Bool:
+        return value.boolean ? "true" : "false";
+    case Kind::Int:
+    case Kind::UInt:
+    case Kind::Double:
+        return value.text;
+    case Kind::String:
+        return value.text.size() <= kLongestShown &&
+                       value.text.find_first_of("\"\\") == std::string::npos
+                   ? "\"" + value.text + "\""
+                   : "";
+    default:
+        return "";
+    }
+}
+
+/// Gives the object that is meant where only its value is written.
+std::string MeantElement(ObjectKind contents, const Value& value)
+{
+    const char* const name = contents == ObjectKind::Operand         ? GetJsonName(JSON_Value)
+                             : contents == ObjectKind::VectorDefault ? kVectorDataMember
+                                                                     : nullptr;
+    const std::string written = Written(value);
+    return name == nullptr || written.empty() ? ""
+                                              : "{\"" + std::string(name) + "\": " + written + "}";
+}
+
 /// The array whose first element alone is read.
 void CheckFirst(const Subject& subject, const MemberRule& rule)
 {
     const Value& value = subject.value;
     if (!value.IsArray())
     {
-        subject.AddWrongType("an array with one object", value.IsObject() ? "put it in [ ]" : "");
+        const std::string meant = MeantElement(rule.contents, value);
+        subject.AddWrongType("an array with one object", value.IsObject() ? "put it in [ ]"
+                                                         : meant.empty()  ? ""
+                                                                         : "write [" + meant + "]");
     }
     else if (value.elements.empty())
     {
@@ -254,7 +291,9 @@ void CheckFirst(const Subject& subject, const MemberRule& rule)
     }
     else if (!value.elements[0].IsObject())
     {
-        Subject{value.elements[0], rule.name, true, subject.findings}.AddWrongType("an object");
+        const std::string meant = MeantElement(rule.contents, value.elements[0]);
+        Subject{value.elements[0], rule.name, true, subject.findings}.AddWrongType(
+            "an object", meant.empty() ? "" : "write " + meant);
     }
     else if (value.elements.size() > 1)
     {
@@ -366,7 +405,9 @@ void CheckValue(const Visit& visit, const MemberRule& rule, const Value& value, 
     case Shape::Id:
         return CheckId(subject);
     case Shape::Integer:
-        return CheckInteger(subject);
+        return visit.kind == ObjectKind::Head && value.number < 0.0
+                   ? CheckWhole(subject, 1, kMostMemory)
+                   : CheckInteger(subject);
     case Shape::Flag:
         return CheckFlag(subject);
     case Shape::Number:

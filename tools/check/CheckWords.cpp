@@ -90,7 +90,7 @@ std::string HintFor(Words words, const std::string& wrong)
     }
     if (list.size() > kShortList)
     {
-        return "see the list in docs/document-format.md";
+        return "for the list, see: vell check --explain " + NameOf(CodeOf(words));
     }
     std::string all = "expected ";
     for (std::size_t i = 0; i < list.size(); ++i)

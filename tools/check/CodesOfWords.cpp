@@ -1,12 +1,36 @@
 // VELL: data-driven hierarchical state machines.
 // tools/check/CodesOfWords.cpp: the codes of unknown words.
 #include "tools/check/Code.h"
+#include "tools/check/MemberTable.h"
+
+#include <string>
+#include <string_view>
 
 namespace vell::check
 {
 
+namespace
+{
+
+/// Explains an unknown input, with all that there are.
+std::string ExplainInputs()
+{
+    std::string text = "The library binds the parameter to the input 0, which is none. The inputs "
+                       "are";
+    const char* separator = " ";
+    for (const std::string_view word : WordsOf(Words::Inputs))
+    {
+        text += separator + ("`" + std::string(word) + "`");
+        separator = ", ";
+    }
+    return text + ".";
+}
+
+} // namespace
+
 const CodeTable& WordCodes()
 {
+    static const std::string inputs = ExplainInputs();
     static const CodeTable table = {
         {Code::UnknownBuilder, Severity::Error, "unknown builder",
          "A node with an unknown builder cannot be created, and all nodes that were read so far "
@@ -27,8 +51,7 @@ const CodeTable& WordCodes()
          "fails, and those behind "
          "it are left out.",
          "\"conditionType\": \"float2\"", "\"conditionType\": \"float\""},
-        {Code::UnknownInput, Severity::Error, "unknown input",
-         "The library binds the parameter to the input 0, which is none.",
+        {Code::UnknownInput, Severity::Error, "unknown input", inputs.c_str(),
          "\"assign\": \"stickLeft\"", "\"assign\": \"leftStick\""},
         {Code::UnknownMachineType, Severity::Error, "unknown machine type",
          "The machine has the type 0, which is none.", "\"machineType\": \"hero\"",

@@ -5,6 +5,7 @@
 #include "tools/source/Printable.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <string_view>
 
 namespace vell::check
@@ -63,6 +64,49 @@ std::size_t CharactersIn(std::string_view text)
     return count;
 }
 
+/// Gives the cells of a terminal that a character takes: 2 for those of East Asia and pictures, 0
+/// for marks on the character before (Unicode 15, EastAsianWidth.txt, in large pieces).
+std::size_t CellsOf(std::string_view character)
+{
+    if (character.size() == 1)
+    {
+        return 1;
+    }
+    std::uint32_t code = static_cast<unsigned char>(character[0]) & (0x7fu >> character.size());
+    for (const char byte : character.substr(1))
+    {
+        code = code << 6u | (static_cast<unsigned char>(byte) & 0x3fu);
+    }
+    const auto isIn = [code](std::uint32_t first, std::uint32_t last)
+    {
+        return code >= first && code <= last;
+    };
+    if (isIn(0x300, 0x36f) || isIn(0x20d0, 0x20ff) || isIn(0x200b, 0x200f) || isIn(0xfe00, 0xfe0f))
+    {
+        return 0;
+    }
+    const bool isWide = isIn(0x1100, 0x115f) || isIn(0x2e80, 0x303e) || isIn(0x3041, 0xa4cf) ||
+                        isIn(0xac00, 0xd7a3) || isIn(0xf900, 0xfaff) || isIn(0xfe30, 0xfe6f) ||
+                        isIn(0xff00, 0xff60) || isIn(0xffe0, 0xffe6) || isIn(0x1f300, 0x1f64f) ||
+                        isIn(0x1f900, 0x1f9ff) || isIn(0x20000, 0x3fffd);
+    return isWide ? 2 : 1;
+}
+
+/// Gives the cells that a text takes as it is shown.
+std::size_t CellsIn(std::string_view text)
+{
+    const std::string shown = source::ToPrintable(text);
+    source::Cursor cursor(shown);
+    std::size_t cells = 0;
+    while (!cursor.AtEnd())
+    {
+        const std::size_t begin = cursor.Offset();
+        cursor.AdvanceCharacter();
+        cells += CellsOf(cursor.From(begin));
+    }
+    return cells;
+}
+
 /// The line of the document and, below it, a mark.
 std::string ShowPlace(const source::Text& text, const source::Span& span, const Colors& colors)
 {
@@ -77,8 +121,10 @@ std::string ShowPlace(const source::Text& text, const source::Span& span, const 
     const std::size_t last = std::min(end, first + kWidth);
     const std::string front = first == 0 ? "" : "...";
     std::string all = "    " + front + source::ToPrintable(shown) + (isCut ? "..." : "") + "\n";
-    all += "    " + std::string(front.size() + at - first, ' ') + colors.mark + "^";
-    all += std::string(last > at + 1 ? last - at - 1 : 0, '~') + colors.end + "\n";
+    const std::size_t before = CellsIn(Characters(line, first, at - first));
+    const std::size_t marked = last > at ? CellsIn(Characters(line, at, last - at)) : 0;
+    all += "    " + std::string(front.size() + before, ' ') + colors.mark + "^";
+    all += std::string(marked > 1 ? marked - 1 : 0, '~') + colors.end + "\n";
     return all;
 }
 

@@ -147,7 +147,11 @@ private:
                 }
                 break;
             default:
-                return;
+                if (!tokens.SkipForeignBlank())
+                {
+                    return;
+                }
+                break;
             }
         }
     }
@@ -282,10 +286,11 @@ private:
         }
         else if (next == ':')
         {
-            Fail(Flaw::Character, NextCharacter(), "a value is expected here, not ':'",
-                 !frames.empty() && frames.back().value.IsArray()
-                     ? "members belong in an object: {\"name\": value}"
-                     : "");
+            const bool isInArray = !frames.empty() && frames.back().value.IsArray();
+            Problem& problem =
+                Fail(Flaw::Character, NextCharacter(), "a value is expected here, not ':'",
+                     isInArray ? "members belong in an object: {\"name\": value}" : "");
+            isInArray ? ShowOpening(problem) : void();
         }
         else
         {
@@ -304,7 +309,12 @@ private:
         }
         const Frame::Next following =
             frame.value.IsObject() ? Frame::Next::Name : Frame::Next::Value;
-        if (next == ',' || next == ';')
+        if (next == ',' && frame.value.IsObject() && !frame.value.members.empty() &&
+            tokens.ReadDecimalComma(frame.value.members.back().value))
+        {
+            frame.last = frame.value.members.back().value.span.end;
+        }
+        else if (next == ',' || next == ';')
         {
             frame.comma = NextCharacter();
             if (next == ';')
@@ -316,8 +326,9 @@ private:
         }
         else if (next == ':')
         {
-            Fail(Flaw::Character, NextCharacter(),
-                 "',' or a closing bracket is expected here, not ':'");
+            Problem& problem = Fail(Flaw::Character, NextCharacter(),
+                                    "',' or a closing bracket is expected here, not ':'");
+            frame.value.IsArray() ? ShowOpening(problem) : void();
         }
         else
         {
@@ -509,6 +520,13 @@ private:
             problem.other = earlier.nameSpan;
             problem.hasOther = true;
         }
+    }
+
+    /// Where members are written in an array, its closing bracket may be missing.
+    void ShowOpening(Problem& problem)
+    {
+        problem.other = OpeningBracket(frames.back().value);
+        problem.hasOther = true;
     }
 
     static char Opening(const Value& value)

@@ -44,7 +44,7 @@ struct Problem
 {
     Flaw flaw = Flaw::Empty;
     Span where;
-    Span other; ///< of Duplicate: the first name; of Bracket: the opening one, if any
+    Span other; ///< of Duplicate: the first name; of Bracket and Character: the opening one, if any
     bool hasOther = false;
     std::string message; ///< a sentence without a capital and a full stop
     std::string hint;    ///< what to do, or empty

@@ -29,6 +29,63 @@ bool IsWordCharacter(char c)
            static_cast<unsigned char>(c) >= 0x80;
 }
 
+struct ForeignBlank
+{
+    std::string_view bytes;
+    const char* name;
+};
+
+constexpr ForeignBlank kForeignBlanks[] = {
+    {"\xc2\xa0", "a no-break space (U+00A0)"},
+    {"\xe2\x80\xaf", "a narrow no-break space (U+202F)"},
+    {"\xe2\x80\x8b", "a zero-width space (U+200B)"},
+    {"\xe2\x80\x83", "an em space (U+2003)"},
+    {"\xe2\x80\x82", "an en space (U+2002)"},
+    {"\xe2\x80\xa8", "a line separator (U+2028)"},
+    {"\xe3\x80\x80", "an ideographic space (U+3000)"},
+    {"\xef\xbb\xbf", "a byte order mark (U+FEFF)"},
+};
+
+/// Finds the blank at the front of `text`, or null.
+const ForeignBlank* FindForeignBlank(std::string_view text)
+{
+    if (text.empty() || static_cast<unsigned char>(text[0]) < 0x80)
+    {
+        return nullptr;
+    }
+    for (const ForeignBlank& blank : kForeignBlanks)
+    {
+        if (text.substr(0, blank.bytes.size()) == blank.bytes)
+        {
+            return &blank;
+        }
+    }
+    return nullptr;
+}
+
+enum class Quote
+{
+    None,
+    Single,   ///< U+2018 to U+201B
+    Double,   ///< U+201C to U+201F
+    Guillemet ///< U+00AB and U+00BB
+};
+
+/// Gives the kind of the typographic quote at the front of `text`.
+Quote FindTypographicQuote(std::string_view text)
+{
+    const auto byte = [text](std::size_t i)
+    {
+        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0u;
+    };
+    if (byte(0) == 0xe2 && byte(1) == 0x80 && byte(2) >= 0x98 && byte(2) <= 0x9f)
+    {
+        return byte(2) < 0x9c ? Quote::Single : Quote::Double;
+    }
+    const bool isGuillemet = byte(0) == 0xc2 && (byte(1) == 0xab || byte(1) == 0xbb);
+    return isGuillemet ? Quote::Guillemet : Quote::None;
+}
+
 std::string Hexadecimal(unsigned char byte)
 {
     constexpr const char* kDigits = "0123456789ABCDEF";
@@ -113,6 +170,30 @@ const char* FindNumberMistake(std::string_view text)
     return at < text.size() ? "this is not a number" : nullptr;
 }
 
+/// Gives what a text that is not a number is meant to be, or an empty text.
+std::string MeantNumber(const std::string& text)
+{
+    const bool isNegative = text[0] == '-';
+    std::string meant = text.substr(isNegative || text[0] == '+' ? 1 : 0);
+    const bool isHexadecimal =
+        meant.size() > 2 && meant[0] == '0' && (meant[1] == 'x' || meant[1] == 'X');
+    if (isHexadecimal)
+    {
+        std::uint64_t number = 0;
+        const char* end = meant.data() + meant.size();
+        const auto read = std::from_chars(meant.data() + 2, end, number, 16);
+        meant = read.ec == std::errc() && read.ptr == end ? std::to_string(number) : "";
+    }
+    while (meant.size() > 1 && meant[0] == '0' && IsDigit(meant[1]))
+    {
+        meant.erase(0, 1);
+    }
+    meant = (!meant.empty() && meant[0] == '.' ? "0" : "") + meant;
+    meant += !meant.empty() && meant.back() == '.' ? "0" : "";
+    const std::string signedText = (isNegative ? "-" : "") + meant;
+    return meant.empty() || FindNumberMistake(signedText) != nullptr ? "" : signedText;
+}
+
 /// Sets the number as the library's parser reads it. False when it finds it too large.
 bool SetNumber(Value& value)
 {
@@ -183,6 +264,10 @@ Value TokenReader::ReadScalar()
     {
         return ReadQuoted(next);
     }
+    if (FindTypographicQuote(cursor.Rest()) != Quote::None)
+    {
+        return ReadTypographic();
+    }
     if (IsDigit(next) || next == '-' || next == '+' || (next == '.' && IsDigit(cursor.Peek(1))))
     {
         return ReadNumber();
@@ -196,6 +281,10 @@ Value TokenReader::ReadName()
     if (next == '"' || next == '\'')
     {
         return ReadQuoted(next);
+    }
+    if (FindTypographicQuote(cursor.Rest()) != Quote::None)
+    {
+        return ReadTypographic();
     }
     Value name;
     name.kind = Kind::String;
@@ -242,6 +331,38 @@ Value TokenReader::ReadQuoted(char quote)
         Report(Flaw::Word, value.span, "single quotes are not allowed",
                "write \"" + value.text + "\"");
     }
+    return value;
+}
+
+/// Reads a text in quotes such as a word processor writes, up to the next one of that kind or a
+/// plain one.
+Value TokenReader::ReadTypographic()
+{
+    const Quote quote = FindTypographicQuote(cursor.Rest());
+    Value value;
+    value.kind = Kind::String;
+    value.span.begin = cursor.Here();
+    cursor.AdvanceCharacter();
+    const std::size_t begin = cursor.Offset();
+    while (!cursor.AtEnd() && cursor.Peek() != '\n' && cursor.Peek() != '"' &&
+           FindTypographicQuote(cursor.Rest()) != quote)
+    {
+        cursor.AdvanceCharacter();
+    }
+    value.text = cursor.From(begin);
+    const bool isClosed = !cursor.AtEnd() && cursor.Peek() != '\n';
+    if (isClosed)
+    {
+        cursor.AdvanceCharacter();
+    }
+    value.span.end = cursor.Here();
+    const char* const message = "typographic quotes are not allowed";
+    if (!isClosed)
+    {
+        Fail(Flaw::Word, value.span, message, "write \" at both ends of the text");
+        return value;
+    }
+    Report(Flaw::Word, value.span, message, "write \"" + value.text + "\"");
     return value;
 }
 
@@ -368,8 +489,9 @@ Value TokenReader::ReadNumber()
     Value value;
     value.span.begin = cursor.Here();
     const std::size_t begin = cursor.Offset();
-    while (IsWordCharacter(cursor.Peek()) || cursor.Peek() == '.' || cursor.Peek() == '+' ||
-           cursor.Peek() == '-')
+    while ((IsWordCharacter(cursor.Peek()) || cursor.Peek() == '.' || cursor.Peek() == '+' ||
+            cursor.Peek() == '-') &&
+           FindForeignBlank(cursor.Rest()) == nullptr)
     {
         cursor.AdvanceCharacter();
     }
@@ -382,15 +504,70 @@ Value TokenReader::ReadNumber()
     }
     if (mistake != nullptr)
     {
-        Report(Flaw::Number, value.span, std::string(mistake) + ": " + value.text);
+        ReportNumber(value, mistake);
     }
     return value;
+}
+
+/// The value is then what is meant, or it would be reported once more.
+void TokenReader::ReportNumber(Value& value, const char* mistake)
+{
+    const std::string written = value.text;
+    const std::string meant = MeantNumber(written);
+    const bool isNumber = !meant.empty() && meant != written;
+    if (isNumber)
+    {
+        value.text = meant;
+        SetNumber(value);
+    }
+    Report(Flaw::Number, value.span, std::string(mistake) + ": " + written,
+           isNumber ? "write " + meant : "");
+}
+
+bool TokenReader::ReadDecimalComma(Value& number)
+{
+    if (!number.IsNumber() || number.span.end.offset != cursor.Offset() || cursor.Peek() != ',' ||
+        !IsDigit(cursor.Peek(1)) ||
+        number.text.find_first_not_of("-0123456789") != std::string::npos)
+    {
+        return false;
+    }
+    cursor.Advance();
+    const std::size_t begin = cursor.Offset();
+    while (IsDigit(cursor.Peek()))
+    {
+        cursor.Advance();
+    }
+    number.text += "." + std::string(cursor.From(begin));
+    number.span.end = cursor.Here();
+    SetNumber(number);
+    Report(Flaw::Number, number.span, "a decimal point is written '.'", "write " + number.text);
+    return true;
+}
+
+bool TokenReader::SkipForeignBlank()
+{
+    const ForeignBlank* blank = FindForeignBlank(cursor.Rest());
+    if (blank == nullptr)
+    {
+        return false;
+    }
+    const Place begin = cursor.Here();
+    cursor.AdvanceCharacter();
+    if (begin.line != lineOfBlank)
+    {
+        lineOfBlank = begin.line;
+        Report(Flaw::Character, {begin, cursor.Here()},
+               std::string(blank->name) + " is not allowed here", "write a plain space");
+    }
+    return true;
 }
 
 std::string TokenReader::TakeWord()
 {
     const std::size_t begin = cursor.Offset();
-    while (!cursor.AtEnd() && IsWordCharacter(cursor.Peek()))
+    while (!cursor.AtEnd() && IsWordCharacter(cursor.Peek()) &&
+           FindForeignBlank(cursor.Rest()) == nullptr)
     {
         cursor.AdvanceCharacter();
     }

@@ -5,6 +5,8 @@
 #include "tools/source/Cursor.h"
 #include "tools/source/Reader.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -33,9 +35,18 @@ public:
 
     Problem& Report(Flaw flaw, Span where, std::string message, std::string hint = {});
 
+    /// Skips a blank that is none in JSON, such as a no-break space. False when there is none. It
+    /// is reported once a line.
+    bool SkipForeignBlank();
+    /// Where a comma stands in place of a decimal point behind the number: reads the rest of it.
+    /// False, and nothing happens, when it does not.
+    bool ReadDecimalComma(Value& number);
+
 private:
     Problem& Fail(Flaw flaw, Span where, std::string message, std::string hint = {});
     Value ReadQuoted(char quote);
+    Value ReadTypographic();
+    void ReportNumber(Value& value, const char* mistake);
     void ReadCharacter(Value& value, bool& hasReportedByte);
     void ReadEscape(Value& value);
     void ReadUnicodeEscape(const Place& begin, Value& value);
@@ -46,6 +57,7 @@ private:
 
     Cursor& cursor;
     std::vector<Problem>& problems;
+    std::uint32_t lineOfBlank = 0; ///< the last line with a foreign blank
     bool hasFailed = false;
 };
 
