@@ -226,6 +226,19 @@ TEST(Repair, WritesEachMistakeThatHasOneAnswerByItself)
     }
 }
 
+TEST(Repair, PutsALoneChildIntoAList)
+{
+    const std::string sample = Sample();
+
+    for (const std::string mistake : {"1020", "\"1020\"", "\"StandToWalk\""})
+    {
+        const std::string wrong =
+            Replace(sample, "\"children\": [1020]", "\"children\": " + mistake);
+
+        EXPECT_EQ(RepairText(wrong).bytes, sample) << mistake;
+    }
+}
+
 TEST(Repair, WritesAMemberOfASpreadObjectOnALineOfItsOwn)
 {
     const std::string spread = Spread(Sample());
@@ -371,7 +384,7 @@ TEST(VellCheckFix, LeavesWhatIsAllowed)
     const std::string wrong = Replace(Sample(), "\"id\": 538973511", "\"id\": 12");
     const std::string path = folder.Write("a.json", wrong);
 
-    CallVell({"check", "--fix", "--allow", "VELL055", path});
+    CallVell({"check", "--fix", "--allow", "VELL055,VELL092", path});
 
     EXPECT_EQ(folder.Read("a.json"), wrong);
 }

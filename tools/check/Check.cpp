@@ -2,6 +2,8 @@
 // tools/check/Check.cpp: all families in turn, and what a document allows.
 #include "tools/check/Check.h"
 
+#include <durm/DURMBaseLib.h>
+
 #include "tools/check/Rules.h"
 
 #include <algorithm>
@@ -102,14 +104,23 @@ bool IsMistakeOfValue(Code code)
 /// Of what nodes refer to and mean, and of the memory that they need.
 bool IsAboutNodes(Code code)
 {
-    return (code >= Code::TargetAbsent && code < Code::ConditionTypeDiffers) ||
+    return (code >= Code::TargetAbsent && code < Code::ConditionTypeDiffers &&
+            code != Code::NodesAtRoot && code != Code::NoLayers) ||
            (code >= Code::StateUnreached && code <= Code::MemoryTooLarge);
+}
+
+/// Without parameters, each condition tests one that does not exist.
+bool HasParameters(const source::Value& root)
+{
+    const Value* parameters = root.Find(DURMBaseLib::GetJsonName(DURMBaseLib::JSON_Parameters));
+    return parameters != nullptr && parameters->IsArray();
 }
 
 /// Leaves out what only follows from the wrong type of a value, or from nodes that are lost by
 /// another mistake.
-void LeaveOutConsequences(Findings& findings)
+void LeaveOutConsequences(const source::Value& root, Findings& findings)
 {
+    const bool hasParameters = HasParameters(root);
     std::set<std::uint32_t> wrong;
     for (const Finding& finding : findings.list)
     {
@@ -118,9 +129,12 @@ void LeaveOutConsequences(Findings& findings)
             wrong.insert(finding.where.begin.offset);
         }
     }
-    const auto isConsequence = [&findings, &wrong](const Finding& finding)
+    const auto isConsequence = [&findings, &wrong, hasParameters](const Finding& finding)
     {
+        const bool isError = GetEntry(finding.code).severity == Severity::Error;
         return (findings.hasLostNodes && IsAboutNodes(finding.code)) ||
+               (findings.hasMisspeltList && !isError && IsAboutNodes(finding.code)) ||
+               (!hasParameters && finding.code == Code::ConditionParameter) ||
                (finding.code >= Code::NodeWithoutId && finding.code < Code::MemoryTooSmall &&
                 wrong.count(finding.where.begin.offset) != 0);
     };
@@ -140,7 +154,7 @@ Findings CheckDocument(const source::Text& text)
         CheckMembers(document, findings);
         CheckWords(document, findings);
         CheckRules(document, findings);
-        LeaveOutConsequences(findings);
+        LeaveOutConsequences(document.root, findings);
         LeaveOutAllowed(document.root, findings);
     }
     std::stable_sort(findings.list.begin(), findings.list.end(),

@@ -41,15 +41,19 @@ std::string WhereRead(const NodeArray& array)
 void CheckNodeId(const NodeModel& node, Findings& findings)
 {
     const std::string name = node.name.empty() ? "a node" : Quoted(node.name);
+    const std::string advice =
+        node.isIdInferred ? "write " + std::to_string(node.id) + ", which is referred to" : "";
+    const bool hasNone = node.id == 0 || node.isIdInferred;
     if (Find(*node.value, JSON_ID) == nullptr)
     {
         findings.Add(Code::NodeWithoutId, TitlePlace(*node.value),
-                     name + " has no id: nothing can refer to it");
+                     name + " has no id: nothing can refer to it", advice);
     }
-    else if (node.id == 0 && HasNumber(*node.value, JSON_ID))
+    else if (hasNone && HasNumber(*node.value, JSON_ID))
     {
         findings.Add(Code::NodeWithoutId, PlaceOf(*node.value, JSON_ID),
-                     "the id of " + name + " is 0, which means none: nothing can refer to it");
+                     "the id of " + name + " is 0, which means none: nothing can refer to it",
+                     advice);
     }
 }
 
@@ -95,8 +99,32 @@ void AddFixIf(bool hasOneAnswer, const Fix& fix, Findings& findings)
     }
 }
 
+/// How many conditions test the id that a parameter should have, by that id.
+using VainTests = std::unordered_map<unsigned int, std::size_t>;
+
+VainTests CountVainTests(const DocumentModel& model)
+{
+    VainTests tests;
+    for (const NodeModel& node : model.nodes)
+    {
+        for (const ConditionModel& condition : node.conditions)
+        {
+            const bool isVain = condition.parameter == nullptr &&
+                                model.FindMisnumbered(condition.parameterId) != nullptr;
+            tests[condition.parameterId] += isVain ? 1 : 0;
+        }
+    }
+    return tests;
+}
+
+/// Gives `3 conditions test` or `a condition tests`.
+std::string ConditionsTest(std::size_t count)
+{
+    return count == 1 ? "a condition tests" : std::to_string(count) + " conditions test";
+}
+
 void CheckParameterId(const DocumentModel& model, const ParameterModel& parameter,
-                      Findings& findings)
+                      const VainTests& tests, Findings& findings)
 {
     const Value& value = *parameter.value;
     const bool isMissing = Find(value, JSON_ID) == nullptr;
@@ -114,11 +142,14 @@ void CheckParameterId(const DocumentModel& model, const ParameterModel& paramete
     const bool hasOneAnswer =
         crc != parameter.id && !parameter.name.empty() && namesake == &parameter;
     const Fix fix{&value, GetJsonName(JSON_ID), crc};
+    const auto found = tests.find(crc);
+    const std::size_t count = found == tests.end() || namesake != &parameter ? 0 : found->second;
+    const std::string vain = count == 0 ? "" : ", and " + ConditionsTest(count) + " it in vain";
     if (parameter.id == 0)
     {
         findings.Add(Code::ParameterWithoutId, PlaceOf(value, JSON_ID),
-                     isMissing ? name + " has no id, so it is left out"
-                               : "the id of " + name + " is 0, so it is left out",
+                     isMissing ? name + " has no id, so it is left out" + vain
+                               : "the id of " + name + " is 0, so it is left out" + vain,
                      advice);
         AddFixIf(hasOneAnswer, fix, findings);
         return;
@@ -127,23 +158,25 @@ void CheckParameterId(const DocumentModel& model, const ParameterModel& paramete
     if (first != &parameter && namesake == &parameter)
     {
         findings.Add(Code::DuplicateParameterId, PlaceOf(value, JSON_ID),
-                     name + " has the id of " + Quoted(first->name) + " and is left out",
+                     name + " has the id of " + Quoted(first->name) + " and is left out" + vain,
                      crc == parameter.id ? "" : advice, PlaceOf(*first->value, JSON_ID),
                      "the first parameter with this id");
         AddFixIf(hasOneAnswer, fix, findings);
     }
     else if (crc != parameter.id && !parameter.name.empty())
     {
-        findings.Add(Code::ParameterIdNotCrc, PlaceOf(value, JSON_ID),
-                     "the id of parameter " + Quoted(parameter.name) + " is " +
-                         std::to_string(parameter.id),
-                     advice);
+        const std::string tested =
+            count == 0 ? "" : ", but " + ConditionsTest(count) + " " + std::to_string(crc);
+        findings.Add(count == 0 ? Code::ParameterIdNotCrc : Code::ConditionParameter,
+                     PlaceOf(value, JSON_ID),
+                     "the id of " + name + " is " + std::to_string(parameter.id) + tested, advice);
         AddFixIf(hasOneAnswer, fix, findings);
     }
 }
 
 void CheckParameterIds(const DocumentModel& model, Findings& findings)
 {
+    const VainTests tests = CountVainTests(model);
     for (const ParameterModel& parameter : model.parameters)
     {
         const ParameterModel* namesake = model.FindParameterByName(parameter.name);
@@ -155,7 +188,7 @@ void CheckParameterIds(const DocumentModel& model, Findings& findings)
                 "", PlaceOf(*namesake->value, JSON_Name), "the first parameter of this name");
             continue;
         }
-        CheckParameterId(model, parameter, findings);
+        CheckParameterId(model, parameter, tests, findings);
     }
 }
 

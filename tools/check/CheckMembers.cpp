@@ -122,6 +122,11 @@ void CheckUnknown(const Visit& visit, const Member& member, Findings& findings)
     {
         findings.Add(Code::UnknownMember, member.nameSpan, "unknown member '" + member.name + "'",
                      DidYouMean(member.name, NamesOf(visit)));
+        const std::vector<std::string_view> nearest = FindNearest(member.name, NamesOf(visit));
+        findings.hasMisspeltList =
+            findings.hasMisspeltList ||
+            (member.value.IsArray() && (IsNearest(GetJsonName(JSON_Children), nearest) ||
+                                        IsNearest(GetJsonName(JSON_Global), nearest)));
     }
 }
 
@@ -247,6 +252,26 @@ void CheckAllow(const Member& member, Findings& findings)
     }
 }
 
+/// Nodes are lost with an array that is none, and with an element of it that is no object.
+bool LosesNodes(const MemberRule& rule, const Value& value)
+{
+    const bool isList = rule.contents == ObjectKind::Layer ||
+                        (rule.contents == ObjectKind::Node && rule.name == GetJsonName(JSON_Nodes));
+    return isList && (!value.IsArray() || !std::all_of(value.elements.begin(), value.elements.end(),
+                                                       [](const Value& element)
+                                                       {
+                                                           return element.IsObject();
+                                                       }));
+}
+
+/// A node in the place of a layer.
+bool IsNodeForLayer(const Visit& visit)
+{
+    return visit.kind == ObjectKind::Layer &&
+           visit.object.Find(GetJsonName(JSON_Nodes)) == nullptr &&
+           visit.object.Find(GetJsonName(JSON_BuilderType)) != nullptr;
+}
+
 void CheckObject(const Visit& visit, Findings& findings)
 {
     for (const Member& member : visit.object.members)
@@ -259,6 +284,7 @@ void CheckObject(const Visit& visit, Findings& findings)
         if (rule != nullptr)
         {
             CheckValue(visit, *rule, member.value, findings);
+            findings.hasLostNodes = findings.hasLostNodes || LosesNodes(*rule, member.value);
         }
         else
         {
@@ -289,10 +315,22 @@ void CheckMembers(const Document& document, Findings& findings)
                      "the document must be an object, not " + Describe(document.root));
         return;
     }
+    bool isLayerTold = false;
     VisitObjects(document.root,
-                 [&findings](const Visit& visit)
+                 [&findings, &isLayerTold](const Visit& visit)
                  {
-                     CheckObject(visit, findings);
+                     if (!IsNodeForLayer(visit))
+                     {
+                         CheckObject(visit, findings);
+                     }
+                     else if (!isLayerTold)
+                     {
+                         isLayerTold = true;
+                         findings.hasLostNodes = true;
+                         findings.Add(Code::MissingMember, OpeningOf(visit.object),
+                                      "the elements of 'layers' are layers, and this is a node",
+                                      "write \"layers\": [{\"nodes\": [...]}]");
+                     }
                  });
 }
 

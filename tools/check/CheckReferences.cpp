@@ -54,7 +54,7 @@ public:
     Reference(const DocumentModel& documentModel, const Value& ownerObject, __JSONTYPES__ member)
         : model(documentModel),
           value(check::Find(ownerObject, member)),
-          id(value == nullptr ? 0 : value->ReadUInt()),
+          id(value == nullptr ? 0 : ReadId(*value)),
           node(model.FindNode(id))
     {
     }
@@ -252,11 +252,6 @@ std::string AdviseParameter(const DocumentModel& model, unsigned int id)
     {
         return "it is the id of " + Titled(*node);
     }
-    if (const ParameterModel* parameter = model.FindParameterByCrc(id))
-    {
-        return "'" + std::string(parameter->name) + "' should have this id, but has " +
-               std::to_string(parameter->id);
-    }
     return SuggestParameter(model, id);
 }
 
@@ -268,7 +263,8 @@ void CheckConditionParameters(const DocumentModel& model, const NodeModel& trans
         const ConditionModel& condition = transition.conditions[i];
         const Value* value = Find(*condition.value, JSON_ConditionParameter);
         const std::string begin = TitledCondition(transition, i) + " tests ";
-        if (condition.parameter != nullptr || !IsNumber(value))
+        if (condition.parameter != nullptr || !IsNumber(value) ||
+            model.FindMisnumbered(condition.parameterId) != nullptr)
         {
             continue;
         }
@@ -412,6 +408,7 @@ void CheckLayers(const DocumentModel& model, Findings& findings)
     {
         findings.Add(Code::NoLayers, layers->span,
                      "there are no layers, so there is nothing to run");
+        findings.hasLostNodes = true;
     }
 }
 

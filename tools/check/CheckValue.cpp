@@ -420,7 +420,12 @@ void CheckValue(const Visit& visit, const MemberRule& rule, const Value& value, 
         return;
     case Shape::Array:
     case Shape::Ids:
-        return CheckArray(subject, rule);
+        CheckArray(subject, rule);
+        if (rule.shape == Shape::Ids && value.kind == Kind::UInt)
+        {
+            findings.AddFix({&visit.object, std::string(rule.name), value.ReadUInt(), true});
+        }
+        return;
     case Shape::First:
         return CheckFirst(subject, rule);
     case Shape::ByType:

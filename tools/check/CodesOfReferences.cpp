@@ -146,7 +146,9 @@ const CodeTable& ReferenceCodes()
         {Code::ConditionParameter, Severity::Error,
          "a condition on a parameter that does not exist",
          "The condition names a parameter by its id, the CRC of its name. No parameter has this "
-         "id, so the condition never holds. At 0 the condition and those behind it are left out.",
+         "id, so the condition never holds. At 0 the condition and those behind it are left out. "
+         "Where a parameter of that name has another id, it is reported there, once for all "
+         "conditions.",
          "\"parameter\": 254213879", "\"parameter\": 254213878"},
         {Code::NodesAtRoot, Severity::Warning, "nodes at the root",
          "Nodes belong to a layer. With `layers` the library does not read those at the root; "

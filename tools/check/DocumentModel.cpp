@@ -5,6 +5,9 @@
 #include "platform/durm/Vocabulary.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
 
 namespace vell::check
 {
@@ -61,7 +64,26 @@ const Value* Find(const Value& value, __JSONTYPES__ member)
 unsigned int ReadId(const Value& object, __JSONTYPES__ member)
 {
     const Value* value = Find(object, member);
-    return value == nullptr ? 0 : value->ReadUInt();
+    return value == nullptr ? 0 : ReadId(*value);
+}
+
+unsigned int ReadId(const Value& value)
+{
+    if (value.IsString())
+    {
+        constexpr std::size_t kMostDigits = 9; // fits 32 bits
+        const bool isDigits = !value.text.empty() && value.text.size() <= kMostDigits + 1 &&
+                              value.text.find_first_not_of("0123456789") == std::string::npos;
+        const std::uint64_t number = isDigits ? std::stoull(value.text) : 0;
+        return number > std::numeric_limits<unsigned int>::max()
+                   ? 0
+                   : static_cast<unsigned int>(number);
+    }
+    const double size = std::fabs(value.number);
+    const bool isMeant = value.IsNumber() && value.kind != source::Kind::UInt &&
+                         std::floor(size) == size &&
+                         size <= std::numeric_limits<unsigned int>::max();
+    return isMeant ? static_cast<unsigned int>(size) : value.ReadUInt();
 }
 
 std::string_view ReadText(const Value* value)
@@ -132,6 +154,7 @@ DocumentModel::DocumentModel(const Value& documentRoot) : root(documentRoot)
     head = headValue != nullptr && headValue->IsObject() ? headValue : nullptr;
     ReadParameters();
     ReadArrays();
+    InferId();
     Link();
 }
 
@@ -158,6 +181,13 @@ const ParameterModel* DocumentModel::FindParameterByCrc(unsigned int crc) const
 {
     const auto entry = parametersByCrc.find(crc);
     return entry == parametersByCrc.end() ? nullptr : &parameters[entry->second];
+}
+
+const ParameterModel* DocumentModel::FindMisnumbered(unsigned int id) const
+{
+    const ParameterModel* parameter = id == 0 ? nullptr : FindParameterByCrc(id);
+    const bool isWrong = parameter != nullptr && !parameter->name.empty() && parameter->id != id;
+    return isWrong && FindParameterByName(parameter->name) == parameter ? parameter : nullptr;
 }
 
 const ParameterModel* DocumentModel::FindParameterByName(std::string_view name) const
@@ -285,6 +315,66 @@ ConditionModel DocumentModel::ReadCondition(const Value& value) const
     return condition;
 }
 
+void DocumentModel::InferId()
+{
+    NodeModel* without = nullptr;
+    for (NodeModel& node : nodes)
+    {
+        if (node.id == 0 && without != nullptr)
+        {
+            return;
+        }
+        without = node.id == 0 ? &node : without;
+    }
+    const unsigned int missed = without == nullptr ? 0 : FindMissedId(*without);
+    if (missed != 0)
+    {
+        without->id = missed;
+        without->isIdInferred = true;
+        nodesById.emplace(missed, static_cast<std::size_t>(without - nodes.data()));
+    }
+}
+
+/// Gives the only id that other nodes refer to and none has, when `without` may be what is meant;
+/// 0 otherwise.
+unsigned int DocumentModel::FindMissedId(const NodeModel& without) const
+{
+    unsigned int missed = 0;
+    bool isOnly = true;
+    const auto take = [&](unsigned int id, bool isMeant)
+    {
+        if (id != 0 && FindNode(id) == nullptr)
+        {
+            isOnly = isOnly && isMeant && (missed == 0 || missed == id);
+            missed = id;
+        }
+    };
+    for (const NodeModel& node : nodes)
+    {
+        take(node.target, without.CanRun());
+        take(node.entryTarget, without.CanRun());
+        take(node.parentId, without.Is(BUILDER_Substate));
+        if (node.Is(BUILDER_Substate))
+        {
+            take(ReadId(*node.value, JSON_SubstateEnter), without.Is(BUILDER_Enter));
+            take(ReadId(*node.value, JSON_SubstateExit), without.Is(BUILDER_Exit));
+        }
+        const Value* children = Find(*node.value, JSON_Children);
+        const std::size_t count = children == nullptr ? 0 : children->elements.size();
+        for (std::size_t i = 0; i < count; ++i)
+        {
+            take(ReadId(children->elements[i]),
+                 without.Is(BUILDER_Transition) || node.Is(BUILDER_Substate));
+        }
+    }
+    if (head != nullptr)
+    {
+        take(ReadId(*head, JSON_HeadEnterNode), without.CanRun());
+        take(ReadId(*head, JSON_HeadSubstateRoot), without.CanRun());
+    }
+    return isOnly ? missed : 0;
+}
+
 void DocumentModel::Link()
 {
     for (NodeModel& node : nodes)
@@ -307,6 +397,31 @@ void DocumentModel::Link()
     }
 }
 
+/// Gives the id of a child, also where its name or the node itself is written.
+unsigned int DocumentModel::ReadChildId(const Value& value) const
+{
+    if (value.IsObject())
+    {
+        return ReadId(value, JSON_ID);
+    }
+    const unsigned int id = ReadId(value);
+    if (id != 0 || !value.IsString())
+    {
+        return id;
+    }
+    const auto isNamed = [&value](const NodeModel& node)
+    {
+        return !node.name.empty() && node.name == value.text;
+    };
+    if (namesLookedUp == kMostNames)
+    {
+        return 0;
+    }
+    ++namesLookedUp;
+    const auto found = std::find_if(nodes.begin(), nodes.end(), isNamed);
+    return found == nodes.end() ? 0 : found->id;
+}
+
 void DocumentModel::LinkChildren(NodeModel& node)
 {
     const Value* children = Find(*node.value, JSON_Children);
@@ -314,10 +429,13 @@ void DocumentModel::LinkChildren(NodeModel& node)
     {
         return;
     }
-    node.children.reserve(children->elements.size());
-    for (const Value& value : children->elements)
+    // A list that lacks its brackets is read all the same.
+    const std::size_t count = children->IsArray() ? children->elements.size() : 1;
+    node.children.reserve(count);
+    for (std::size_t i = 0; i < count; ++i)
     {
-        const unsigned int id = value.ReadUInt();
+        const Value& value = children->IsArray() ? children->elements[i] : *children;
+        const unsigned int id = ReadChildId(value);
         NodeModel* child = FindNode(id);
         node.children.push_back({&value, child, id});
         if (child == nullptr)

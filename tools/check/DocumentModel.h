@@ -42,7 +42,8 @@ struct ChildModel
     unsigned int id = 0;
 };
 
-/// A node as the document writes it. `id` and the others are what the library reads.
+/// A node as the document writes it. `id` and the others are what the library reads or, where that
+/// is told to be wrong, what is evidently meant: of "1010" and 1010.0 the number.
 struct NodeModel
 {
     const source::Value* value = nullptr; ///< the object
@@ -50,8 +51,9 @@ struct NodeModel
     unsigned int id = 0;
     unsigned int parentId = 0;
     int builder = 0;
-    int array = 0;       ///< counted from 0 over the layers; the last is `global`
-    bool isFirst = true; ///< false when an earlier node has its id
+    int array = 0;             ///< counted from 0 over the layers; the last is `global`
+    bool isFirst = true;       ///< false when an earlier node has its id
+    bool isIdInferred = false; ///< it has none, and `id` is the one that all others miss
 
     std::vector<ChildModel> children;
     std::vector<NodeModel*> listers; ///< the nodes whose children have it, each once
@@ -108,6 +110,9 @@ public:
     const NodeModel* FindOwnerOfCondition(unsigned int id) const;
     /// Gives the parameter whose name has this CRC, whatever its id is.
     const ParameterModel* FindParameterByCrc(unsigned int crc) const;
+    /// Gives the parameter that should have the id and has another or none; null when there is
+    /// none, or when it is the second of its name.
+    const ParameterModel* FindMisnumbered(unsigned int id) const;
     const ParameterModel* FindParameterByName(std::string_view name) const;
 
     /// Tells whether a node is in `global` rather than in a layer.
@@ -130,9 +135,16 @@ private:
     void ReadNode(const source::Value& value);
     void ReadTransition(NodeModel& node);
     ConditionModel ReadCondition(const source::Value& value) const;
+    void InferId();
+    unsigned int FindMissedId(const NodeModel& without) const;
     void Link();
+    unsigned int ReadChildId(const source::Value& value) const;
     void LinkChildren(NodeModel& node);
 
+    /// So many children that are written as names are looked up.
+    static constexpr int kMostNames = 100;
+
+    mutable int namesLookedUp = 0;
     std::unordered_map<unsigned int, std::size_t> nodesById;
     std::unordered_map<unsigned int, std::size_t> parametersById;
     std::unordered_map<unsigned int, std::size_t> parametersByCrc;
@@ -141,11 +153,13 @@ private:
 };
 
 // Reading as the library reads: a missing member or one of another type gives 0, false or an empty
-// text. A text ends at its first null character.
+// text. A text ends at its first null character. But an id that is written in another way, such as
+// "1010", is read as it is meant: that it is wrong is told by the rules of members.
 
 /// Gives the member's value; null when there is none or `value` is no object.
 const source::Value* Find(const source::Value& value, DURMBaseLib::__JSONTYPES__ member);
 unsigned int ReadId(const source::Value& object, DURMBaseLib::__JSONTYPES__ member);
+unsigned int ReadId(const source::Value& value);
 std::string_view ReadText(const source::Value& object, DURMBaseLib::__JSONTYPES__ member);
 std::string_view ReadText(const source::Value* value);
 /// Gives the CRC of a text, which is the id of a parameter of that name.

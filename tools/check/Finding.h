@@ -50,6 +50,9 @@ public:
     std::vector<Finding> list;
     /// Nodes are missing or of no known kind: what refers to them is wrong only because of that.
     bool hasLostNodes = false;
+    /// A list that is not required has a name that is not read: states may seem to be out of reach
+    /// only because of that.
+    bool hasMisspeltList = false;
 };
 
 } // namespace vell::check

@@ -269,6 +269,11 @@ private:
     {
         if (!array.IsArray())
         {
+            if (array.IsNumber())
+            {
+                edits->push_back(
+                    {array.span.begin.offset, array.span.end.offset, "[" + ListOf(target) + "]"});
+            }
             return;
         }
         if (array.elements.empty())
