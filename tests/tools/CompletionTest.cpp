@@ -75,6 +75,12 @@ TEST(VellCompletion, OffersInBashWhatMayStandNext)
         {"vell run hero.json --script h", "hero.json,"},
         {"vell graph hero.json -o h", "hero.json,"},
         {"vell completion ''", "bash,zsh,fish,"},
+        {"vell graph hero.json --direction ''", "LR,TB,RL,BT,"},
+        {"vell help gr", "graph,"},
+        {"vell check --explain VELL13", "VELL130,VELL131,VELL132,VELL133,VELL134,VELL135,VELL136,"},
+        {"vell check --explain a", "all,"},
+        {"vell check --allow VELL09", "VELL090,VELL091,VELL092,VELL093,VELL094,VELL095,VELL096,"
+                                      "VELL097,VELL098,VELL099,"},
     };
     for (const auto& [words, offered] : cases)
     {
@@ -94,6 +100,7 @@ TEST(VellCompletion, OffersInFishWhatMayStandNext)
         {"vell gr", "graph\tDraws the states and transitions\n"},
         {"vell context s", "save\tRuns a script and saves the context\n"},
         {"vell run x.json --format j", "jsonl\n"},
+        {"vell run x.json --format v", ""},
         {"vell completion b", "bash\n"}};
     for (const auto& [words, offered] : cases)
     {

@@ -136,6 +136,19 @@ TEST(VellContext, LeavesNoTableOpen)
     EXPECT_EQ(Tessel::GetOpenTableCount(), open);
 }
 
+TEST(VellContext, ShowsWhereARecordIsNotJson)
+{
+    const Folder folder;
+    const std::string record = folder.Write("b.json", "{\n  \"stackStates\": [1,]\n}\n");
+
+    const Outcome outcome =
+        CallVell({"context", "restore", folder.Write("a.json", Walker().Text()), record});
+
+    EXPECT_EQ(outcome.code, tool::ExitFailed);
+    EXPECT_EQ(outcome.errors, record + ":2:20: error: trailing comma is not allowed; remove it\n");
+    EXPECT_EQ(outcome.out, "");
+}
+
 TEST(VellContext, SaysWhyARecordCannotBeRead)
 {
     const Folder folder;

@@ -134,7 +134,7 @@ TEST(VellValues, AreRefusedWithTheFormThatTheParameterTakes)
             {
                 const Outcome outcome = RunScript(EachClass(), verb + one.name + " " + text + "\n");
 
-                EXPECT_EQ(outcome.code, tool::ExitFailed) << one.name << " " << text;
+                EXPECT_EQ(outcome.code, tool::ExitUsage) << one.name << " " << text;
                 EXPECT_EQ(outcome.errors, "a.script:1: '" + one.name + "' is " + one.form +
                                               ", got '" + text + "'\n");
                 EXPECT_EQ(outcome.out, "     0  entered  A\n"
@@ -153,22 +153,35 @@ TEST(VellValues, HaveNamesThatTheDocumentKnows)
         .Parameter(FloatParameter("speed", 0.0))
         .Parameter(BoolParameter("hit", false))
         .Node(Generic("A", 10));
-    for (const char* line : {"set sped 1", "expect param sped 0", "message sped"})
+    for (const char* line : {"set sped 1", "expect param sped 0"})
     {
         const Outcome empty = RunScript(none, std::string(line) + "\n");
-        EXPECT_EQ(empty.code, tool::ExitFailed) << line;
+        EXPECT_EQ(empty.code, tool::ExitUsage) << line;
         EXPECT_EQ(empty.errors, "a.script:1: the document has no parameter 'sped'; it has none\n");
 
         const Outcome some = RunScript(two, std::string(line) + "\n");
-        EXPECT_EQ(some.code, tool::ExitFailed) << line;
+        EXPECT_EQ(some.code, tool::ExitUsage) << line;
         EXPECT_EQ(some.errors,
                   "a.script:1: the document has no parameter 'sped'; did you mean 'speed'?\n");
         EXPECT_EQ(some.out, "     0  entered  A\n"
                             "     0  stack    A\n");
     }
+    two.Parameter(MessageParameter("jump", "now"));
+    EXPECT_EQ(RunScript(none, "message sped\n").errors,
+              "a.script:1: the document has no message 'sped'; it has none\n");
+    EXPECT_EQ(RunScript(two, "message sped\n").errors,
+              "a.script:1: the document has no message 'sped'; expected jump\n");
+    EXPECT_EQ(RunScript(two, "message jmp\n").errors,
+              "a.script:1: the document has no message 'jmp'; did you mean 'jump'?\n");
+    EXPECT_EQ(RunScript(two, "message sped\n").code, tool::ExitUsage);
     const std::string names =
         ParameterId("speed") < ParameterId("hit") ? "speed or hit" : "hit or speed";
-    EXPECT_EQ(RunScript(two, "set health 1\n").errors,
+    DocumentBuilder other;
+    other.Start(10)
+        .Parameter(FloatParameter("speed", 0.0))
+        .Parameter(BoolParameter("hit", false))
+        .Node(Generic("A", 10));
+    EXPECT_EQ(RunScript(other, "set health 1\n").errors,
               "a.script:1: the document has no parameter 'health'; expected " + names + "\n");
 }
 

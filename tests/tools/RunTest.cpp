@@ -229,7 +229,7 @@ TEST(VellRun, SaysFileAndLineOfWhatDoesNotHoldAndGoesOn)
 {
     const Outcome outcome = RunScript(Walker(), "tick\n"
                                                 "expect stack Locomotion/Walk\n"
-                                                "expect stack\n"
+                                                "expect stack -\n"
                                                 "expect blip yes\n"
                                                 "expect param speed 3\n"
                                                 "expect param speed fast\n"
@@ -238,7 +238,7 @@ TEST(VellRun, SaysFileAndLineOfWhatDoesNotHoldAndGoesOn)
                                                 "message speed\n"
                                                 "expect stack Locomotion/Stand\n");
 
-    EXPECT_EQ(outcome.code, tool::ExitFailed);
+    EXPECT_EQ(outcome.code, tool::ExitUsage);
     EXPECT_EQ(outcome.errors,
               "a.script:2: expected stack Locomotion/Walk, but it is Locomotion/Stand\n"
               "a.script:3: expected stack -, but it is Locomotion/Stand\n"
@@ -257,7 +257,7 @@ TEST(VellRun, NamesTheParametersWhenOneIsUnknown)
 
     const Outcome outcome = RunScript(builder, "set sped 1\n");
 
-    EXPECT_EQ(outcome.code, tool::ExitFailed);
+    EXPECT_EQ(outcome.code, tool::ExitUsage);
     EXPECT_EQ(outcome.errors,
               "a.script:1: the document has no parameter 'sped'; did you mean 'speed'?\n");
 }

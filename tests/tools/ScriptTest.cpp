@@ -82,10 +82,10 @@ TEST(Script, ExpectsStacksParametersAndBlips)
     EXPECT_FALSE(ReadOne("expect blip no").flag);
 }
 
-TEST(Script, TakesADashAndNothingAsTheEmptyStack)
+TEST(Script, TakesADashAndAnEmptyTextAsTheEmptyStack)
 {
     EXPECT_EQ(ReadOne("expect stack -").value, "");
-    EXPECT_EQ(ReadOne("expect stack").value, "");
+    EXPECT_EQ(ReadOne("expect stack \"\"").value, "");
 }
 
 TEST(Script, NamesFileAndLineOfEveryWrongLine)
@@ -147,10 +147,19 @@ TEST(Script, CutsALineIntoWordsAtBlanksTabsAndItsEnd)
     }
 }
 
-TEST(Script, TakesQuotesThatAreNotClosedAsTheyStand)
+TEST(Script, SaysThatTheQuoteOfANameIsNotClosed)
 {
-    EXPECT_EQ(ReadOne("message \"jump").name, "jump");
-    EXPECT_EQ(ReadOne("message \"jump up ").name, "jump up ");
+    for (const char* line :
+         {"message \"jump", "message \"jump up ", "set \"speed 1", "expect param \"speed 1"})
+    {
+        EXPECT_EQ(Read(line).errors,
+                  std::vector<std::string>{"a.script:1: the quote is not closed"})
+            << line;
+    }
+}
+
+TEST(Script, TakesQuotesOfAValueThatAreNotClosedAsTheyStand)
+{
     EXPECT_EQ(ReadOne("set name \"").value, "\"");
     EXPECT_EQ(ReadOne("set name \"a").value, "\"a");
     EXPECT_EQ(ReadOne("set name a\"").value, "a\"");
@@ -167,6 +176,8 @@ TEST(Script, SaysWhatIsMissingInEachInstruction)
         {"message", "expected one name; usage: message NAME"},
         {"message a b", "expected one name; usage: message NAME"},
         {"expect", "expected stack, param or blip"},
+        {"expect stack", "expected the names on the stack; usage: expect stack A/B/C, or - for an "
+                         "empty one"},
         {"expect stacks", "unknown expectation 'stacks'" + expectations},
         {"expect param", "expected a name and a value; usage: expect param NAME VALUE"},
         {"expect param speed", "expected a name and a value; usage: expect param NAME VALUE"},

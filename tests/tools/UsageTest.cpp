@@ -160,6 +160,35 @@ TEST(VellUsage, DoesNotWriteOverWhatItReads)
     EXPECT_EQ(folder.Read("a.script"), "tick\n");
 }
 
+TEST(VellUsage, ShowsWhichArgumentsRepeatAndWhichOptionsAreRequired)
+{
+    const std::vector<std::pair<Words, std::string>> cases = {
+        {{"check"}, "Usage: vell check [OPTIONS] [DOCUMENT...]\n"},
+        {{"fmt"}, "Usage: vell fmt [OPTIONS] FILE...\n"},
+        {{"id"}, "Usage: vell id [OPTIONS] NAME...\n"},
+        {{"run"}, "Usage: vell run [OPTIONS] DOCUMENT\n"},
+        {{"context", "save"}, "Usage: vell context save [OPTIONS] --after SCRIPT DOCUMENT\n"}};
+    for (const auto& [words, usage] : cases)
+    {
+        Words help{"help"};
+        help.insert(help.end(), words.begin(), words.end());
+
+        EXPECT_NE(CallVell(help).out.find(usage), std::string::npos) << usage;
+    }
+}
+
+TEST(VellUsage, SaysThatTheLastTickIsBeforeTheFirst)
+{
+    const Folder folder;
+    const std::string document = folder.Write("a.json", Walker().Text());
+
+    const Outcome outcome = CallVell({"run", document, "--explain", "--from", "5", "--to", "3"});
+
+    EXPECT_EQ(outcome.code, tool::ExitUsage);
+    EXPECT_EQ(outcome.errors, "--to 3 is before --from 5\n");
+    EXPECT_EQ(outcome.out, "");
+}
+
 TEST(VellUsage, HasNoHelpWiderThanATerminal)
 {
     for (const Words& words : AllHelps())

@@ -243,9 +243,10 @@ private:
             PutType("string");
             return Put("maxLength", std::int64_t{NodeDefTable::kIdentitySize} - 1);
         case Shape::Id:
-            return PutId();
+            // Where there is a default, it may be 0, which means none.
+            return PutId(rule.defaultValue == nullptr ? 1 : 0);
         case Shape::Integer:
-            return PutInteger();
+            return rule.name == GetJsonName(JSON_HeadMemory) ? PutMemory() : PutInteger();
         case Shape::Flag:
             return PutType("boolean");
         case Shape::Number:
@@ -253,7 +254,8 @@ private:
         case Shape::Object:
             return PutReference(DefinitionOf(rule.contents));
         case Shape::Array:
-            return PutArray(DefinitionOf(rule.contents));
+            PutArray(DefinitionOf(rule.contents));
+            return rule.contents == ObjectKind::Layer ? Put("minItems", 1) : void();
         case Shape::First:
             PutArray(DefinitionOf(rule.contents));
             Put("minItems", 1);
@@ -265,11 +267,18 @@ private:
         }
     }
 
-    void PutId()
+    void PutId(int least)
     {
         PutType("integer");
-        Put("minimum", 0);
+        Put("minimum", least);
         Put("maximum", std::int64_t{std::numeric_limits<std::uint32_t>::max()});
+    }
+
+    void PutMemory()
+    {
+        PutType("integer");
+        Put("minimum", 1);
+        Put("maximum", 42949672); // a hundred times that fits 32 bits
     }
 
     void PutInteger()

@@ -2,6 +2,7 @@
 // tools/vell/CommandDescription.cpp: the walk over the commands and their options.
 #include "tools/vell/CommandDescription.h"
 
+#include "tools/check/Code.h"
 #include "tools/vell/UsageError.h"
 
 #include <CLI/CLI.hpp>
@@ -15,7 +16,8 @@ namespace vell::tool
 namespace
 {
 
-/// The words in `text|jsonl|NAME` that are to be typed as they are: those in lower case.
+/// The words in `text|jsonl|NAME` that are to be typed as they are: those in lower case, or all
+/// where none is in lower case.
 std::vector<std::string> ChoicesOf(const std::string& valueName)
 {
     std::vector<std::string> choices;
@@ -23,21 +25,41 @@ std::vector<std::string> ChoicesOf(const std::string& valueName)
     {
         return choices;
     }
+    const bool hasLower = std::any_of(valueName.begin(), valueName.end(),
+                                      [](unsigned char c)
+                                      {
+                                          return std::islower(c) != 0;
+                                      });
     for (std::size_t begin = 0; begin <= valueName.size();)
     {
         const std::size_t end = std::min(valueName.find('|', begin), valueName.size());
         const std::string word = valueName.substr(begin, end - begin);
-        if (std::none_of(word.begin(), word.end(),
-                         [](unsigned char c)
-                         {
-                             return std::isupper(c) != 0;
-                         }))
+        if (!hasLower || std::none_of(word.begin(), word.end(),
+                                      [](unsigned char c)
+                                      {
+                                          return std::isupper(c) != 0;
+                                      }))
         {
             choices.push_back(word);
         }
         begin = end + 1;
     }
     return choices;
+}
+
+/// The codes of the check.
+std::vector<std::string> Codes(bool withAll)
+{
+    std::vector<std::string> codes;
+    if (withAll)
+    {
+        codes.emplace_back("all");
+    }
+    for (const check::CodeEntry* entry : check::AllCodes())
+    {
+        codes.push_back(check::NameOf(entry->code));
+    }
+    return codes;
 }
 
 OptionDescription Describe(const CLI::Option& option)
@@ -51,12 +73,37 @@ OptionDescription Describe(const CLI::Option& option)
     if (option.get_positional())
     {
         description.longName = option.get_name(true);
+        description.isRepeated = option.get_items_expected_max() > 1;
         return description;
     }
     description.hasOptionalValue = option.get_expected_max() == 0 && !typeName.empty();
     description.shortName = option.get_snames().empty() ? "" : "-" + option.get_snames().front();
     description.longName = option.get_lnames().empty() ? "" : "--" + option.get_lnames().front();
+    if (typeName == "CODE")
+    {
+        description.choices = Codes(description.longName == "--explain");
+    }
     return description;
+}
+
+/// An argument that is the name of a command takes those beside it.
+void OfferCommands(CommandDescription& command)
+{
+    std::vector<std::string> names;
+    for (const CommandDescription& subcommand : command.commands)
+    {
+        names.push_back(subcommand.name);
+    }
+    for (CommandDescription& subcommand : command.commands)
+    {
+        for (OptionDescription& argument : subcommand.arguments)
+        {
+            if (argument.longName == "COMMAND")
+            {
+                argument.choices = names;
+            }
+        }
+    }
 }
 
 } // namespace
@@ -81,6 +128,7 @@ CommandDescription Describe(const CLI::App& app)
     {
         command.commands.push_back(Describe(*subcommand));
     }
+    OfferCommands(command);
     return command;
 }
 
@@ -103,9 +151,14 @@ std::string UsageOf(const CommandDescription& command)
 {
     std::string usage = command.path;
     usage += command.options.empty() ? "" : " [OPTIONS]";
+    for (const OptionDescription& option : command.options)
+    {
+        usage += option.isRequired ? " " + option.longName + " " + option.valueName : "";
+    }
     for (const OptionDescription& argument : command.arguments)
     {
-        usage += argument.isRequired ? " " + argument.longName : " [" + argument.longName + "]";
+        const std::string name = argument.longName + (argument.isRepeated ? "..." : "");
+        usage += argument.isRequired ? " " + name : " [" + name + "]";
     }
     return usage + (command.commands.empty() ? "" : " COMMAND");
 }

@@ -21,6 +21,7 @@ struct OptionDescription
     std::vector<std::string> choices; ///< the words that it takes; empty for any
     bool hasOptionalValue = false;    ///< the value may be left out, and is given with `=`
     bool isRequired = false;
+    bool isRepeated = false; ///< an argument that may be given several times
     std::string description;
 };
 

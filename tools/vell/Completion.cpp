@@ -272,9 +272,11 @@ std::string FishCompletion(const CommandDescription& program)
                   text += start +
                           (option.shortName.empty() ? "" : " -s " + option.shortName.substr(1)) +
                           " -l " + option.longName.substr(2);
-                  text += option.hasOptionalValue || option.valueName.empty() ? "" : " -r";
+                  const bool takesValue = !option.hasOptionalValue && !option.valueName.empty();
+                  const bool isFile = IsFileValue(option.valueName);
+                  // Without -x fish would offer the files that an argument may be.
+                  text += takesValue ? isFile ? " -r -F" : " -x" : "";
                   text += option.choices.empty() ? "" : " -a " + Quoted(Joined(option.choices));
-                  text += IsFileValue(option.valueName) ? " -F" : "";
                   text += " -d " + Quoted(option.description) + '\n';
               }
           });

@@ -4,6 +4,7 @@
 
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/Context.h"
+#include "tools/vell/DocumentText.h"
 #include "tools/vell/HelpText.h"
 #include "tools/vell/ObservedMachine.h"
 #include "tools/vell/Session.h"
@@ -40,7 +41,8 @@ int SaveTheContext(Session& session)
     {
         return loadCode;
     }
-    return session.RunQuietly(machine, *script) ? session.Write(SaveContext(machine)) : ExitFailed;
+    const int runCode = session.RunQuietly(machine, *script);
+    return runCode == ExitWell ? session.Write(SaveContext(machine)) : runCode;
 }
 
 int ContinueFromContext(Session& session, const std::string& path)
@@ -56,6 +58,12 @@ int ContinueFromContext(Session& session, const std::string& path)
     {
         session.Complain(fault);
         return ExitUsage;
+    }
+    source::Text context;
+    const int readCode = ParseDocument(session, path, json, &context, {});
+    if (readCode != ExitWell)
+    {
+        return readCode;
     }
     ObservedMachine machine;
     const int loadCode = session.LoadMachine(machine);

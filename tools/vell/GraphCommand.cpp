@@ -108,9 +108,9 @@ int DrawGraph(Session& session, const GraphOptions& options)
     {
         session.CheckStart(machine);
     }
-    else if (!session.RunQuietly(machine, *script))
+    else if (const int code = session.RunQuietly(machine, *script); code != ExitWell)
     {
-        return ExitFailed;
+        return code;
     }
     Graph graph = ReadGraph(machine);
     graph.title = options.title.empty() ? DefaultTitle(session.options.document) : options.title;

@@ -90,6 +90,7 @@ void Runner::Run(const Script& script)
         }
         else if (!fault.empty())
         {
+            isScriptWrong = true;
             Fail(fault);
         }
         if (isBroken)
@@ -160,6 +161,11 @@ void Runner::ReportEnd()
 unsigned int Runner::Failures() const
 {
     return failures;
+}
+
+bool Runner::HasWrongScript() const
+{
+    return isScriptWrong;
 }
 
 void Runner::OnEntered(const SMState& state)
@@ -266,10 +272,13 @@ std::string Runner::ExpectParameter(const Instruction& instruction)
     ParameterDef* parameter = FindParameter(machine.GetParameterTable(), instruction.name);
     if (parameter == nullptr)
     {
-        return UnknownParameter(instruction.name);
+        isScriptWrong = true;
+        return Unknown(instruction.name, false);
     }
     std::string fault;
-    if (ValueEquals(*parameter, instruction.value, &fault) || !fault.empty())
+    const bool isEqual = ValueEquals(*parameter, instruction.value, &fault);
+    isScriptWrong = isScriptWrong || !fault.empty();
+    if (isEqual || !fault.empty())
     {
         return fault;
     }
@@ -291,7 +300,7 @@ std::string Runner::SetParameter(const Instruction& instruction)
     ParameterDef* parameter = FindParameter(machine.GetParameterTable(), instruction.name);
     if (parameter == nullptr)
     {
-        return UnknownParameter(instruction.name);
+        return Unknown(instruction.name, false);
     }
     std::string fault = SetValueFromText(*parameter, instruction.value);
     if (fault.empty())
@@ -306,7 +315,7 @@ std::string Runner::SendMessage(const std::string& name)
     ParameterDef* parameter = FindParameter(machine.GetParameterTable(), name);
     if (parameter == nullptr)
     {
-        return UnknownParameter(name);
+        return Unknown(name, true);
     }
     if (dynamic_cast<ParameterMessageDef*>(parameter) == nullptr)
     {
@@ -317,7 +326,7 @@ std::string Runner::SendMessage(const std::string& name)
     return "";
 }
 
-std::string Runner::UnknownParameter(const std::string& name) const
+std::string Runner::Unknown(const std::string& name, bool isMessage) const
 {
     IParameterTable* table = machine.GetParameterTable();
     std::vector<std::string> known;
@@ -325,10 +334,16 @@ std::string Runner::UnknownParameter(const std::string& name) const
     for (int i = 0; i < count; ++i)
     {
         const unsigned int id = table->GetParameterIDByIndex(static_cast<unsigned int>(i));
-        known.emplace_back(table->GetParameterName(id));
+        const std::string candidate = table->GetParameterName(id);
+        if (!isMessage ||
+            dynamic_cast<ParameterMessageDef*>(FindParameter(table, candidate)) != nullptr)
+        {
+            known.push_back(candidate);
+        }
     }
     const std::string hint = DidYouMean(name, known);
-    return "the document has no parameter '" + name + "'" +
+    return std::string("the document has no ") + (isMessage ? "message '" : "parameter '") + name +
+           "'" +
            (!hint.empty()   ? hint
             : known.empty() ? "; it has none"
                             : "; expected " + ListOfWords(known));

@@ -47,6 +47,9 @@ public:
 
     /// The number of failed expectations and other errors.
     unsigned int Failures() const;
+    /// Tells whether the script has an instruction that the document does not allow, such as one
+    /// about a parameter that it does not have.
+    bool HasWrongScript() const;
 
 private:
     void OnEntered(const SMState& state) override;
@@ -63,7 +66,8 @@ private:
     std::string ExpectBlip(bool wanted) const;
     std::string SetParameter(const Instruction& instruction);
     std::string SendMessage(const std::string& name);
-    std::string UnknownParameter(const std::string& name) const;
+    /// Says that there is no such parameter or message, and which there are.
+    std::string Unknown(const std::string& name, bool isMessage) const;
     void ShowProgress(std::uint64_t done, std::uint64_t count);
     void Check(const std::string& fault);
     void Fail(const std::string& text, bool isExpectation = false);
@@ -83,6 +87,7 @@ private:
     unsigned int held = 0;     ///< expectations
     unsigned int failed = 0;   ///< expectations
     unsigned int failures = 0; ///< failed expectations and other errors
+    bool isScriptWrong = false;
 };
 
 } // namespace vell::tool

@@ -47,6 +47,12 @@ public:
         return place == text.size();
     }
 
+    /// True when a word that was read has no closing quote.
+    bool IsOpen() const
+    {
+        return isOpen;
+    }
+
     std::string Next()
     {
         const bool quoted = !AtEnd() && text[place] == '"';
@@ -56,6 +62,7 @@ public:
         {
             ++end;
         }
+        isOpen = isOpen || (quoted && end == text.size());
         place = quoted && end < text.size() ? end + 1 : end;
         SkipBlanks();
         return text.substr(begin, end - begin);
@@ -88,6 +95,7 @@ private:
 
     std::string text;
     std::size_t place = 0;
+    bool isOpen = false;
 };
 
 // Each reader fills `instruction` and returns an error message, or an empty text.
@@ -141,6 +149,11 @@ std::string ReadExpectation(Words& words, Instruction& instruction)
     if (subject == "stack")
     {
         instruction.operation = Operation::ExpectStack;
+        if (words.AtEnd())
+        {
+            return "expected the names on the stack; usage: expect stack A/B/C, or - for an empty "
+                   "one";
+        }
         instruction.value = words.Rest();
         if (instruction.value == "-")
         {
@@ -204,7 +217,8 @@ Script ReadScript(std::istream& in, const std::string& file)
         }
         Instruction instruction;
         instruction.line = number;
-        const std::string fault = ReadInstruction(words, instruction);
+        std::string fault = ReadInstruction(words, instruction);
+        fault = words.IsOpen() ? "the quote is not closed" : fault;
         if (fault.empty())
         {
             script.instructions.push_back(instruction);

@@ -165,7 +165,11 @@ int Session::RunAction()
 {
     ReadExplain();
     options.run.hasErrorColor = WantsColor(options.color, isErrorTerminal);
-    const std::string fault = OverwriteFault();
+    const ExplainOptions& ticks = options.run.explain;
+    const std::string fault =
+        ticks.to < ticks.from
+            ? "--to " + std::to_string(ticks.to) + " is before --from " + std::to_string(ticks.from)
+            : OverwriteFault();
     if (!fault.empty())
     {
         errors << fault << '\n';
@@ -273,19 +277,21 @@ void Session::CheckStart(const ObservedMachine& machine)
     }
 }
 
-bool Session::RunQuietly(ObservedMachine& machine, const Script& script)
+int Session::RunQuietly(ObservedMachine& machine, const Script& script)
 {
     Report report;
     Runner runner(machine, report, errors, options.run);
     if (!runner.Start())
     {
         ShowComplaints(machine);
-        return false;
+        return ExitFailed;
     }
     const unsigned int before = runner.Failures();
     hasComplained = hasComplained || before != 0;
     runner.Run(script);
-    return runner.Failures() == before;
+    return runner.HasWrongScript()       ? ExitUsage
+           : runner.Failures() == before ? ExitWell
+                                         : ExitFailed;
 }
 
 int Session::Drive(Runner& runner, const Script& script, std::uint64_t defaultTicks)
@@ -294,7 +300,7 @@ int Session::Drive(Runner& runner, const Script& script, std::uint64_t defaultTi
     runner.Tick(options.ticks.value_or(defaultTicks));
     runner.ReportStack();
     runner.ReportEnd();
-    return runner.Failures() == 0 ? ExitWell : ExitFailed;
+    return runner.HasWrongScript() ? ExitUsage : runner.Failures() == 0 ? ExitWell : ExitFailed;
 }
 
 std::unique_ptr<Report> Session::MakeReport()

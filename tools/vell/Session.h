@@ -83,9 +83,10 @@ public:
     int LoadMachine(ObservedMachine& machine);
     /// Complains when the machine has no state to start with. For commands that do not start it.
     void CheckStart(const ObservedMachine& machine);
-    /// Starts the machine and runs the script without output. Returns false, with errors, when
-    /// nothing can run or an expectation failed.
-    bool RunQuietly(ObservedMachine& machine, const Script& script);
+    /// Starts the machine and runs the script without output. Returns `ExitWell`, `ExitUsage` when
+    /// the script does not fit the document, or `ExitFailed` when nothing can run or an expectation
+    /// failed; both with errors.
+    int RunQuietly(ObservedMachine& machine, const Script& script);
     /// Runs the script and the ticks behind it, and returns the exit code.
     int Drive(Runner& runner, const Script& script, std::uint64_t defaultTicks);
     std::unique_ptr<Report> MakeReport();

@@ -56,9 +56,9 @@ int PrintTree(Session& session)
     {
         session.CheckStart(machine);
     }
-    else if (!session.RunQuietly(machine, *script))
+    else if (const int code = session.RunQuietly(machine, *script); code != ExitWell)
     {
-        return ExitFailed;
+        return code;
     }
     const Tessel::KVTable root = machine.GetKVTable();
     const TreeNames names = NamesIn(machine);
