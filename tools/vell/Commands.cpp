@@ -3,6 +3,7 @@
 #include "tools/vell/Commands.h"
 
 #include "tools/vell/CheckCommand.h"
+#include "tools/vell/CompileCommand.h"
 #include "tools/vell/CompletionCommand.h"
 #include "tools/vell/ContextCommand.h"
 #include "tools/vell/DiffCommand.h"
@@ -22,6 +23,7 @@ namespace vell::tool
 void AddCommands(CLI::App& app, Session& session)
 {
     AddCheckCommand(app, session);
+    AddCompileCommand(app, session);
     AddSchemaCommand(app, session);
     AddRunCommand(app, session);
     AddGraphCommand(app, session);

@@ -5,6 +5,7 @@
 #include "definitions/NodeDefTable.h"
 #include "tools/vell/CheckFirst.h"
 #include "tools/vell/Color.h"
+#include "tools/vell/EitherForm.h"
 #include "tools/vell/LogExplanation.h"
 #include "tools/vell/LogRedirect.h"
 #include "tools/vell/ObservedMachine.h"
@@ -225,19 +226,31 @@ std::unique_ptr<Script> Session::LoadScript()
     return script->errors.empty() ? std::move(script) : nullptr;
 }
 
+bool Session::IsFit(const GivenDocument& given)
+{
+    if (given.isSource && !given.compiled.IsGood())
+    {
+        ShowProblems(*this, given);
+        return false;
+    }
+    const bool hasColor = WantsColor(options.color, isErrorTerminal);
+    return options.noCheck ||
+           PassesCheck(CheckGiven(given), options.showsWarnings, hasColor, errors);
+}
+
 bool Session::LoadMachine(ObservedMachine& machine)
 {
     std::string text;
     std::string fault = ReadTextFile(options.document, &text);
-    if (fault.empty() && !options.noCheck)
+    if (fault.empty())
     {
-        const bool hasColor = WantsColor(options.color, isErrorTerminal);
-        if (!PassesCheck(options.document, text, options.showsWarnings, hasColor, errors))
+        GivenDocument given = TakeGiven(options.document, std::move(text));
+        if (!IsFit(given))
         {
             return false;
         }
+        fault = machine.LoadText(options.document, std::move(given.bytes), given.isSource);
     }
-    fault = fault.empty() ? machine.LoadText(options.document, std::move(text)) : fault;
     if (!fault.empty())
     {
         Complain(fault + machine.ArenaHint());

@@ -6,6 +6,7 @@
 #include "tools/stats/Statistics.h"
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/DocumentText.h"
+#include "tools/vell/EitherForm.h"
 #include "tools/vell/HelpText.h"
 #include "tools/vell/Session.h"
 
@@ -32,7 +33,7 @@ Exit codes:
 int ShowStatistics(Session& session)
 {
     source::Text text;
-    const int code = ReadDocumentText(session, session.options.document, &text, {});
+    const int code = ReadEitherForm(session, session.options.document, &text, {});
     if (code != ExitWell)
     {
         return code;
