@@ -251,7 +251,7 @@ TEST(CompileFiles, FindsAStateInItsLevelThenAroundItThenAnywhere)
     EXPECT_EQ(target("Z"), "B/Z");
     EXPECT_EQ(target("W"), "2 states are named 'W', none of them in this level or around it; write "
                            "'/B/W' or '/C/W'\n");
-    EXPECT_EQ(target("B/Q"), "unknown state 'B/Q'; did you mean 'B', 'B/Y' or 'B/Z'?\n");
+    EXPECT_EQ(target("B/Q"), "unknown state 'B/Q'; did you mean 'B/Y', 'B/Z' or 'B/W'?\n");
 }
 
 } // namespace vell::test

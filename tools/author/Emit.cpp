@@ -403,8 +403,10 @@ private:
 bool IsMemoryGiven(const Machine& machine)
 {
     const Found head = Find(machine.root, "head");
+    const Found members = Find(machine.root, "members");
     return Find(machine.root, "memory") ||
-           (head && head->Find(GetJsonName(JSON_HeadMemory)) != nullptr);
+           (head && head->Find(GetJsonName(JSON_HeadMemory)) != nullptr) ||
+           (members && members->Find(GetJsonName(JSON_Head)) != nullptr);
 }
 
 } // namespace

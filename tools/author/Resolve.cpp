@@ -430,13 +430,6 @@ public:
             NameTransition(transition);
             Give(transition, "the transition '" + transition.path + "'");
         }
-        for (const std::vector<Found>* list : {&machine.rawNodes, &machine.rawGlobalNodes})
-        {
-            for (const Found& nodes : *list)
-            {
-                TakeRaw(nodes);
-            }
-        }
     }
 
 private:
@@ -479,18 +472,6 @@ private:
             return;
         }
         Take(node.id, where, title);
-    }
-
-    void TakeRaw(const Found& nodes)
-    {
-        for (const Value& node : nodes->elements)
-        {
-            const Value* const id = node.Find(GetJsonName(JSON_ID));
-            if (id != nullptr && id->IsInteger() && id->ReadUInt() != 0)
-            {
-                Take(id->ReadUInt(), {nodes.file, id->span, true}, "a node of 'nodes'");
-            }
-        }
     }
 
     void Take(unsigned int id, const Origin& where, const std::string& title)

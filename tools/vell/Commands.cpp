@@ -6,6 +6,7 @@
 #include "tools/vell/CompileCommand.h"
 #include "tools/vell/CompletionCommand.h"
 #include "tools/vell/ContextCommand.h"
+#include "tools/vell/DecompileCommand.h"
 #include "tools/vell/DiffCommand.h"
 #include "tools/vell/FmtCommand.h"
 #include "tools/vell/GraphCommand.h"
@@ -24,6 +25,7 @@ void AddCommands(CLI::App& app, Session& session)
 {
     AddCheckCommand(app, session);
     AddCompileCommand(app, session);
+    AddDecompileCommand(app, session);
     AddSchemaCommand(app, session);
     AddRunCommand(app, session);
     AddGraphCommand(app, session);
