@@ -17,7 +17,7 @@ namespace
 
 using Lines = std::vector<std::string>;
 
-/// One mistake in samples/character.json.
+/// One mistake in tests/data/character.json.
 struct Mistake
 {
     const char* node; ///< behind the name of this node or parameter; empty for the head
@@ -48,15 +48,15 @@ Lines FindingsOf(const std::string& text)
     return lines;
 }
 
-std::string ReadSample(const char* name)
+std::string ReadDocument(const char* name)
 {
-    std::ifstream file(std::string(SourceDir()) + "/samples/" + name, std::ios::binary);
+    std::ifstream file(std::string(SourceDir()) + "/tests/data/" + name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void ExpectFound(const std::vector<Mistake>& mistakes)
 {
-    const std::string sample = ReadSample("character.json");
+    const std::string sample = ReadDocument("character.json");
     for (const Mistake& mistake : mistakes)
     {
         const std::string node = mistake.node;
@@ -74,8 +74,8 @@ void ExpectFound(const std::vector<Mistake>& mistakes)
 
 TEST(CheckMistakes, AreNotFoundInTheSamples)
 {
-    EXPECT_EQ(FindingsOf(ReadSample("character.json")), Lines());
-    EXPECT_EQ(FindingsOf(ReadSample("locomotion.json")), Lines());
+    EXPECT_EQ(FindingsOf(ReadDocument("character.json")), Lines());
+    EXPECT_EQ(FindingsOf(ReadDocument("locomotion.json")), Lines());
 }
 
 TEST(CheckMistakes, OfTheTextAreFound)

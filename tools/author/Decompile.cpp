@@ -122,7 +122,6 @@ public:
                 Learn(made, &additions);
             }
         }
-        return Write(additions, faithful);
         return WriteWhole();
     }
 
@@ -250,6 +249,15 @@ bool IsSameDocument(const source::Text& left, const source::Text& right)
         {
             return false;
         }
+    }
+    const auto hasLayers = [](const source::Text& text)
+    {
+        const Value* const layers = text.root.Find(N(JSON_Layers));
+        return layers != nullptr && layers->IsArray() && !layers->elements.empty();
+    };
+    if (hasLayers(left) != hasLayers(right))
+    {
+        return false;
     }
     Made a = Normal(left, left.root);
     Made b = Normal(right, right.root);

@@ -143,19 +143,23 @@ private:
                 NodesOf(name.text, {names.file, name.span, true});
             }
         }
+        if (!layers.elements.empty())
+        {
+            defaultLayer = Find(machine.root, "layers")->elements.front().text;
+        }
         for (const State& state : machine.states)
         {
             NodesOf(LayerOf(state), state.origin);
         }
         if (layers.elements.empty())
         {
-            NodesOf(kDefaultLayer, {});
+            NodesOf(defaultLayer, {});
         }
     }
 
-    static std::string LayerOf(const State& state)
+    const std::string& LayerOf(const State& state) const
     {
-        return state.layer.empty() ? kDefaultLayer : state.layer;
+        return state.layer.empty() ? defaultLayer : state.layer;
     }
 
     Made& NodesOf(const std::string& layer, const Origin& origin)
@@ -396,6 +400,7 @@ private:
 
     const Machine& machine;
     Made layers = Made::Array();
+    std::string defaultLayer = kDefaultLayer;
     std::unordered_map<std::string, std::size_t> layerIndex;
 };
 

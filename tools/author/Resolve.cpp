@@ -449,7 +449,7 @@ private:
         const std::string ownerName =
             transition.owner == nullptr ? machine.global.name : transition.owner->name;
         const std::string own = TextOf(Find(transition.pieces, "name"));
-        transition.name = ownerName + "To" + (target == nullptr ? number : target->name);
+        transition.name = TransitionName(ownerName, target == nullptr ? number : target->name);
         transition.path = owner.path + " -> " + (target == nullptr ? number : target->path);
         transition.path += own.empty() ? "" : " (" + own + ")";
         const unsigned int count = ++counts[transition.path];

@@ -6,6 +6,7 @@
 
 #include "tools/source/Cursor.h"
 
+#include <cctype>
 #include <string_view>
 #include <utility>
 
@@ -19,6 +20,23 @@ using source::Place;
 bool EndsWith(std::string_view text, std::string_view end)
 {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+/// Leaves blanks out, and has a capital behind each.
+std::string Joined(const std::string& words)
+{
+    std::string joined;
+    bool isBehindBlank = false;
+    for (const char c : words)
+    {
+        if (c != ' ')
+        {
+            const auto byte = static_cast<unsigned char>(c);
+            joined += isBehindBlank ? static_cast<char>(std::toupper(byte)) : c;
+        }
+        isBehindBlank = c == ' ';
+    }
+    return joined;
 }
 
 /// The bytes that the escape behind a backslash decodes to; `digits` are those of a \u.
@@ -123,6 +141,11 @@ check::Finding& Problems::AddTwice(const Origin& where, std::string message, std
     finding.otherFile = first.file;
     finding.otherNote = std::move(firstNote);
     return finding;
+}
+
+std::string TransitionName(const std::string& source, const std::string& target)
+{
+    return Joined(source) + "To" + Joined(target);
 }
 
 source::Span SpanWithin(const std::string& bytes, const source::Value& text, std::size_t begin,

@@ -62,6 +62,10 @@ public:
 /// Options to read a source with: comments and trailing commas are allowed.
 constexpr source::Options kSourceOptions{true, true};
 
+/// Gives the default name of a transition: `CallHelpToSearch` for the states "Call help" and
+/// "Search".
+std::string TransitionName(const std::string& source, const std::string& target);
+
 /// Gives a piece of a decoded text, from byte `begin` to byte `end` of it, as a place in the file
 /// that it was written in. `bytes` is the file, `text` a String of it.
 source::Span SpanWithin(const std::string& bytes, const source::Value& text, std::size_t begin,

@@ -62,7 +62,7 @@ SourceRules MachineRules()
         {"head", SourceShape::Members, "Further members of the document's head."},
         {"skeleton", SourceShape::Members, "The document's skeleton: file names for the host."},
         {"layers", SourceShape::Texts,
-         "The names of the layers in their order. Default: as the states name them."},
+         "The names of the layers in their order. The first is that of states that name none."},
         kInclude,
         kParameters,
         kStart,

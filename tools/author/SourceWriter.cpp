@@ -117,43 +117,29 @@ private:
         root.Set("start", NameOf(start == nullptr ? 0 : start->ReadUInt(), nullptr));
     }
 
-    /// The layers are listed when the states do not name them in their order.
+    /// Lists the layers, unless the only one is that of a source without any.
     void AddLayers(Made& root) const
     {
-        std::vector<std::string> named;
-        NameLayers(tree.top, named);
-        std::vector<std::string> wanted = tree.layers;
+        Made list = Made::Array();
         for (const check::NodeArray& array : tree.model.arrays)
         {
-            if (array.isGlobal)
+            if (!array.isGlobal)
             {
-                wanted.pop_back();
+                list.Add(Made::Text(tree.layers[list.elements.size()]));
             }
         }
-        const bool isDefault = wanted.size() == 1 && wanted[0] == "Base";
-        if (named == wanted || isDefault)
+        if (list.elements.size() > 1 || DefaultLayer() != "Base")
         {
-            return;
+            root.Set("layers", std::move(list));
         }
-        Made list = Made::Array();
-        for (const std::string& layer : wanted)
-        {
-            list.Add(Made::Text(layer));
-        }
-        root.Set("layers", std::move(list));
     }
 
-    void NameLayers(const Branch& branch, std::vector<std::string>& named) const
+    /// The layer of states that name none.
+    std::string DefaultLayer() const
     {
-        for (const Branch* child : branch.children)
-        {
-            const std::string& layer = tree.LayerOf(*child->node);
-            if (std::find(named.begin(), named.end(), layer) == named.end())
-            {
-                named.push_back(layer);
-            }
-            NameLayers(*child, named);
-        }
+        return tree.model.arrays.empty() || tree.model.arrays.front().isGlobal
+                   ? std::string("Base")
+                   : tree.layers.front();
     }
 
     void AddParameters(Made& root) const
@@ -261,7 +247,7 @@ private:
         Made made = Made::Object();
         AddKind(branch, &made);
         const std::string layer =
-            branch.parent == nullptr ? std::string("Base") : tree.LayerOf(*branch.parent->node);
+            branch.parent == nullptr ? DefaultLayer() : tree.LayerOf(*branch.parent->node);
         if (tree.LayerOf(node) != layer)
         {
             made.Set("layer", Made::Text(tree.LayerOf(node)));
@@ -467,7 +453,7 @@ private:
         const bool isPlaced = branch != nullptr && branch->node != nullptr;
         const std::string number = std::to_string(id);
         const std::string ownerKey = owner == nullptr ? "Interrupts" : owner->key;
-        std::string name = ownerKey + "To" + (isPlaced ? branch->key : number);
+        std::string name = TransitionName(ownerKey, isPlaced ? branch->key : number);
         std::string path = (owner == nullptr ? "(interrupts)" : owner->path) + " -> " +
                            (isPlaced ? branch->path : number);
         Number(node, counts, &name, &path);
