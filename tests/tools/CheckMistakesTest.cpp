@@ -50,13 +50,13 @@ Lines FindingsOf(const std::string& text)
 
 std::string ReadDocument(const char* name)
 {
-    std::ifstream file(std::string(SourceDir()) + "/tests/data/" + name, std::ios::binary);
+    std::ifstream file(std::string(SourceDir()) + "/" + name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void ExpectFound(const std::vector<Mistake>& mistakes)
 {
-    const std::string sample = ReadDocument("character.json");
+    const std::string sample = ReadDocument("tests/data/character.json");
     for (const Mistake& mistake : mistakes)
     {
         const std::string node = mistake.node;
@@ -74,8 +74,9 @@ void ExpectFound(const std::vector<Mistake>& mistakes)
 
 TEST(CheckMistakes, AreNotFoundInTheSamples)
 {
-    EXPECT_EQ(FindingsOf(ReadDocument("character.json")), Lines());
-    EXPECT_EQ(FindingsOf(ReadDocument("locomotion.json")), Lines());
+    EXPECT_EQ(FindingsOf(ReadDocument("tests/data/character.json")), Lines());
+    EXPECT_EQ(FindingsOf(ReadDocument("samples/character.json")), Lines());
+    EXPECT_EQ(FindingsOf(ReadDocument("samples/locomotion.json")), Lines());
 }
 
 TEST(CheckMistakes, OfTheTextAreFound)

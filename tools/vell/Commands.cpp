@@ -12,7 +12,9 @@
 #include "tools/vell/GraphCommand.h"
 #include "tools/vell/HelpCommand.h"
 #include "tools/vell/IdCommand.h"
+#include "tools/vell/IdsCommand.h"
 #include "tools/vell/ManualCommand.h"
+#include "tools/vell/NewCommand.h"
 #include "tools/vell/RunCommand.h"
 #include "tools/vell/SchemaCommand.h"
 #include "tools/vell/StatsCommand.h"
@@ -23,6 +25,7 @@ namespace vell::tool
 
 void AddCommands(CLI::App& app, Session& session)
 {
+    AddNewCommand(app, session);
     AddCheckCommand(app, session);
     AddCompileCommand(app, session);
     AddDecompileCommand(app, session);
@@ -35,6 +38,7 @@ void AddCommands(CLI::App& app, Session& session)
     AddDiffCommand(app, session);
     AddStatsCommand(app, session);
     AddIdCommand(app, session);
+    AddIdsCommand(app, session);
     AddCompletionCommand(app, session);
     AddManualCommand(app, session);
     AddHelpCommand(app, session);
