@@ -139,7 +139,6 @@ private:
         return ExitWell;
     }
 
-    /// A document that is as before keeps its time, so that nothing is built again for it.
     int Write(const GivenDocument& given)
     {
         const std::string& path = session.options.output;
@@ -148,12 +147,7 @@ private:
             session.out << given.bytes;
             return ExitWell;
         }
-        std::string fault;
-        const FileText before = ReadWholeFile(path);
-        if (!before.error.empty() || before.bytes != given.bytes)
-        {
-            fault = WriteTextFile(path, given.bytes);
-        }
+        std::string fault = WriteTextFile(path, given.bytes);
         if (fault.empty() && !options.dependencies.empty())
         {
             fault = WriteTextFile(options.dependencies, DependencyRule(path, given.compiled));
