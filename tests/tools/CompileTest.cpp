@@ -160,7 +160,10 @@ TEST(Compile, PutsInterruptsOnTheGlobalNode)
     ExpectPart(
         SourceWith("", R"(, "interrupts": [{"to": "Stand", "when": "sees", "priority": 20}])"),
         expected, JSON_Global);
-    EXPECT_EQ(PartOf(CompileText(SourceWith("")).bytes, JSON_Global), "");
+    DocumentBuilder none;
+    none.GlobalNode(Global("Interrupts", Id("(interrupts)")));
+    ExpectPart(SourceWith(""), none, JSON_Global);
+    EXPECT_EQ(PartOf(CompileText(SourceWith("", R"(, "global": null)")).bytes, JSON_Global), "");
 }
 
 TEST(Compile, WritesAttributesByWhatTheirValuesLookLike)

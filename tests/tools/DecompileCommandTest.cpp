@@ -58,7 +58,8 @@ TEST(Decompile, MakesNamesUniqueAndKeepsIdsAndNamesOfTheDocument)
         "Door": {"id": 10, "go": [{"to": "Door 2", "when": "open", "name": "Open", "id": 100}]},
         "Door 2": {"name": "Door", "id": 11},
         "generic node 12": {"name": null, "id": 12}
-    }
+    },
+    "global": null
 }
 )");
 }

@@ -72,6 +72,7 @@ TEST(VellIds, WritesAConstantForEachStateTransitionAndParameter)
                   id("Patrol") + "constexpr unsigned int Patrol_PatrolOut = " + id("Patrol/(out)") +
                   "constexpr unsigned int Patrol_new = " + id("Patrol/new") +
                   "constexpr unsigned int Patrol_Call_help = " + id("Patrol/Call help") +
+                  "constexpr unsigned int Interrupts = " + id("(interrupts)") +
                   "} // namespace states\n\n/// The transitions.\nnamespace transitions\n{\n"
                   "constexpr unsigned int PatrolToPatrol = " +
                   id("Patrol -> Patrol") + "constexpr unsigned int PatrolToPatrol_2 = " +

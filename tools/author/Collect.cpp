@@ -205,8 +205,8 @@ private:
     void ReadGlobal()
     {
         const Found global = Find(machine.root, "global");
-        machine.hasGlobal =
-            global || Find(machine.root, "interrupts") || !machine.interrupts.empty();
+        // The library logs an error when it starts a machine without one.
+        machine.hasGlobal = !global || global->IsObject() || !machine.interrupts.empty();
         machine.global.name = "Interrupts";
         machine.global.path = "(interrupts)";
         machine.global.origin = WhereOf(machine.root);
@@ -214,7 +214,7 @@ private:
         {
             machine.global.origin = {list.file, list.member->nameSpan, true};
         }
-        if (global)
+        if (global && global->IsObject())
         {
             machine.global.origin = {global.file, global.member->nameSpan, true};
             machine.global.pieces.push_back(

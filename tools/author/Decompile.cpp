@@ -221,11 +221,9 @@ private:
         source.Set("machine", Made::Text(options.name));
         source.Set("start", Made::Id(0));
         Made members = Made::Copy(text.bytes, text.root);
-        for (const __JSONTYPES__ member :
-             {JSON_Head, JSON_Parameters, JSON_Layers, JSON_Skeleton, JSON_Global})
+        for (const __JSONTYPES__ member : {JSON_Head, JSON_Parameters, JSON_Layers, JSON_Global})
         {
-            if (members.Find(N(member)) == nullptr && member != JSON_Skeleton &&
-                member != JSON_Global)
+            if (members.Find(N(member)) == nullptr)
             {
                 members.Set(N(member), Made::Raw("null"));
             }

@@ -67,8 +67,9 @@ bool HasShape(const Value& value, SourceShape shape)
     case SourceShape::Parameters:
     case SourceShape::Attributes:
     case SourceShape::EndNode:
-    case SourceShape::GlobalNode:
         return value.IsObject();
+    case SourceShape::GlobalNode:
+        return value.IsObject() || value.kind == Kind::Null;
     case SourceShape::ExitNode:
         return value.IsObject() || value.IsString();
     case SourceShape::Value:

@@ -164,7 +164,7 @@ Made ShapeOf(const SourceRule& rule)
     case SourceShape::ExitNode:
         return AnyOf({Type("string"), Reference("end")});
     case SourceShape::GlobalNode:
-        return Reference("global");
+        return AnyOf({Reference("global"), Type("null")});
     case SourceShape::Any:
         break;
     }

@@ -68,7 +68,9 @@ SourceRules MachineRules()
         kStart,
         kStates,
         kInterrupts,
-        {"global", SourceShape::GlobalNode, "Further members of the node of the interrupts."},
+        {"global", SourceShape::GlobalNode,
+         "Further members of the node of the interrupts. null: no such node, "
+         "where there are no interrupts."},
         kNodes,
         {"globalNodes", SourceShape::Nodes, "As nodes, for the document's global array."},
         kMembers,
@@ -286,8 +288,9 @@ std::string DescriptionOf(const SourceRule& rule)
         return "a list of texts";
     case SourceShape::Members:
     case SourceShape::EndNode:
-    case SourceShape::GlobalNode:
         return "an object";
+    case SourceShape::GlobalNode:
+        return "an object, or null for none";
     case SourceShape::Nodes:
         return "a list of objects";
     case SourceShape::States:

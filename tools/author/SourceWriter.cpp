@@ -39,16 +39,7 @@ public:
         AddParameters(root);
         AddStart(root);
         root.Set("states", StatesOf(tree.top));
-        if (tree.global != nullptr)
-        {
-            root.Set("interrupts", TransitionsOf(tree.interrupts, nullptr));
-            Made global = Made::Object();
-            AddCommon(*tree.global, "Interrupts", "(interrupts)", &global);
-            if (!global.IsEmpty())
-            {
-                root.Set("global", std::move(global));
-            }
-        }
+        AddInterrupts(root);
         AddRaw("nodes", false, root);
         AddRaw("globalNodes", true, root);
         if (const Value* skeleton = check::Find(document.root, JSON_Skeleton))
@@ -512,6 +503,29 @@ private:
             made.Set("id", Made::Id(id));
         }
         return made;
+    }
+
+    /// A document may have no node for interrupts, which a source gets by itself.
+    void AddInterrupts(Made& root) const
+    {
+        if (tree.global == nullptr)
+        {
+            if (!options.isTidy)
+            {
+                root.Set("global", Made::Raw("null"));
+            }
+            return;
+        }
+        if (!tree.interrupts.empty())
+        {
+            root.Set("interrupts", TransitionsOf(tree.interrupts, nullptr));
+        }
+        Made global = Made::Object();
+        AddCommon(*tree.global, "Interrupts", "(interrupts)", &global);
+        if (!global.IsEmpty())
+        {
+            root.Set("global", std::move(global));
+        }
     }
 
     // What has no place.
