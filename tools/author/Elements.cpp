@@ -333,40 +333,44 @@ private:
     std::vector<Made> made;
 };
 
+/// Gives the conditions that the `if` of an object makes, or one that its `members` have to fill.
+std::vector<Made> ConditionsOf(const Machine& machine, const Piece& piece, const Origin& where)
+{
+    if (const Found text = Find(piece, "if"))
+    {
+        return ConditionMaker(machine, text.member->value, piece.file).Make();
+    }
+    if (Find(piece, "members"))
+    {
+        return {Made::Object(where)};
+    }
+    machine.problems.Add(where, "a condition needs 'if'",
+                         "write { \"if\": \"CONDITION\" }, or the text alone");
+    return {};
+}
+
 /// Adds the conditions of an entry that is an object: an `if`, and what the condition has besides.
 void AddConditionObject(const Machine& machine, const Value& entry, std::size_t file, Made* array)
 {
     const Piece piece{&entry, file, SourceKind::Condition};
+    const Origin where{file, entry.span, true};
     CheckMembers(machine, piece);
-    std::vector<Made> made;
-    if (const Found text = Find(piece, "if"))
-    {
-        made = ConditionMaker(machine, text.member->value, file).Make();
-    }
-    else if (const Found members = Find(piece, "members"))
-    {
-        made.push_back(Made::Object({file, entry.span, true}));
-    }
-    else
-    {
-        machine.problems.Add({file, entry.span, true}, "a condition needs 'if'",
-                             "write { \"if\": \"CONDITION\" }, or the text alone");
-    }
+    std::vector<Made> made = ConditionsOf(machine, piece, where);
     const Found name = Find(piece, "name");
     const Found id = Find(piece, "id");
     if (made.size() > 1 && (id || Find(piece, "members")))
     {
-        machine.problems.Add({file, entry.span, true},
+        machine.problems.Add(where,
                              "'not in' is two conditions, which cannot share an id or members",
                              "write both: 'NAME < LOW' and 'NAME > HIGH'");
     }
     for (Made& condition : made)
     {
-        if (name)
+        if (name && name->IsString())
         {
-            condition.Set(N(JSON_Name), Made::Copy(machine.Bytes(file), name.member->value, file));
+            condition.Set(N(JSON_Name), Made::Text(name->text, name.Where()));
         }
-        if (name && !name->IsString())
+        else if (name)
         {
             condition.Remove(N(JSON_Name));
         }

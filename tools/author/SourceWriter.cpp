@@ -263,41 +263,13 @@ private:
     void AddKind(const Branch& branch, Made* made) const
     {
         const NodeModel& node = *branch.node;
-        const Value& value = *node.value;
-        const std::string builder(check::ReadText(value, JSON_BuilderType));
-        Made kind = Made::Object();
-        if (node.Is(BUILDER_AnimClip))
-        {
-            Take(value, JSON_ClipName, "clip", &Value::IsString, &kind);
-            Take(value, JSON_ClipFlag, "clipFlag", &Value::IsBool, &kind);
-            DropDefault("clipFlag", kind);
-            Take(value, JSON_ClipSecondaryA, "secondaryA", &Value::IsString, &kind);
-            Take(value, JSON_ClipSecondaryB, "secondaryB", &Value::IsString, &kind);
-        }
-        else if (node.Is(BUILDER_Exit) || node.Is(BUILDER_Enter))
-        {
-            if (node.Is(BUILDER_Exit))
-            {
-                kind.Set("ends", Made::Flag(true));
-            }
-            if (node.entryTarget != 0)
-            {
-                kind.Set("next", NameOf(node.entryTarget, branch.parent));
-            }
-        }
-        else if (node.Is(BUILDER_Connector))
-        {
-            const std::string word(check::ReadText(value, JSON_ConnectorType));
-            if (check::NumberOf(check::Words::Connectors, word) != 0)
-            {
-                kind.Set("connector", Made::Text(word));
-            }
-        }
-        if (const unsigned int connector = check::ReadId(value, JSON_ExitConnector))
+        Made kind = OwnOf(branch);
+        const bool isSeen = IsSeen(branch, kind);
+        if (const unsigned int connector = check::ReadId(*node.value, JSON_ExitConnector))
         {
             kind.Set("exitConnector", NameOf(connector, branch.parent));
         }
-        const bool isSeen = IsSeen(branch, kind);
+        const std::string builder(check::ReadText(*node.value, JSON_BuilderType));
         if (!isSeen || builder != WordFor(check::Words::Builders, node.builder))
         {
             made->Set("builder", Made::Text(builder));
@@ -306,6 +278,36 @@ private:
         {
             made->members.push_back(std::move(member));
         }
+    }
+
+    /// Gives what a state of its kind has and others have not.
+    Made OwnOf(const Branch& branch) const
+    {
+        const NodeModel& node = *branch.node;
+        const Value& value = *node.value;
+        Made own = Made::Object();
+        if (node.Is(BUILDER_AnimClip))
+        {
+            Take(value, JSON_ClipName, "clip", &Value::IsString, &own);
+            Take(value, JSON_ClipFlag, "clipFlag", &Value::IsBool, &own);
+            DropDefault("clipFlag", own);
+            Take(value, JSON_ClipSecondaryA, "secondaryA", &Value::IsString, &own);
+            Take(value, JSON_ClipSecondaryB, "secondaryB", &Value::IsString, &own);
+        }
+        const std::string word(check::ReadText(value, JSON_ConnectorType));
+        if (node.Is(BUILDER_Connector) && check::NumberOf(check::Words::Connectors, word) != 0)
+        {
+            own.Set("connector", Made::Text(word));
+        }
+        if (node.Is(BUILDER_Exit))
+        {
+            own.Set("ends", Made::Flag(true));
+        }
+        if ((node.Is(BUILDER_Exit) || node.Is(BUILDER_Enter)) && node.entryTarget != 0)
+        {
+            own.Set("next", NameOf(node.entryTarget, branch.parent));
+        }
+        return own;
     }
 
     /// A tidy source does not say what is so anyway.
@@ -318,14 +320,13 @@ private:
         }
     }
 
-    bool IsSeen(const Branch& branch, const Made& kind) const
+    /// Tells whether a source sees the kind of a state by its members.
+    static bool IsSeen(const Branch& branch, const Made& own)
     {
         const NodeModel& node = *branch.node;
         return node.Is(BUILDER_Generic) || node.Is(BUILDER_Exit) ||
-               (node.Is(BUILDER_AnimClip) &&
-                (kind.members.size() > 1 || kind.Find("clip") || kind.Find("clipFlag") ||
-                 kind.Find("secondaryA") || kind.Find("secondaryB"))) ||
-               (node.Is(BUILDER_Connector) && kind.Find("connector") != nullptr) ||
+               (node.Is(BUILDER_AnimClip) && !own.IsEmpty()) ||
+               (node.Is(BUILDER_Connector) && !own.IsEmpty()) ||
                (node.Is(BUILDER_Substate) && (!branch.children.empty() || branch.enter != nullptr));
     }
 
