@@ -159,6 +159,48 @@ TEST(VellSource, ShowsItsProblemsInEveryCommand)
     }
 }
 
+TEST(VellSource, HasFindingsInTheFilesThatItIncludes)
+{
+    const Folder folder;
+    const std::string source =
+        folder.Write("a.hsm.json", R"({"machine": "a", "start": "A", "include": ["b.hsm.json"],
+"states": {"A": {"go": [{"to": "B", "when": "p"}]}}})");
+    folder.Write("b.hsm.json", R"({"parameters": {"p": false},
+"states": {"B": {"go": [{"to": "A", "when": ["not p", "q"]}]}}})");
+
+    const Outcome wrong = CallVellAsIs({"check", source});
+    const Outcome json = CallVellAsIs({"check", source, "--format", "json"});
+    const Outcome sarif = CallVellAsIs({"check", source, "--format", "sarif"});
+    folder.Write("b.hsm.json", R"({"parameters": {"p": false, "unused": 0},
+"states": {"B": {"go": [{"to": "A", "when": "not p"}]}}})");
+    const Outcome unused = CallVellAsIs({"check", source});
+
+    EXPECT_EQ(wrong.code, 1);
+    EXPECT_EQ(
+        Without(wrong.out, folder.PathOf("")),
+        "b.hsm.json:2:56: error VELL161: unknown parameter 'q'; did you mean 'p'?\n"
+        "    \"states\": {\"B\": {\"go\": [{\"to\": \"A\", \"when\": [\"not p\", \"q\"]}]}}}\n"
+        "                                                           ^\n"
+        "1 error in 1 document\n");
+    EXPECT_NE(Without(json.out, folder.PathOf("")).find("\"path\": \"b.hsm.json\""),
+              std::string::npos);
+    EXPECT_NE(sarif.out.find("b.hsm.json\""), std::string::npos);
+    EXPECT_EQ(unused.code, 0);
+    EXPECT_EQ(Without(unused.out, folder.PathOf("")).find("b.hsm.json:1:29: note VELL131"), 0u);
+}
+
+TEST(VellSource, IsNotFixed)
+{
+    const Folder folder;
+    const std::string source = folder.Write("door.hsm.json", kSource);
+
+    const Outcome outcome = CallVellAsIs({"check", "--fix", source});
+
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_EQ(Without(outcome.errors, folder.PathOf("")), "door.hsm.json: a source is not fixed\n");
+    EXPECT_EQ(folder.Read("door.hsm.json"), kSource);
+}
+
 TEST(VellSource, IsReadFromStandardInput)
 {
     const StandardInput input(kSource);

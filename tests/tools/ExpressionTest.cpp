@@ -102,7 +102,7 @@ TEST(Expression, SaysWhatIsWrongAndWhatToWrite)
         {"x in 5", "'..' is expected between the bounds of a range", "write 'x in 5..10'"},
         {"x in 'a'..'b'", "a range has two numbers, such as 5..10", ""},
         {"x not 5", "'in' is expected behind 'not'", "write 'not x', or 'x not in 5..10'"},
-        {"not x < 3", "'not' stands before a name alone",
+        {"not x < 3", "'not' is for a name alone",
          "turn the operator round, such as '<' into '>='"},
         {"x < .5", "'.5' is not written as a number is",
          "write a digit on both sides of the point"},

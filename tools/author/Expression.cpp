@@ -272,7 +272,7 @@ private:
             ReadName();
             if (!HasFailed() && token.kind == Token::Kind::Sign)
             {
-                FailAt(0, token.end, "'not' stands before a name alone",
+                FailAt(0, token.end, "'not' is for a name alone",
                        "turn the operator round, such as '<' into '>='");
             }
             return;
