@@ -5,6 +5,7 @@
 #include "tests/check/Truth.h"
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/GrammarDocument.h"
+#include "tests/introspection/RichDocument.h"
 #include "tests/model/ModelCase.h"
 #include "tests/support/SourceDir.h"
 #include "tools/author/Compile.h"
@@ -162,6 +163,28 @@ TEST(RoundTrip, HoldsForTheSamples)
 
         EXPECT_EQ(FaultOf(document, 1), "") << name;
     }
+}
+
+TEST(RoundTrip, HoldsForTheDocumentsOfTests)
+{
+    EXPECT_EQ(FaultOf(RichDocument().Text(), 1), "");
+    int valid = 0;
+    for (const char* const folder : {"tests/data", "tests/fuzz/corpus/document"})
+    {
+        const std::string path = std::string(SourceDir()) + "/" + folder;
+        for (const auto& entry : std::filesystem::directory_iterator(path))
+        {
+            const std::string document = tool::ReadWholeFile(entry.path().string()).bytes;
+            const source::Text text = source::ReadText(document);
+            const Loaded loaded = text.parsed ? Load(document) : Loaded();
+            if (loaded.isInitialised && !LosesNodes(loaded))
+            {
+                ++valid;
+                EXPECT_EQ(FaultOf(document, 1), "") << entry.path();
+            }
+        }
+    }
+    EXPECT_GE(valid, 3);
 }
 
 TEST(RoundTrip, HoldsForDocumentsThatAreWrong)

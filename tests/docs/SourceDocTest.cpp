@@ -129,4 +129,19 @@ TEST(SourceFormDoc, NamesEveryMember)
     EXPECT_GT(found, 60);
 }
 
+TEST(SourceFuzzer, KnowsEveryMemberByItsDictionary)
+{
+    const std::string words = Joined(ReadLines("tests/fuzz/source.dict"));
+    for (const author::SourceKind kind :
+         {author::SourceKind::Machine, author::SourceKind::State, author::SourceKind::Transition,
+          author::SourceKind::Condition, author::SourceKind::Parameter, author::SourceKind::Global})
+    {
+        for (const author::SourceRule& rule : author::RulesOf(kind))
+        {
+            EXPECT_NE(words.find("\"\\\"" + std::string(rule.name) + "\\\":\""), std::string::npos)
+                << rule.name;
+        }
+    }
+}
+
 } // namespace vell::test
