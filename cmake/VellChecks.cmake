@@ -67,8 +67,12 @@ if(VELL_CHECKS AND VELL_INSTALL AND BUILD_SHARED_LIBS AND NOT VELL_SANITIZE
     add_test(NAME install.external_platform
              COMMAND ${consumer}/run-external-platform.sh ${CMAKE_CXX_COMPILER} ${scratch}/moved
                      ${scratch}/external)
+    add_test(NAME install.machine
+             COMMAND ${consumer}/run-machine.sh ${CMAKE_CXX_COMPILER} ${scratch}/moved
+                     ${scratch}/machine)
+    set_tests_properties(install.machine PROPERTIES SKIP_RETURN_CODE 77)
     set_tests_properties(
-        install.find_package install.pkg_config install.external_platform
+        install.find_package install.pkg_config install.external_platform install.machine
         PROPERTIES FIXTURES_REQUIRED install_tree TIMEOUT 900)
 
     # The other ways to have the library: static, and built as a part of the host. They build it themselves.

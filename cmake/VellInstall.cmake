@@ -26,7 +26,7 @@ configure_package_config_file(
 write_basic_package_version_file(
     ${PROJECT_BINARY_DIR}/VELLLibX64ConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/VELLLibX64Config.cmake
-              ${PROJECT_BINARY_DIR}/VELLLibX64ConfigVersion.cmake
+              ${PROJECT_BINARY_DIR}/VELLLibX64ConfigVersion.cmake cmake/VellMachine.cmake
         DESTINATION ${vell_package_dir})
 
 file(RELATIVE_PATH vell_pc_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})

@@ -17,20 +17,36 @@ namespace vell::test
 namespace
 {
 
-std::string ReadExample()
+std::string TextOf(const CodeBlock& block)
 {
     std::string text;
-    for (const CodeBlock& block : ReadBlocks("docs/document-format.md", "json"))
+    for (const std::string& line : block.lines)
     {
-        for (const std::string& line : block.lines)
-        {
-            text += line + "\n";
-        }
+        text += line + "\n";
     }
     return text;
 }
 
+std::string ReadExample()
+{
+    return TextOf(ReadBlocks("docs/document-format.md", "json").back());
+}
+
 } // namespace
+
+TEST(DocumentFormatPage, BeginsWithAnExampleThatIsSwitchedOn)
+{
+    LogRecorder log;
+    TestMachine machine(TextOf(ReadBlocks("docs/document-format.md", "json").front()));
+
+    ASSERT_EQ(machine.Init(), 1);
+    machine.Start();
+    machine.SetBool("on", true);
+    machine.Update(0.1f);
+
+    EXPECT_EQ(log.Take({3, 4}), Lines());
+    EXPECT_EQ(machine.MainStack(), "On");
+}
 
 TEST(DocumentFormatPage, EndsWithAnExampleThatLoadsWithoutAnErrorStartsAndTicks)
 {

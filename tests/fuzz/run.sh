@@ -6,7 +6,7 @@ cd "$(dirname "$0")/../.."
 
 seconds=${1:?usage: tests/fuzz/run.sh SECONDS [BUILD_FOLDER]}
 build=${2:-build/fuzz}
-fuzzers=(document grammar calls tables)
+fuzzers=(document grammar calls tables source)
 export UBSAN_OPTIONS=print_stacktrace=1
 mkdir -p "${build}/found"
 
@@ -19,7 +19,11 @@ run_fuzzer()
     # the first folder.
     local options=(-close_fd_mask=2 -max_len=8000 -timeout=20 -rss_limit_mb=2000
                    -artifact_prefix="${found}/" -print_final_stats=1)
-    [[ "${name}" == document ]] && options+=(-dict=tests/fuzz/vell.dict) || options+=(-len_control=0)
+    case "${name}" in
+    document) options+=(-dict=tests/fuzz/vell.dict) ;;
+    source) options+=(-dict=tests/fuzz/source.dict) ;;
+    *) options+=(-len_control=0) ;;
+    esac
     inputs=$(find "${corpus}" -type f | wc -l)
     if ((inputs < 5)); then
         echo "fuzz_${name}: found only ${inputs} inputs in ${corpus}" >&2

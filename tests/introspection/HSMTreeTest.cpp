@@ -116,7 +116,8 @@ TEST_F(HSMTree, ShowsEachSampleDocumentLineByLine)
     for (const auto& entry : std::filesystem::directory_iterator(kSamples))
     {
         const std::string path = entry.path().string();
-        if (entry.path().extension() != ".json")
+        const bool isSource = entry.path().stem().extension() == ".hsm";
+        if (entry.path().extension() != ".json" || isSource)
         {
             continue;
         }

@@ -92,7 +92,7 @@ std::string ReadExample()
 {
     const std::string page = ReadPage();
     const std::string opening = "```json\n";
-    const std::size_t begin = page.find(opening);
+    const std::size_t begin = page.rfind(opening);
     const std::size_t end = page.find("\n```", begin);
     if (begin == std::string::npos || end == std::string::npos)
     {

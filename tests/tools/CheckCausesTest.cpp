@@ -166,7 +166,7 @@ TEST(CheckCauses, AWrongIdOfAParameterIsOneFinding)
 
 TEST(CheckCauses, NodesInThePlaceOfLayersAreOneFinding)
 {
-    std::string text = ReadSample("locomotion.json");
+    std::string text = ReadDocument("samples/locomotion.json");
     const std::size_t begin = text.find('{', text.find("\"layers\""));
     const std::size_t nodes = text.find('{', begin + 1);
     const std::size_t end = text.rfind(']', text.rfind(']') - 1);

@@ -9,9 +9,10 @@ namespace vell::test
 
 TEST(CheckMistakes, AreNotFoundInTheSamples)
 {
-    EXPECT_EQ(FindingsOf(ReadSample("character.json")), Lines());
-    EXPECT_EQ(FindingsOf(ReadSample("guard.json")), Lines());
-    EXPECT_EQ(FindingsOf(ReadSample("locomotion.json")), Lines());
+    EXPECT_EQ(FindingsOf(ReadDocument("tests/data/character.json")), Lines());
+    EXPECT_EQ(FindingsOf(ReadDocument("samples/character.json")), Lines());
+    EXPECT_EQ(FindingsOf(ReadDocument("samples/guard.json")), Lines());
+    EXPECT_EQ(FindingsOf(ReadDocument("samples/locomotion.json")), Lines());
 }
 
 TEST(CheckMistakes, OfTheTextAreFound)

@@ -39,15 +39,15 @@ Lines FindingsOf(const std::string& text)
     return lines;
 }
 
-std::string ReadSample(const char* name)
+std::string ReadDocument(const char* path)
 {
-    std::ifstream file(std::string(SourceDir()) + "/samples/" + name, std::ios::binary);
+    std::ifstream file(std::string(SourceDir()) + "/" + path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void ExpectFound(const std::vector<Mistake>& mistakes)
 {
-    const std::string sample = ReadSample("character.json");
+    const std::string sample = ReadDocument("tests/data/character.json");
     for (const Mistake& mistake : mistakes)
     {
         const std::string node = mistake.node;

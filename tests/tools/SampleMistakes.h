@@ -10,7 +10,7 @@ namespace vell::test
 
 using Lines = std::vector<std::string>;
 
-/// One mistake in samples/character.json.
+/// One mistake in tests/data/character.json.
 struct Mistake
 {
     const char* node; ///< behind the name of this node or parameter; empty for the head
@@ -22,7 +22,8 @@ struct Mistake
 /// Gives a line for each finding of the check, and one for its second place.
 Lines FindingsOf(const std::string& text);
 
-std::string ReadSample(const char* name);
+/// Reads a file by its path in the project.
+std::string ReadDocument(const char* path);
 
 /// Makes each mistake by itself, and expects what is found.
 void ExpectFound(const std::vector<Mistake>& mistakes);

@@ -93,6 +93,28 @@ VARIANTS = [
 ]
 
 
+# In samples/character.hsm.json.
+SOURCE_MISTAKES = [
+    (["memroy"], 5),
+    (["type"], "charakter"),
+    (["parameters", "armed"], "yes"),
+    (["parameters", "stick"], {"float2": [1]}),
+    (["parameters", "stick"], {"input": "leftStick"}),
+    (["parameters", "stick"], {"float2": [0, 0], "input": "stickLeft"}),
+    (["states", "Combat"], 5),
+    (["states", "Combat", "loop"], True),
+    (["states", "Combat", "id"], -1),
+    (["states", "Combat", "go"], {"to": "Locomotion", "when": "armed"}),
+    (["states", "Combat", "go", 0], {"when": "armed"}),
+    (["states", "Combat", "go", 0], {"to": "Locomotion"}),
+    (["states", "Combat", "go", 0, "when"], 5),
+    (["states", "Combat", "go", 0, "priority"], 1.5),
+    (["states", "Combat", "states", "Guard", "attributes"], {"a": [1]}),
+    (["states", "Combat", "states", "Guard", "clip"], 5),
+    (["interrupts", 0, "when"], [{"name": "x"}]),
+]
+
+
 def find_target(document, path):
     """Gives the object or array that the last step of a path is in."""
     place = document
@@ -121,11 +143,36 @@ def changed(document, path, value):
 
 def read_documents(root):
     """Gives the samples, and the example of the page about documents."""
-    documents = {path.name: json.loads(path.read_text()) for path in root.glob("samples/*.json")}
+    documents = {path.name: json.loads(path.read_text()) for path in root.glob("samples/*.json")
+                 if not path.name.endswith(".hsm.json")}
     page = (root / "docs/document-format.md").read_text()
     example = re.search(r"## A complete example.*?```json\n(.*?)```", page, re.DOTALL)
     documents["document-format.md"] = json.loads(example[1])
     return documents
+
+
+def without_comments(text):
+    """Gives a source as plain JSON."""
+    piece = re.compile(r'("(?:[^"\\\\]|\\\\.)*")|//[^\n]*|/\\*.*?\\*/|,(?=\s*[}\]])', re.DOTALL)
+    return piece.sub(lambda match: match[1] or "", text)
+
+
+def check_sources(validator, root, expect):
+    """Holds the sources to their schema, and the schema to some mistakes."""
+    sources = {path.name: json.loads(without_comments(path.read_text()))
+               for folder in ("samples", "tests/data") for path in root.glob(f"{folder}/*.hsm.json")}
+    expect(len(sources) >= 3, "found too few sources")
+    for name, source in sources.items():
+        for error in validator.iter_errors(source):
+            expect(False, f"{name}: {error.json_path}: {error.message}")
+    for path, value in SOURCE_MISTAKES:
+        source = copy.deepcopy(sources["character.hsm.json"])
+        place = source
+        for step in path[:-1]:
+            place = place[step]
+        place[path[-1]] = value
+        expect(not validator.is_valid(source), f"valid by the schema of sources: {path} {value}")
+    return len(sources)
 
 
 def main():
@@ -155,6 +202,10 @@ def main():
         is_valid = validator.is_valid(changed(sample, path, value))
         expect(not is_valid, f"valid by the schema: {path} {value}")
 
+    source_schema = json.loads(call("schema", "--source").stdout)
+    Draft202012Validator.check_schema(source_schema)
+    sources = check_sources(Draft202012Validator(source_schema), root, expect)
+
     sarif = json.loads((root / "tests/tools/sarif-subset.schema.json").read_text())
     sarif_validator = Draft202012Validator(sarif)
     with tempfile.TemporaryDirectory() as folder:
@@ -174,7 +225,7 @@ def main():
         plain = json.loads(call("check", "--format", "json", folder).stdout)
         expect(len(plain["documents"]) == len(MISTAKES), "too few documents")
         expect(plain["errors"] + plain["warnings"] + plain["notes"] == len(results), "wrong counts")
-    print("\n".join(faults) if faults else f"{len(documents)} documents, {len(MISTAKES)} mistakes")
+    print("\n".join(faults) if faults else f"{len(documents)} documents, {sources} sources, {len(MISTAKES)} mistakes")
     return 1 if faults else 0
 
 

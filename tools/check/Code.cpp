@@ -22,7 +22,7 @@ struct Family
 constexpr Family kFamilies[] = {
     {"Text", TextCodes},       {"Members", MemberCodes},       {"Words", WordCodes},
     {"Ids", IdCodes},          {"References", ReferenceCodes}, {"Types", TypeCodes},
-    {"Meaning", MeaningCodes}, {"Loading", LoadingCodes},
+    {"Meaning", MeaningCodes}, {"Loading", LoadingCodes},      {"Sources", SourceCodes},
 };
 
 constexpr std::size_t kPageWidth = 118;

@@ -136,6 +136,12 @@ enum class Code : int
     MemoryTooSmall = 150,
     MemoryTooLarge = 151,
     HostBuilder = 152,
+    // 160 to 169: sources.
+    SourceMember = 160,
+    SourceName = 161,
+    SourceCondition = 162,
+    SourceTwice = 163,
+    SourceFile = 164,
     // From 190: what the library says when it loads the document.
     LibraryError = 190,
     LibraryWarning = 191,
@@ -163,6 +169,7 @@ const CodeTable& ReferenceCodes();
 const CodeTable& TypeCodes();
 const CodeTable& MeaningCodes();
 const CodeTable& LoadingCodes();
+const CodeTable& SourceCodes();
 
 /// Gives all codes in ascending order.
 const std::vector<const CodeEntry*>& AllCodes();

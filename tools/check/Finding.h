@@ -5,6 +5,7 @@
 #include "tools/check/Code.h"
 #include "tools/source/Value.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -25,10 +26,12 @@ struct Finding
 {
     Code code = Code::Empty;
     source::Span where;
-    std::string message; ///< a sentence without a capital and a full stop
-    std::string hint;    ///< what to do: "did you mean 'less'?"; empty when there is none
+    std::size_t file = 0; ///< of a source: which of its files; see `CheckedDocument::parts`
+    std::string message;  ///< a sentence without a capital and a full stop
+    std::string hint;     ///< what to do: "did you mean 'less'?"; empty when there is none
     bool hasOther = false;
-    source::Span other;     ///< a second place, such as that of the first of two equal ids
+    source::Span other; ///< a second place, such as that of the first of two equal ids
+    std::size_t otherFile = 0;
     std::string otherNote;  ///< what is there: "the first is here"
     std::vector<Fix> fixes; ///< what makes it go away; empty unless there is one answer
 };

@@ -15,12 +15,29 @@ namespace vell::check
 /// The path of standard input in findings.
 constexpr const char* kStandardInput = "<stdin>";
 
-/// A document that was checked.
+/// A file that a source includes.
+struct CheckedPart
+{
+    std::string path;
+    std::string bytes;
+};
+
+/// A document that was checked, or a source whose document was.
 struct CheckedDocument
 {
     std::string path; ///< as the user wrote it
     source::Text text;
     Findings findings;
+    std::vector<CheckedPart> parts; ///< of a source: its files 1, 2 and so on; file 0 is `text`
+
+    const std::string& PathOf(std::size_t file) const
+    {
+        return file == 0 ? path : parts[file - 1].path;
+    }
+    const std::string& BytesOf(std::size_t file) const
+    {
+        return file == 0 ? text.bytes : parts[file - 1].bytes;
+    }
 };
 
 using CheckedDocuments = std::vector<CheckedDocument>;

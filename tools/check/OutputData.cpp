@@ -42,11 +42,15 @@ void PutSpan(Writer& writer, const source::Span& span)
     Put(writer, "endColumn", span.end.column);
 }
 
-void PutFinding(Writer& writer, const Finding& finding)
+void PutFinding(Writer& writer, const CheckedDocument& document, const Finding& finding)
 {
     writer.StartObject();
     Put(writer, "code", NameOf(finding.code));
     Put(writer, "severity", NameOf(GetEntry(finding.code).severity));
+    if (finding.file != 0)
+    {
+        Put(writer, "path", source::ToPrintable(document.PathOf(finding.file)));
+    }
     PutSpan(writer, finding.where);
     Put(writer, "message", source::ToPrintable(finding.message));
     if (!finding.hint.empty())
@@ -57,6 +61,10 @@ void PutFinding(Writer& writer, const Finding& finding)
     {
         writer.Key("other");
         writer.StartObject();
+        if (finding.otherFile != 0)
+        {
+            Put(writer, "path", source::ToPrintable(document.PathOf(finding.otherFile)));
+        }
         PutSpan(writer, finding.other);
         Put(writer, "message", source::ToPrintable(finding.otherNote));
         writer.EndObject();
@@ -126,7 +134,7 @@ void PutPhysicalLocation(Writer& writer, const std::string& path, const source::
     writer.EndObject();
 }
 
-void PutResult(Writer& writer, const std::string& path, const Finding& finding,
+void PutResult(Writer& writer, const CheckedDocument& document, const Finding& finding,
                std::uint64_t ruleIndex)
 {
     writer.StartObject();
@@ -137,7 +145,7 @@ void PutResult(Writer& writer, const std::string& path, const Finding& finding,
     writer.Key("locations");
     writer.StartArray();
     writer.StartObject();
-    PutPhysicalLocation(writer, path, finding.where);
+    PutPhysicalLocation(writer, document.PathOf(finding.file), finding.where);
     writer.EndObject();
     writer.EndArray();
     if (finding.hasOther)
@@ -145,7 +153,7 @@ void PutResult(Writer& writer, const std::string& path, const Finding& finding,
         writer.Key("relatedLocations");
         writer.StartArray();
         writer.StartObject();
-        PutPhysicalLocation(writer, path, finding.other);
+        PutPhysicalLocation(writer, document.PathOf(finding.otherFile), finding.other);
         PutText(writer, "message", source::ToPrintable(finding.otherNote));
         writer.EndObject();
         writer.EndArray();
@@ -194,7 +202,7 @@ std::string ToJson(const CheckedDocuments& documents)
         writer.StartArray();
         for (const Finding& finding : document.findings.list)
         {
-            PutFinding(writer, finding);
+            PutFinding(writer, document, finding);
         }
         writer.EndArray();
         writer.EndObject();
@@ -231,7 +239,7 @@ std::string ToSarif(const CheckedDocuments& documents, const std::string& versio
     {
         for (const Finding& finding : document.findings.list)
         {
-            PutResult(writer, document.path, finding, indices[finding.code]);
+            PutResult(writer, document, finding, indices[finding.code]);
         }
     }
     writer.EndArray();

@@ -108,9 +108,9 @@ std::size_t CellsIn(std::string_view text)
 }
 
 /// The line of the document and, below it, a mark.
-std::string ShowPlace(const source::Text& text, const source::Span& span, const Colors& colors)
+std::string ShowPlace(const std::string& bytes, const source::Span& span, const Colors& colors)
 {
-    const std::string line = source::GetLine(text.bytes, span.begin);
+    const std::string line = source::GetLine(bytes, span.begin);
     const std::size_t length = CharactersIn(line);
     const std::size_t at = std::min<std::size_t>(span.begin.column - 1, length);
     const std::size_t first = length <= kWidth || at <= kBefore ? 0 : at - kBefore;
@@ -128,9 +128,9 @@ std::string ShowPlace(const source::Text& text, const source::Span& span, const 
     return all;
 }
 
-std::string PlaceText(const CheckedDocument& document, const source::Place& place)
+std::string PlaceText(const std::string& path, const source::Place& place)
 {
-    return source::ToPrintable(document.path) + ":" + std::to_string(place.line) + ":" +
+    return source::ToPrintable(path) + ":" + std::to_string(place.line) + ":" +
            std::to_string(place.column) + ": ";
 }
 
@@ -174,18 +174,20 @@ std::string ToText(const CheckedDocument& document, bool hasColor)
     {
         const Severity severity = GetEntry(finding.code).severity;
         const Colors colors = ColorsOf(severity, hasColor);
-        all += colors.bold + PlaceText(document, finding.where.begin) + colors.end;
+        all += colors.bold + PlaceText(document.PathOf(finding.file), finding.where.begin) +
+               colors.end;
         all += std::string(colors.severity) + NameOf(severity) + " " + NameOf(finding.code) + ":" +
                colors.end + " ";
         all += source::ToPrintable(finding.message);
         all += finding.hint.empty() ? "\n" : "; " + source::ToPrintable(finding.hint) + "\n";
-        all += ShowPlace(document.text, finding.where, colors);
+        all += ShowPlace(document.BytesOf(finding.file), finding.where, colors);
         if (finding.hasOther)
         {
             const Colors note = ColorsOf(Severity::Note, hasColor);
-            all += note.bold + PlaceText(document, finding.other.begin) + note.end + note.severity +
-                   "note:" + note.end + " " + source::ToPrintable(finding.otherNote) + "\n";
-            all += ShowPlace(document.text, finding.other, note);
+            all += note.bold + PlaceText(document.PathOf(finding.otherFile), finding.other.begin) +
+                   note.end + note.severity + "note:" + note.end + " " +
+                   source::ToPrintable(finding.otherNote) + "\n";
+            all += ShowPlace(document.BytesOf(finding.otherFile), finding.other, note);
         }
     }
     return all;

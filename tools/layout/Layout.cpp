@@ -121,10 +121,26 @@ std::vector<Item> ItemsOf(const Value& container)
     return items;
 }
 
+/// Which layout it is.
+enum class Style : std::uint8_t
+{
+    Document,
+    Source
+};
+
+constexpr std::size_t kWidth = 100;
+
+/// The members of a source that have a line per member of their own.
+bool IsSpreadInSource(const Member& member)
+{
+    return (member.name == "states" || member.name == "parameters") && member.value.IsObject() &&
+           !member.value.members.empty();
+}
+
 class Writer
 {
 public:
-    explicit Writer(const Text& newText) : text(newText)
+    Writer(const Text& newText, Style newStyle) : text(newText), style(newStyle)
     {
     }
 
@@ -257,12 +273,52 @@ private:
             result += Source(value.span);
             return;
         }
-        if (HoldsComment(value) || (!IsEmpty(value) && IsSpread(value, position)))
+        const bool isSpread = style == Style::Source
+                                  ? position == Position::Root || !FitsOnLine(value)
+                                  : IsSpread(value, position);
+        if (HoldsComment(value) || (!IsEmpty(value) && isSpread))
         {
             WriteSpread(value, position, depth);
             return;
         }
         WriteInline(value);
+    }
+
+    /// Tells whether a container of a source has nothing that is spread, and fits behind what is
+    /// on the line already, with a comma.
+    bool FitsOnLine(const Value& container) const
+    {
+        const std::size_t lineBegin = result.rfind('\n') + 1;
+        const std::size_t used = result.size() - lineBegin + 1;
+        std::size_t room = used < kWidth ? kWidth - used : 0;
+        return Fits(container, &room);
+    }
+
+    static bool Take(std::size_t size, std::size_t* room)
+    {
+        const bool isEnough = size <= *room;
+        *room -= isEnough ? size : 0;
+        return isEnough;
+    }
+
+    bool Fits(const Value& value, std::size_t* room) const
+    {
+        if (!IsContainer(value))
+        {
+            return Take(Source(value.span).size(), room);
+        }
+        const std::size_t count = value.members.size() + value.elements.size();
+        bool isFit = Take(count == 0 ? 2 : 2 * count, room); // the brackets, and ", " between
+        for (const Member& member : value.members)
+        {
+            isFit = isFit && !IsSpreadInSource(member) &&
+                    Take(Source(member.nameSpan).size() + 2, room) && Fits(member.value, room);
+        }
+        for (const Value& element : value.elements)
+        {
+            isFit = isFit && Fits(element, room);
+        }
+        return isFit;
     }
 
     void WriteInline(const Value& container)
@@ -279,6 +335,17 @@ private:
         result += container.IsObject() ? '}' : ']';
     }
 
+    /// In a source all positions are the same, but for what is always spread.
+    Position Within(const Item& item, Position position) const
+    {
+        if (style == Style::Document)
+        {
+            return PositionOf(item, position);
+        }
+        return item.member != nullptr && IsSpreadInSource(*item.member) ? Position::Root
+                                                                        : Position::Inner;
+    }
+
     void WriteSpread(const Value& container, Position position, unsigned int depth)
     {
         const std::vector<Item> items = ItemsOf(container);
@@ -292,7 +359,7 @@ private:
             WriteComments(item.Begin(), item.value->span.begin.offset, depth + 1);
             StartLine(item.Begin().line, depth + 1);
             WriteName(item);
-            WriteValue(*item.value, PositionOf(item, position), depth + 1);
+            WriteValue(*item.value, Within(item, position), depth + 1);
             result += i + 1 < items.size() ? "," : "";
             left = item.value->span.end;
         }
@@ -314,6 +381,7 @@ private:
     }
 
     const Text& text;
+    const Style style;
     std::string result;
     std::size_t nextComment = 0;
     Place left;             ///< end of what was written last, in the source
@@ -367,7 +435,12 @@ private:
 
 std::string LayOut(const Text& text)
 {
-    return Writer(text).Write();
+    return Writer(text, Style::Document).Write();
+}
+
+std::string LayOutSource(const Text& text)
+{
+    return Writer(text, Style::Source).Write();
 }
 
 bool IsSame(const Text& left, const Text& right)

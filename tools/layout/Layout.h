@@ -18,6 +18,11 @@ namespace vell::layout
 /// The text must have been read whole; see `Text::isWhole`. The result ends with a line feed.
 std::string LayOut(const source::Text& text);
 
+/// The same in the layout of sources: the root, the parameters and the states have a line per
+/// member, and so has every other object or list that does not fit on a line of 100 columns. All
+/// else is on one line.
+std::string LayOutSource(const source::Text& text);
+
 /// Tells whether two values are the same, member by member in the order of the texts, with their
 /// numbers and strings as written.
 bool IsSame(const source::Text& left, const source::Text& right);

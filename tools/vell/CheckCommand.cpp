@@ -13,6 +13,8 @@
 #include "tools/vell/Color.h"
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/DocumentFiles.h"
+#include "tools/vell/DocumentText.h"
+#include "tools/vell/EitherForm.h"
 #include "tools/vell/Session.h"
 #include "tools/vell/System.h"
 
@@ -159,8 +161,13 @@ private:
                 hasUnread = true;
                 continue;
             }
+            if (author::IsSource(file.path, text.bytes))
+            {
+                AddSource(file, std::move(text.bytes));
+                continue;
+            }
             CheckedDocument document;
-            document.path = file.path == "-" ? check::kStandardInput : file.path;
+            document.path = DocumentName(file.path);
             document.text = source::ReadText(std::move(text.bytes));
             if (!file.isNamed && IsNoMachine(document.text))
             {
@@ -180,6 +187,26 @@ private:
             LeaveOutAllowed(document.findings);
             document.text.root = source::Value(); // Only the bytes are needed to show it.
             documents.push_back(std::move(document));
+        }
+    }
+
+    /// A source that a folder has is left out when others include it: it has no machine.
+    void AddSource(const DocumentFile& file, std::string bytes)
+    {
+        const GivenDocument given = TakeGiven(file.path, std::move(bytes));
+        const source::Value& root = given.compiled.files.front().text.root;
+        if (!file.isNamed && root.IsObject() && root.Find("machine") == nullptr)
+        {
+            return;
+        }
+        if (options.isFix)
+        {
+            session.errors << file.path << ": a source is not fixed\n";
+        }
+        if (!options.isDryRun)
+        {
+            documents.push_back(CheckGiven(given));
+            LeaveOutAllowed(documents.back().findings);
         }
     }
 

@@ -2,9 +2,6 @@
 // tools/vell/CheckFirst.cpp: the check before a document is run, drawn or printed.
 #include "tools/vell/CheckFirst.h"
 
-#include "tools/check/Check.h"
-#include "tools/check/Output.h"
-
 #include <algorithm>
 #include <ostream>
 #include <utility>
@@ -30,13 +27,9 @@ void KeepFrom(Severity lowest, std::vector<Finding>& list)
 
 } // namespace
 
-bool ShowFindings(const std::string& path, const std::string& text, bool showsWarnings,
-                  bool hasColor, std::ostream& errors)
+bool ShowFindings(check::CheckedDocument document, bool showsWarnings, bool hasColor,
+                  std::ostream& errors)
 {
-    check::CheckedDocument document;
-    document.path = path == "-" ? check::kStandardInput : path;
-    document.text = source::ReadText(text);
-    document.findings = check::CheckDocument(document.text);
     KeepFrom(showsWarnings ? Severity::Warning : Severity::Error, document.findings.list);
     errors << check::ToText(document, hasColor);
     if (!document.findings.HasErrors())
@@ -49,10 +42,10 @@ bool ShowFindings(const std::string& path, const std::string& text, bool showsWa
     return false;
 }
 
-bool PassesCheck(const std::string& path, const std::string& text, bool showsWarnings,
-                 bool hasColor, std::ostream& errors)
+bool PassesCheck(check::CheckedDocument document, bool showsWarnings, bool hasColor,
+                 std::ostream& errors)
 {
-    const bool passes = ShowFindings(path, text, showsWarnings, hasColor, errors);
+    const bool passes = ShowFindings(std::move(document), showsWarnings, hasColor, errors);
     errors << (passes ? "" : "use --no-check to go on all the same\n");
     return passes;
 }

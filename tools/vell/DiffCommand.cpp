@@ -8,6 +8,7 @@
 #include "tools/vell/Color.h"
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/DocumentText.h"
+#include "tools/vell/EitherForm.h"
 #include "tools/vell/Session.h"
 
 #include <CLI/CLI.hpp>
@@ -48,12 +49,10 @@ struct DiffOptions
 /// Reads a file once: it may be a pipe.
 int ReadModelOf(Session& session, const std::string& path, diff::DocumentModel* model)
 {
-    std::string bytes;
-    int code = ReadDocumentBytes(session, path, &bytes);
-    if (code == ExitWell && !bytes.empty())
+    source::Text text;
+    const int code = ReadEitherForm(session, path, &text, {}, true); // as the library does
+    if (code == ExitWell && !text.bytes.empty())
     {
-        source::Text text;
-        code = ParseDocument(session, path, std::move(bytes), &text, {}); // as the library does
         *model = diff::ReadModel(text.root);
     }
     return code;

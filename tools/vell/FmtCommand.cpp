@@ -2,6 +2,7 @@
 // tools/vell/FmtCommand.cpp: bringing documents into the one layout.
 #include "tools/vell/FmtCommand.h"
 
+#include "tools/author/Source.h"
 #include "tools/layout/Layout.h"
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/DocumentFiles.h"
@@ -27,9 +28,11 @@ A folder stands for all files *.json in it. - formats standard input to standard
 output.
 
 The layout: one member per line for the root, the head, the skeleton and layers;
-one line per parameter and node. Only white space changes, and trailing commas
-go: the order of members, numbers, escapes, duplicates and comments stay, and
-one blank line between two lines. A file that is not JSON is not touched.
+one line per parameter and node. A source, *.hsm.json, has one member per line
+for the root, the parameters and the states, and for what is too long for one
+line. Only white space changes, and trailing commas go: the order of members,
+numbers, escapes, duplicates and comments stay, and one blank line between two
+lines. A file that is not JSON is not touched.
 
 Exit codes:
   0  success; with --check, every file has the layout
@@ -49,9 +52,9 @@ struct FmtOptions
 
 /// Gives the text in the layout, after reading it back: nothing is written that says something
 /// else.
-bool LayOutSafely(const source::Text& text, std::string* result)
+bool LayOutSafely(const source::Text& text, bool isSource, std::string* result)
 {
-    *result = layout::LayOut(text);
+    *result = isSource ? layout::LayOutSource(text) : layout::LayOut(text);
     source::Options options;
     options.allowComments = true;
     const source::Text again = source::ReadText(*result, options);
@@ -68,7 +71,7 @@ int FormatFile(Session& session, const std::string& path, bool isCheck)
         return code;
     }
     std::string result;
-    if (!LayOutSafely(text, &result))
+    if (!LayOutSafely(text, author::IsSource(path, text.bytes), &result))
     {
         session.errors << DocumentName(path) << ": not formatted: the result would differ\n";
         return ExitFailed;

@@ -2,6 +2,7 @@
 // tools/vell/GraphCommand.cpp: drawing the states and transitions of a document.
 #include "tools/vell/GraphCommand.h"
 
+#include "tools/author/Source.h"
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/Graph.h"
 #include "tools/vell/GraphDot.h"
@@ -56,7 +57,11 @@ std::string CheckDepth(const std::string& text)
 /// The name of the document's file, without its extension.
 std::string DefaultTitle(const std::string& document)
 {
-    return document == "-" ? "machine" : TextOf(PathOf(document).stem());
+    std::string name = TextOf(PathOf(document).filename());
+    const std::size_t extension = name.rfind(author::kSourceExtension);
+    name = extension == std::string::npos ? TextOf(PathOf(document).stem())
+                                          : name.substr(0, extension);
+    return document == "-" ? "machine" : name;
 }
 
 /// Says after which script the states are lit, and where the stacks are.

@@ -165,13 +165,13 @@ std::string ObservedMachine::Load(const std::string& newPath)
     return fault.empty() ? LoadText(newPath, std::move(newText)) : fault;
 }
 
-std::string ObservedMachine::LoadText(const std::string& newPath, std::string newText)
+std::string ObservedMachine::LoadText(const std::string& newPath, std::string newText, bool isMade)
 {
     path = newPath;
     text = std::move(newText);
     const ComplaintCollector collector(complaints);
     std::error_code error;
-    if (std::filesystem::is_regular_file(PathOf(path), error))
+    if (!isMade && std::filesystem::is_regular_file(PathOf(path), error))
     {
         filePath = path.c_str();
     }

@@ -45,7 +45,8 @@ public:
     /// column for invalid JSON. `Complaints` then has the lines of the library's log.
     std::string Load(const std::string& path);
     /// The same, of a document whose text was read.
-    std::string LoadText(const std::string& newPath, std::string newText);
+    /// `isMade` says that the text is not what the file has.
+    std::string LoadText(const std::string& newPath, std::string newText, bool isMade = false);
     /// Tells which nodes of the loaded document the machine does not have; empty when it has all.
     std::string Losses() const;
     /// Enters the start state. Returns an empty text, or an error message when that failed. The

@@ -2,10 +2,13 @@
 // tools/vell/SchemaCommand.cpp: printing the schema of documents.
 #include "tools/vell/SchemaCommand.h"
 
+#include "tools/author/SourceSchema.h"
 #include "tools/check/Schema.h"
 #include "tools/vell/Session.h"
 
 #include <CLI/CLI.hpp>
+
+#include <memory>
 
 namespace vell::tool
 {
@@ -14,19 +17,22 @@ namespace
 
 constexpr const char* kSchemaHelp = R"(
 The JSON Schema (2020-12) lets an editor complete and explain the members of a
-document. In a document, "$schema": "machine.schema.json" names the file.)";
+document, or with --source of a source. In it, "$schema": "machine.schema.json"
+names the file.)";
 
 } // namespace
 
 void AddSchemaCommand(CLI::App& app, Session& session)
 {
-    CLI::App* command =
-        session.AddCommand(app, "schema", "Prints the JSON Schema of documents, for editors",
-                           [&session]
-                           {
-                               return session.Write(check::MakeSchema());
-                           });
+    const auto isOfSources = std::make_shared<bool>(false);
+    CLI::App* command = session.AddCommand(
+        app, "schema", "Prints the JSON Schema of documents, for editors",
+        [&session, isOfSources]
+        {
+            return session.Write(*isOfSources ? author::MakeSourceSchema() : check::MakeSchema());
+        });
     session.AddOutput(*command);
+    command->add_flag("--source", *isOfSources, "Of sources, *.hsm.json");
     command->footer(kSchemaHelp);
 }
 

@@ -5,6 +5,7 @@
 #include "definitions/NodeDefTable.h"
 #include "tools/vell/CheckFirst.h"
 #include "tools/vell/Color.h"
+#include "tools/vell/EitherForm.h"
 #include "tools/vell/LogExplanation.h"
 #include "tools/vell/LogRedirect.h"
 #include "tools/vell/ObservedMachine.h"
@@ -235,6 +236,18 @@ std::unique_ptr<Script> Session::LoadScript()
     return script->errors.empty() ? std::move(script) : nullptr;
 }
 
+bool Session::IsFit(const GivenDocument& given)
+{
+    if (given.isSource && !given.compiled.IsGood())
+    {
+        ShowProblems(*this, given);
+        return false;
+    }
+    const bool hasColor = WantsColor(options.color, isErrorTerminal);
+    return options.noCheck ||
+           PassesCheck(CheckGiven(given), options.showsWarnings, hasColor, errors);
+}
+
 int Session::LoadMachine(ObservedMachine& machine)
 {
     std::string text;
@@ -244,15 +257,12 @@ int Session::LoadMachine(ObservedMachine& machine)
         Complain(fault);
         return ExitUsage;
     }
-    if (!options.noCheck)
+    GivenDocument given = TakeGiven(options.document, std::move(text));
+    if (!IsFit(given))
     {
-        const bool hasColor = WantsColor(options.color, isErrorTerminal);
-        if (!PassesCheck(options.document, text, options.showsWarnings, hasColor, errors))
-        {
-            return ExitFailed;
-        }
+        return ExitFailed;
     }
-    fault = machine.LoadText(options.document, std::move(text));
+    fault = machine.LoadText(options.document, std::move(given.bytes), given.isSource);
     if (!fault.empty())
     {
         Complain(fault + machine.ArenaHint());

@@ -23,6 +23,7 @@ class Option;
 namespace vell::tool
 {
 
+struct GivenDocument;
 class ObservedMachine;
 
 /// The values of the options that several commands have.
@@ -108,6 +109,8 @@ public:
 
 private:
     std::string OverwriteFault() const;
+    /// Shows what is wrong with a document. False when that keeps it from being loaded.
+    bool IsFit(const GivenDocument& given);
     void ReadExplain();
 
     Action action;

@@ -8,6 +8,7 @@
 #include "tools/vell/Color.h"
 #include "tools/vell/CommandLine.h"
 #include "tools/vell/DocumentText.h"
+#include "tools/vell/EitherForm.h"
 #include "tools/vell/HelpText.h"
 #include "tools/vell/Session.h"
 
@@ -42,11 +43,11 @@ int ShowStatistics(Session& session)
     {
         return code;
     }
+    GivenDocument given = TakeGiven(options.document, std::move(bytes));
     const bool hasColor = WantsColor(options.color, session.isErrorTerminal);
-    const bool isSound =
-        options.noCheck ||
-        ShowFindings(options.document, bytes, options.showsWarnings, hasColor, session.errors);
-    source::Text text = source::ReadText(std::move(bytes));
+    const bool isSound = options.noCheck || ShowFindings(CheckGiven(given), options.showsWarnings,
+                                                         hasColor, session.errors);
+    source::Text text = source::ReadText(std::move(given.bytes));
     if (!text.parsed)
     {
         return isSound ? ParseDocument(session, options.document, text.bytes, &text, {})
