@@ -180,6 +180,19 @@ TEST(CompileFiles, SaysWhatIsWrongWithEachKindOfValue)
     }
 }
 
+TEST(CompileFiles, SaysWhichLevelATransitionIntoAnotherHasToName)
+{
+    EXPECT_EQ(FirstProblem(Machine("\"Stand\": {\"go\": [{\"to\": \"Jab\", \"when\": \"sees\"}]}, "
+                                   "\"Fight\": {" +
+                                   std::string(kFight) + "}")),
+              "'Jab' is in 'Fight', and a transition stays in its level; name 'Fight', the level "
+              "around it");
+    EXPECT_EQ(
+        FirstProblem("{\"machine\": \"m\", \"start\": \"In\", \"states\": {\"Out\": {\"start\": "
+                     "\"In\", \"states\": {\"In\": {}}}}}"),
+        "'In' is in 'Out', and a machine starts at the top; name 'Out', the level around it");
+}
+
 TEST(CompileFiles, SaysWhatIsWrongWithAParameterAndTheMachine)
 {
     struct Case
@@ -221,7 +234,7 @@ TEST(CompileFiles, SaysWhatIsWrongWithAParameterAndTheMachine)
     }
 }
 
-TEST(CompileFiles, FindsAStateInItsLevelThenAroundItThenAnywhere)
+TEST(CompileFiles, FindsAStateOfItsLevelAndSaysWhereAnotherIs)
 {
     const auto target = [](const std::string& to)
     {
@@ -245,10 +258,17 @@ TEST(CompileFiles, FindsAStateInItsLevelThenAroundItThenAnywhere)
 
     EXPECT_EQ(target("Y"), "A/Y");
     EXPECT_EQ(target("Near"), "A/Near");
-    EXPECT_EQ(target("/Near"), "Near");
-    EXPECT_EQ(target("B"), "B");
-    EXPECT_EQ(target("B/Y"), "B/Y");
-    EXPECT_EQ(target("Z"), "B/Z");
+    EXPECT_EQ(target("A/Near"), "A/Near");
+    EXPECT_EQ(target("/Near"),
+              "'Near' is at the top, and a transition stays in its level; give the "
+              "transition to the level that it leaves, 'A'\n");
+    EXPECT_EQ(target("B"), "'B' is at the top, and a transition stays in its level; give the "
+                           "transition to the level that it leaves, 'A'\n");
+    EXPECT_EQ(target("Z"),
+              "'Z' is in 'B', and a transition stays in its level; give the transition "
+              "to the level that it leaves, 'A'\n");
+    EXPECT_EQ(target(std::to_string(ParameterId("B"))),
+              "unknown state '" + std::to_string(ParameterId("B")) + "'\n");
     EXPECT_EQ(target("W"), "2 states are named 'W', none of them in this level or around it; write "
                            "'/B/W' or '/C/W'\n");
     EXPECT_EQ(target("B/Q"), "unknown state 'B/Q'; did you mean 'B/Y', 'B/Z' or 'B/W'?\n");

@@ -308,7 +308,7 @@ private:
         const Found start = Find(state.pieces, member);
         if (start && start->IsString())
         {
-            state.start = names.Find(start, state.parent);
+            state.start = FindInLevel(start, state.parent, "what follows is in the same level");
         }
         state.startId = start && !start->IsString() ? start->ReadUInt() : 0;
     }
@@ -359,7 +359,7 @@ private:
         const Found start = Find(machine.root, "start");
         if (start && start->IsString())
         {
-            machine.top.start = names.Find(start, nullptr);
+            machine.top.start = FindInLevel(start, nullptr, "a machine starts at the top");
         }
         machine.top.startId = start && !start->IsString() ? start->ReadUInt() : 0;
         const Found head = Find(machine.root, "head");
@@ -373,13 +373,56 @@ private:
         }
     }
 
+    /// Finds a state of a level. One of another level is reported by the rule that it breaks: the
+    /// machine would run it in this one, where it does not belong.
+    State* FindInLevel(const Found& name, State* level, const char* rule)
+    {
+        State* const found = names.Find(name, level);
+        if (found == nullptr || found->parent == level)
+        {
+            return found;
+        }
+        const std::string there =
+            found->parent == nullptr ? "at the top" : "in '" + found->parent->path + "'";
+        std::string hint;
+        if (IsAround(level, found->parent))
+        {
+            const State* outer = found;
+            while (outer->parent != level)
+            {
+                outer = outer->parent;
+            }
+            hint = "name '" + outer->name + "', the level around it";
+        }
+        else if (level != nullptr)
+        {
+            hint = "give the transition to the level that it leaves, '" + level->path + "'";
+        }
+        machine.problems.AddUnknown(name.Where(),
+                                    "'" + found->name + "' is " + there + ", and " + rule, hint);
+        return nullptr;
+    }
+
+    /// Tells whether `level` is around `inner`; the top is around all.
+    static bool IsAround(const State* level, const State* inner)
+    {
+        for (; inner != nullptr; inner = inner->parent)
+        {
+            if (inner->parent == level)
+            {
+                return true;
+            }
+        }
+        return false;
+    }
+
     void SetTarget(Transition& transition)
     {
         const Found to = Find(transition.pieces, "to");
         if (to && to->IsString())
         {
             State* const level = transition.owner == nullptr ? nullptr : transition.owner->parent;
-            transition.target = names.Find(to, level);
+            transition.target = FindInLevel(to, level, "a transition stays in its level");
         }
         transition.targetId = to && !to->IsString() ? to->ReadUInt() : 0;
         const Piece& piece = transition.pieces.front();

@@ -136,7 +136,7 @@ SourceRules LevelRules()
 SourceRules TransitionRules()
 {
     return {
-        {"to", SourceShape::Name, "The state that it enters: a name, or a path such as Fight/Jab."},
+        {"to", SourceShape::Name, "The state that it enters, of the same level."},
         {"when", SourceShape::Conditions,
          "A condition such as \"distance < 30\", or a list, any one of which is enough. []: only a "
          "trigger of the host fires it."},

@@ -155,8 +155,9 @@ private:
 
     // Nodes.
 
-    /// The name by which a state of `level` finds the node `id`, or else the id.
-    Made NameOf(unsigned int id, const Branch* level) const
+    /// The name by which a state of `level` finds the node `id`, or else the id. A state of another
+    /// level has a name only where one of `isAnywhere` may be meant.
+    Made NameOf(unsigned int id, const Branch* level, bool isAnywhere = false) const
     {
         const Branch* const branch = tree.FindBranch(tree.model.FindNode(id));
         const bool isPlaced = branch != nullptr && branch->node != nullptr &&
@@ -165,7 +166,9 @@ private:
         {
             return Made::Id(id);
         }
-        return Made::Text(branch->parent == level ? branch->key : "/" + branch->path);
+        return branch->parent == level ? Made::Text(branch->key)
+               : isAnywhere            ? Made::Text("/" + branch->path)
+                                       : Made::Id(id);
     }
 
     /// Adds name, id, attributes, script and what was learned.
@@ -267,7 +270,7 @@ private:
         const bool isSeen = IsSeen(branch, kind);
         if (const unsigned int connector = check::ReadId(*node.value, JSON_ExitConnector))
         {
-            kind.Set("exitConnector", NameOf(connector, branch.parent));
+            kind.Set("exitConnector", NameOf(connector, branch.parent, true));
         }
         const std::string builder(check::ReadText(*node.value, JSON_BuilderType));
         if (!isSeen || builder != WordFor(check::Words::Builders, node.builder))
@@ -442,7 +445,9 @@ private:
         Take(value, JSON_TransitionTag, "tag", &Value::IsInteger, &made);
         Take(value, JSON_TransitionTagArgument, "tagArgument", &Value::IsInteger, &made);
         const Branch* const branch = tree.FindBranch(tree.model.FindNode(id));
-        const bool isPlaced = branch != nullptr && branch->node != nullptr;
+        const Branch* const level = owner == nullptr ? nullptr : owner->parent;
+        const bool isPlaced =
+            branch != nullptr && branch->node != nullptr && branch->parent == level;
         const std::string number = std::to_string(id);
         const std::string ownerKey = owner == nullptr ? "Interrupts" : owner->key;
         std::string name = TransitionName(ownerKey, isPlaced ? branch->key : number);

@@ -14,10 +14,9 @@ const CodeTable& SourceCodes()
          "\"Stand\": { \"clip\": \"stand\", \"transitions\": [] }",
          "\"Stand\": { \"clip\": \"stand\", \"go\": [] }"},
         {Code::SourceName, Severity::Error, "a name that a source does not know",
-         "A source refers to states and parameters by their names. A state is looked for in the "
-         "level of the state that names it, then in the levels around it, then everywhere, where "
-         "it "
-         "must be the only one of that name.",
+         "A source refers to states and parameters by their names. A transition stays in its "
+         "level: it names a state beside its own. To leave a level, give the level the transition; "
+         "to enter one, name the level.",
          "\"go\": [{ \"to\": \"Figth\", \"when\": \"sees\" }]",
          "\"go\": [{ \"to\": \"Fight\", \"when\": \"sees\" }]"},
         {Code::SourceCondition, Severity::Error, "a condition that is not one",
