@@ -269,8 +269,9 @@ TEST(CompileFiles, FindsAStateOfItsLevelAndSaysWhereAnotherIs)
               "to the level that it leaves, 'A'\n");
     EXPECT_EQ(target(std::to_string(ParameterId("B"))),
               "unknown state '" + std::to_string(ParameterId("B")) + "'\n");
-    EXPECT_EQ(target("W"), "2 states are named 'W', none of them in this level or around it; write "
-                           "'/B/W' or '/C/W'\n");
+    EXPECT_EQ(target("W"),
+              "'W' is in 'B', and a transition stays in its level; give the transition "
+              "to the level that it leaves, 'A'\n");
     EXPECT_EQ(target("B/Q"), "unknown state 'B/Q'; did you mean 'B/Y', 'B/Z' or 'B/W'?\n");
 }
 

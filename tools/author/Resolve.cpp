@@ -19,8 +19,6 @@ namespace
 using namespace DURMBaseLib;
 using source::Value;
 
-constexpr std::size_t kMostPaths = 3; ///< that a message lists
-
 /// Tells whether `members` give a member of the document, so that the source need not.
 bool IsGiven(const Node& node, __JSONTYPES__ member)
 {
@@ -43,33 +41,14 @@ public:
         }
     }
 
-    /// Finds what `name` means in a level: a state there, in the levels around it, or the only one
-    /// of that name. Reports it when there is none.
-    State* Find(const Found& name, State* level) const
+    /// Finds a state by its name, or by a path from the top such as "/Fight/Jab"; the first of
+    /// several. Null when there is none.
+    State* FindAnywhere(const std::string& name) const
     {
-        const std::string& text = name->text;
-        const std::size_t slash = text.find('/');
-        const std::string first = text.substr(0, slash);
-        const std::string rest = slash == std::string::npos ? "" : text.substr(slash + 1);
-        if (first.empty())
-        {
-            State* const found = Descend(&machine.top, rest);
-            return found != nullptr ? found : Report(name, level);
-        }
-        for (State* around = level;; around = around->parent)
-        {
-            State& inside = around == nullptr ? machine.top : *around;
-            State* const found = Descend(&inside, text);
-            if (found != nullptr)
-            {
-                return found;
-            }
-            if (around == nullptr)
-            {
-                break;
-            }
-        }
-        return FindAnywhere(name, first, rest, level);
+        const std::size_t begin = name.find('/') == 0 ? 1 : 0;
+        const auto all = byName.find(name);
+        State* const found = Descend(&machine.top, name.substr(begin));
+        return found != nullptr || all == byName.end() ? found : all->second.front();
     }
 
     /// Finds a child of a level by its name.
@@ -92,54 +71,7 @@ public:
         return nullptr;
     }
 
-private:
-    static State* Descend(State* level, const std::string& path)
-    {
-        for (std::size_t begin = 0; level != nullptr && begin <= path.size();)
-        {
-            const std::size_t end = std::min(path.find('/', begin), path.size());
-            const auto found =
-                level->byName.find(std::string_view(path).substr(begin, end - begin));
-            level = found == level->byName.end() ? nullptr : found->second;
-            begin = end + 1;
-        }
-        return level;
-    }
-
-    State* FindAnywhere(const Found& name, const std::string& first, const std::string& rest,
-                        State* level) const
-    {
-        std::vector<State*> found;
-        const auto all = byName.find(first);
-        if (all != byName.end())
-        {
-            for (State* state : all->second)
-            {
-                State* const inner = rest.empty() ? state : Descend(state, rest);
-                if (inner != nullptr)
-                {
-                    found.push_back(inner);
-                }
-            }
-        }
-        if (found.size() > 1)
-        {
-            std::string paths;
-            for (std::size_t i = 0; i < found.size() && i < kMostPaths; ++i)
-            {
-                paths += (i == 0 ? "'/" : " or '/") + found[i]->path + "'";
-            }
-            machine.problems.AddUnknown(name.Where(),
-                                        std::to_string(found.size()) + " states are named '" +
-                                            name->text +
-                                            "', none of them in this level or around it",
-                                        "write " + paths);
-            return nullptr;
-        }
-        return found.empty() ? Report(name, level) : found[0];
-    }
-
-    /// Those of the level are proposed first.
+    /// Reports a name that no state has. Those of the level are proposed first.
     State* Report(const Found& name, const State* level) const
     {
         const bool isPath = name->text.find('/') != std::string::npos;
@@ -160,6 +92,20 @@ private:
         }
         machine.problems.AddUnknown(name.Where(), "unknown state '" + name->text + "'", hint);
         return nullptr;
+    }
+
+private:
+    static State* Descend(State* level, const std::string& path)
+    {
+        for (std::size_t begin = 0; level != nullptr && begin <= path.size();)
+        {
+            const std::size_t end = std::min(path.find('/', begin), path.size());
+            const auto found =
+                level->byName.find(std::string_view(path).substr(begin, end - begin));
+            level = found == level->byName.end() ? nullptr : found->second;
+            begin = end + 1;
+        }
+        return level;
     }
 
     Machine& machine;
@@ -271,7 +217,11 @@ private:
         const Found connector = Find(state.pieces, "exitConnector");
         if (connector && connector->IsString())
         {
-            state.exitConnector = names.Find(connector, state.parent);
+            state.exitConnector = names.FindAnywhere(connector->text);
+            if (state.exitConnector == nullptr)
+            {
+                names.Report(connector, state.parent);
+            }
         }
         if (state.builder == BUILDER_Enter || state.builder == BUILDER_Exit)
         {
@@ -377,10 +327,16 @@ private:
     /// machine would run it in this one, where it does not belong.
     State* FindInLevel(const Found& name, State* level, const char* rule)
     {
-        State* const found = names.Find(name, level);
+        const State& around = level == nullptr ? machine.top : *level;
+        const auto own = around.byName.find(name->text);
+        if (own != around.byName.end())
+        {
+            return own->second;
+        }
+        State* const found = names.FindAnywhere(name->text);
         if (found == nullptr || found->parent == level)
         {
-            return found;
+            return found == nullptr ? names.Report(name, level) : found;
         }
         const std::string there =
             found->parent == nullptr ? "at the top" : "in '" + found->parent->path + "'";
