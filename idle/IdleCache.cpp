@@ -109,8 +109,9 @@ void IdleCache::Forget()
 void IdleCache::Prefetch() const
 {
     constexpr std::size_t kUsualStates = 4;
-    vell::Prefetch(this, reinterpret_cast<const char*>(&entries.own) -
-                             reinterpret_cast<const char*>(this));
+    const std::ptrdiff_t head =
+        reinterpret_cast<const char*>(&entries.own) - reinterpret_cast<const char*>(this);
+    vell::Prefetch(this, static_cast<std::size_t>(head));
     vell::Prefetch(entries.begin, kUsualStates * sizeof(Entry));
 }
 
