@@ -446,6 +446,41 @@ TEST(VellDiff, EndsWithZeroWithoutAndOneWithDifferences)
     EXPECT_EQ(other.errors, "");
 }
 
+TEST(VellDiff, TakesNumbersForEqualThatTheLibraryReadsAsEqual)
+{
+    const Folder folder;
+    const std::string sample =
+        tool::ReadWholeFile(std::string(SourceDir()) + "/samples/character.json").bytes;
+    const std::string before = folder.Write("a.json", sample);
+    struct Case
+    {
+        const char* old;
+        const char* now;
+        const char* shown; ///< a piece of what is printed; empty when there is no difference
+    };
+    const std::vector<Case> cases = {
+        {"\"default\": 0.0", "\"default\": 0", ""},
+        {"\"value\": 3.0}", "\"value\": 3}", ""},
+        {"\"3,9\"", "\"3, 9\"", ""},
+        {"\"0,0\"", "\"0, 0\"", ""},
+        {"\"3,9\"", "\"3,8\"", "~ condition combo range \"3,9\" \u2192 combo range \"3,8\""},
+        {"\"default\": 0}", "\"default\": 0.0}", "~ default 0 \u2192 0.0"},
+        {"\"name\": \"combo less\"", "\"name\": \"c2\"", "~ condition name combo less \u2192 c2\n"},
+    };
+    for (const Case& one : cases)
+    {
+        std::string changed = sample;
+        const std::size_t at = changed.find(one.old);
+        ASSERT_NE(at, std::string::npos) << one.old;
+        changed.replace(at, std::string(one.old).size(), one.now);
+
+        const Outcome outcome = CallVell({"diff", before, folder.Write("b.json", changed)});
+
+        EXPECT_EQ(outcome.out.empty(), std::string(one.shown).empty()) << outcome.out;
+        EXPECT_NE(outcome.out.find(one.shown), std::string::npos) << outcome.out;
+    }
+}
+
 TEST(VellDiff, WritesMarkdownForAReview)
 {
     const Folder folder;

@@ -539,7 +539,7 @@ private:
                 details->push_back({Change::Removed, "condition", Shown(left[i], before), ""});
                 continue;
             }
-            details->push_back(ChangedCondition(left[i], right[*partner]));
+            AddChanged(left[i], right[*partner], details);
             added.erase(partner);
         }
         for (const std::size_t i : added)
@@ -558,15 +558,38 @@ private:
         return keys;
     }
 
-    Detail ChangedCondition(const Condition& left, const Condition& right) const
+    void AddChanged(const Condition& left, const Condition& right, Details* details) const
     {
-        Detail detail{Change::Changed, "condition", Shown(left, before), Shown(right, after)};
-        if (detail.before == detail.after)
+        const Detail detail{Change::Changed, "condition", Shown(left, before), Shown(right, after)};
+        if (detail.before != detail.after)
         {
-            detail.before = left.whole;
-            detail.after = right.whole;
+            details->push_back(detail);
+            return;
         }
-        return detail;
+        // They test the same; another member, such as the name, has changed.
+        const std::size_t size = details->size();
+        std::map<std::string, std::string> members = left.members;
+        members.insert(right.members.begin(), right.members.end());
+        for (const auto& member : members)
+        {
+            const std::string& name = member.first;
+            const std::string old = MemberOf(left, name);
+            const std::string now = MemberOf(right, name);
+            if (old != now)
+            {
+                details->push_back({Change::Changed, "condition " + name, old, now});
+            }
+        }
+        if (details->size() == size)
+        {
+            details->push_back({Change::Changed, "condition", left.whole, right.whole});
+        }
+    }
+
+    static std::string MemberOf(const Condition& condition, const std::string& name)
+    {
+        const auto found = condition.members.find(name);
+        return found == condition.members.end() ? "none" : found->second;
     }
 
     static const Attribute* FindAttribute(const std::vector<Attribute>& attributes,

@@ -3,6 +3,7 @@
 #include "tools/diff/DocumentModel.h"
 
 #include <durm/DURMBaseLib.h>
+#include <vell/ConditionDef.h>
 
 #include "tools/source/Value.h"
 
@@ -173,6 +174,23 @@ std::string OneLine(const Value& value, bool isShown)
     return line;
 }
 
+/// A text of numbers, in which blanks do not count.
+std::string WithoutBlanks(const std::string& text)
+{
+    std::string rest;
+    for (const char c : text)
+    {
+        rest += c == ' ' || c == '\t' ? "" : std::string(1, c);
+    }
+    return Quote(rest);
+}
+
+bool IsOfType(const Value& object, __JSONTYPES__ member, int type)
+{
+    const Value* value = Find(object, member);
+    return value != nullptr && value->IsString() && GetParameterName(value->text.c_str()) == type;
+}
+
 /// The first element of an array, when it is an object that has nothing but `member`.
 const Value* OnlyMember(const Value& array, std::string_view member)
 {
@@ -225,6 +243,11 @@ public:
                 continue;
             }
             Property property = ReadProperty(member);
+            if (member.name == GetJsonName(JSON_ParameterDefault) && member.value.IsNumber() &&
+                IsOfType(object, JSON_ParameterType, PARAM_Float))
+            {
+                property.canonical = Double(member.value.number); // read as a float in any case
+            }
             if (occurrence > 1)
             {
                 property.name += " [" + std::to_string(occurrence) + "]";
@@ -265,7 +288,8 @@ private:
         property.name = member.name;
         const Value* vector = OnlyMember(member.value, kVectorData);
         property.shown = OneLine(vector != nullptr ? *vector : member.value, true);
-        property.canonical = OneLine(member.value, false);
+        property.canonical = vector != nullptr && vector->IsString() ? WithoutBlanks(vector->text)
+                                                                     : OneLine(member.value, false);
         if (Contains(kFloats, member.name) && member.value.IsNumber())
         {
             property.canonical = Double(member.value.number);
@@ -302,6 +326,27 @@ const Value* Operand(const Value& condition)
     return value != nullptr ? value : operand;
 }
 
+/// Gives a member of a condition so that equal ones have the same text.
+std::string CanonicalMember(const Value& condition, const Member& member)
+{
+    const Value* operand = Operand(condition);
+    if (operand != nullptr && member.name == GetJsonName(JSON_ConditionValue) &&
+        operand != &member.value)
+    {
+        const bool isRange =
+            GetEvaluationEnum(Text(condition, JSON_ConditionEvaluation).c_str()) == EvaluateInRange;
+        if (operand->IsString() && isRange)
+        {
+            return WithoutBlanks(operand->text);
+        }
+        if (operand->IsNumber() && IsOfType(condition, JSON_ConditionType, PARAM_Float))
+        {
+            return Double(operand->number);
+        }
+    }
+    return OneLine(member.value, false);
+}
+
 Condition ReadCondition(const Value& value)
 {
     Condition condition;
@@ -320,7 +365,10 @@ Condition ReadCondition(const Value& value)
         const bool isParameter =
             member->name == GetJsonName(JSON_ConditionParameter) && member->value.IsInteger();
         condition.canonical += Quote(member->name) + ": ";
-        condition.canonical += isParameter ? "" : OneLine(member->value, false);
+        condition.canonical += isParameter ? "" : CanonicalMember(value, *member);
+        condition.members.emplace(member->name, member->value.IsString()
+                                                    ? member->value.text
+                                                    : OneLine(member->value, true));
     }
     return condition;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -31,9 +32,10 @@ using Properties = std::vector<Property>;
 struct Condition
 {
     unsigned int parameter = 0;
-    std::string comparison; ///< without the parameter: `greater 0.1`
-    std::string canonical;  ///< everything but the parameter's id
-    std::string whole;      ///< as the document has it, on one line
+    std::string comparison;                     ///< without the parameter: `greater 0.1`
+    std::string canonical;                      ///< everything but the parameter's id
+    std::string whole;                          ///< as the document has it, on one line
+    std::map<std::string, std::string> members; ///< as the document has them, without quotes
 };
 
 struct Attribute
