@@ -170,6 +170,15 @@ TEST(VellManual, IsAPageThatTroffTakes)
 
     EXPECT_EQ(text.find("troff:"), std::string::npos) << text;
     EXPECT_NE(text.find("vell - inspects and runs machine documents"), std::string::npos) << text;
+    std::string sections;
+    std::istringstream lines(Shell("groff -man -Tascii -P-cbou " + page + " 2>&1"));
+    for (std::string line; std::getline(lines, line);)
+    {
+        EXPECT_LE(line.size(), 80u) << line;
+        const bool isSection = !line.empty() && line[0] >= 'A' && line[0] <= 'Z';
+        sections += isSection && line.find("VELL") != 0 ? line + "\n" : "";
+    }
+    EXPECT_EQ(sections, "NAME\nSYNOPSIS\nDESCRIPTION\nCOMMANDS\nOPTIONS\nEXAMPLES\nEXIT STATUS\n");
 }
 
 } // namespace vell::test

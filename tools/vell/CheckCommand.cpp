@@ -40,7 +40,7 @@ A DOCUMENT may be a folder, which stands for all files *.json in it, or - for
 standard input. A file of a folder that has no member of a machine document is
 left out, with a note. Each finding is a line such as
 
-  hero.json:12:9: error VELL041: unknown operator 'lesser'; did you mean 'less'?
+  a.json:12:9: error VELL041: unknown operator 'les'; did you mean 'less'?
 
 An error: the library refuses the document or loses a part of it, or a
 reference leads nowhere. A warning: it is accepted, but hardly meant.

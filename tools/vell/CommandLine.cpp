@@ -27,9 +27,9 @@ Examples:
   vell check hero.json                      find what is wrong with it
   vell run hero.json                        show the first ten ticks
   vell run hero.json --script jump.script   drive the machine, and check it
-  vell run hero.json --script - --explain   show why a transition did not fire
+  vell run hero.json --script - --explain   show why nothing fires
   vell graph hero.json --format svg -o hero.svg
-  vell tree hero.json --after jump.script   print parameters, nodes and stacks
+  vell tree hero.json --after jump.script   print the whole machine
   vell context save hero.json --after jump.script -o jump.json
   vell context restore hero.json jump.json  continue from there
   vell diff old.json new.json               show what changed

@@ -25,8 +25,8 @@ A context has both stacks and the last state change, by node id. It does not
 have:
   - parameters: set them with a script after restoring;
   - the blip flags: a restored machine runs its main stack;
-  - the child that each substate had reached: a restored substate pushes its
-    first child in its first tick, above the states that were restored.)";
+  - the child that each substate had reached: a restored substate pushes
+    its first child in its first tick, above the states that were restored.)";
 
 int SaveTheContext(Session& session)
 {

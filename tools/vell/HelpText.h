@@ -8,8 +8,9 @@ namespace vell::tool
 constexpr const char* kScriptHelp = R"(
 A script has one instruction per line. A comment starts with #.
   tick [N]                    run N ticks, or one
-  set NAME VALUE              set a parameter: set speed 1.5, set grounded true,
-                              set stick 0.3,0.8, set stance crouched
+  set NAME VALUE              set a parameter: set speed 1.5,
+                              set grounded true, set stick 0.3,0.8,
+                              set stance crouched
   message NAME                fire a message
   expect stack A/B/C          the names on the stack, from the bottom;
                               - for an empty stack

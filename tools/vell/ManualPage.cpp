@@ -4,6 +4,11 @@
 
 #include "tools/vell/CommandDescription.h"
 
+#include <cstddef>
+#include <sstream>
+#include <string>
+#include <vector>
+
 namespace vell::tool
 {
 namespace
@@ -23,15 +28,72 @@ std::string Escaped(const std::string& text)
     return escaped;
 }
 
-/// A text whose lines stay as they are, from the left edge, so that 80 columns fit a terminal.
-std::string AsTyped(const std::string& text)
+std::vector<std::string> LinesOf(const std::string& text)
 {
-    const std::size_t begin = text.find_first_not_of('\n');
-    const std::size_t end = text.find_last_not_of('\n');
-    return begin == std::string::npos
-               ? ""
-               : ".PP\n.in 0\n.nf\n" + Escaped(text.substr(begin, end - begin + 1)) +
-                     "\n.fi\n.in\n";
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+    {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+/// The lines of a help text: paragraphs are filled, and indented lines stay as they are.
+std::string Body(const std::vector<std::string>& lines)
+{
+    constexpr std::size_t kIndent = 2;
+    std::string text;
+    bool isParagraph = false;
+    bool isBlock = false;
+    for (const std::string& line : lines)
+    {
+        const bool isIndented = !line.empty() && line[0] == ' ';
+        if (isBlock && !isIndented)
+        {
+            text += ".fi\n";
+        }
+        if (isIndented && !isBlock)
+        {
+            text += ".PP\n.nf\n";
+        }
+        else if (!isIndented && !line.empty() && !isParagraph)
+        {
+            text += ".PP\n";
+        }
+        isBlock = isIndented;
+        isParagraph = !isIndented && !line.empty();
+        text += line.empty() ? "" : Escaped(line.substr(isIndented ? kIndent : 0)) + '\n';
+    }
+    return text + (isBlock ? ".fi\n" : "");
+}
+
+/// The program's help text in sections: that behind "Examples:" and that behind "Exit codes:" have
+/// their own by custom.
+std::string Sections(const std::string& footer)
+{
+    std::string text;
+    std::vector<std::string> lines;
+    std::string title = "NOTES";
+    const auto end = [&text, &lines, &title]
+    {
+        const std::string body = Body(lines);
+        text += body.empty() ? "" : ".SH " + title + "\n" + body;
+        lines.clear();
+    };
+    for (const std::string& line : LinesOf(footer))
+    {
+        const bool isExamples = line == "Examples:";
+        if (!isExamples && line != "Exit codes:")
+        {
+            lines.push_back(line);
+            continue;
+        }
+        end();
+        title = isExamples ? "EXAMPLES" : "EXIT STATUS";
+    }
+    end();
+    return text;
 }
 
 std::string Entry(const std::string& left, const std::string& description)
@@ -51,7 +113,7 @@ std::string CommandSection(const CommandDescription& command)
     {
         text += Entry(SignatureOf(option), option.description);
     }
-    return text + AsTyped(command.footer);
+    return text + Body(LinesOf(command.footer));
 }
 
 } // namespace
@@ -77,7 +139,7 @@ std::string ManualPage(const CommandDescription& program, const std::string& ver
     {
         page += Entry(SignatureOf(option), option.description);
     }
-    return page + ".SH NOTES\n" + AsTyped(program.footer);
+    return page + Sections(program.footer);
 }
 
 } // namespace vell::tool

@@ -30,8 +30,8 @@ Times are medians of several runs on this computer, with the log discarded.
 
 Exit codes:
   0  success
-  1  the document has errors, does not load, or loses nodes; what can be counted
-     is printed
+  1  the document has errors, does not load, or loses nodes; what can be
+     counted is printed
   2  invalid command line, or the file cannot be read)";
 
 int ShowStatistics(Session& session)
