@@ -482,6 +482,13 @@ TEST(GraphOptions, AreCheckedOneByOne)
     }
 }
 
+TEST(GraphOptions, LeadTransitionsOfTheGlobalNodeToTheTopWhereThePictureLeadsDown)
+{
+    EXPECT_NE(GraphOf(Walker(), {"--direction", "TB"}).find("n50:row0:_ -> n51:head:n ["),
+              std::string::npos);
+    EXPECT_NE(GraphOf(Walker()).find("n50:row0:_ -> n51:head:_ ["), std::string::npos);
+}
+
 TEST(GraphOptions, SetDirectionAndTitle)
 {
     const Words options{"--direction", "BT", "--title", "The \"walker\""};

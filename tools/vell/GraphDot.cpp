@@ -174,6 +174,16 @@ private:
         return NodeKey(id) + ":head:" + side;
     }
 
+    /// The same of a transition. One of the global node comes from above where the picture leads
+    /// down: between two of its states there is no room for the arrow.
+    std::string HeadOf(const GraphEdge& edge) const
+    {
+        const GraphNode* from = index.Find(edge.from);
+        const bool isFromAbove = direction == "TB" && from != nullptr &&
+                                 from->shape == NodeShape::Global && !IsMark(*index.Find(edge.to));
+        return isFromAbove ? NodeKey(edge.to) + ":head:n" : Head(edge.to);
+    }
+
     struct BoxLook
     {
         Colour ground = kBox;
@@ -280,7 +290,7 @@ private:
             return; // A sign in its row says so.
         }
         text += "    " + NodeKey(edge.from) + ":row" + std::to_string(row) + ":_ -> " +
-                Head(edge.to) + " [color=\"" + EdgeColour(index.ColourNumber(edge.from)).light +
+                HeadOf(edge) + " [color=\"" + EdgeColour(index.ColourNumber(edge.from)).light +
                 "\", tooltip=" + Quoted(TransitionTip(edge)) +
                 (edge.isDisabled || edge.isUnlisted ? ", style=dashed" : "") + "];\n";
     }
