@@ -44,7 +44,8 @@ int ReadNumbers(const char* text, double* numbers, int count)
         char* end = piece + std::strcspn(piece, ",");
         const bool last = *end == '\0';
         *end = '\0';
-        found[i] = std::atof(piece);
+        // As atof, but for C libraries whose atof knows neither infinity nor hexadecimal digits.
+        found[i] = std::strtod(piece, nullptr);
         piece = last ? end : end + 1;
     }
     std::memcpy(numbers, found, static_cast<std::size_t>(count) * sizeof(double));

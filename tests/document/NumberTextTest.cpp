@@ -61,6 +61,13 @@ TEST(NumberText, PassesOverEmptyPieces)
     EXPECT_EQ(Floats(",1,,2,", 2), (Numbers{1.0f, 2.0f}));
 }
 
+TEST(NumberText, ReadsInfinityAndHexadecimalDigitsOnEverySystem)
+{
+    const float infinity = std::numeric_limits<float>::infinity();
+    EXPECT_EQ(Floats("inf,-Infinity,1e39,0x1p4", 4), (Numbers{infinity, -infinity, infinity, 16}));
+    EXPECT_TRUE(std::isnan(Floats("nan,0", 2)[0]));
+}
+
 TEST(NumberText, TakesAPieceThatIsNoNumberAsZero)
 {
     EXPECT_EQ(Floats("one,2", 2), (Numbers{0.0f, 2.0f}));
