@@ -29,7 +29,13 @@ exported_by_dll()
 {
     x86_64-w64-mingw32-objdump --private-headers "$1" |
         sed -nE 's/^\t\[ *[0-9]+\] (\+base\[ *[0-9]+\] +[0-9a-f]+ +)?(\S+)$/\2/p' |
-        x86_64-w64-mingw32-c++filt | LC_ALL=C sort -u
+        x86_64-w64-mingw32-c++filt | one_size | LC_ALL=C sort -u
+}
+
+# std::size_t is another type on Windows.
+one_size()
+{
+    sed 's/unsigned long long/unsigned long/g'
 }
 
 # The classes of ours whose members, virtual tables aside, standard input names.
@@ -49,7 +55,7 @@ for name in VELLLibX64 DURMBaseX64 TesselX64; do
     if ((dll)); then
         library=$1/${name}.dll
         symbols=$(exported_by_dll "${library}")
-        missing=$(LC_ALL=C comm -23 "${list}" - <<<"${symbols}")
+        missing=$(LC_ALL=C comm -23 <(one_size <"${list}" | LC_ALL=C sort -u) - <<<"${symbols}")
         more=$(LC_ALL=C comm -13 <(classes <"${list}") <(classes <<<"${symbols}"))
         if [[ -n "${missing}${more}" ]]; then
             printf '%s\nmissing: %s\nclasses that are not listed: %s\n' "${library}" "${missing}" "${more}" >&2
