@@ -38,7 +38,8 @@ using check::CheckedDocuments;
 constexpr const char* kCheckHelp = R"(
 A DOCUMENT may be a folder, which stands for all files *.json in it, or - for
 standard input. A file of a folder that has no member of a machine document is
-left out, with a note. Each finding is a line such as
+left out, with a note. A source, *.hsm.json, is checked with the files that it
+includes. Each finding is a line such as
 
   a.json:12:9: error VELL041: unknown operator 'les'; did you mean 'less'?
 
@@ -144,20 +145,26 @@ private:
         return ExitWell;
     }
 
+    /// Reads a file. False, with an error, when that fails.
+    bool Read(const DocumentFile& file, FileText* text)
+    {
+        *text = file.fault.empty() ? ReadWholeFile(file.path) : FileText();
+        const bool isRead = file.fault.empty() && text->error.empty();
+        if (!isRead)
+        {
+            session.errors << (file.fault.empty() ? CannotRead(file.path, text->error) : file.fault)
+                           << '\n';
+        }
+        return isRead;
+    }
+
     void CheckAll()
     {
         for (const DocumentFile& file : FindDocuments(options.paths))
         {
-            if (!file.fault.empty())
+            FileText text;
+            if (!Read(file, &text))
             {
-                session.errors << file.fault << '\n';
-                hasUnread = true;
-                continue;
-            }
-            FileText text = ReadWholeFile(file.path);
-            if (!text.error.empty())
-            {
-                session.errors << CannotRead(file.path, text.error) << '\n';
                 hasUnread = true;
                 continue;
             }
@@ -190,7 +197,7 @@ private:
         }
     }
 
-    /// A source that a folder has is left out when others include it: it has no machine.
+    /// A source without a machine, in a folder, is checked with those that include it.
     void AddSource(const DocumentFile& file, std::string bytes)
     {
         const GivenDocument given = TakeGiven(file.path, std::move(bytes));

@@ -44,6 +44,11 @@ int ShowStatistics(Session& session)
         return code;
     }
     GivenDocument given = TakeGiven(options.document, std::move(bytes));
+    if (given.isSource && !given.compiled.IsGood())
+    {
+        ShowProblems(session, given);
+        return ExitFailed;
+    }
     const bool hasColor = WantsColor(options.color, session.isErrorTerminal);
     const bool isSound = options.noCheck || ShowFindings(CheckGiven(given), options.showsWarnings,
                                                          hasColor, session.errors);
