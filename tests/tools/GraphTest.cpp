@@ -489,6 +489,31 @@ TEST(GraphOptions, LeadTransitionsOfTheGlobalNodeToTheTopWhereThePictureLeadsDow
     EXPECT_NE(GraphOf(Walker()).find("n50:row0:_ -> n51:head:_ ["), std::string::npos);
 }
 
+TEST(GraphDot, LeadsRowsToTheSideWhereThePictureDoes)
+{
+    // Below the last row is another, or its edge could leave from the bottom of the box.
+    const std::string foot = "<TR><TD HEIGHT=\"1\" CELLPADDING=\"0\"></TD></TR>";
+
+    EXPECT_NE(GraphOf(Walker(), {"--direction", "LR"}).find(foot), std::string::npos);
+    EXPECT_NE(GraphOf(Walker(), {"--direction", "RL"}).find(foot), std::string::npos);
+    EXPECT_EQ(GraphOf(Walker(), {"--direction", "TB"}).find(foot), std::string::npos);
+}
+
+TEST(GraphDot, LeavesMoreRoomBetweenTheRanksOfAPictureWithManyEdges)
+{
+    DocumentBuilder builder;
+    std::vector<unsigned int> transitions;
+    for (unsigned int id = 100; id < 141; ++id)
+    {
+        transitions.push_back(id);
+        builder.Node(Transition("T", id, 10, 11));
+    }
+    builder.Start(10).Node(Generic("A", 10, transitions)).Node(Generic("B", 11));
+
+    EXPECT_NE(GraphOf(builder).find("ranksep=1.1,"), std::string::npos);
+    EXPECT_NE(GraphOf(Walker()).find("ranksep=0.7,"), std::string::npos);
+}
+
 TEST(GraphOptions, SetDirectionAndTitle)
 {
     const Words options{"--direction", "BT", "--title", "The \"walker\""};

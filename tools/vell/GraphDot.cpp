@@ -60,8 +60,8 @@ private:
         text = "digraph " + Quoted(graph.title.empty() ? "machine" : graph.title) +
                " {\n"
                "    graph [rankdir=" +
-               direction + ", nodesep=0.3, ranksep=0.7, pad=0.2, bgcolor=\"" + kGround.light +
-               "\", " + fonts +
+               direction + ", nodesep=0.3, ranksep=" + RankDistance() + ", pad=0.2, bgcolor=\"" +
+               kGround.light + "\", " + fonts +
                "];\n"
                "    graph [labelloc=b, labeljust=l, tooltip=\" \", label=<" +
                LegendMarkup(graph, index) +
@@ -156,6 +156,13 @@ private:
             AddNode(inner, depth + 1);
         }
         text += Indent(depth) + "}\n";
+    }
+
+    /// Many edges need room between the ranks, or they run into one another there.
+    std::string RankDistance() const
+    {
+        constexpr std::size_t kManyEdges = 40;
+        return graph.edges.size() > kManyEdges ? "1.1" : "0.7";
     }
 
     /// Gives the end of an edge that leads to a node. The arrow out of an open level's dot takes
@@ -255,7 +262,11 @@ private:
             const bool isLit = node.light != NodeLight::None;
             markup += indent + RowMarkup(*edge, row++, isFaint && !isLit ? kFaintInk : look.ink);
         }
-        return markup + indent + "</TABLE>\n";
+        // Where the picture leads to a side, so does each row. With nothing below it, the edge of
+        // the last one could leave from the bottom of the box.
+        const bool hasFoot = row != 0 && (direction == "LR" || direction == "RL");
+        const char* const foot = "<TR><TD HEIGHT=\"1\" CELLPADDING=\"0\"></TD></TR>\n";
+        return markup + (hasFoot ? indent + foot : "") + indent + "</TABLE>\n";
     }
 
     static std::string RowMarkup(const GraphEdge& edge, std::size_t row, const Colour& ink)
