@@ -164,6 +164,31 @@ TEST(CheckCauses, AWrongIdOfAParameterIsOneFinding)
     });
 }
 
+TEST(CheckCauses, WhatIsOutOfReachBecauseOfAGlobalNodeOrAnEndIsNotTold)
+{
+    ExpectFound({
+        {"Interruptions",
+         R"("builder": "global")",
+         R"("builder": "generic")",
+         {"91:15: warning VELL097: 'global' has no node with the builder 'global', so nothing "
+          "interrupts the machine"}},
+        {"Interruptions",
+         R"("children": [5001, 5002]})",
+         R"("children": [5001, 5002]}, {"name": "Others", "id": 5999, "builder": "global"})",
+         {"92:18: warning VELL096: global node 'Interruptions' (5000) has no effect: of several "
+          "global nodes the last counts",
+          "  92:119: a later one"}},
+        {"Locomotion",
+         R"("enter": 1001)",
+         R"("enter": 2001)",
+         {"48:65: warning VELL086: enter node 'CombatEnter' (2001) is the enter node of "
+          "'Locomotion' (1000), but its parentId is 2000",
+          "  29:125: named here",
+          "50:59: warning VELL080: state 'Guard' (2010) runs in 'Locomotion' (1000), but its "
+          "parentId is 2000, so 'Locomotion' (1000) does not resume it; parentId should be 1000"}},
+    });
+}
+
 TEST(CheckCauses, NodesInThePlaceOfLayersAreOneFinding)
 {
     std::string text = ReadDocument("samples/locomotion.json");

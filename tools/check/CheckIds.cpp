@@ -109,9 +109,11 @@ VainTests CountVainTests(const DocumentModel& model)
     {
         for (const ConditionModel& condition : node.conditions)
         {
-            const bool isVain = condition.parameter == nullptr &&
-                                model.FindMisnumbered(condition.parameterId) != nullptr;
-            tests[condition.parameterId] += isVain ? 1 : 0;
+            if (condition.parameter == nullptr &&
+                model.FindMisnumbered(condition.parameterId) != nullptr)
+            {
+                ++tests[condition.parameterId];
+            }
         }
     }
     return tests;

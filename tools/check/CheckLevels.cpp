@@ -36,6 +36,10 @@ bool IsSubstate(const NodeModel& node)
 /// An id that the list has twice.
 void CheckTwice(const NodeModel& node, Findings& findings)
 {
+    if (node.children.size() < 2)
+    {
+        return;
+    }
     std::unordered_map<unsigned int, const Value*> firsts;
     for (const ChildModel& child : node.children)
     {

@@ -246,13 +246,17 @@ void CheckBlips(const DocumentModel& model, Findings& findings)
     }
 }
 
-/// Where the machine stays at an enter or global node, much is out of reach because of that.
-bool HasEndThatRuns(const Findings& findings)
+/// Where the machine stays at an enter or global node, where no global node counts or another than
+/// was meant, and where two substates share an end, much is out of reach because of that.
+bool HasCauseOfUnreached(const Findings& findings)
 {
     return std::any_of(findings.list.begin(), findings.list.end(),
                        [](const Finding& finding)
                        {
-                           return finding.code == Code::EndRunsAsState;
+                           return finding.code == Code::EndRunsAsState ||
+                                  finding.code == Code::NoGlobalNode ||
+                                  finding.code == Code::SecondGlobalNode ||
+                                  finding.code == Code::EndOfOtherLevel;
                        });
 }
 
@@ -262,7 +266,7 @@ void CheckReach(const DocumentModel& model, Findings& findings)
 {
     CheckBlips(model, findings);
     // What does not lead where it should leaves much out of reach; that is told first.
-    if (model.start == nullptr || findings.HasErrors() || HasEndThatRuns(findings))
+    if (model.start == nullptr || findings.HasErrors() || HasCauseOfUnreached(findings))
     {
         return;
     }
