@@ -450,7 +450,7 @@ TEST(VellDiff, TakesNumbersForEqualThatTheLibraryReadsAsEqual)
 {
     const Folder folder;
     const std::string sample =
-        tool::ReadWholeFile(std::string(SourceDir()) + "/samples/character.json").bytes;
+        tool::ReadWholeFile(std::string(SourceDir()) + "/tests/data/character.json").bytes;
     const std::string before = folder.Write("a.json", sample);
     struct Case
     {
