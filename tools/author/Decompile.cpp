@@ -78,6 +78,7 @@ std::vector<Made> SortedNodes(const source::Text& text, bool isGlobal)
                          return left.first < right.first;
                      });
     std::vector<Made> sorted;
+    sorted.reserve(nodes.size());
     for (auto& [key, made] : nodes)
     {
         sorted.push_back(std::move(made));

@@ -400,7 +400,7 @@ private:
 
     Literal ReadBound(const std::string& place)
     {
-        const Literal bound = ReadLiteral(place);
+        Literal bound = ReadLiteral(place);
         if (!HasFailed() && bound.kind != Literal::Kind::Number)
         {
             FailAt(bound.begin, bound.end, "a range has two numbers, such as 5..10");

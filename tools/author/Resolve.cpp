@@ -344,9 +344,10 @@ private:
         if (IsAround(level, found->parent))
         {
             const State* outer = found;
-            while (outer->parent != level)
+            for (const State* next = outer->parent; next != level && next != nullptr;
+                 next = next->parent)
             {
-                outer = outer->parent;
+                outer = next;
             }
             hint = "name '" + outer->name + "', the level around it";
         }
