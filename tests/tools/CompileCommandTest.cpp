@@ -203,7 +203,15 @@ TEST(VellSource, IsNotFixed)
 
 TEST(VellSource, IsReadFromStandardInput)
 {
-    const StandardInput input(kSource);
+    const Folder folder;
+    folder.Write("a.json", Walker().Text());
+    const std::string source = CallVellAsIs({"decompile", folder.PathOf("a.json")}).out;
+    {
+        const StandardInput input(source);
+        const Outcome outcome = CallVellAsIs({"compile", "--no-check", "-"});
+        EXPECT_EQ(outcome.code, 0) << outcome.errors << source;
+    }
+    const StandardInput input(std::string(kSource).insert(2, "\"layers\": [\"Body\"],"));
 
     const Outcome outcome = CallVellAsIs({"compile", "-"});
 

@@ -125,6 +125,8 @@ TEST(VellDecompile, RefusesWhatIsNoDocument)
     EXPECT_EQ(CallVellAsIs({"decompile", folder.Write("a.json", "[1]")}).code, 1);
     EXPECT_EQ(CallVellAsIs({"decompile", folder.Write("b.json", "{")}).code, 1);
     EXPECT_EQ(CallVellAsIs({"decompile", folder.PathOf("none.json")}).code, 2);
+    const std::string source = folder.Write("a.hsm.json", SourceWith(""));
+    EXPECT_EQ(CallVellAsIs({"decompile", source}).errors, source + ": it is a source already\n");
 }
 
 TEST(VellFmt, GivesASourceALinePerStateAndLeavesItsMeaning)

@@ -2,8 +2,6 @@
 // tools/author/Source.cpp: places within texts, and the collection of problems.
 #include "tools/author/Source.h"
 
-#include <durm/DURMBaseLib.h>
-
 #include "tools/source/Cursor.h"
 
 #include <cctype>
@@ -104,13 +102,8 @@ bool IsSource(const std::string& path, const std::string& bytes)
     {
         return false;
     }
-    const source::Text text = source::ReadText(bytes, kSourceOptions);
-    const auto has = [&text](const char* name)
-    {
-        return text.root.Find(name) != nullptr;
-    };
-    return text.root.IsObject() && (has("machine") || has("states")) &&
-           !has(DURMBaseLib::GetJsonName(DURMBaseLib::JSON_Layers));
+    const source::Value root = source::ReadText(bytes, kSourceOptions).root;
+    return root.Find("machine") != nullptr || root.Find("states") != nullptr;
 }
 
 check::Finding& Problems::Add(const Origin& where, std::string message, std::string hint,

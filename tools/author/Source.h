@@ -16,8 +16,7 @@ namespace vell::author
 /// The extension of a source.
 constexpr const char* kSourceExtension = ".hsm.json";
 
-/// Tells whether a file is a source, by its name; for standard input, "-", and other names by what
-/// is in it: a source has no head.
+/// Tells whether a file is a source: by its name or, for standard input, "-", by its members.
 bool IsSource(const std::string& path, const std::string& bytes);
 
 /// A place in one of the files of a source.

@@ -13,6 +13,7 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <utility>
 
 namespace vell::tool
 {
@@ -43,21 +44,27 @@ struct DecompileChoice
 
 int DecompileDocument(Session& session, const DecompileChoice& choice)
 {
+    const std::string& path = session.options.document;
+    std::string document;
+    int code = ReadDocumentBytes(session, path, &document);
+    if (code == ExitWell && author::IsSource(path, document))
+    {
+        session.errors << DocumentName(path) << ": it is a source already\n";
+        return ExitFailed;
+    }
     source::Text text;
-    const int code = ReadDocumentText(session, session.options.document, &text, {});
+    code = code == ExitWell ? ParseDocument(session, path, std::move(document), &text, {}) : code;
     if (code != ExitWell)
     {
         return code;
     }
     author::DecompileOptions options;
     options.isTidy = choice.isTidy;
-    options.name = session.options.document == "-"
-                       ? "machine"
-                       : TextOf(PathOf(session.options.document).stem());
+    options.name = path == "-" ? "machine" : TextOf(PathOf(path).stem());
     const std::string bytes = author::Decompile(text, options);
     if (bytes.empty())
     {
-        session.errors << DocumentName(session.options.document) << ": not a document\n";
+        session.errors << DocumentName(path) << ": not a document\n";
         return ExitFailed;
     }
     return session.Write(bytes);
