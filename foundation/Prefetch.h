@@ -9,8 +9,8 @@ namespace vell
 
 constexpr std::size_t kCacheLine = 64;
 
-/// Asks for the cache lines of the `size` bytes at `begin`, and does not wait. Any address is
-/// allowed.
+/// Asks for the cache lines of the `size` bytes at `begin`, or for the first only, by a size of 1;
+/// and does not wait. Any address is allowed.
 inline void Prefetch([[maybe_unused]] const void* begin, [[maybe_unused]] std::size_t size)
 {
 #if defined(__GNUC__)

@@ -59,6 +59,6 @@ struct Asking
 // library statically.
 Tessel::SlotOperations slotOperations{FindNothing, Refuse, Refuse, Refuse, Refuse, Refuse};
 
-static const Asking asking;
+static const Asking kAsking;
 
 } // namespace vell

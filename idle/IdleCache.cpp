@@ -127,7 +127,7 @@ void IdleCache::PrefetchStates() const
     {
         if (entries.begin[i].substate != nullptr)
         {
-            vell::Prefetch(&entries.begin[i].substate->currentChild, sizeof(SMState*));
+            vell::Prefetch(&entries.begin[i].substate->currentChild, 1);
         }
     }
 }

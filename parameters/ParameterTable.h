@@ -93,7 +93,7 @@ public:
     void Prefetch() const
     {
         vell::Prefetch(&values, sizeof(values));
-        vell::Prefetch(&resetting, sizeof(resetting));
+        vell::Prefetch(&resetting, 1);
     }
 
     /// Finds the parameters to be reset again, after one of them was assigned.

@@ -7,6 +7,7 @@
 #include "tests/fuzz/GrammarDocument.h"
 #include "tests/introspection/RichDocument.h"
 #include "tests/model/ModelCase.h"
+#include "tests/support/Sanitizer.h"
 #include "tests/support/SourceDir.h"
 #include "tools/author/Compile.h"
 #include "tools/author/Decompile.h"
@@ -31,7 +32,7 @@ constexpr int kSoundOfTen = 8; ///< of ten documents; the others are of the mode
 
 int DocumentCount()
 {
-    return CountFromEnvironment("VELL_SOURCE_DOCUMENTS", 1000);
+    return CountFromEnvironment("VELL_SOURCE_DOCUMENTS", kIsSanitized ? 200 : 1000);
 }
 
 std::string GrammarText(std::mt19937& random)

@@ -18,7 +18,7 @@ constexpr std::size_t kLineLength = 48;
 /// Cuts a text that is too long for a box; the tool tip has all of it.
 std::string Shortened(const std::string& text)
 {
-    const std::string whole = source::ToPrintableLines(text);
+    std::string whole = source::ToPrintableLines(text);
     source::Cursor cursor(whole);
     for (std::size_t count = 0; !cursor.AtEnd(); ++count)
     {
