@@ -11,6 +11,7 @@
 #include <rapidjson/stringbuffer.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <string>
 
@@ -73,7 +74,7 @@ std::string Spread(const std::string& bytes)
     return std::string(buffer.GetString(), buffer.GetSize()) + "\n";
 }
 
-long LinesOf(const std::string& text)
+std::ptrdiff_t LinesOf(const std::string& text)
 {
     return std::count(text.begin(), text.end(), '\n');
 }
@@ -86,12 +87,12 @@ TEST(TutorialDoc, EndsWithAGuardOfFewLinesForADocumentOfMany)
     ASSERT_GE(sources.size(), 6u);
 
     const author::Compiled compiled = CompilePage(sources.back());
-    const long sourceLines = LinesOf(sources.back());
-    const long documentLines = LinesOf(Spread(compiled.bytes));
+    const std::ptrdiff_t sourceLines = LinesOf(sources.back());
+    const std::ptrdiff_t documentLines = LinesOf(Spread(compiled.bytes));
 
     EXPECT_TRUE(compiled.IsGood());
     EXPECT_EQ(check::ToText(author::CheckSource("guard.hsm.json", compiled), false), "");
-    std::printf("the guard: %ld lines of source, %ld of the document\n", sourceLines,
+    std::printf("the guard: %td lines of source, %td of the document\n", sourceLines,
                 documentLines);
     EXPECT_LE(sourceLines, 40);
     EXPECT_GE(documentLines, 150);
