@@ -81,7 +81,7 @@ std::string Quoted(const std::string& text)
     return quoted + "'";
 }
 
-/// A text in a zsh specification: brackets and colons are marks there.
+/// A text in what zsh is told of an option: brackets and colons are marks there.
 std::string ZshText(const std::string& text)
 {
     std::string escaped;
