@@ -2,9 +2,8 @@
 // tests/author/RoundTripTest.cpp: a document, its source, and the document of that.
 #include "tests/author/Life.h"
 #include "tests/author/SoundDocument.h"
+#include "tests/check/RandomDocuments.h"
 #include "tests/check/Truth.h"
-#include "tests/fuzz/Bytes.h"
-#include "tests/fuzz/GrammarDocument.h"
 #include "tests/introspection/RichDocument.h"
 #include "tests/model/ModelCase.h"
 #include "tests/support/Sanitizer.h"
@@ -27,25 +26,7 @@ namespace vell::test
 namespace
 {
 
-constexpr int kShards = 8;
 constexpr int kSoundOfTen = 8; ///< of ten documents; the others are of the model and the grammar
-
-int DocumentCount()
-{
-    return CountFromEnvironment("VELL_SOURCE_DOCUMENTS", kIsSanitized ? 200 : 1000);
-}
-
-std::string GrammarText(std::mt19937& random)
-{
-    std::vector<unsigned char> bytes(3000);
-    std::generate(bytes.begin(), bytes.end(),
-                  [&random]
-                  {
-                      return static_cast<unsigned char>(random());
-                  });
-    fuzz::Bytes decisions(bytes.data(), bytes.size());
-    return fuzz::GrammarDocument(decisions);
-}
 
 std::string MakeDocument(int number)
 {
@@ -53,7 +34,7 @@ std::string MakeDocument(int number)
     const auto seed = static_cast<unsigned int>(number);
     return number % 10 < kSoundOfTen    ? SoundDocument(seed)
            : number % 10 == kSoundOfTen ? model::WriteDocument(model::MakeCase(seed).document)
-                                        : GrammarText(random);
+                                        : RandomGrammarText(random);
 }
 
 std::string CompileSource(const std::string& bytes, std::string* problems)
@@ -131,12 +112,11 @@ class RandomRoundTrip : public testing::TestWithParam<int>
 // VELL_SOURCE_DOCUMENT=NUMBER runs that one alone.
 TEST_P(RandomRoundTrip, GivesADocumentThatDoesTheSame)
 {
-    const int only = CountFromEnvironment("VELL_SOURCE_DOCUMENT", -1);
-    const int first = only < 0 ? GetParam() : only;
-    const int end = only < 0 ? DocumentCount() : only + 1;
+    const RandomShare share("VELL_SOURCE_DOCUMENT", kIsSanitized ? 200 : 1000, GetParam());
     int failures = 0;
     int valid = 0;
-    for (int number = first; number < end && failures < 3; number += kShards)
+    for (int number = share.first; number < share.end && failures < 3;
+         number += RandomShare::kCount)
     {
         const std::string document = MakeDocument(number);
         const source::Text text = source::ReadText(document);
@@ -150,8 +130,8 @@ TEST_P(RandomRoundTrip, GivesADocumentThatDoesTheSame)
         failures += fault.empty() ? 0 : 1;
         EXPECT_EQ(fault, "") << "document " << number << "\n" << document;
     }
-    EXPECT_TRUE(only >= 0 || valid * kShards > DocumentCount() / 2) << valid;
-    EXPECT_TRUE(only >= 0 || secondTimes > 0);
+    EXPECT_TRUE(share.isOnlyOne || valid * RandomShare::kCount > share.documentCount / 2) << valid;
+    EXPECT_TRUE(share.isOnlyOne || secondTimes > 0);
 }
 
 TEST(RoundTrip, HoldsForTheSamples)
@@ -194,7 +174,7 @@ TEST(RoundTrip, HoldsForDocumentsThatAreWrong)
     for (int number = 0; number < 400; ++number)
     {
         std::mt19937 random(static_cast<unsigned int>(number));
-        const std::string document = GrammarText(random);
+        const std::string document = RandomGrammarText(random);
         const source::Text text = source::ReadText(document);
         if (!text.isWhole || !text.root.IsObject())
         {
@@ -217,6 +197,6 @@ TEST(RoundTrip, HoldsForDocumentsThatAreWrong)
     EXPECT_GT(parsed, 100);
 }
 
-INSTANTIATE_TEST_SUITE_P(Shards, RandomRoundTrip, testing::Range(0, kShards));
+INSTANTIATE_TEST_SUITE_P(Shards, RandomRoundTrip, testing::Range(0, RandomShare::kCount));
 
 } // namespace vell::test

@@ -12,7 +12,6 @@
 #include "tools/vell/LogRedirect.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 
 namespace vell::test
@@ -132,12 +131,6 @@ std::string Compare(const Loaded& loaded, const Checked& checked)
                (loaded.errors.empty() ? std::string("Init fails") : loaded.errors.front());
     }
     return "";
-}
-
-int CountFromEnvironment(const char* name, int otherwise)
-{
-    const char* text = std::getenv(name);
-    return text == nullptr ? otherwise : std::atoi(text);
 }
 
 } // namespace vell::test

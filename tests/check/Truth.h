@@ -50,7 +50,4 @@ struct Checked
 /// - Without a finding that is an error, `Init` succeeds and the log has no error.
 std::string Compare(const Loaded& loaded, const Checked& checked);
 
-/// Gives a number from the environment, or `otherwise`.
-int CountFromEnvironment(const char* name, int otherwise);
-
 } // namespace vell::test

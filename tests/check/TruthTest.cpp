@@ -3,6 +3,7 @@
 #include "tests/check/Truth.h"
 
 #include "tests/check/Mutation.h"
+#include "tests/check/RandomDocuments.h"
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/GrammarDocument.h"
 #include "tests/model/ModelCase.h"
@@ -23,16 +24,10 @@ namespace vell::test
 namespace
 {
 
-constexpr int kShards = 8;
 /// So many of ten documents come from the fuzzers' grammar, the others from the model's and the
 /// samples, with one mistake more.
 constexpr int kGrammarOfTen = 4;
 constexpr int kModelOfTen = 2;
-
-int DocumentCount()
-{
-    return CountFromEnvironment("VELL_CHECK_DOCUMENTS", 10000);
-}
 
 std::string ReadFile(const std::filesystem::path& path)
 {
@@ -43,18 +38,6 @@ std::string ReadFile(const std::filesystem::path& path)
 std::string ReadSample(const std::string& name)
 {
     return ReadFile(std::string(SourceDir()) + "/samples/" + name);
-}
-
-std::string GrammarText(std::mt19937& random)
-{
-    std::vector<unsigned char> bytes(3000);
-    std::generate(bytes.begin(), bytes.end(),
-                  [&random]
-                  {
-                      return static_cast<unsigned char>(random());
-                  });
-    fuzz::Bytes decisions(bytes.data(), bytes.size());
-    return fuzz::GrammarDocument(decisions);
 }
 
 /// A document, and where the mistake is, if that is known.
@@ -71,7 +54,7 @@ Document MakeDocument(int number)
     const int kind = number % 10;
     if (kind < kGrammarOfTen)
     {
-        return {GrammarText(random), {}, false};
+        return {RandomGrammarText(random), {}, false};
     }
     if (kind < kGrammarOfTen + kModelOfTen)
     {
@@ -94,11 +77,10 @@ class RandomTruth : public testing::TestWithParam<int>
 // A counterexample is shown with its number: VELL_CHECK_DOCUMENT=NUMBER checks that one alone.
 TEST_P(RandomTruth, HoldsForRandomDocuments)
 {
-    const int only = CountFromEnvironment("VELL_CHECK_DOCUMENT", -1);
-    const int first = only < 0 ? GetParam() : only;
-    const int end = only < 0 ? DocumentCount() : only + 1;
+    const RandomShare share("VELL_CHECK_DOCUMENT", 10000, GetParam());
     int failures = 0;
-    for (int number = first; number < end && failures < 5; number += kShards)
+    for (int number = share.first; number < share.end && failures < 5;
+         number += RandomShare::kCount)
     {
         const Document document = MakeDocument(number);
         const Loaded loaded = Load(document.text);
@@ -109,7 +91,7 @@ TEST_P(RandomTruth, HoldsForRandomDocuments)
         untrue += isMisplaced ? "no finding is where the mistake is" : "";
         failures += untrue.empty() ? 0 : 1;
         EXPECT_EQ(untrue, "") << "document " << number << "\n"
-                              << checked.Lines() << (only < 0 ? "" : document.text);
+                              << checked.Lines() << (share.isOnlyOne ? document.text : "");
     }
 }
 
@@ -135,6 +117,6 @@ TEST(CheckTruth, HoldsForTheDocumentsOfTheFuzzers)
     EXPECT_GT(count, 30);
 }
 
-INSTANTIATE_TEST_SUITE_P(Shards, RandomTruth, testing::Range(0, kShards));
+INSTANTIATE_TEST_SUITE_P(Shards, RandomTruth, testing::Range(0, RandomShare::kCount));
 
 } // namespace vell::test

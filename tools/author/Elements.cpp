@@ -431,19 +431,8 @@ std::vector<std::string> NumbersIn(const std::string& text)
     return numbers;
 }
 
-void AddMembers(const Machine& machine, const std::vector<Piece>& pieces, Made* object)
+void SetAll(const Machine& machine, const Found& members, Made* object)
 {
-    const Found comment = Find(pieces, check::kCommentMember);
-    if (comment)
-    {
-        object->Set(check::kCommentMember,
-                    Made::Copy(machine.Bytes(comment.file), comment.member->value, comment.file));
-    }
-    const Found members = Find(pieces, "members");
-    if (!members)
-    {
-        return;
-    }
     for (const source::Member& member : members->members)
     {
         if (member.value.kind == source::Kind::Null)
@@ -455,6 +444,20 @@ void AddMembers(const Machine& machine, const std::vector<Piece>& pieces, Made* 
             object->Set(member.name,
                         Made::Copy(machine.Bytes(members.file), member.value, members.file));
         }
+    }
+}
+
+void AddMembers(const Machine& machine, const std::vector<Piece>& pieces, Made* object)
+{
+    const Found comment = Find(pieces, check::kCommentMember);
+    if (comment)
+    {
+        object->Set(check::kCommentMember,
+                    Made::Copy(machine.Bytes(comment.file), comment.member->value, comment.file));
+    }
+    if (const Found members = Find(pieces, "members"))
+    {
+        SetAll(machine, members, object);
     }
 }
 

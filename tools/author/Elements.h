@@ -19,6 +19,9 @@ Made MakeConditions(const Machine& machine, const Transition& transition);
 /// Gives the attributes of an `attributes`, an array. What is wrong with them is reported.
 Made MakeAttributes(const Machine& machine, const Found& attributes);
 
+/// Puts in the members of a source's object as they are. Null takes one out.
+void SetAll(const Machine& machine, const Found& members, Made* object);
+
 /// Puts in what the member `members` of a source's object has, and its "$comment".
 void AddMembers(const Machine& machine, const std::vector<Piece>& pieces, Made* object);
 

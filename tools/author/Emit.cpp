@@ -111,25 +111,9 @@ private:
         head.Set(N(JSON_HeadSubstateRoot), Made::Id(id, startOrigin));
         if (const Found further = Find(root, "head"))
         {
-            SetAll(further, &head);
+            SetAll(machine, further, &head);
         }
         return head;
-    }
-
-    void SetAll(const Found& members, Made* object) const
-    {
-        for (const source::Member& member : members->members)
-        {
-            if (member.value.kind == source::Kind::Null)
-            {
-                object->Remove(member.name);
-            }
-            else if (!member.isRepeated)
-            {
-                object->Set(member.name,
-                            Made::Copy(machine.Bytes(members.file), member.value, members.file));
-            }
-        }
     }
 
     // Layers.

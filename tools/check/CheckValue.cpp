@@ -440,11 +440,10 @@ std::string Describe(const Value& value)
     case Kind::Null:
         return "null";
     case Kind::Bool:
-        return value.boolean ? "true" : "false";
     case Kind::Int:
     case Kind::UInt:
     case Kind::Double:
-        return value.text;
+        return Written(value);
     case Kind::String:
         return value.text.size() <= kLongestShown ? "the text \"" + value.text + "\"" : "a text";
     case Kind::Array:

@@ -1,7 +1,5 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/CheckCommand.cpp: checking documents.
-#include "tools/vell/CheckCommand.h"
-
 #include <durm/DURMBaseLib.h>
 
 #include "tools/check/Check.h"
@@ -12,6 +10,7 @@
 #include "tools/source/Printable.h"
 #include "tools/vell/Color.h"
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/DocumentFiles.h"
 #include "tools/vell/DocumentText.h"
 #include "tools/vell/EitherForm.h"

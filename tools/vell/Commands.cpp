@@ -1,24 +1,6 @@
 // VELL: data-driven hierarchical state machines.
-// tools/vell/Commands.cpp: the list of the commands. A new one gets an include and a line here.
+// tools/vell/Commands.cpp: the list of the commands. A new one gets a line here.
 #include "tools/vell/Commands.h"
-
-#include "tools/vell/CheckCommand.h"
-#include "tools/vell/CompileCommand.h"
-#include "tools/vell/CompletionCommand.h"
-#include "tools/vell/ContextCommand.h"
-#include "tools/vell/DecompileCommand.h"
-#include "tools/vell/DiffCommand.h"
-#include "tools/vell/FmtCommand.h"
-#include "tools/vell/GraphCommand.h"
-#include "tools/vell/HelpCommand.h"
-#include "tools/vell/IdCommand.h"
-#include "tools/vell/IdsCommand.h"
-#include "tools/vell/ManualCommand.h"
-#include "tools/vell/NewCommand.h"
-#include "tools/vell/RunCommand.h"
-#include "tools/vell/SchemaCommand.h"
-#include "tools/vell/StatsCommand.h"
-#include "tools/vell/TreeCommand.h"
 
 namespace vell::tool
 {

@@ -1,10 +1,9 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/CompileCommand.cpp: from a source to the document that the library reads.
-#include "tools/vell/CompileCommand.h"
-
 #include "tools/vell/CheckFirst.h"
 #include "tools/vell/Color.h"
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/DocumentFiles.h"
 #include "tools/vell/DocumentText.h"
 #include "tools/vell/EitherForm.h"

@@ -1,8 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/CompletionCommand.cpp: printing a script that completes words in a shell.
-#include "tools/vell/CompletionCommand.h"
-
 #include "tools/vell/CommandDescription.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/Completion.h"
 #include "tools/vell/Session.h"
 

@@ -1,8 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/ContextCommand.cpp: saving the stacks of a running machine and restoring them.
-#include "tools/vell/ContextCommand.h"
-
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/Context.h"
 #include "tools/vell/DocumentText.h"
 #include "tools/vell/HelpText.h"

@@ -1,9 +1,8 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/DecompileCommand.cpp: from a document to a source.
-#include "tools/vell/DecompileCommand.h"
-
 #include "tools/author/Decompile.h"
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/DocumentText.h"
 #include "tools/vell/Session.h"
 #include "tools/vell/System.h"

@@ -1,12 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/DiffCommand.cpp: what differs between two documents.
-#include "tools/vell/DiffCommand.h"
-
 #include "tools/diff/Difference.h"
 #include "tools/diff/DifferenceText.h"
 #include "tools/diff/DocumentModel.h"
 #include "tools/vell/Color.h"
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/DocumentText.h"
 #include "tools/vell/EitherForm.h"
 #include "tools/vell/Session.h"

@@ -1,10 +1,9 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/FmtCommand.cpp: bringing documents into the one layout.
-#include "tools/vell/FmtCommand.h"
-
 #include "tools/author/Source.h"
 #include "tools/layout/Layout.h"
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/DocumentFiles.h"
 #include "tools/vell/DocumentText.h"
 #include "tools/vell/Session.h"

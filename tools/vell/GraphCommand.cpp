@@ -1,9 +1,8 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/GraphCommand.cpp: drawing the states and transitions of a document.
-#include "tools/vell/GraphCommand.h"
-
 #include "tools/author/Source.h"
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/Graph.h"
 #include "tools/vell/GraphDot.h"
 #include "tools/vell/GraphMermaid.h"

@@ -1,8 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/HelpCommand.cpp: printing the help of a command.
-#include "tools/vell/HelpCommand.h"
-
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/HelpFormatter.h"
 #include "tools/vell/Session.h"
 #include "tools/vell/UsageError.h"

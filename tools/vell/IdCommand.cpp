@@ -1,10 +1,9 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/IdCommand.cpp: printing the ids that parameters have by their names.
-#include "tools/vell/IdCommand.h"
-
 #include <durm/DURMBaseLib.h>
 
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/Session.h"
 
 #include <CLI/CLI.hpp>

@@ -1,11 +1,10 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/IdsCommand.cpp: the ids of a machine as constants for a host.
-#include "tools/vell/IdsCommand.h"
-
 #include <durm/DURMBaseLib.h>
 
 #include "tools/check/DocumentModel.h"
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/EitherForm.h"
 #include "tools/vell/Session.h"
 #include "tools/vell/System.h"

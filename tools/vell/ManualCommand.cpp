@@ -1,8 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/ManualCommand.cpp: printing the manual page.
-#include "tools/vell/ManualCommand.h"
-
 #include "tools/vell/CommandDescription.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/ManualPage.h"
 #include "tools/vell/Session.h"
 

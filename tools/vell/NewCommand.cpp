@@ -1,10 +1,9 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/NewCommand.cpp: a source to begin with.
-#include "tools/vell/NewCommand.h"
-
 #include "tools/author/Source.h"
 #include "tools/author/Templates.h"
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/Session.h"
 #include "tools/vell/System.h"
 #include "tools/vell/TextFile.h"

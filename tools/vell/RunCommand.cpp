@@ -1,8 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/RunCommand.cpp: running a machine and showing what happens.
-#include "tools/vell/RunCommand.h"
-
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/HelpText.h"
 #include "tools/vell/ObservedMachine.h"
 #include "tools/vell/Session.h"

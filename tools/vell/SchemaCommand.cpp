@@ -1,9 +1,8 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/SchemaCommand.cpp: printing the schema of documents.
-#include "tools/vell/SchemaCommand.h"
-
 #include "tools/author/SourceSchema.h"
 #include "tools/check/Schema.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/Session.h"
 
 #include <CLI/CLI.hpp>

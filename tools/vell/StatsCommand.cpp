@@ -1,12 +1,11 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/StatsCommand.cpp: the size of a document, and what it costs.
-#include "tools/vell/StatsCommand.h"
-
 #include "tools/stats/LoadCost.h"
 #include "tools/stats/Statistics.h"
 #include "tools/vell/CheckFirst.h"
 #include "tools/vell/Color.h"
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/DocumentText.h"
 #include "tools/vell/EitherForm.h"
 #include "tools/vell/HelpText.h"

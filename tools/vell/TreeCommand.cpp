@@ -1,11 +1,10 @@
 // VELL: data-driven hierarchical state machines.
 // tools/vell/TreeCommand.cpp: printing the tree of tables of a machine.
-#include "tools/vell/TreeCommand.h"
-
 #include <vell/IParameterTable.h>
 
 #include "definitions/NodeDefTable.h"
 #include "tools/vell/CommandLine.h"
+#include "tools/vell/Commands.h"
 #include "tools/vell/HelpText.h"
 #include "tools/vell/ObservedMachine.h"
 #include "tools/vell/Session.h"
