@@ -30,7 +30,9 @@ run: setup
 	cmake --build build/dev -j $(JOBS) --target run_programs
 	@samples/run.sh
 
-test: setup
+# Presets of clang need what CI installs.
+test:
+	@$(if $(filter dev release,$(PRESET)),,CI=true) cmake/install-packages.sh
 	cmake --preset $(PRESET)
 	cmake --build build/$(PRESET) -j $(JOBS)
 	ctest --preset $(PRESET) -j $(JOBS)

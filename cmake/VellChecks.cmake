@@ -9,7 +9,9 @@ function(vell_headers_compile_alone name base)
     set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
 endfunction()
 
-if(VELL_CHECKS AND VELL_BUILD_TOOLS AND NOT VELL_SANITIZE AND NOT VELL_EXTERNAL_PLATFORM)
+# Of the sources alone: a second build would check them again.
+if(VELL_CHECKS AND VELL_BUILD_TOOLS AND CMAKE_BUILD_TYPE STREQUAL Debug AND NOT VELL_SANITIZE
+   AND NOT VELL_EXTERNAL_PLATFORM)
     # Public headers see include/ and nothing else of ours.
     file(GLOB public_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/*/*.h)
     vell_headers_compile_alone(public_headers ${PROJECT_SOURCE_DIR}/include ${public_headers})

@@ -78,13 +78,15 @@ copy_sources()
     done <"${work}/files.txt"
 }
 
+# clang compiles in half the time.
 configure()
 {
-    local linker=()
-    ! command -v ld.gold >/dev/null || linker=(-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=gold)
+    local tools=()
+    ! command -v clang++-14 >/dev/null || tools+=(-DCMAKE_CXX_COMPILER=clang++-14)
+    ! command -v ld.gold >/dev/null || tools+=(-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=gold)
     cmake -S "${source}" -B "${work}/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
         -DCMAKE_CXX_FLAGS_DEBUG=-O0 -DVELL_WARNINGS_AS_ERRORS=OFF -DVELL_INSTALL=OFF \
-        "${linker[@]}" >"${work}/configure.log"
+        -DVELL_PRECOMPILE=ON "${tools[@]}" >"${work}/configure.log"
 }
 
 build()
