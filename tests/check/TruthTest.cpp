@@ -7,6 +7,7 @@
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/GrammarDocument.h"
 #include "tests/model/ModelCase.h"
+#include "tests/support/Sanitizer.h"
 #include "tests/support/SourceDir.h"
 
 #include <gtest/gtest.h>
@@ -77,7 +78,7 @@ class RandomTruth : public testing::TestWithParam<int>
 // A counterexample is shown with its number: VELL_CHECK_DOCUMENT=NUMBER checks that one alone.
 TEST_P(RandomTruth, HoldsForRandomDocuments)
 {
-    const RandomShare share("VELL_CHECK_DOCUMENT", 10000, GetParam());
+    const RandomShare share("VELL_CHECK_DOCUMENT", kIsSanitized ? 2000 : 10000, GetParam());
     int failures = 0;
     for (int number = share.first; number < share.end && failures < 5;
          number += RandomShare::kCount)
