@@ -27,6 +27,13 @@ int FindNothing(Tessel::KVSlot* slot, Tessel::KVTable table, const char*)
     return 0;
 }
 
+int FindNoBranch(Tessel::KVBranch* branch, Tessel::KVTable parent, const char*)
+{
+    branch->parent = parent;
+    branch->table = Tessel::KVTable();
+    return 0;
+}
+
 /// Gives the function of the table library, or null.
 decltype(&TesselGetSlotOperations) FindFunction()
 {
@@ -57,7 +64,8 @@ struct Asking
 
 // A machine may be created before the question, by a static object of a host that links this
 // library statically.
-Tessel::SlotOperations slotOperations{FindNothing, Refuse, Refuse, Refuse, Refuse, Refuse};
+Tessel::SlotOperations slotOperations{FindNothing,  Refuse, Refuse, Refuse, Refuse, Refuse,
+                                      FindNoBranch, Refuse, Refuse, Refuse, Refuse};
 
 static const Asking kAsking;
 

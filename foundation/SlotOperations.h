@@ -7,7 +7,7 @@
 namespace vell
 {
 
-/// The table library's operations on slots. It is asked for them once, when this library is loaded.
+/// The table library's operations on slots and branches. It is asked for them once, when this library is loaded.
 /// Where it has none, as a site's own may, and before that, they find and write nothing.
 extern Tessel::SlotOperations slotOperations;
 

@@ -39,19 +39,38 @@ int MachineTree::AttachNodes(Tessel::KVTable table)
 
 Tessel::KVTable MachineTree::GetStack(Stack stack) const
 {
+    const char* key = stack == ContextBranch::MainStack ? kMainStackKey : kBlipStackKey;
     Tessel::KVTable context = GetContext();
-    return context ? context->GetTable(stack == Stack::Main ? kMainStackKey : kBlipStackKey)
-                   : Tessel::KVTable();
+    return context ? context->GetTable(key) : Tessel::KVTable();
 }
 
-int MachineTree::RemoveLast(Tessel::KVTable array)
+int MachineTree::Push(Stack stack, unsigned int id)
 {
+    if (branch.Push(root, stack, id))
+    {
+        return 1;
+    }
+    Tessel::KVTable array = GetStack(stack);
+    return array ? array->PushUInt(id, 1) : 0;
+}
+
+int MachineTree::RemoveLast(Stack stack)
+{
+    if (branch.RemoveLast(root, stack))
+    {
+        return 1;
+    }
+    Tessel::KVTable array = GetStack(stack);
     const unsigned int count = array ? array->GetCount() : 0;
     return count == 0 ? 0 : array->RemoveAt(count - 1, 1);
 }
 
 void MachineTree::WriteTransition(unsigned int transitionID)
 {
+    if (branch.WriteTransition(root, transitionID))
+    {
+        return;
+    }
     if (Tessel::KVTable context = GetContext())
     {
         context->SetUInt(kTransitionKey, transitionID, 1);
@@ -60,6 +79,10 @@ void MachineTree::WriteTransition(unsigned int transitionID)
 
 void MachineTree::WriteChange(unsigned int previousID, unsigned int nextID)
 {
+    if (branch.WriteChange(root, previousID, nextID))
+    {
+        return;
+    }
     if (Tessel::KVTable context = GetContext())
     {
         context->SetUInt(kPreviousStateKey, previousID, 1);
@@ -70,6 +93,10 @@ void MachineTree::WriteChange(unsigned int previousID, unsigned int nextID)
 StateChangeEvent MachineTree::ReadChange() const
 {
     StateChangeEvent change{0, 0, 0};
+    if (branch.ReadChange(root, &change))
+    {
+        return change;
+    }
     if (Tessel::KVTable context = GetContext())
     {
         change.nextID = context->GetUInt(kNextStateKey);
@@ -81,6 +108,10 @@ StateChangeEvent MachineTree::ReadChange() const
 
 void MachineTree::ClearChange()
 {
+    if (branch.ClearChange(root))
+    {
+        return;
+    }
     if (Tessel::KVTable context = GetContext())
     {
         context->SetUInt(kNextStateKey, 0, 1);
@@ -103,7 +134,9 @@ void MachineTree::RestoreChange(Tessel::KVTable recorded)
 
 Tessel::KVTable MachineTree::GetContext() const
 {
-    return root ? root->GetTable(kContextKey) : Tessel::KVTable();
+    const Tessel::KVTable context = root ? root->GetTable(kContextKey) : Tessel::KVTable();
+    branch.Follow(root, context);
+    return context;
 }
 
 } // namespace vell

@@ -5,25 +5,25 @@
 #include <tessel/Tessel.h>
 #include <vell/Events.h>
 
+#include "introspection/ContextBranch.h"
+
 #include <string>
 
 namespace vell
 {
 
 /// The tree under a machine's root table. Tables are looked up at every step, since a tool may have
-/// put others in their place; what is not there is skipped.
+/// put others in their place; what is not there is skipped. `ContextBranch` takes over a step that
+/// nobody can hear of.
 class MachineTree
 {
 public:
-    /// The arrays that mirror the two stacks.
-    enum class Stack
-    {
-        Main,
-        Blip
-    };
+    using Stack = ContextBranch::Stack;
 
-    /// `rootTable` may be null: there is then no tree, and nothing happens.
-    explicit MachineTree(Tessel::KVTable rootTable) : root(rootTable)
+    /// `rootTable` may be null: there is then no tree, and nothing happens. `shortcut` is the
+    /// machine's.
+    MachineTree(Tessel::KVTable rootTable, ContextBranch& shortcut)
+        : root(rootTable), branch(shortcut)
     {
     }
 
@@ -37,8 +37,10 @@ public:
 
     /// Gives the array of a stack, or null.
     Tessel::KVTable GetStack(Stack stack) const;
-    /// Removes the last id of an array, which may be null or empty. Returns non-zero when it did.
-    static int RemoveLast(Tessel::KVTable array);
+    /// Appends an id to the array of a stack. Returns non-zero when it did.
+    int Push(Stack stack, unsigned int id);
+    /// Removes the last id of the array of a stack. Returns non-zero when it did.
+    int RemoveLast(Stack stack);
 
     /// Writes the transition that fired.
     void WriteTransition(unsigned int transitionID);
@@ -56,6 +58,7 @@ private:
     Tessel::KVTable GetContext() const;
 
     Tessel::KVTable root;
+    ContextBranch& branch;
 };
 
 } // namespace vell

@@ -5,6 +5,7 @@
 #include "foundation/Checks.h"
 #include "foundation/TreeKeys.h"
 #include "introspection/MachineTree.h"
+#include "machine/HSMInternals.h"
 
 namespace vell
 {
@@ -87,7 +88,7 @@ int HSM::SetContextInfo_StackBlip(const Tessel::KVTable& table)
 
 int HSM::SetContextInfo_StateSwitching(const Tessel::KVTable& context)
 {
-    MachineTree(kvTable).RestoreChange(context);
+    MachineTree(kvTable, internals->context).RestoreChange(context);
     Notify();
     return 1;
 }

@@ -5,8 +5,11 @@
 #include <vell/HSM.h>
 
 #include "idle/IdleCache.h"
+#include "introspection/ContextBranch.h"
 
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace vell
 {
@@ -30,11 +33,22 @@ struct HSM::Internals
         return !machine.eventListeners.empty();
     }
 
+    static ContextBranch& GetContext(HSM& machine)
+    {
+        return machine.internals->context;
+    }
+    /// Gives the array that mirrors `stack`. Only the machine's own two stacks have one.
+    static std::optional<ContextBranch::Stack> FindArray(const HSM& machine,
+                                                         const std::vector<SMState*>* stack);
+    /// Removes the last id of the array that mirrors `stack`. Returns non-zero when it did.
+    static int RemoveLast(HSM& machine, const std::vector<SMState*>* stack);
+
     // What a tick of `machine` reads, in two steps; see UpdateMachines.
     static void PrefetchTick(const HSM& machine);
     static void PrefetchStates(const HSM& machine);
 
     IdleCache idle;
+    ContextBranch context;      ///< of the tree
     std::string fileName;       ///< copy of filePath's text, taken by Create, for the tree
     UninitStep uninitStep = {}; ///< since the last Create
     bool isTreeClosed = false;  ///< `kvTable` is closed; it keeps its handle

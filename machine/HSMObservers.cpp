@@ -9,6 +9,7 @@
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
 #include "introspection/MachineTree.h"
+#include "machine/HSMInternals.h"
 
 #include <algorithm>
 
@@ -84,7 +85,7 @@ int HSM::Unsubscribe(ListenerList& list, IBroadcastListener* listener)
 int HSM::Notify()
 {
     // Required: the tree is read also when nobody listens.
-    const StateChangeEvent change = MachineTree(kvTable).ReadChange();
+    const StateChangeEvent change = MachineTree(kvTable, internals->context).ReadChange();
     if (stateChangeListeners.empty())
     {
         return 0;
@@ -104,7 +105,7 @@ int HSM::Notify()
     }
     // Required: the keys of the last switch read 0 after the listeners were told. Without listeners
     // they keep their values.
-    MachineTree(kvTable).ClearChange();
+    MachineTree(kvTable, internals->context).ClearChange();
     return called;
 }
 

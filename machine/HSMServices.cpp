@@ -55,7 +55,8 @@ void MachineServices::ReportTransition(HSM& machine, TransitionDef& transition,
         BaseDef::Internals::HandOut(transition);
     }
     // Required: the tree is the one that the machine's class shows.
-    MachineTree(machine.GetKVTable()).WriteTransition(transition.GetID());
+    MachineTree(machine.GetKVTable(), HSM::Internals::GetContext(machine))
+        .WriteTransition(transition.GetID());
 }
 
 bool CallTrigger(Trigger trigger, HSM* machine)

@@ -6,7 +6,6 @@
 #include <vell/UpdateResult.h>
 
 #include "foundation/Checks.h"
-#include "introspection/MachineTree.h"
 #include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
 
@@ -220,7 +219,7 @@ SMState* HSM::PopState()
     if (entry != stack->rend())
     {
         stack->erase(std::next(entry).base());
-        MachineTree::RemoveLast(GetStackTable(stack));
+        Internals::RemoveLast(*this, stack);
     }
     return top;
 }

@@ -47,48 +47,59 @@ int HSM::DestroyKVTable()
 
 int HSM::InitKVTable_Self()
 {
-    MachineTree(kvTable).WriteFileName(internals->fileName);
+    MachineTree(kvTable, internals->context).WriteFileName(internals->fileName);
     return kvTable ? 1 : 0;
 }
 
 int HSM::InitKVTable_ContextTable()
 {
-    MachineTree(kvTable).CreateContext();
+    MachineTree(kvTable, internals->context).CreateContext();
     return 1;
 }
 
 int HSM::InitKVTable_ParameterTable()
 {
-    return parameterTable == nullptr
-               ? 0
-               : MachineTree(kvTable).AttachParameters(parameterTable->GetKVTable());
+    return parameterTable == nullptr ? 0
+                                     : MachineTree(kvTable, internals->context)
+                                           .AttachParameters(parameterTable->GetKVTable());
 }
 
 int HSM::InitKVTable_NodeDefTable()
 {
-    return nodeDefTable == nullptr ? 0 : MachineTree(kvTable).AttachNodes(nodeDefTable->kvTable);
+    return nodeDefTable == nullptr
+               ? 0
+               : MachineTree(kvTable, internals->context).AttachNodes(nodeDefTable->kvTable);
 }
 
 int HSM::GetCurrentStackTable(Tessel::KVTable* out)
 {
-    if (out == nullptr || (currentStack != &stateStack && currentStack != &blipStack))
+    const auto array = Internals::FindArray(*this, currentStack);
+    if (out == nullptr || !array)
     {
         return 0;
     }
-    *out = GetStackTable(currentStack);
+    *out = MachineTree(kvTable, internals->context).GetStack(*array);
     return 1;
 }
 
-/// Gives the array that mirrors `stack`, or null. Only the machine's own two stacks have one.
-Tessel::KVTable HSM::GetStackTable(const std::vector<SMState*>* stack) const
+std::optional<ContextBranch::Stack> HSM::Internals::FindArray(const HSM& machine,
+                                                              const std::vector<SMState*>* stack)
 {
-    if (stack != &stateStack && stack != &blipStack)
+    if (stack == &machine.stateStack)
     {
-        return Tessel::KVTable();
+        return ContextBranch::MainStack;
     }
-    const bool isMain = stack == &stateStack;
-    return MachineTree(kvTable).GetStack(isMain ? MachineTree::Stack::Main
-                                                : MachineTree::Stack::Blip);
+    if (stack == &machine.blipStack)
+    {
+        return ContextBranch::BlipStack;
+    }
+    return std::nullopt;
+}
+
+int HSM::Internals::RemoveLast(HSM& machine, const std::vector<SMState*>* stack)
+{
+    const auto array = FindArray(machine, stack);
+    return array ? MachineTree(machine.kvTable, machine.internals->context).RemoveLast(*array) : 0;
 }
 
 int HSM::UpdateKVTable_OnPushState(SMState* state)
@@ -98,19 +109,20 @@ int HSM::UpdateKVTable_OnPushState(SMState* state)
         return 0;
     }
     const unsigned int id = state->GetID();
-    Tessel::KVTable array = GetStackTable(currentStack);
-    return array ? array->PushUInt(id, 1) : 0;
+    const auto array = Internals::FindArray(*this, currentStack);
+    return array ? MachineTree(kvTable, internals->context).Push(*array, id) : 0;
 }
 
 int HSM::UpdateKVTable_OnPopState()
 {
-    return MachineTree::RemoveLast(GetStackTable(currentStack));
+    return Internals::RemoveLast(*this, currentStack);
 }
 
 /// Writes what left and what came into the tree.
 void HSM::ReportStateChange(SMState* previous, unsigned int nextId)
 {
-    MachineTree(kvTable).WriteChange(previous == nullptr ? 0 : previous->GetID(), nextId);
+    MachineTree(kvTable, internals->context)
+        .WriteChange(previous == nullptr ? 0 : previous->GetID(), nextId);
 }
 
 } // namespace vell

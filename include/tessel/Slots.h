@@ -20,9 +20,21 @@ struct KVSlot
 
 static_assert(sizeof(KVSlot) == 6 * sizeof(void*), "crosses the boundary of the library");
 
-/// The operations on slots. A value is written to a slot exactly as the setter of `ITable` would
-/// write it, as long as nobody but the writer could hear of it. A writer whose own listeners do
-/// nothing about its own writes cannot tell the two apart, and neither can anyone else.
+/// A table under a key of another one, found once by a writer that listens to neither. The library
+/// fills it in. The record is the writer's, and there is nothing to release.
+struct KVBranch
+{
+    KVTable parent;  ///< the table that the key was looked for in; null before that
+    KVTable table;   ///< the table that the key held then, null when there is no branch
+    void* places[3]; ///< the library's
+};
+
+static_assert(sizeof(KVBranch) == 5 * sizeof(void*), "crosses the boundary of the library");
+
+/// The operations on slots and branches. A value is written to a slot exactly as the setter of
+/// `ITable` would write it, as long as nobody but the writer could hear of it. A writer whose own
+/// listeners do nothing about its own writes cannot tell the two apart, and neither can anyone
+/// else.
 ///
 /// Each `set` returns 1, or, having changed nothing, 0: the writer then uses the setter of
 /// `ITable`, which calls every listener. It returns 0 unless all of this is so at the time of the
@@ -32,6 +44,18 @@ static_assert(sizeof(KVSlot) == 6 * sizeof(void*), "crosses the boundary of the 
 ///   - `own` is in the only record that was given for the key and not removed, empty ones counted;
 ///   - `ownOfTable` is in the table's own record, with any object.
 /// Whatever else holds, 0 is always a right answer, also for a slot without a value.
+///
+/// The operations on a branch take values of its `table` that the writer got from
+/// `ITable::FindValue` when the branch was found. They do what the operation of `ITable` would do
+/// to the key of such a value, or to the table that this key now holds, as long as the table is
+/// reached from `parent` as before and nobody could hear of it. Each returns 1, or, having changed
+/// nothing, 0: the writer then starts at `parent`, by the operations of `ITable`. They return 0
+/// unless all of this is so at the time of the call:
+///   - `parent` is open, and the key holds `table`;
+///   - `table` is open;
+///   - `setUInts`: nobody listens to `table` or to any key of it, and each value is an unsigned;
+///   - `pushUInt` and `removeLast`: the value is an open table; for the latter, with an element.
+/// Here too 0 is always a right answer, also for a branch without a table.
 ///
 /// The order of these is part of the interface.
 struct SlotOperations
@@ -44,6 +68,20 @@ struct SlotOperations
     int (*setFloat2)(const KVSlot* slot, const Float2* value);
     int (*setFloat3)(const KVSlot* slot, const Float3* value);
     int (*setFloat4)(const KVSlot* slot, const Float4* value);
+
+    /// Looks for the table under `key` of `parent` and fills in the branch. Returns 1, or 0 with a
+    /// null `table` when `parent` is closed or the key holds no open table.
+    int (*findBranch)(KVBranch* branch, KVTable parent, const char* key);
+    /// Reads `count` values as `KVValue::GetUIntValue` does.
+    int (*getUInts)(const KVBranch* branch, const KVValue* const* values, unsigned* out,
+                    unsigned count);
+    /// Writes `count` values, all or none.
+    int (*setUInts)(const KVBranch* branch, KVValue* const* values, const unsigned* numbers,
+                    unsigned count);
+    /// Appends to the array of the table that the key of `value` holds.
+    int (*pushUInt)(const KVBranch* branch, const KVValue* value, unsigned number);
+    /// Removes the last element of that array.
+    int (*removeLast)(const KVBranch* branch, const KVValue* value);
 };
 
 } // namespace Tessel

@@ -248,7 +248,6 @@ private:
     VELL_LOCAL void TestGlobalState(UpdateResult* result, float timeStep);
     VELL_LOCAL void StartBlip(UpdateResult* result);
     VELL_LOCAL void ReportStateChange(SMState* previous, unsigned int nextId);
-    VELL_LOCAL Tessel::KVTable GetStackTable(const std::vector<SMState*>* stack) const;
 };
 
 } // namespace vell

@@ -37,6 +37,17 @@ public:
     /// Removes the element `index`; those behind it move up. False past the end.
     bool RemoveAt(unsigned index);
 
+    /// Removes the last element. False when there is none.
+    bool RemoveLast()
+    {
+        if (count == 0)
+        {
+            return false;
+        }
+        --count;
+        return true;
+    }
+
     /// Gives the element `index`, or null past the end.
     Element* GetAt(unsigned index) const;
 

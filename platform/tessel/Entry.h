@@ -136,6 +136,12 @@ public:
         return table;
     }
 
+    /// Tells whether the entry holds `table`, live or stale.
+    bool IsTable(KVTable table) const
+    {
+        return GetKind() == KindTable && Load<KVTable>() == table;
+    }
+
     Kind GetKind() const
     {
         return static_cast<Kind>(keyAndKind & kKindMask);

@@ -557,11 +557,6 @@ void Table::StoreChild(Entry& entry, Table& child)
     entry.Store(Entry::KindTable, child.GetHandle());
 }
 
-inline bool Table::IsHeard() const
-{
-    return extras != nullptr && extras->listeners.IsAnyone();
-}
-
 /// Tells whether this table is below `top`. A table without a parent is below none, and
 /// nothing is below a table without children, so the loop is for the rare case of two trees.
 bool Table::IsBelow(Table& top)

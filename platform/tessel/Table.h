@@ -86,6 +86,18 @@ public:
         return extras->listeners;
     }
 
+    /// Tells whether there is anyone to call, of whatever key.
+    bool IsHeard() const
+    {
+        return extras != nullptr && extras->listeners.IsAnyone();
+    }
+
+    /// Removes the last element of the array. False when it is empty.
+    bool RemoveLast()
+    {
+        return extras != nullptr && extras->elements.RemoveLast();
+    }
+
     const char* GetName() const
     {
         return name->GetText();
@@ -170,7 +182,6 @@ private:
     TESSEL_NOINLINE void PutOver(Entry& entry, Entry::Kind kind, Value value);
     void PutText(Entry* found, const char* key, const char* text, std::size_t length);
     void StoreChild(Entry& entry, Table& child);
-    bool IsHeard() const;
     bool IsBelow(Table& top);
 
     std::uint32_t GetLink() const

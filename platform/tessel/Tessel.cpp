@@ -70,8 +70,102 @@ int SetFloat4At(const KVSlot* slot, const Float4* value)
     return SetAt(*slot, Entry::KindFloat4, *value);
 }
 
-constexpr SlotOperations kSlotOperations{FindSlot,    SetIntAt,    SetFloatAt,
-                                         SetFloat2At, SetFloat3At, SetFloat4At};
+// What a branch was found by: the parent, the entry of its key, and the table.
+enum BranchPlace
+{
+    PlaceOfParent,
+    PlaceOfEntry,
+    PlaceOfTable
+};
+
+int FindBranch(KVBranch* branch, KVTable parent, const char* key)
+{
+    Table* found = TableStore::Find(parent);
+    Entry* entry = found == nullptr ? nullptr : static_cast<Entry*>(found->FindValue(key));
+    Table* table = entry == nullptr ? nullptr : TableStore::Find(entry->GetStoredTable());
+    branch->parent = parent;
+    branch->table = table == nullptr ? KVTable() : table->GetHandle();
+    branch->places[PlaceOfParent] = found;
+    branch->places[PlaceOfEntry] = entry;
+    branch->places[PlaceOfTable] = table;
+    return table == nullptr ? 0 : 1;
+}
+
+/// Gives the table of `branch`, or null when it is not what the parent's key holds now. The memory
+/// of both tables can be asked, as that of a slot's.
+Table* GetTable(const KVBranch& branch)
+{
+    if (!branch.table)
+    {
+        return nullptr;
+    }
+    const Table& parent = *static_cast<const Table*>(branch.places[PlaceOfParent]);
+    Table* table = static_cast<Table*>(branch.places[PlaceOfTable]);
+    const bool isThere =
+        parent.IsOpenAs(branch.parent) &&
+        static_cast<const Entry*>(branch.places[PlaceOfEntry])->IsTable(branch.table) &&
+        table->IsOpenAs(branch.table);
+    return isThere ? table : nullptr;
+}
+
+/// Gives the open table that the key of `value`, one of the branch's table, holds now, or null.
+Table* GetTableBelow(const KVBranch& branch, const KVValue* value)
+{
+    return GetTable(branch) == nullptr
+               ? nullptr
+               : TableStore::Find(static_cast<const Entry*>(value)->GetStoredTable());
+}
+
+int GetUIntsAt(const KVBranch* branch, const KVValue* const* values, unsigned* out, unsigned count)
+{
+    if (GetTable(*branch) == nullptr)
+    {
+        return 0;
+    }
+    for (unsigned i = 0; i < count; ++i)
+    {
+        out[i] = static_cast<const Entry*>(values[i])->GetUIntValue();
+    }
+    return 1;
+}
+
+int SetUIntsAt(const KVBranch* branch, KVValue* const* values, const unsigned* numbers,
+               unsigned count)
+{
+    const Table* table = GetTable(*branch);
+    if (table == nullptr || table->IsHeard())
+    {
+        return 0;
+    }
+    for (unsigned i = 0; i < count; ++i)
+    {
+        if (static_cast<const Entry*>(values[i])->GetKind() != Entry::KindUInt)
+        {
+            return 0;
+        }
+    }
+    for (unsigned i = 0; i < count; ++i)
+    {
+        static_cast<Entry*>(values[i])->Overwrite(numbers[i]);
+    }
+    return 1;
+}
+
+int PushUIntAt(const KVBranch* branch, const KVValue* value, unsigned number)
+{
+    Table* table = GetTableBelow(*branch, value);
+    return table == nullptr ? 0 : table->PushUInt(number, 1);
+}
+
+int RemoveLastAt(const KVBranch* branch, const KVValue* value)
+{
+    Table* table = GetTableBelow(*branch, value);
+    return table != nullptr && table->RemoveLast() ? 1 : 0;
+}
+
+constexpr SlotOperations kSlotOperations{FindSlot,    SetIntAt,    SetFloatAt,  SetFloat2At,
+                                         SetFloat3At, SetFloat4At, FindBranch,  GetUIntsAt,
+                                         SetUIntsAt,  PushUIntAt,  RemoveLastAt};
 
 } // namespace
 

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vell::fuzz
@@ -94,6 +95,17 @@ struct ModelSlot
     KVSlot slot;
 };
 
+/// A table under a key of another one, with the values that were found in it while it was open. It
+/// is kept when either has gone.
+struct ModelBranch
+{
+    int parent;
+    std::string key;
+    int table;
+    KVBranch branch;
+    std::vector<std::pair<std::string, KVValue*>> values;
+};
+
 /// One write under way: the listeners that are still to be called.
 struct Write
 {
@@ -138,6 +150,13 @@ private:
     void MakeTable();
     bool MayTake(const ModelSlot& slot, int type);
     bool SetBySlot(int table, const Words& key, const ModelValue& value);
+    void FindBranch(int parent, const std::string& key, int table);
+    void FindValues(ModelBranch& branch);
+    bool IsThere(const ModelBranch& branch);
+    bool MayTake(const ModelBranch& branch, const std::string& key);
+    bool SetByBranch(int table, const Words& key, const ModelValue& value);
+    bool ChangeArrayByBranch(int table, const unsigned int* pushed);
+    void CompareBranch(const ModelBranch& branch);
     void SetNumber(int table, const Words& key);
     void SetFloats(int table, const Words& key);
     void SetText(int table, const Words& key);
@@ -154,6 +173,7 @@ private:
     std::vector<ModelTable> tables;
     std::vector<Write> writes;
     std::vector<ModelSlot> slots;
+    std::vector<ModelBranch> branches;
     int nextListener = 1;
 };
 
@@ -400,6 +420,124 @@ bool Pair::SetBySlot(int table, const Words& key, const ModelValue& value)
     return isTaken;
 }
 
+void Pair::FindBranch(int parent, const std::string& key, int table)
+{
+    if (branches.size() >= kMostSlots)
+    {
+        return;
+    }
+    branches.push_back(ModelBranch{parent, key, table, {}, {}});
+    const int found = TesselGetSlotOperations()->findBranch(
+        &branches.back().branch, tables[static_cast<std::size_t>(parent)].handle, key.c_str());
+    Require(found != 0, "a table that was put there is found");
+}
+
+/// Takes the values that the branch's table has, before it is closed.
+void Pair::FindValues(ModelBranch& branch)
+{
+    const ModelTable& model = tables[static_cast<std::size_t>(branch.table)];
+    for (std::size_t i = branch.values.size(); model.open && i < model.keys.size(); ++i)
+    {
+        const std::string& key = model.keys[i].key;
+        branch.values.emplace_back(key, branch.branch.table->FindValue(key.c_str()));
+    }
+}
+
+/// Tells whether the branch's table is where it was found.
+bool Pair::IsThere(const ModelBranch& branch)
+{
+    const ModelValue* value = Find(branch.parent, branch.key);
+    return tables[static_cast<std::size_t>(branch.parent)].open &&
+           tables[static_cast<std::size_t>(branch.table)].open && value != nullptr &&
+           value->table == branch.table;
+}
+
+/// Tells whether an unsigned may be written to a key of the branch without a call of a listener.
+bool Pair::MayTake(const ModelBranch& branch, const std::string& key)
+{
+    const ModelTable& model = tables[static_cast<std::size_t>(branch.table)];
+    const ModelValue* value = Find(branch.table, key);
+    return IsThere(branch) && model.listeners.empty() && model.own == 0 && value != nullptr &&
+           value->type == ValueType_UInt;
+}
+
+/// As `SetBySlot`, by each branch of the table.
+bool Pair::SetByBranch(int table, const Words& key, const ModelValue& value)
+{
+    bool isTaken = false;
+    for (ModelBranch& branch : branches)
+    {
+        FindValues(branch);
+        for (const auto& found : branch.values)
+        {
+            if (branch.table == table && found.first == key.copy)
+            {
+                const bool done = TesselGetSlotOperations()->setUInts(&branch.branch, &found.second,
+                                                                      &value.word, 1) != 0;
+                Require(done == MayTake(branch, key.copy), "a branch takes what nobody hears");
+                isTaken = isTaken || done;
+            }
+        }
+    }
+    if (isTaken)
+    {
+        Put(table, key.copy, value);
+    }
+    return isTaken;
+}
+
+/// Appends `pushed`, or removes the last element when it is null, by a branch that has the table
+/// under a key. Tells whether that was done.
+bool Pair::ChangeArrayByBranch(int table, const unsigned int* pushed)
+{
+    const SlotOperations& operations = *TesselGetSlotOperations();
+    ModelTable& model = tables[static_cast<std::size_t>(table)];
+    for (ModelBranch& branch : branches)
+    {
+        FindValues(branch);
+        for (const auto& found : branch.values)
+        {
+            const ModelValue* value = Find(branch.table, found.first);
+            if (value == nullptr || value->table != table)
+            {
+                continue;
+            }
+            const bool done = pushed != nullptr
+                                  ? operations.pushUInt(&branch.branch, found.second, *pushed) != 0
+                                  : operations.removeLast(&branch.branch, found.second) != 0;
+            const bool hasSomething = pushed != nullptr || !model.array.empty();
+            Require(done == (IsThere(branch) && model.open && hasSomething),
+                    "a branch changes the array that its key holds");
+            if (done && pushed != nullptr)
+            {
+                model.array.push_back(*pushed);
+            }
+            else if (done)
+            {
+                model.array.pop_back();
+            }
+            if (done)
+            {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+void Pair::CompareBranch(const ModelBranch& branch)
+{
+    for (const auto& found : branch.values)
+    {
+        unsigned int number = 0;
+        const int done =
+            TesselGetSlotOperations()->getUInts(&branch.branch, &found.second, &number, 1);
+        Require((done != 0) == IsThere(branch), "a branch is read while its table is there");
+        Require(done == 0 || number == branch.branch.table->GetUInt(found.first.c_str()),
+                "the number that the key has");
+    }
+}
+
 void Pair::SetNumber(int table, const Words& key)
 {
     const KVTable handle = tables[static_cast<std::size_t>(table)].handle;
@@ -408,6 +546,10 @@ void Pair::SetNumber(int table, const Words& key)
     value.word = bytes.Word();
     value.type = bytes.Below(2) == 0 ? ValueType_Int : ValueType_UInt;
     if (value.word % 2 == 0 && SetBySlot(table, key, value))
+    {
+        return;
+    }
+    if (value.word % 2 != 0 && value.type == ValueType_UInt && SetByBranch(table, key, value))
     {
         return;
     }
@@ -507,6 +649,7 @@ void Pair::AddTable(int table, const Words& key)
     value.type = ValueType_Table;
     value.table = static_cast<int>(tables.size()) - 1;
     Put(table, key.copy, value);
+    FindBranch(table, key.copy, value.table);
 }
 
 void Pair::Attach(int table, const Words& key)
@@ -525,6 +668,7 @@ void Pair::Attach(int table, const Words& key)
         value.type = ValueType_Table;
         value.table = child;
         Put(table, key.copy, value);
+        FindBranch(table, key.copy, child);
     }
 }
 
@@ -534,6 +678,10 @@ void Pair::ChangeArray(int table)
     if (bytes.Below(3) != 0)
     {
         const unsigned int value = bytes.Word();
+        if (value % 2 != 0 && ChangeArrayByBranch(table, &value))
+        {
+            return;
+        }
         Require((model.handle->PushUInt(value, 1) != 0) == model.open, "an element is appended");
         if (model.open)
         {
@@ -542,6 +690,10 @@ void Pair::ChangeArray(int table)
         return;
     }
     const unsigned int index = bytes.Below(6);
+    if (index == 5 && ChangeArrayByBranch(table, nullptr))
+    {
+        return;
+    }
     const bool good = model.open && index < model.array.size();
     Require((model.handle->RemoveAt(index, 1) != 0) == good, "an element is removed");
     if (good)
@@ -738,6 +890,10 @@ void Pair::CompareAll()
         open += model.open ? 1 : 0;
     }
     Require(GetOpenTableCount() == open, "as many tables are open");
+    for (const ModelBranch& branch : branches)
+    {
+        CompareBranch(branch);
+    }
 }
 
 void Pair::Play()
