@@ -1,10 +1,6 @@
 // VELL: data-driven hierarchical state machines.
 // tests/fuzz/TablesFuzzer.cpp: the key/value tables beside a plain model of them.
-#include <tessel/Slots.h>
-#include <tessel/Tessel.h>
-
-#include "tests/fuzz/Bytes.h"
-#include "tests/fuzz/MachineRun.h"
+#include "tests/fuzz/TablesPair.h"
 
 #include <algorithm>
 #include <array>
@@ -13,7 +9,6 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace vell::fuzz
@@ -34,150 +29,16 @@ const std::array<const char*, 9> kKeys = {
     "x y",
     "a key that is too long for the row of those that all tables share, so that one table owns it"};
 constexpr unsigned int kMostTables = 60;
-constexpr std::size_t kMostSlots = 40;
 constexpr int kDeepest = 3;
-constexpr int kNoTable = -1;
-
-/// A key or a text to write: at its address, which may be in a table that the write closes, and as
-/// a copy.
-struct Words
-{
-    explicit Words(const char* words) : address(words), copy(words)
-    {
-    }
-
-    const char* address;
-    std::string copy;
-};
-
-/// What a key holds, as plain as can be.
-struct ModelValue
-{
-    int type = ValueType_None;
-    std::string text;
-    unsigned int word = 0; ///< an int or an unsigned by its bits
-    std::array<float, 4> floats = {};
-    int table = kNoTable;
-};
-
-struct ModelKey
-{
-    std::string key;
-    ModelValue value;
-};
-
-/// A listener that was taken for a key, or, with a null key, a table's own.
-struct ModelListener
-{
-    std::string key;
-    int id;
-    KVListener* record;
-};
-
-struct ModelTable
-{
-    KVTable handle;
-    std::string name;
-    bool open = true;
-    int holds = 0; ///< by its maker and by each key that it stands under
-    std::vector<ModelKey> keys;
-    std::vector<unsigned int> array;
-    std::vector<ModelListener> listeners;
-    int own = 0; ///< the table's own listener, 0 for none
-};
-
-/// A slot of the listener `id`. It is kept when the listener or the table has gone.
-struct ModelSlot
-{
-    int table;
-    std::string key;
-    int id;
-    KVSlot slot;
-};
-
-/// A table under a key of another one, with the values that were found in it while it was open. It
-/// is kept when either has gone.
-struct ModelBranch
-{
-    int parent;
-    std::string key;
-    int table;
-    KVBranch branch;
-    std::vector<std::pair<std::string, KVValue*>> values;
-};
-
-/// One write under way: the listeners that are still to be called.
-struct Write
-{
-    int table;
-    std::string key;
-    std::vector<int> waiting;
-    bool ownCalled;
-};
-
-int Hear(void* object, opResult result, KVTable table, const char* key);
-
-/// The tables and the model, changed side by side.
-class Pair
-{
-public:
-    explicit Pair(Bytes& decisions) : bytes(decisions)
-    {
-    }
-
-    void Play();
-    void Heard(int id, KVTable table, const char* key);
-
-private:
-    int PickTable()
-    {
-        return static_cast<int>(bytes.Byte() % tables.size());
-    }
-    const char* PickKey()
-    {
-        return kKeys[bytes.Below(static_cast<unsigned int>(kKeys.size()))];
-    }
-    const char* Borrow(int table);
-    Words PickWords();
-    ModelValue* Find(int table, const std::string& key);
-    void Close(int table);
-    void Release(int table);
-    bool Reaches(int from, int to) const;
-    void Put(int table, const std::string& key, const ModelValue& value);
-    void BeginWrite(int table, const std::string& key);
-    void EndWrite();
-    void Step();
-    void MakeTable();
-    bool MayTake(const ModelSlot& slot, int type);
-    bool SetBySlot(int table, const Words& key, const ModelValue& value);
-    void FindBranch(int parent, const std::string& key, int table);
-    void FindValues(ModelBranch& branch);
-    bool IsThere(const ModelBranch& branch);
-    bool MayTake(const ModelBranch& branch, const std::string& key);
-    bool SetByBranch(int table, const Words& key, const ModelValue& value);
-    bool ChangeArrayByBranch(int table, const unsigned int* pushed);
-    void CompareBranch(const ModelBranch& branch);
-    void SetNumber(int table, const Words& key);
-    void SetFloats(int table, const Words& key);
-    void SetText(int table, const Words& key);
-    void AddTable(int table, const Words& key);
-    void Attach(int table, const Words& key);
-    void ChangeArray(int table);
-    void Listen(int table, const Words& key);
-    void Unlisten(int table, const Words& key);
-    void CompareAll();
-    void CompareTable(const ModelTable& model) const;
-    void CompareValue(const ModelTable& model, const ModelKey& key) const;
-
-    Bytes& bytes;
-    std::vector<ModelTable> tables;
-    std::vector<Write> writes;
-    std::vector<ModelSlot> slots;
-    std::vector<ModelBranch> branches;
-    int nextListener = 1;
-};
 
 Pair* playing = nullptr;
+
+KVListener Record(int id)
+{
+    return KVListener{reinterpret_cast<void*>(static_cast<std::uintptr_t>(id)), &Hear};
+}
+
+} // namespace
 
 int Hear(void* object, opResult result, KVTable table, const char* key)
 {
@@ -186,9 +47,9 @@ int Hear(void* object, opResult result, KVTable table, const char* key)
     return 0;
 }
 
-KVListener Record(int id)
+const char* Pair::PickKey()
 {
-    return KVListener{reinterpret_cast<void*>(static_cast<std::uintptr_t>(id)), &Hear};
+    return kKeys[bytes.Below(static_cast<unsigned int>(kKeys.size()))];
 }
 
 /// Gives a text that is in the table's own memory, or null.
@@ -362,180 +223,6 @@ void Pair::MakeTable()
     model.name = name.copy;
     model.holds = 1;
     tables.push_back(model);
-}
-
-/// Tells whether a value of `type` may be written to a slot without a call of a listener.
-bool Pair::MayTake(const ModelSlot& slot, int type)
-{
-    const ModelTable& model = tables[static_cast<std::size_t>(slot.table)];
-    const ModelValue* there = Find(slot.table, slot.key);
-    if (!model.open || there == nullptr || there->type != type)
-    {
-        return false;
-    }
-    const bool isTableHeard = model.own != 0;
-    return isTableHeard == (slot.slot.ownOfTable != nullptr) &&
-           std::all_of(model.listeners.begin(), model.listeners.end(),
-                       [&](const ModelListener& listener)
-                       {
-                           return listener.key != slot.key || listener.id == slot.id;
-                       });
-}
-
-/// Writes the value to each slot of the key, which calls nobody, and tells whether one took it.
-bool Pair::SetBySlot(int table, const Words& key, const ModelValue& value)
-{
-    const SlotOperations& operations = *TesselGetSlotOperations();
-    bool isTaken = false;
-    for (ModelSlot& slot : slots)
-    {
-        if (slot.table != table || slot.key != key.copy)
-        {
-            continue;
-        }
-        if (slot.slot.value == nullptr)
-        {
-            operations.find(&slot.slot, tables[static_cast<std::size_t>(table)].handle,
-                            slot.key.c_str());
-        }
-        const auto& floats = value.floats;
-        const Float2 two{floats[0], floats[1]};
-        const Float3 three{floats[0], floats[1], floats[2]};
-        const Float4 four{floats[0], floats[1], floats[2], floats[3]};
-        const int done = value.type == ValueType_Int
-                             ? operations.setInt(&slot.slot, static_cast<int>(value.word))
-                         : value.type == ValueType_Float
-                             ? operations.setFloat(&slot.slot, floats[0])
-                         : value.type == ValueType_Float2 ? operations.setFloat2(&slot.slot, &two)
-                         : value.type == ValueType_Float3 ? operations.setFloat3(&slot.slot, &three)
-                         : value.type == ValueType_Float4 ? operations.setFloat4(&slot.slot, &four)
-                                                          : 0;
-        Require(done == 0 || MayTake(slot, value.type), "a slot takes what nobody else hears");
-        isTaken = isTaken || done != 0;
-    }
-    if (isTaken)
-    {
-        Put(table, key.copy, value);
-    }
-    return isTaken;
-}
-
-void Pair::FindBranch(int parent, const std::string& key, int table)
-{
-    if (branches.size() >= kMostSlots)
-    {
-        return;
-    }
-    branches.push_back(ModelBranch{parent, key, table, {}, {}});
-    const int found = TesselGetSlotOperations()->findBranch(
-        &branches.back().branch, tables[static_cast<std::size_t>(parent)].handle, key.c_str());
-    Require(found != 0, "a table that was put there is found");
-}
-
-/// Takes the values that the branch's table has, before it is closed.
-void Pair::FindValues(ModelBranch& branch)
-{
-    const ModelTable& model = tables[static_cast<std::size_t>(branch.table)];
-    for (std::size_t i = branch.values.size(); model.open && i < model.keys.size(); ++i)
-    {
-        const std::string& key = model.keys[i].key;
-        branch.values.emplace_back(key, branch.branch.table->FindValue(key.c_str()));
-    }
-}
-
-/// Tells whether the branch's table is where it was found.
-bool Pair::IsThere(const ModelBranch& branch)
-{
-    const ModelValue* value = Find(branch.parent, branch.key);
-    return tables[static_cast<std::size_t>(branch.parent)].open &&
-           tables[static_cast<std::size_t>(branch.table)].open && value != nullptr &&
-           value->table == branch.table;
-}
-
-/// Tells whether an unsigned may be written to a key of the branch without a call of a listener.
-bool Pair::MayTake(const ModelBranch& branch, const std::string& key)
-{
-    const ModelTable& model = tables[static_cast<std::size_t>(branch.table)];
-    const ModelValue* value = Find(branch.table, key);
-    return IsThere(branch) && model.listeners.empty() && model.own == 0 && value != nullptr &&
-           value->type == ValueType_UInt;
-}
-
-/// As `SetBySlot`, by each branch of the table.
-bool Pair::SetByBranch(int table, const Words& key, const ModelValue& value)
-{
-    bool isTaken = false;
-    for (ModelBranch& branch : branches)
-    {
-        FindValues(branch);
-        for (const auto& found : branch.values)
-        {
-            if (branch.table == table && found.first == key.copy)
-            {
-                const bool done = TesselGetSlotOperations()->setUInts(&branch.branch, &found.second,
-                                                                      &value.word, 1) != 0;
-                Require(done == MayTake(branch, key.copy), "a branch takes what nobody hears");
-                isTaken = isTaken || done;
-            }
-        }
-    }
-    if (isTaken)
-    {
-        Put(table, key.copy, value);
-    }
-    return isTaken;
-}
-
-/// Appends `pushed`, or removes the last element when it is null, by a branch that has the table
-/// under a key. Tells whether that was done.
-bool Pair::ChangeArrayByBranch(int table, const unsigned int* pushed)
-{
-    const SlotOperations& operations = *TesselGetSlotOperations();
-    ModelTable& model = tables[static_cast<std::size_t>(table)];
-    for (ModelBranch& branch : branches)
-    {
-        FindValues(branch);
-        for (const auto& found : branch.values)
-        {
-            const ModelValue* value = Find(branch.table, found.first);
-            if (value == nullptr || value->table != table)
-            {
-                continue;
-            }
-            const bool done = pushed != nullptr
-                                  ? operations.pushUInt(&branch.branch, found.second, *pushed) != 0
-                                  : operations.removeLast(&branch.branch, found.second) != 0;
-            const bool hasSomething = pushed != nullptr || !model.array.empty();
-            Require(done == (IsThere(branch) && model.open && hasSomething),
-                    "a branch changes the array that its key holds");
-            if (done && pushed != nullptr)
-            {
-                model.array.push_back(*pushed);
-            }
-            else if (done)
-            {
-                model.array.pop_back();
-            }
-            if (done)
-            {
-                return true;
-            }
-        }
-    }
-    return false;
-}
-
-void Pair::CompareBranch(const ModelBranch& branch)
-{
-    for (const auto& found : branch.values)
-    {
-        unsigned int number = 0;
-        const int done =
-            TesselGetSlotOperations()->getUInts(&branch.branch, &found.second, &number, 1);
-        Require((done != 0) == IsThere(branch), "a branch is read while its table is there");
-        Require(done == 0 || number == branch.branch.table->GetUInt(found.first.c_str()),
-                "the number that the key has");
-    }
 }
 
 void Pair::SetNumber(int table, const Words& key)
@@ -916,7 +603,6 @@ void Pair::Play()
     playing = nullptr;
 }
 
-} // namespace
 } // namespace vell::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)

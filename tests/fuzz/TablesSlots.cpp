@@ -1,0 +1,186 @@
+// VELL: data-driven hierarchical state machines.
+// tests/fuzz/TablesSlots.cpp: what is done to the tables by slots and branches.
+#include "tests/fuzz/TablesPair.h"
+
+#include <algorithm>
+
+namespace vell::fuzz
+{
+
+using namespace Tessel;
+
+/// Tells whether a value of `type` may be written to a slot without a call of a listener.
+bool Pair::MayTake(const ModelSlot& slot, int type)
+{
+    const ModelTable& model = tables[static_cast<std::size_t>(slot.table)];
+    const ModelValue* there = Find(slot.table, slot.key);
+    if (!model.open || there == nullptr || there->type != type)
+    {
+        return false;
+    }
+    const bool isTableHeard = model.own != 0;
+    return isTableHeard == (slot.slot.ownOfTable != nullptr) &&
+           std::all_of(model.listeners.begin(), model.listeners.end(),
+                       [&](const ModelListener& listener)
+                       {
+                           return listener.key != slot.key || listener.id == slot.id;
+                       });
+}
+
+/// Writes the value to each slot of the key, which calls nobody, and tells whether one took it.
+bool Pair::SetBySlot(int table, const Words& key, const ModelValue& value)
+{
+    const SlotOperations& operations = *TesselGetSlotOperations();
+    bool isTaken = false;
+    for (ModelSlot& slot : slots)
+    {
+        if (slot.table != table || slot.key != key.copy)
+        {
+            continue;
+        }
+        if (slot.slot.value == nullptr)
+        {
+            operations.find(&slot.slot, tables[static_cast<std::size_t>(table)].handle,
+                            slot.key.c_str());
+        }
+        const auto& floats = value.floats;
+        const Float2 two{floats[0], floats[1]};
+        const Float3 three{floats[0], floats[1], floats[2]};
+        const Float4 four{floats[0], floats[1], floats[2], floats[3]};
+        const int done = value.type == ValueType_Int
+                             ? operations.setInt(&slot.slot, static_cast<int>(value.word))
+                         : value.type == ValueType_Float
+                             ? operations.setFloat(&slot.slot, floats[0])
+                         : value.type == ValueType_Float2 ? operations.setFloat2(&slot.slot, &two)
+                         : value.type == ValueType_Float3 ? operations.setFloat3(&slot.slot, &three)
+                         : value.type == ValueType_Float4 ? operations.setFloat4(&slot.slot, &four)
+                                                          : 0;
+        Require(done == 0 || MayTake(slot, value.type), "a slot takes what nobody else hears");
+        isTaken = isTaken || done != 0;
+    }
+    if (isTaken)
+    {
+        Put(table, key.copy, value);
+    }
+    return isTaken;
+}
+
+void Pair::FindBranch(int parent, const std::string& key, int table)
+{
+    if (branches.size() >= kMostSlots)
+    {
+        return;
+    }
+    branches.push_back(ModelBranch{parent, key, table, {}, {}});
+    const int found = TesselGetSlotOperations()->findBranch(
+        &branches.back().branch, tables[static_cast<std::size_t>(parent)].handle, key.c_str());
+    Require(found != 0, "a table that was put there is found");
+}
+
+/// Takes the values that the branch's table has, before it is closed.
+void Pair::FindValues(ModelBranch& branch)
+{
+    const ModelTable& model = tables[static_cast<std::size_t>(branch.table)];
+    for (std::size_t i = branch.values.size(); model.open && i < model.keys.size(); ++i)
+    {
+        const std::string& key = model.keys[i].key;
+        branch.values.emplace_back(key, branch.branch.table->FindValue(key.c_str()));
+    }
+}
+
+/// Tells whether the branch's table is where it was found.
+bool Pair::IsThere(const ModelBranch& branch)
+{
+    const ModelValue* value = Find(branch.parent, branch.key);
+    return tables[static_cast<std::size_t>(branch.parent)].open &&
+           tables[static_cast<std::size_t>(branch.table)].open && value != nullptr &&
+           value->table == branch.table;
+}
+
+/// Tells whether an unsigned may be written to a key of the branch without a call of a listener.
+bool Pair::MayTake(const ModelBranch& branch, const std::string& key)
+{
+    const ModelTable& model = tables[static_cast<std::size_t>(branch.table)];
+    const ModelValue* value = Find(branch.table, key);
+    return IsThere(branch) && model.listeners.empty() && model.own == 0 && value != nullptr &&
+           value->type == ValueType_UInt;
+}
+
+/// As `SetBySlot`, by each branch of the table.
+bool Pair::SetByBranch(int table, const Words& key, const ModelValue& value)
+{
+    bool isTaken = false;
+    for (ModelBranch& branch : branches)
+    {
+        FindValues(branch);
+        for (const auto& found : branch.values)
+        {
+            if (branch.table == table && found.first == key.copy)
+            {
+                const bool done = TesselGetSlotOperations()->setUInts(&branch.branch, &found.second,
+                                                                      &value.word, 1) != 0;
+                Require(done == MayTake(branch, key.copy), "a branch takes what nobody hears");
+                isTaken = isTaken || done;
+            }
+        }
+    }
+    if (isTaken)
+    {
+        Put(table, key.copy, value);
+    }
+    return isTaken;
+}
+
+/// Appends `pushed`, or removes the last element when it is null, by a branch that has the table
+/// under a key. Tells whether that was done.
+bool Pair::ChangeArrayByBranch(int table, const unsigned int* pushed)
+{
+    const SlotOperations& operations = *TesselGetSlotOperations();
+    ModelTable& model = tables[static_cast<std::size_t>(table)];
+    for (ModelBranch& branch : branches)
+    {
+        FindValues(branch);
+        for (const auto& found : branch.values)
+        {
+            const ModelValue* value = Find(branch.table, found.first);
+            if (value == nullptr || value->table != table)
+            {
+                continue;
+            }
+            const bool done = pushed != nullptr
+                                  ? operations.pushUInt(&branch.branch, found.second, *pushed) != 0
+                                  : operations.removeLast(&branch.branch, found.second) != 0;
+            const bool hasSomething = pushed != nullptr || !model.array.empty();
+            Require(done == (IsThere(branch) && model.open && hasSomething),
+                    "a branch changes the array that its key holds");
+            if (done && pushed != nullptr)
+            {
+                model.array.push_back(*pushed);
+            }
+            else if (done)
+            {
+                model.array.pop_back();
+            }
+            if (done)
+            {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+void Pair::CompareBranch(const ModelBranch& branch)
+{
+    for (const auto& found : branch.values)
+    {
+        unsigned int number = 0;
+        const int done =
+            TesselGetSlotOperations()->getUInts(&branch.branch, &found.second, &number, 1);
+        Require((done != 0) == IsThere(branch), "a branch is read while its table is there");
+        Require(done == 0 || number == branch.branch.table->GetUInt(found.first.c_str()),
+                "the number that the key has");
+    }
+}
+
+} // namespace vell::fuzz
