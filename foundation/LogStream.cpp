@@ -4,6 +4,7 @@
 
 #include <durm/DURMBaseLib.h>
 
+#include "foundation/NoInline.h"
 #include "foundation/StandardError.h"
 
 #include <charconv>
@@ -27,7 +28,7 @@ public:
     {
         if (inUse == buffers.size())
         {
-            buffers.push_back(std::make_unique<LineBuffer>(this));
+            Add();
         }
         return buffers[inUse++].get();
     }
@@ -38,6 +39,11 @@ public:
     }
 
 private:
+    VELL_NOINLINE void Add()
+    {
+        buffers.push_back(std::make_unique<LineBuffer>(this));
+    }
+
     std::vector<std::unique_ptr<LineBuffer>> buffers;
     std::size_t inUse = 0;
 };
@@ -100,7 +106,7 @@ LineBuffers* MakeOwnedBuffers()
 }
 #endif
 
-LineBuffers* MakeThreadBuffers()
+VELL_NOINLINE LineBuffers* MakeThreadBuffers()
 {
     return buffersGone ? nullptr : MakeOwnedBuffers();
 }
@@ -128,7 +134,7 @@ void AppendNumber(LineBuffer& text, Number value, int base)
 
 } // namespace
 
-void LineBuffer::Grow(std::size_t count)
+VELL_NOINLINE void LineBuffer::Grow(std::size_t count)
 {
     std::size_t larger = capacity == 0 ? kFirstCapacity : capacity * 2;
     while (larger - size < count)

@@ -96,6 +96,12 @@ private:
 /// The level of `SetLogLevel`.
 extern std::atomic<int> loggedLevel;
 
+/// Tells whether lines of `level` are written.
+inline bool IsLogged(int level)
+{
+    return level <= loggedLevel.load(std::memory_order_relaxed);
+}
+
 /// Builds one line and writes it. The text of each value is that of a standard stream in its
 /// default state. A null text inserts nothing; a null pointer inserts 0.
 ///
@@ -113,9 +119,7 @@ public:
     /// Starts a line with the tag of `level`. Any number may be given; those without a tag start
     /// empty.
     explicit LogStream(int lineLevel)
-        : text(lineLevel <= loggedLevel.load(std::memory_order_relaxed) ? Begin(lineLevel)
-                                                                        : nullptr),
-          level(lineLevel)
+        : text(IsLogged(lineLevel) ? Begin(lineLevel) : nullptr), level(lineLevel)
     {
     }
     ~LogStream()

@@ -64,8 +64,8 @@ struct Asking
 
 // A machine may be created before the question, by a static object of a host that links this
 // library statically.
-Tessel::SlotOperations slotOperations{FindNothing,  Refuse, Refuse, Refuse, Refuse, Refuse,
-                                      FindNoBranch, Refuse, Refuse, Refuse, Refuse};
+Tessel::SlotOperations slotOperations{FindNothing, Refuse,       Refuse, Refuse, Refuse,
+                                      Refuse,      FindNoBranch, Refuse, Refuse, Refuse};
 
 static const Asking kAsking;
 

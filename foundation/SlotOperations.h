@@ -7,8 +7,9 @@
 namespace vell
 {
 
-/// The table library's operations on slots and branches. It is asked for them once, when this library is loaded.
-/// Where it has none, as a site's own may, and before that, they find and write nothing.
+/// The table library's operations on slots and branches. It is asked for them once, when this
+/// library is loaded. Where it has none, as a site's own may, and before that, they find and write
+/// nothing.
 extern Tessel::SlotOperations slotOperations;
 
 } // namespace vell

@@ -18,7 +18,6 @@
 #include "states/EnterState.h"
 #include "states/ExitState.h"
 #include "states/GlobalState.h"
-#include "states/SMStateInternals.h"
 
 #include <algorithm>
 #include <new>
@@ -132,14 +131,8 @@ void IdleCache::PrefetchStates() const
     }
 }
 
-/// Notes that `state` is about to get the record of the tick. One of a host's class may keep it,
-/// and reads the transition that fired before it.
-void IdleCache::ShowRecord(const UpdateResult& result, const SMState* state)
+void IdleCache::HandOutRecord(const UpdateResult& result)
 {
-    if (record == 0 || state == nullptr || SMState::Internals::IsFollowed(*state, &revision))
-    {
-        return;
-    }
     if (result.transition != nullptr)
     {
         BaseDef::Internals::HandOut(*result.transition);

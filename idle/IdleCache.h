@@ -6,6 +6,7 @@
 
 #include "foundation/Revision.h"
 #include "idle/ConditionBounds.h"
+#include "states/SMStateInternals.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -128,7 +129,16 @@ private:
     static bool Accepts(const Entry& entry);
 
     void Reserve(std::size_t conditionCount);
-    void ShowRecord(const UpdateResult& result, const SMState* state);
+    /// Notes that `state` is about to get the record of the tick. One of a host's class may keep
+    /// it, and reads the transition that fired before it.
+    void ShowRecord(const UpdateResult& result, const SMState* state)
+    {
+        if (record != 0 && state != nullptr && !SMState::Internals::IsFollowed(*state, &revision))
+        {
+            HandOutRecord(result);
+        }
+    }
+    void HandOutRecord(const UpdateResult& result);
     void Learn(const HSM* machine, const SMState* globalState, const std::vector<SMState*>& stack,
                std::size_t quietStates);
     bool IsKnown(const HSM* machine, const SMState& state) const;

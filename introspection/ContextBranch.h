@@ -45,27 +45,23 @@ public:
         return Write(root, kTransition, &transitionID, 1);
     }
 
-    bool WriteChange(Tessel::KVTable root, unsigned int previousID, unsigned int nextID) const
+    bool WriteChange(Tessel::KVTable root, unsigned int previousID, unsigned int nextID,
+                     StateChangeEvent* read) const
     {
         const unsigned int ids[]{previousID, nextID};
-        return Write(root, kPreviousState, ids, 2);
+        if (!Write(root, kPreviousState, ids, 2))
+        {
+            return false;
+        }
+        // Nobody has heard of these, and the table is open: so nothing has happened since.
+        *read = StateChangeEvent{numbers[kTransition]->GetUIntValue(), previousID, nextID};
+        return true;
     }
 
     bool ClearChange(Tessel::KVTable root) const
     {
         const unsigned int ids[kNumbers]{};
         return Write(root, kPreviousState, ids, kNumbers);
-    }
-
-    bool ReadChange(Tessel::KVTable root, StateChangeEvent* out) const
-    {
-        unsigned int ids[kNumbers];
-        if (root != branch.parent || slotOperations.getUInts(&branch, numbers, ids, kNumbers) == 0)
-        {
-            return false;
-        }
-        *out = StateChangeEvent{ids[kTransition], ids[kPreviousState], ids[kNextState]};
-        return true;
     }
 
     bool Push(Tessel::KVTable root, Stack stack, unsigned int id) const

@@ -44,45 +44,29 @@ Tessel::KVTable MachineTree::GetStack(Stack stack) const
     return context ? context->GetTable(key) : Tessel::KVTable();
 }
 
-int MachineTree::Push(Stack stack, unsigned int id)
+int MachineTree::PushByKey(Stack stack, unsigned int id)
 {
-    if (branch.Push(root, stack, id))
-    {
-        return 1;
-    }
     Tessel::KVTable array = GetStack(stack);
     return array ? array->PushUInt(id, 1) : 0;
 }
 
-int MachineTree::RemoveLast(Stack stack)
+int MachineTree::RemoveLastByKey(Stack stack)
 {
-    if (branch.RemoveLast(root, stack))
-    {
-        return 1;
-    }
     Tessel::KVTable array = GetStack(stack);
     const unsigned int count = array ? array->GetCount() : 0;
     return count == 0 ? 0 : array->RemoveAt(count - 1, 1);
 }
 
-void MachineTree::WriteTransition(unsigned int transitionID)
+void MachineTree::WriteTransitionByKey(unsigned int transitionID)
 {
-    if (branch.WriteTransition(root, transitionID))
-    {
-        return;
-    }
     if (Tessel::KVTable context = GetContext())
     {
         context->SetUInt(kTransitionKey, transitionID, 1);
     }
 }
 
-void MachineTree::WriteChange(unsigned int previousID, unsigned int nextID)
+void MachineTree::WriteChangeByKey(unsigned int previousID, unsigned int nextID)
 {
-    if (branch.WriteChange(root, previousID, nextID))
-    {
-        return;
-    }
     if (Tessel::KVTable context = GetContext())
     {
         context->SetUInt(kPreviousStateKey, previousID, 1);
@@ -93,10 +77,6 @@ void MachineTree::WriteChange(unsigned int previousID, unsigned int nextID)
 StateChangeEvent MachineTree::ReadChange() const
 {
     StateChangeEvent change{0, 0, 0};
-    if (branch.ReadChange(root, &change))
-    {
-        return change;
-    }
     if (Tessel::KVTable context = GetContext())
     {
         change.nextID = context->GetUInt(kNextStateKey);
@@ -106,12 +86,8 @@ StateChangeEvent MachineTree::ReadChange() const
     return change;
 }
 
-void MachineTree::ClearChange()
+void MachineTree::ClearChangeByKey()
 {
-    if (branch.ClearChange(root))
-    {
-        return;
-    }
     if (Tessel::KVTable context = GetContext())
     {
         context->SetUInt(kNextStateKey, 0, 1);

@@ -8,6 +8,7 @@
 
 #include "definitions/NodeDefTable.h"
 #include "foundation/Checks.h"
+#include "foundation/NoInline.h"
 #include "machine/HSMInternals.h"
 #include "machine/StateBuilders.h"
 #include "parameters/ParameterTable.h"
@@ -16,6 +17,17 @@
 
 namespace vell
 {
+namespace
+{
+
+VELL_NOINLINE void LogActivated(const SMState& state, unsigned int id)
+{
+    BaseDef* def = state.GetDef();
+    LogStream(LogInfo) << "Activated State: " << (def == nullptr ? nullptr : def->GetName()) << " ("
+                       << id << ")" << EndLine;
+}
+
+} // namespace
 
 SMState* HSM::ActivateState(unsigned int id, float switchArgument)
 {
@@ -51,11 +63,12 @@ SMState* HSM::ActivateState(unsigned int id, float switchArgument)
             state->SetParent(dynamic_cast<SubstateState*>(FindState(state->GetParentID())));
             internals->idle.Follow(*state, alloc);
         }
-        BaseDef* def = state->GetDef();
         // Required: every activation writes this line and calls the callback, even of a state that
         // was there.
-        LogStream(LogInfo) << "Activated State: " << (def == nullptr ? nullptr : def->GetName())
-                           << " (" << id << ")" << EndLine;
+        if (IsLogged(LogInfo))
+        {
+            LogActivated(*state, id);
+        }
         // Required: the callback comes for the global state too, with no state left.
         // Required: the state left is the last one a transition left, however long ago.
         if (stateSwitchCallback != nullptr)
@@ -119,8 +132,7 @@ Action* HSM::ChangeState(unsigned int id)
     }
     state->Enter();
     PushState(state);
-    ReportStateChange(previousState, state->GetID());
-    Notify();
+    Notify(ReportStateChange(previousState, state->GetID()));
     return nullptr;
 }
 

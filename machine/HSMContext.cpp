@@ -88,8 +88,9 @@ int HSM::SetContextInfo_StackBlip(const Tessel::KVTable& table)
 
 int HSM::SetContextInfo_StateSwitching(const Tessel::KVTable& context)
 {
-    MachineTree(kvTable, internals->context).RestoreChange(context);
-    Notify();
+    MachineTree tree(kvTable, internals->context);
+    tree.RestoreChange(context);
+    Notify(tree.ReadChange());
     return 1;
 }
 

@@ -5,7 +5,7 @@
 #include <vell/HSM.h>
 
 #include "idle/IdleCache.h"
-#include "introspection/ContextBranch.h"
+#include "introspection/MachineTree.h"
 
 #include <optional>
 #include <string>
@@ -38,10 +38,26 @@ struct HSM::Internals
         return machine.internals->context;
     }
     /// Gives the array that mirrors `stack`. Only the machine's own two stacks have one.
-    static std::optional<ContextBranch::Stack> FindArray(const HSM& machine,
-                                                         const std::vector<SMState*>* stack);
+    static std::optional<MachineTree::Stack> FindArray(const HSM& machine,
+                                                       const std::vector<SMState*>* stack)
+    {
+        if (stack == &machine.stateStack)
+        {
+            return ContextBranch::MainStack;
+        }
+        if (stack == &machine.blipStack)
+        {
+            return ContextBranch::BlipStack;
+        }
+        return std::nullopt;
+    }
     /// Removes the last id of the array that mirrors `stack`. Returns non-zero when it did.
-    static int RemoveLast(HSM& machine, const std::vector<SMState*>* stack);
+    static int RemoveLast(HSM& machine, const std::vector<SMState*>* stack)
+    {
+        const auto array = FindArray(machine, stack);
+        return array ? MachineTree(machine.kvTable, machine.internals->context).RemoveLast(*array)
+                     : 0;
+    }
 
     // What a tick of `machine` reads, in two steps; see UpdateMachines.
     static void PrefetchTick(const HSM& machine);

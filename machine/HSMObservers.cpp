@@ -82,10 +82,8 @@ int HSM::Unsubscribe(ListenerList& list, IBroadcastListener* listener)
     return 1;
 }
 
-int HSM::Notify()
+int HSM::Notify(const StateChangeEvent& change)
 {
-    // Required: the tree is read also when nobody listens.
-    const StateChangeEvent change = MachineTree(kvTable, internals->context).ReadChange();
     if (stateChangeListeners.empty())
     {
         return 0;

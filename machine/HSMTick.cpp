@@ -6,11 +6,9 @@
 #include <vell/UpdateResult.h>
 
 #include "foundation/Checks.h"
+#include "foundation/NoInline.h"
 #include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
-
-#include <algorithm>
-#include <iterator>
 
 namespace vell
 {
@@ -34,6 +32,25 @@ const char* NameOf(const SMState& state)
 {
     BaseDef* def = state.GetDef();
     return def == nullptr ? nullptr : def->GetName();
+}
+
+VELL_NOINLINE void LogSatisfied(const SMState& state)
+{
+    LogStream(LogInfo) << "Transition satisfied: " << NameOf(state) << EndLine;
+}
+
+/// Removes the highest entry that is `state`. Returns false when there is none.
+bool RemoveHighest(std::vector<SMState*>& stack, const SMState* state)
+{
+    for (auto entry = stack.end(); entry != stack.begin();)
+    {
+        if (*--entry == state)
+        {
+            stack.erase(entry);
+            return true;
+        }
+    }
+    return false;
 }
 
 } // namespace
@@ -132,7 +149,10 @@ int HSM::UpdateState(SMState* state, UpdateResult* result, float)
     {
         return kNoTransition;
     }
-    LogStream(LogInfo) << "Transition satisfied: " << NameOf(*state) << EndLine;
+    if (IsLogged(LogInfo))
+    {
+        LogSatisfied(*state);
+    }
     result->popLevel = result->stackIndex;
     return kTransitionFired;
 }
@@ -170,8 +190,7 @@ int HSM::UpdateStateStack(UpdateResult* result)
     result->Reset();
     // Required: a state that would not be entered is reported as the next one all the same.
     PushState(state);
-    ReportStateChange(previous, target);
-    Notify();
+    Notify(ReportStateChange(previous, target));
     return 1;
 }
 
@@ -215,10 +234,8 @@ SMState* HSM::PopState()
     ERROR_RETURN(top, nullptr);
     top->Exit();
     // What it did on leaving may have pushed and popped others, and ended a blip.
-    const auto entry = std::find(stack->rbegin(), stack->rend(), top);
-    if (entry != stack->rend())
+    if (RemoveHighest(*stack, top))
     {
-        stack->erase(std::next(entry).base());
         Internals::RemoveLast(*this, stack);
     }
     return top;

@@ -82,26 +82,6 @@ int HSM::GetCurrentStackTable(Tessel::KVTable* out)
     return 1;
 }
 
-std::optional<ContextBranch::Stack> HSM::Internals::FindArray(const HSM& machine,
-                                                              const std::vector<SMState*>* stack)
-{
-    if (stack == &machine.stateStack)
-    {
-        return ContextBranch::MainStack;
-    }
-    if (stack == &machine.blipStack)
-    {
-        return ContextBranch::BlipStack;
-    }
-    return std::nullopt;
-}
-
-int HSM::Internals::RemoveLast(HSM& machine, const std::vector<SMState*>* stack)
-{
-    const auto array = FindArray(machine, stack);
-    return array ? MachineTree(machine.kvTable, machine.internals->context).RemoveLast(*array) : 0;
-}
-
 int HSM::UpdateKVTable_OnPushState(SMState* state)
 {
     if (state == nullptr)
@@ -118,10 +98,11 @@ int HSM::UpdateKVTable_OnPopState()
     return Internals::RemoveLast(*this, currentStack);
 }
 
-/// Writes what left and what came into the tree.
-void HSM::ReportStateChange(SMState* previous, unsigned int nextId)
+/// Writes what left and what came into the tree. Gives what the tree says then.
+StateChangeEvent HSM::ReportStateChange(SMState* previous, unsigned int nextId)
 {
-    MachineTree(kvTable, internals->context)
+    // Required: the tree is read also when nobody listens.
+    return MachineTree(kvTable, internals->context)
         .WriteChange(previous == nullptr ? 0 : previous->GetID(), nextId);
 }
 

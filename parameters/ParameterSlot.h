@@ -4,14 +4,9 @@
 
 #include <vell/ParameterDef.h>
 
+#include "foundation/NoInline.h"
 #include "foundation/SlotOperations.h"
 #include "foundation/TableSync.h"
-
-#if defined(__GNUC__)
-#define VELL_NOINLINE __attribute__((noinline))
-#else
-#define VELL_NOINLINE
-#endif
 
 namespace vell
 {

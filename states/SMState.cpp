@@ -10,6 +10,7 @@
 #include "definitions/AnimClipDef.h"
 #include "definitions/BaseDefInternals.h"
 #include "foundation/Checks.h"
+#include "foundation/NoInline.h"
 #include "states/MachineServices.h"
 #include "states/SMStateInternals.h"
 
@@ -20,6 +21,47 @@ namespace vell
 {
 namespace
 {
+
+VELL_NOINLINE void PerformList(BaseDef* def, __ActType__ type, float dt, Action* first)
+{
+    ActionIterator actions(def, first);
+    while (Action* action = actions.TakeNext())
+    {
+        action->Perform(type, dt);
+    }
+}
+
+VELL_NOINLINE void LogEntered(BaseDef& def)
+{
+    LogStream(LogInfo) << "[Enter] " << def.GetName() << " - " << VELL_PLACE << EndLine;
+}
+
+VELL_NOINLINE void LogLeft(BaseDef& def)
+{
+    LogStream(LogInfo) << "[Exit] " << def.GetName() << " - " << VELL_PLACE << EndLine;
+}
+
+/// Gives the first of the state's `transitions` that holds, or null.
+TransitionDef* FindTransition(const SMState& state, const std::vector<TransitionDef*>& transitions,
+                              HSM* machine)
+{
+    // A trigger may push transitions: those are not looked at before the next tick. It may also
+    // give the state fewer: the line of GetTransitionAt shows that.
+    const int count = state.GetNumTransitions();
+    for (int i = 0; i < count; ++i)
+    {
+        const auto index = static_cast<std::size_t>(i);
+        TransitionDef* transition =
+            index < transitions.size() ? transitions[index] : state.GetTransitionAt(i);
+        if (transition != nullptr && !transition->disabled && transition->HandleConditions(machine))
+        {
+            // Required: a transition without a target ends the search too, and blocks all behind
+            // it.
+            return transition;
+        }
+    }
+    return nullptr;
+}
 
 bool ComesBefore(const TransitionDef* left, const TransitionDef* right)
 {
@@ -108,7 +150,10 @@ int SMState::Enter()
     BaseDef* const entered = def;
     PerformActions(ActTypeEntry, 0.0f, entered->GetEnterActions());
     TellParent();
-    LogStream(LogInfo) << "[Enter] " << entered->GetName() << " - " << VELL_PLACE << EndLine;
+    if (IsLogged(LogInfo))
+    {
+        LogEntered(*entered);
+    }
     RequestAnimation(entered);
     return 1;
 }
@@ -151,7 +196,10 @@ int SMState::Exit()
 {
     ERROR_RETURN(def, 0);
     BaseDef* const left = def;
-    LogStream(LogInfo) << "[Exit] " << left->GetName() << " - " << VELL_PLACE << EndLine;
+    if (IsLogged(LogInfo))
+    {
+        LogLeft(*left);
+    }
     PerformActions(ActTypeExit, 0.0f, left->GetExitActions());
     return 1;
 }
@@ -163,21 +211,16 @@ SMState* SMState::GetStates()
 
 int SMState::PerformActions(__ActType__ type, float dt, Action* first)
 {
-    if (first == nullptr)
+    if (first != nullptr)
     {
-        return 1;
-    }
-    ActionIterator actions(def, first);
-    while (Action* action = actions.TakeNext())
-    {
-        action->Perform(type, dt);
+        PerformList(def, type, dt, first);
     }
     return 1;
 }
 
 unsigned int SMState::ProcessTransitions(HSM* machine, UpdateResult* result)
 {
-    TransitionDef* transition = FindTransition(machine);
+    TransitionDef* transition = FindTransition(*this, transitions, machine);
     if (transition == nullptr || result == nullptr)
     {
         return 0;
@@ -199,26 +242,6 @@ unsigned int SMState::ProcessTransitions(HSM* machine, UpdateResult* result)
     // Required: a transition without a target has filled the record and written the tree, and
     // counts as none.
     return transition->targetID;
-}
-
-/// Gives the first transition that holds, or null.
-TransitionDef* SMState::FindTransition(HSM* machine)
-{
-    // A trigger may push transitions: those are not looked at before the next tick. It may also
-    // give the state fewer: the line of GetTransitionAt shows that.
-    const int count = GetNumTransitions();
-    for (int i = 0; i < count; ++i)
-    {
-        TransitionDef* transition =
-            i < GetNumTransitions() ? transitions[static_cast<std::size_t>(i)] : GetTransitionAt(i);
-        if (transition != nullptr && !transition->disabled && transition->HandleConditions(machine))
-        {
-            // Required: a transition without a target ends the search too, and blocks all behind
-            // it.
-            return transition;
-        }
-    }
-    return nullptr;
 }
 
 void SMState::PushTransition(TransitionDef* transition)

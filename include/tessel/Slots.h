@@ -72,9 +72,6 @@ struct SlotOperations
     /// Looks for the table under `key` of `parent` and fills in the branch. Returns 1, or 0 with a
     /// null `table` when `parent` is closed or the key holds no open table.
     int (*findBranch)(KVBranch* branch, KVTable parent, const char* key);
-    /// Reads `count` values as `KVValue::GetUIntValue` does.
-    int (*getUInts)(const KVBranch* branch, const KVValue* const* values, unsigned* out,
-                    unsigned count);
     /// Writes `count` values, all or none.
     int (*setUInts)(const KVBranch* branch, KVValue* const* values, const unsigned* numbers,
                     unsigned count);

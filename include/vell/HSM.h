@@ -242,12 +242,12 @@ protected:
 private:
     VELL_LOCAL int Subscribe(ListenerList& list, IBroadcastListener* listener);
     VELL_LOCAL int Unsubscribe(ListenerList& list, IBroadcastListener* listener);
-    VELL_LOCAL int Notify();
+    VELL_LOCAL int Notify(const StateChangeEvent& change);
     VELL_LOCAL unsigned int ParseDocument();
     VELL_LOCAL void ForgetArena();
     VELL_LOCAL void TestGlobalState(UpdateResult* result, float timeStep);
     VELL_LOCAL void StartBlip(UpdateResult* result);
-    VELL_LOCAL void ReportStateChange(SMState* previous, unsigned int nextId);
+    VELL_LOCAL StateChangeEvent ReportStateChange(SMState* previous, unsigned int nextId);
 };
 
 } // namespace vell

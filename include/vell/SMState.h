@@ -141,7 +141,6 @@ private:
     friend class GlobalState;
     friend class SubstateState;
 
-    VELL_LOCAL TransitionDef* FindTransition(HSM* machine);
     VELL_LOCAL void TellParent();
     VELL_LOCAL void RequestAnimation(BaseDef* entered);
 

@@ -42,16 +42,6 @@ unsigned Element::GetUIntValue() const
     return value;
 }
 
-void ElementArray::Push(unsigned value)
-{
-    if (count == order.size())
-    {
-        AddSpares();
-    }
-    order[count]->value = value;
-    ++count;
-}
-
 bool ElementArray::RemoveAt(unsigned index)
 {
     if (index >= count)

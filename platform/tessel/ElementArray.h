@@ -32,7 +32,15 @@ class ElementArray
 {
 public:
     /// Appends `value`. May throw `std::bad_alloc`; the array then is as it was.
-    void Push(unsigned value);
+    void Push(unsigned value)
+    {
+        if (count == order.size())
+        {
+            AddSpares();
+        }
+        order[count]->value = value;
+        ++count;
+    }
 
     /// Removes the element `index`; those behind it move up. False past the end.
     bool RemoveAt(unsigned index);

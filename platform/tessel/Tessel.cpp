@@ -91,49 +91,32 @@ int FindBranch(KVBranch* branch, KVTable parent, const char* key)
     return table == nullptr ? 0 : 1;
 }
 
-/// Gives the table of `branch`, or null when it is not what the parent's key holds now. The memory
-/// of both tables can be asked, as that of a slot's.
-Table* GetTable(const KVBranch& branch)
+/// Tells whether the table of `branch` is what the parent's key holds now. The memory of both
+/// tables can be asked, as that of a slot's.
+bool IsThere(const KVBranch& branch)
 {
     if (!branch.table)
     {
-        return nullptr;
+        return false;
     }
     const Table& parent = *static_cast<const Table*>(branch.places[PlaceOfParent]);
-    Table* table = static_cast<Table*>(branch.places[PlaceOfTable]);
-    const bool isThere =
-        parent.IsOpenAs(branch.parent) &&
-        static_cast<const Entry*>(branch.places[PlaceOfEntry])->IsTable(branch.table) &&
-        table->IsOpenAs(branch.table);
-    return isThere ? table : nullptr;
+    const Entry& entry = *static_cast<const Entry*>(branch.places[PlaceOfEntry]);
+    const Table& table = *static_cast<const Table*>(branch.places[PlaceOfTable]);
+    return parent.IsOpenAs(branch.parent) && entry.IsTable(branch.table) &&
+           table.IsOpenAs(branch.table);
 }
 
 /// Gives the open table that the key of `value`, one of the branch's table, holds now, or null.
 Table* GetTableBelow(const KVBranch& branch, const KVValue* value)
 {
-    return GetTable(branch) == nullptr
-               ? nullptr
-               : TableStore::Find(static_cast<const Entry*>(value)->GetStoredTable());
-}
-
-int GetUIntsAt(const KVBranch* branch, const KVValue* const* values, unsigned* out, unsigned count)
-{
-    if (GetTable(*branch) == nullptr)
-    {
-        return 0;
-    }
-    for (unsigned i = 0; i < count; ++i)
-    {
-        out[i] = static_cast<const Entry*>(values[i])->GetUIntValue();
-    }
-    return 1;
+    return IsThere(branch) ? TableStore::Find(static_cast<const Entry*>(value)->GetStoredTable())
+                           : nullptr;
 }
 
 int SetUIntsAt(const KVBranch* branch, KVValue* const* values, const unsigned* numbers,
                unsigned count)
 {
-    const Table* table = GetTable(*branch);
-    if (table == nullptr || table->IsHeard())
+    if (!IsThere(*branch) || static_cast<const Table*>(branch->places[PlaceOfTable])->IsHeard())
     {
         return 0;
     }
@@ -163,9 +146,9 @@ int RemoveLastAt(const KVBranch* branch, const KVValue* value)
     return table != nullptr && table->RemoveLast() ? 1 : 0;
 }
 
-constexpr SlotOperations kSlotOperations{FindSlot,    SetIntAt,    SetFloatAt,  SetFloat2At,
-                                         SetFloat3At, SetFloat4At, FindBranch,  GetUIntsAt,
-                                         SetUIntsAt,  PushUIntAt,  RemoveLastAt};
+constexpr SlotOperations kSlotOperations{FindSlot,    SetIntAt,    SetFloatAt, SetFloat2At,
+                                         SetFloat3At, SetFloat4At, FindBranch, SetUIntsAt,
+                                         PushUIntAt,  RemoveLastAt};
 
 } // namespace
 

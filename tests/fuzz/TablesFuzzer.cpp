@@ -577,10 +577,6 @@ void Pair::CompareAll()
         open += model.open ? 1 : 0;
     }
     Require(GetOpenTableCount() == open, "as many tables are open");
-    for (const ModelBranch& branch : branches)
-    {
-        CompareBranch(branch);
-    }
 }
 
 void Pair::Play()

@@ -147,7 +147,6 @@ private:
     bool MayTake(const ModelBranch& branch, const std::string& key);
     bool SetByBranch(int table, const Words& key, const ModelValue& value);
     bool ChangeArrayByBranch(int table, const unsigned int* pushed);
-    void CompareBranch(const ModelBranch& branch);
     void SetNumber(int table, const Words& key);
     void SetFloats(int table, const Words& key);
     void SetText(int table, const Words& key);

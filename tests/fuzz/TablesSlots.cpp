@@ -170,17 +170,4 @@ bool Pair::ChangeArrayByBranch(int table, const unsigned int* pushed)
     return false;
 }
 
-void Pair::CompareBranch(const ModelBranch& branch)
-{
-    for (const auto& found : branch.values)
-    {
-        unsigned int number = 0;
-        const int done =
-            TesselGetSlotOperations()->getUInts(&branch.branch, &found.second, &number, 1);
-        Require((done != 0) == IsThere(branch), "a branch is read while its table is there");
-        Require(done == 0 || number == branch.branch.table->GetUInt(found.first.c_str()),
-                "the number that the key has");
-    }
-}
-
 } // namespace vell::fuzz
