@@ -1,7 +1,8 @@
 // VELL: data-driven hierarchical state machines.
 // bench/ChangeBench.cpp: ticks that change states, beside bare writes of the same log lines.
+#include "bench/Character.h"
 #include "bench/Documents.h"
-#include "bench/Machines.h"
+#include "bench/Limits.h"
 
 #include <benchmark/benchmark.h>
 
@@ -10,14 +11,11 @@ namespace vell::bench
 namespace
 {
 
-constexpr float kTimeStep = 0.016f;
-
 /// With the listener and the hook that a host would have.
 Machine StartObserved(const std::string& document, Observer& observer)
 {
     Machine machine = StartMachine(document);
-    machine->SubscribeStateChange(&observer);
-    machine->SetStateSwitchCallback(Observer::OnSwitch);
+    observer.Watch(*machine);
     return machine;
 }
 
@@ -57,9 +55,8 @@ std::vector<std::string> LinesOfOneChange()
     return record.Lines();
 }
 
-void LimitLogOfOneChange(benchmark::State& state)
+void TimeBareWrites(benchmark::State& state, const std::vector<std::string>& lines)
 {
-    const std::vector<std::string> lines = LinesOfOneChange();
     std::size_t bytes = 0;
     for (auto _ : state)
     {
@@ -67,7 +64,68 @@ void LimitLogOfOneChange(benchmark::State& state)
     }
     state.counters["checksum"] = static_cast<double>(bytes);
 }
+
+void LimitLogOfOneChange(benchmark::State& state)
+{
+    TimeBareWrites(state, LinesOfOneChange());
+}
 BENCHMARK(LimitLogOfOneChange);
+
+/// A frame of the sample character that sets one parameter and changes the innermost state.
+void SwitchCharacter(benchmark::State& state)
+{
+    Observer observer;
+    Character character;
+    observer.Watch(character.Get());
+    int frame = 0;
+    for (auto _ : state)
+    {
+        RunSwitch(character, frame++);
+    }
+    state.counters["checksum"] = observer.heard > 0 ? 1 : 0;
+}
+
+void SwitchWithLines(benchmark::State& state)
+{
+    SwitchCharacter(state);
+}
+BENCHMARK(SwitchWithLines);
+
+void SwitchQuiet(benchmark::State& state)
+{
+    const QuietLog quiet;
+    SwitchCharacter(state);
+}
+BENCHMARK(SwitchQuiet);
+
+void LimitSwitchByHand(benchmark::State& state)
+{
+    LimitInBlock<ChangingLimit> limit;
+    int frame = 0;
+    for (auto _ : state)
+    {
+        RunSwitch(limit.machine, frame++);
+    }
+    state.counters["checksum"] = limit.machine.Current() > 0 ? 1 : 0;
+}
+BENCHMARK(LimitSwitchByHand);
+
+/// The lines that the sample character logs when it starts to run.
+std::vector<std::string> LinesOfOneSwitch()
+{
+    Observer observer;
+    Character character;
+    observer.Watch(character.Get());
+    const LogRecord record;
+    RunSwitch(character, 0);
+    return record.Lines();
+}
+
+void LimitSwitchWrites(benchmark::State& state)
+{
+    TimeBareWrites(state, LinesOfOneSwitch());
+}
+BENCHMARK(LimitSwitchWrites);
 
 /// An interruption by the global state, its transition to the exit node, and the tick in which that
 /// ends it.

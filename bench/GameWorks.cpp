@@ -2,54 +2,17 @@
 // bench/GameWorks.cpp: what a game does with a machine in a frame, a given number of times.
 #include "bench/GameWorks.h"
 
+#include "bench/Character.h"
 #include "bench/Limits.h"
-#include "bench/Machines.h"
+
+#include <rapidjson/document.h>
 
 #include <cstdio>
-#include <fstream>
-#include <iterator>
-#include <string>
-#include <vector>
 
 namespace vell::bench
 {
 namespace
 {
-
-constexpr float kTimeStep = 0.016f;
-
-/// Two walking speeds in turn.
-float SpeedOf(int time)
-{
-    return time % 2 == 0 ? 1.5f : 1.75f;
-}
-
-Machine StartSample(const char* name)
-{
-    std::ifstream file(std::string(VELL_SOURCE_DIR "/samples/") + name);
-    const std::string text((std::istreambuf_iterator<char>(file)),
-                           std::istreambuf_iterator<char>());
-    return StartMachine(text);
-}
-
-/// Gives the parameter as a host keeps it.
-template <class Value>
-Value& Find(IHSM& machine, const char* name)
-{
-    return dynamic_cast<Value&>(*machine.GetParameterTable()->FindParameter(name));
-}
-
-Machine StartWalking()
-{
-    constexpr int kTicksUntilSettled = 8;
-    Machine machine = StartSample("character.json");
-    Find<IParameterFloatDef>(*machine, "speed").SetValue(SpeedOf(0));
-    for (int i = 0; i < kTicksUntilSettled; ++i)
-    {
-        machine->Update(kTimeStep);
-    }
-    return machine;
-}
 
 /// Ticks and shows where the machine is, so that the work has a result.
 void Tick(IHSM& machine, int times)
@@ -61,90 +24,120 @@ void Tick(IHSM& machine, int times)
     std::printf("%u\n", CurrentId(machine));
 }
 
-bool Never(IHSM*, SMState*)
-{
-    return false;
-}
-
 } // namespace
 
 void TickSample(int times)
 {
-    Tick(*StartWalking(), times);
+    Tick(Character().Get(), times);
 }
 
 void TickSettled(int times)
 {
-    Tick(*StartSample("locomotion.json"), times);
+    Tick(*StartMachine(ReadSample("locomotion.json")), times);
 }
 
 void TickTriggered(int times)
 {
-    const Machine machine = StartWalking();
-    if (!dynamic_cast<HSM&>(*machine).AssignTrigger("WalkToRun", Never))
-    {
-        Fail("the sample has no such transition");
-    }
-    Tick(*machine, times);
+    Tick(Character(Extra::Trigger).Get(), times);
 }
 
 void TickResetting(int times)
 {
-    const Machine machine = StartWalking();
-    auto& attack = Find<IParameterBoolDef>(*machine, "attack");
+    Character character;
     for (int i = 0; i < times; ++i)
     {
-        attack.SetValue(true);
-        machine->Update(kTimeStep);
+        character.SetResetting();
+        character.Update(kTimeStep);
     }
-    std::printf("%u\n", CurrentId(*machine));
+    std::printf("%u\n", character.Current());
 }
 
 void SetHotFloat(int times)
 {
-    const Machine machine = StartWalking();
-    auto& speed = Find<IParameterFloatDef>(*machine, "speed");
+    Character character;
     for (int i = 0; i < times; ++i)
     {
-        speed.SetValue(SpeedOf(i));
+        character.SetSpeed(InTurn(i, 1.5f, 1.75f));
     }
-    std::printf("%f\n", static_cast<double>(speed.GetValue()));
+    std::printf("%u\n", character.Current());
 }
 
-void Frame(int times)
+template <Extra kExtra>
+void Frames(int times)
 {
-    const Machine machine = StartWalking();
-    auto& speed = Find<IParameterFloatDef>(*machine, "speed");
-    auto& stick = Find<IParameterAnalogDef>(*machine, "stick");
-    auto& armed = Find<IParameterBoolDef>(*machine, "armed");
-    auto& combo = Find<IParameterIntDef>(*machine, "combo");
-    auto& settled = Find<IParameterBoolDef>(*machine, "settled");
+    Character character(kExtra);
     for (int i = 0; i < times; ++i)
     {
-        speed.SetValue(SpeedOf(i));
-        stick.SetValue(Tessel::Float2{SpeedOf(i), 0.5f});
-        armed.SetValue(false);
-        combo.SetValue(0);
-        settled.SetValue(false);
-        machine->Update(kTimeStep);
+        RunFrame<kExtra>(character, i);
     }
-    std::printf("%u\n", CurrentId(*machine));
+    std::printf("%u\n", character.Current());
 }
 
-void FrameLimit(int times)
+template <Extra kExtra>
+void FramesByHand(int times)
 {
-    std::vector<unsigned char> block(VirtualMachine::BlockSize());
-    VirtualMachine machine(block.data());
+    LimitInBlock<CharacterLimit<kExtra>> limit;
     for (int i = 0; i < times; ++i)
     {
-        machine.SetValue(0, i % 2 == 0 ? 0.5f : 0.75f);
-        machine.SetValue(1, i % 2 == 0 ? 0.25f : 0.5f);
-        machine.SetValue(2, 0.0f);
-        machine.SetValue(3, 0.0f);
-        machine.SetValue(4, 0.0f);
-        machine.Update(kTimeStep);
+        RunFrame<kExtra>(limit.machine, i);
     }
-    std::printf("%u\n", machine.current);
+    std::printf("%u\n", limit.machine.Current());
+}
+
+template void Frames<Extra::Nothing>(int);
+template void Frames<Extra::Actions>(int);
+template void Frames<Extra::Trigger>(int);
+template void Frames<Extra::Reset>(int);
+template void Frames<Extra::Listener>(int);
+template void FramesByHand<Extra::Nothing>(int);
+template void FramesByHand<Extra::Actions>(int);
+template void FramesByHand<Extra::Trigger>(int);
+template void FramesByHand<Extra::Reset>(int);
+template void FramesByHand<Extra::Listener>(int);
+
+void Switches(int times)
+{
+    Observer observer;
+    Character character;
+    observer.Watch(character.Get());
+    for (int i = 0; i < times; ++i)
+    {
+        RunSwitch(character, i);
+    }
+    std::printf("%u\n", character.Current());
+}
+
+void SwitchesByHand(int times)
+{
+    LimitInBlock<ChangingLimit> limit;
+    for (int i = 0; i < times; ++i)
+    {
+        RunSwitch(limit.machine, i);
+    }
+    std::printf("%u\n", limit.machine.Current());
+}
+
+void Spawns(int times)
+{
+    const std::string text = ReadSample("character.json");
+    for (int i = 0; i < times; ++i)
+    {
+        SpawnMachine(text);
+    }
+    std::printf("%d\n", times);
+}
+
+void Parses(int times)
+{
+    const std::string text = ReadSample("character.json");
+    unsigned int members = 0;
+    for (int i = 0; i < times; ++i)
+    {
+        GenericDocument document;
+        document.Parse(text.c_str());
+        members += document.MemberCount();
+    }
+    std::printf("%u\n", members);
 }
 
 } // namespace vell::bench

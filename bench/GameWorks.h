@@ -2,11 +2,12 @@
 // bench/GameWorks.h: what a game does with a machine in a frame, a given number of times.
 #pragma once
 
+#include "bench/Frame.h"
+
 namespace vell::bench
 {
 
-// All but `FrameLimit` and `TickSettled` use samples/character.json, which walks: three states are
-// on the stack, counting the global one. Three of its bool parameters reset each frame.
+// All but `TickSettled` use the walking character of bench/Character.h.
 
 /// Ticks, without a write.
 void TickSample(int times);
@@ -24,9 +25,23 @@ void TickResetting(int times);
 void SetHotFloat(int times);
 
 /// Five parameters set by kept pointers, two of which change, and a tick: a frame.
-void Frame(int times);
+template <Extra kExtra>
+void Frames(int times);
 
-/// The same by hand: five values stored, and each condition asked by a virtual call.
-void FrameLimit(int times);
+/// The same by hand.
+template <Extra kExtra>
+void FramesByHand(int times);
+
+/// Changes the innermost state in each tick, by a parameter.
+void Switches(int times);
+
+/// The same by hand.
+void SwitchesByHand(int times);
+
+/// Creates, initialises, starts and ends the character.
+void Spawns(int times);
+
+/// Only parses its document.
+void Parses(int times);
 
 } // namespace vell::bench

@@ -47,7 +47,8 @@ void SwitchMachine::Update(float timeStep)
     }
 }
 
-void VirtualMachine::Update(float timeStep)
+template <int kTransitions>
+void VirtualMachine<kTransitions>::Update(float timeStep)
 {
     elapsed += timeStep;
     for (int i = kLimitStates; i-- > 0;)
@@ -63,9 +64,40 @@ void VirtualMachine::Update(float timeStep)
     }
 }
 
-void VirtualMachine::SetValue(int index, float value)
+template <int kTransitions>
+void VirtualMachine<kTransitions>::SetValue(int index, float value)
 {
     *values[index] = value;
+}
+
+template void VirtualMachine<kCharacterTransitions>::Update(float);
+template void VirtualMachine<kLimitTransitions>::Update(float);
+template void VirtualMachine<2 * kLimitTransitions>::Update(float);
+template void VirtualMachine<4 * kLimitTransitions>::Update(float);
+template void VirtualMachine<8 * kLimitTransitions>::Update(float);
+template void VirtualMachine<kCharacterTransitions>::SetValue(int, float);
+template void VirtualMachine<kLimitTransitions>::SetValue(int, float);
+
+ChangingLimit::ChangingLimit(unsigned char* block) : walk(block), hooks(&GetLimitHooks())
+{
+}
+
+void ChangingLimit::Update(float timeStep)
+{
+    walk.Update(timeStep);
+    if (walk.current != active)
+    {
+        Change();
+    }
+}
+
+void ChangingLimit::Change()
+{
+    hooks->actions[active]->Call(0.0f);
+    active = walk.current;
+    hooks->listener->Call(0.2f);
+    hooks->onSwitch(0.2f);
+    hooks->actions[active]->Call(0.0f);
 }
 
 } // namespace vell::bench

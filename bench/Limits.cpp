@@ -27,6 +27,30 @@ private:
     float target = 1.0f;
 };
 
+class CountingHook final : public LimitHook
+{
+public:
+    void Call(float value) override
+    {
+        total += value;
+    }
+
+private:
+    float total = 0.0f;
+};
+
+bool Never()
+{
+    return false;
+}
+
+float switched = 0.0f;
+
+void CountSwitch(float argument)
+{
+    switched += argument;
+}
+
 } // namespace
 
 SwitchMachine::SwitchMachine() : states(kLimitStates)
@@ -41,8 +65,9 @@ SwitchMachine::SwitchMachine() : states(kLimitStates)
     }
 }
 
+template <int kTransitions>
 template <class T, class... Arguments>
-T* VirtualMachine::Make(Arguments... arguments)
+T* VirtualMachine<kTransitions>::Make(Arguments... arguments)
 {
     if (!isBlock)
     {
@@ -53,22 +78,25 @@ T* VirtualMachine::Make(Arguments... arguments)
     return made;
 }
 
-VirtualMachine::VirtualMachine(unsigned char* block) : next(block), isBlock(block != nullptr)
+template <int kTransitions>
+VirtualMachine<kTransitions>::VirtualMachine(unsigned char* block)
+    : next(block), isBlock(block != nullptr)
 {
     for (int i = 0; i < kLimitStates; ++i)
     {
         states[i] = Make<State>();
-        for (int j = 0; j < kLimitTransitions; ++j)
+        for (int j = 0; j < kTransitions; ++j)
         {
-            float*& value = values[i * kLimitTransitions + j];
+            float*& value = values[i * kTransitions + j];
             value = Make<float>(0.0f);
             LimitCondition* condition = Make<GreaterCondition>(static_cast<const float*>(value));
-            states[i]->transitions[j] = Make<Transition>(condition, 1u);
+            states[i]->transitions[j] = Make<Transition>(condition, 1u + static_cast<unsigned>(j));
         }
     }
 }
 
-VirtualMachine::~VirtualMachine()
+template <int kTransitions>
+VirtualMachine<kTransitions>::~VirtualMachine()
 {
     if (isBlock)
     {
@@ -89,11 +117,27 @@ VirtualMachine::~VirtualMachine()
     }
 }
 
-std::size_t VirtualMachine::BlockSize()
+template <int kTransitions>
+std::size_t VirtualMachine<kTransitions>::BlockSize()
 {
-    constexpr std::size_t kConditions = kLimitStates * kLimitTransitions;
+    constexpr std::size_t kConditions = kLimitStates * kTransitions;
     return kLimitStates * sizeof(State) +
            kConditions * (8 + sizeof(GreaterCondition) + sizeof(Transition));
+}
+
+template class VirtualMachine<kCharacterTransitions>;
+template class VirtualMachine<kLimitTransitions>;
+template class VirtualMachine<2 * kLimitTransitions>;
+template class VirtualMachine<4 * kLimitTransitions>;
+template class VirtualMachine<8 * kLimitTransitions>;
+
+const LimitHooks& GetLimitHooks()
+{
+    static CountingHook actions[kLimitStates];
+    static CountingHook listener;
+    static const LimitHooks hooks{
+        {&actions[0], &actions[1], &actions[2]}, &listener, Never, CountSwitch};
+    return hooks;
 }
 
 } // namespace vell::bench

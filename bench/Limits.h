@@ -2,15 +2,17 @@
 // bench/Limits.h: hand-written machines that do what an idle tick does and nothing else.
 #pragma once
 
+#include "bench/Frame.h"
+
 #include <cstddef>
-#include <memory>
 #include <vector>
 
 namespace vell::bench
 {
 
 inline constexpr int kLimitStates = 3;
-inline constexpr int kLimitTransitions = 4;
+inline constexpr int kLimitTransitions = 4;     ///< of a state
+inline constexpr int kCharacterTransitions = 2; ///< of a state, in samples/character.json
 
 /// Plain records in one block: an operator switch that reads through a pointer.
 class SwitchMachine
@@ -56,8 +58,9 @@ public:
     virtual bool Evaluate() const = 0;
 };
 
-/// The same loop with one virtual call a condition, every object allocated alone or all in one
-/// block in the order of the loop.
+/// The same loop with one virtual call per condition, all objects in one block in the order of the
+/// loop, or each allocated alone. A transition has one condition, which holds above 1.
+template <int kTransitions>
 class VirtualMachine
 {
 public:
@@ -69,10 +72,14 @@ public:
 
     static std::size_t BlockSize();
     void Update(float timeStep);
+    unsigned int Current() const
+    {
+        return current;
+    }
     /// Stores the value of condition `index`.
     void SetValue(int index, float value);
 
-    unsigned int current = 0;
+    unsigned int current = 0; ///< 1 + the index in its state of the last transition that held
     float elapsed = 0.0f;
 
 private:
@@ -83,7 +90,7 @@ private:
     };
     struct State
     {
-        Transition* transitions[kLimitTransitions];
+        Transition* transitions[kTransitions];
     };
 
     template <class T, class... Arguments>
@@ -92,7 +99,127 @@ private:
     unsigned char* next;
     bool isBlock;
     State* states[kLimitStates];
-    float* values[kLimitStates * kLimitTransitions];
+    float* values[kLimitStates * kTransitions];
+};
+
+using CharacterWalk = VirtualMachine<kCharacterTransitions>;
+
+/// What a hand-written machine calls of its host's, virtually.
+class LimitHook
+{
+public:
+    virtual ~LimitHook() = default;
+    virtual void Call(float value) = 0;
+};
+
+/// The host's, for all hand-written characters.
+struct LimitHooks
+{
+    LimitHook* actions[kLimitStates]; ///< one for each state; also what is entered and left
+    LimitHook* listener;
+    bool (*trigger)();   ///< never holds
+    void (*onSwitch)(float argument);
+};
+
+const LimitHooks& GetLimitHooks();
+
+/// A frame of samples/character.json by hand: as many states and conditions as are active in it.
+template <Extra kExtra>
+class CharacterLimit
+{
+public:
+    explicit CharacterLimit(unsigned char* block) : walk(block), hooks(&GetLimitHooks())
+    {
+    }
+
+    static std::size_t BlockSize()
+    {
+        return CharacterWalk::BlockSize();
+    }
+
+    void SetInputs(int frame)
+    {
+        SetFrameValues(walk, frame);
+        if constexpr (kExtra == Extra::Listener)
+        {
+            hooks->listener->Call(static_cast<float>(frame));
+        }
+    }
+
+    void SetResetting()
+    {
+        walk.SetValue(kResetting, 1.0f);
+    }
+
+    void Update(float timeStep)
+    {
+        if constexpr (kExtra == Extra::Actions)
+        {
+            for (LimitHook* action : hooks->actions)
+            {
+                action->Call(timeStep);
+            }
+        }
+        walk.Update(timeStep);
+        if constexpr (kExtra == Extra::Trigger)
+        {
+            walk.current = hooks->trigger() ? 1 : walk.current;
+        }
+        if constexpr (kExtra == Extra::Reset)
+        {
+            walk.SetValue(kResetting, 0.0f);
+        }
+    }
+
+    unsigned int Current() const
+    {
+        return walk.current;
+    }
+
+private:
+    static constexpr int kResetting = 5;
+
+    CharacterWalk walk;
+    const LimitHooks* hooks;
+};
+
+/// Changes its innermost state in each tick, and tells a listener and a callback.
+class ChangingLimit
+{
+public:
+    explicit ChangingLimit(unsigned char* block);
+
+    static std::size_t BlockSize()
+    {
+        return CharacterWalk::BlockSize();
+    }
+
+    void SetSwitching(int frame)
+    {
+        SetSwitchValues(walk, frame);
+    }
+
+    void Update(float timeStep);
+
+    unsigned int Current() const
+    {
+        return walk.current;
+    }
+
+private:
+    void Change();
+
+    CharacterWalk walk;
+    const LimitHooks* hooks;
+    unsigned int active = 1;
+};
+
+/// A hand-written machine whose objects are in one block.
+template <class Limit>
+struct LimitInBlock
+{
+    std::vector<unsigned char> block = std::vector<unsigned char>(Limit::BlockSize());
+    Limit machine = Limit(block.data());
 };
 
 } // namespace vell::bench

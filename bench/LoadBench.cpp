@@ -7,7 +7,6 @@
 #include <rapidjson/document.h>
 
 #include <map>
-#include <time.h>
 
 namespace vell::bench
 {
@@ -32,14 +31,6 @@ const LoadCase& GetCase(int states)
 {
     static std::map<int, LoadCase> cases;
     return cases.try_emplace(states, states).first->second;
-}
-
-/// The time that this process has had of a processor, which others on the machine do not add to.
-double ProcessorSeconds()
-{
-    timespec now{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
 /// Only the load is timed, not the machine's end.

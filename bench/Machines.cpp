@@ -4,9 +4,6 @@
 
 #include <durm/DURMBaseLib.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace vell::bench
@@ -22,22 +19,6 @@ void Record(int, const char* text)
 }
 
 } // namespace
-
-void Fail(const char* reason)
-{
-    std::puts(reason);
-    std::exit(1);
-}
-
-void DiscardStandardError()
-{
-    const int nowhere = open("/dev/null", O_WRONLY);
-    if (nowhere < 0 || dup2(nowhere, STDERR_FILENO) < 0)
-    {
-        Fail("standard error cannot be discarded");
-    }
-    close(nowhere);
-}
 
 void EndMachine::operator()(IHSM* machine) const
 {
@@ -56,11 +37,17 @@ Machine LoadMachine(const std::string& document)
     return machine;
 }
 
+Machine SpawnMachine(const std::string& document)
+{
+    Machine machine = LoadMachine(document);
+    machine->Start();
+    return machine;
+}
+
 Machine StartMachine(const std::string& document)
 {
     constexpr int kTicksUntilSettled = 32;
-    Machine machine = LoadMachine(document);
-    machine->Start();
+    Machine machine = SpawnMachine(document);
     for (int i = 0; i < kTicksUntilSettled; ++i)
     {
         machine->Update(0.0f);
@@ -96,6 +83,16 @@ const std::vector<std::string>& LogRecord::Lines() const
     return recorded;
 }
 
+QuietLog::QuietLog()
+{
+    SetLogLevel(LogError);
+}
+
+QuietLog::~QuietLog()
+{
+    SetLogLevel(LogPlain);
+}
+
 std::size_t WriteBare(const std::vector<std::string>& lines)
 {
     std::size_t bytes = 0;
@@ -105,6 +102,12 @@ std::size_t WriteBare(const std::vector<std::string>& lines)
         bytes += written < 0 ? 0 : static_cast<std::size_t>(written);
     }
     return bytes;
+}
+
+void Observer::Watch(IHSM& machine)
+{
+    machine.SubscribeStateChange(this);
+    machine.SetStateSwitchCallback(OnSwitch);
 }
 
 int Observer::OnBroadcastEvent(int, const void* record)

@@ -4,6 +4,8 @@
 
 #include <vell/vell.h>
 
+#include "bench/Process.h"
+
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -11,13 +13,6 @@
 
 namespace vell::bench
 {
-
-/// Says why the program cannot go on, and ends it.
-[[noreturn]] void Fail(const char* reason);
-
-/// Sends standard error to where nobody reads it: writing a line then costs what the system takes
-/// for the call.
-void DiscardStandardError();
 
 /// Ends a machine in the order that a host keeps.
 struct EndMachine
@@ -31,7 +26,10 @@ using Machine = std::unique_ptr<IHSM, EndMachine>;
 /// document is refused.
 Machine StartMachine(const std::string& document);
 
-/// As `StartMachine`, without the start.
+/// As `StartMachine`, without the ticks.
+Machine SpawnMachine(const std::string& document);
+
+/// As `SpawnMachine`, without the start.
 Machine LoadMachine(const std::string& document);
 
 /// Gives the id of the innermost state, 0 when there is none.
@@ -52,6 +50,16 @@ public:
     const std::vector<std::string>& Lines() const;
 };
 
+/// While it lives, only lines of errors are logged.
+class QuietLog
+{
+public:
+    QuietLog();
+    ~QuietLog();
+    QuietLog(const QuietLog&) = delete;
+    QuietLog& operator=(const QuietLog&) = delete;
+};
+
 /// Writes each line by a bare call of the system, as the log does. Gives the bytes.
 std::size_t WriteBare(const std::vector<std::string>& lines);
 
@@ -59,6 +67,8 @@ std::size_t WriteBare(const std::vector<std::string>& lines);
 class Observer : public IBroadcastListener
 {
 public:
+    /// Must live as long as the machine changes states.
+    void Watch(IHSM& machine);
     int OnBroadcastEvent(int event, const void* record) override;
     static void OnSwitch(HSM* machine, SMState* previous, SMState* next, float argument);
 

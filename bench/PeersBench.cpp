@@ -1,6 +1,8 @@
 // VELL: data-driven hierarchical state machines.
-// bench/PeersBench.cpp: the idle tick in other libraries, whose machines are part of the program.
-#include <benchmark/benchmark.h>
+// bench/PeersBench.cpp: the same work in other libraries, whose machines are part of the program.
+#include "bench/Crowd.h"
+#include "bench/Spawning.h"
+
 #include <boost/mpl/list.hpp>
 #include <boost/msm/back/state_machine.hpp>
 #include <boost/msm/front/functor_row.hpp>
@@ -10,20 +12,26 @@
 #include <boost/statechart/simple_state.hpp>
 #include <boost/statechart/state_machine.hpp>
 
+#include <memory>
+
 namespace vell::bench
 {
 namespace
 {
 
-// Three states on top of each other, four transitions each, one condition each; none holds.
-constexpr int kTransitions = 4;
-float values[3 * kTransitions] = {};
+constexpr int kLevels = 3;
 
-bool Holds(int condition)
+/// Three states on top of each other. Each has transitions away from it, which hold when one of
+/// their conditions does.
+template <int kTransitionCount, int kConditionCount>
+struct Shape
 {
-    benchmark::DoNotOptimize(values);
-    return values[condition] > 1.0f;
-}
+    static constexpr int kTransitions = kTransitionCount;
+    static constexpr int kConditions = kConditionCount; ///< of one transition
+    static constexpr int kInLevel = kTransitions * kConditions;
+};
+
+using Sample = Shape<2, 1>; ///< as samples/character.json, when it walks
 
 namespace chart
 {
@@ -38,30 +46,36 @@ struct Middle;
 struct Inner;
 struct Other;
 
-struct Machine : sc::state_machine<Machine, Outer>
+// The library's states cannot be templates that name each other, so the shape is looked up.
+struct Chart : sc::state_machine<Chart, Outer>
 {
+    int inLevel = 0;               ///< conditions of a state
+    const float* values = nullptr; ///< of the outer state's conditions first
+    unsigned int switched = 0;
 };
 
 /// Leaves for another state when a condition holds, and else hands the event outwards.
-template <class State>
+template <class Target, class State>
 sc::result React(State& state, int level)
 {
-    for (int i = 0; i < kTransitions; ++i)
+    Chart& chart = state.outermost_context();
+    for (int i = 0; i < chart.inLevel; ++i)
     {
-        if (Holds(level * kTransitions + i))
+        if (chart.values[level * chart.inLevel + i] > 1.0f)
         {
-            return state.template transit<Other>();
+            ++chart.switched;
+            return state.template transit<Target>();
         }
     }
     return state.forward_event();
 }
 
-struct Outer : sc::simple_state<Outer, Machine, Middle>
+struct Outer : sc::simple_state<Outer, Chart, Middle>
 {
     using reactions = sc::custom_reaction<Tick>;
     sc::result react(const Tick&)
     {
-        return React(*this, 0);
+        return React<Outer>(*this, 0);
     }
 };
 struct Middle : sc::simple_state<Middle, Outer, Inner>
@@ -69,7 +83,7 @@ struct Middle : sc::simple_state<Middle, Outer, Inner>
     using reactions = sc::custom_reaction<Tick>;
     sc::result react(const Tick&)
     {
-        return React(*this, 1);
+        return React<Middle>(*this, 1);
     }
 };
 struct Inner : sc::simple_state<Inner, Middle>
@@ -77,11 +91,56 @@ struct Inner : sc::simple_state<Inner, Middle>
     using reactions = sc::custom_reaction<Tick>;
     sc::result react(const Tick&)
     {
-        return React(*this, 2);
+        return React<Other>(*this, 2);
     }
 };
-struct Other : sc::simple_state<Other, Machine>
+struct Other : sc::simple_state<Other, Middle>
 {
+    using reactions = sc::custom_reaction<Tick>;
+    sc::result react(const Tick&)
+    {
+        return React<Inner>(*this, 2);
+    }
+};
+
+/// As the hand-written machines are used.
+template <class AnyShape>
+class Machine
+{
+public:
+    Machine()
+    {
+        chart.inLevel = AnyShape::kInLevel;
+        chart.values = values;
+        chart.initiate();
+    }
+    Machine(const Machine&) = delete;
+    Machine& operator=(const Machine&) = delete;
+
+    void SetValue(int index, float value)
+    {
+        values[index] = value;
+    }
+
+    /// The values are those of the innermost state's conditions.
+    void SetInnerValue(int index, float value)
+    {
+        values[2 * AnyShape::kInLevel + index] = value;
+    }
+
+    void Update(float)
+    {
+        chart.process_event(Tick());
+    }
+
+    unsigned int Switched() const
+    {
+        return chart.switched;
+    }
+
+private:
+    float values[kLevels * AnyShape::kInLevel] = {};
+    Chart chart;
 };
 
 } // namespace chart
@@ -98,72 +157,256 @@ struct Tick
 {
 };
 
-template <int Condition>
+/// Tells whether one of a transition's conditions holds.
+template <class AnyShape>
+bool Holds(const float* values, int transition)
+{
+    bool holds = false;
+    for (int i = 0; i < AnyShape::kConditions; ++i)
+    {
+        holds = holds || values[transition * AnyShape::kConditions + i] > 1.0f;
+    }
+    return holds;
+}
+
+template <class AnyShape, int kTransition>
 struct Guard
 {
     template <class Event, class Machine, class Source, class Target>
-    bool operator()(const Event&, Machine&, Source&, Target&) const
+    bool operator()(const Event&, Machine& machine, Source&, Target&) const
     {
-        return Holds(Condition);
+        return Holds<AnyShape>(machine.values, kTransition);
+    }
+};
+
+struct Count
+{
+    template <class Event, class Machine, class Source, class Target>
+    void operator()(const Event&, Machine& machine, Source&, Target&) const
+    {
+        ++machine.switched;
     }
 };
 
 struct Leaf : msm::front::state<>
 {
 };
-
-/// A level whose one state has four transitions to another.
-template <int Level, class Child>
-struct Front : msm::front::state_machine_def<Front<Level, Child>>
+struct Other : msm::front::state<>
 {
-    struct Other : msm::front::state<>
-    {
-    };
+};
+
+template <class AnyShape, class From, class To, int kTransition>
+using Leave = Row<From, Tick, To, Count, Guard<AnyShape, kTransition>>;
+
+/// The transitions of a level's state to another, and those back that the innermost level needs.
+template <class AnyShape, class Child>
+struct Table;
+template <int kConditions, class Child>
+struct Table<Shape<2, kConditions>, Child>
+{
+    using S = Shape<2, kConditions>;
+    using Rows = mpl::vector<Leave<S, Child, Other, 0>, Leave<S, Child, Other, 1>,
+                             Leave<S, Other, Child, 0>, Leave<S, Other, Child, 1>>;
+};
+template <int kConditions, class Child>
+struct Table<Shape<4, kConditions>, Child>
+{
+    using S = Shape<4, kConditions>;
+    using Rows = mpl::vector<Leave<S, Child, Other, 0>, Leave<S, Child, Other, 1>,
+                             Leave<S, Child, Other, 2>, Leave<S, Child, Other, 3>>;
+};
+
+template <class AnyShape, class Child>
+struct Front : msm::front::state_machine_def<Front<AnyShape, Child>>
+{
     using initial_state = Child;
-    struct transition_table
-        : mpl::vector<Row<Child, Tick, Other, none, Guard<Level * kTransitions>>,
-                      Row<Child, Tick, Other, none, Guard<Level * kTransitions + 1>>,
-                      Row<Child, Tick, Other, none, Guard<Level * kTransitions + 2>>,
-                      Row<Child, Tick, Other, none, Guard<Level * kTransitions + 3>>>
-    {
-    };
+    using transition_table = typename Table<AnyShape, Child>::Rows;
+
     template <class Machine, class Event>
     void no_transition(const Event&, Machine&, int)
     {
     }
+
+    float values[AnyShape::kInLevel] = {};
+    unsigned int switched = 0;
 };
 
-using Inner = msm::back::state_machine<Front<2, Leaf>>;
-using Middle = msm::back::state_machine<Front<1, Inner>>;
-using Outer = msm::back::state_machine<Front<0, Middle>>;
+/// As the hand-written machines are used.
+template <class AnyShape>
+class Machine
+{
+public:
+    Machine()
+    {
+        outer.start();
+    }
+
+    void SetValue(int index, float value)
+    {
+        constexpr int kInLevel = AnyShape::kInLevel;
+        switch (index / kInLevel)
+        {
+        case 0:
+            outer.values[index] = value;
+            break;
+        case 1:
+            outer.template get_state<Middle&>().values[index - kInLevel] = value;
+            break;
+        default:
+            SetInnerValue(index - 2 * kInLevel, value);
+        }
+    }
+
+    /// The values are those of the innermost state's conditions.
+    void SetInnerValue(int index, float value)
+    {
+        GetInner().values[index] = value;
+    }
+
+    void Update(float)
+    {
+        outer.process_event(Tick());
+    }
+
+    unsigned int Switched()
+    {
+        return GetInner().switched;
+    }
+
+private:
+    using Inner = msm::back::state_machine<Front<AnyShape, Leaf>>;
+    using Middle = msm::back::state_machine<Front<AnyShape, Inner>>;
+    using Outer = msm::back::state_machine<Front<AnyShape, Middle>>;
+
+    Inner& GetInner()
+    {
+        return outer.template get_state<Middle&>().template get_state<Inner&>();
+    }
+
+    Outer outer;
+};
 
 } // namespace meta
 
-void PeerStatechart(benchmark::State& state)
+/// What the benchmarks of crowds and frames ask of a machine.
+template <class Machine>
+class Peer
 {
-    chart::Machine machine;
-    machine.initiate();
-    for (auto _ : state)
+public:
+    void SetInputs(int frame)
     {
-        machine.process_event(chart::Tick());
+        SetFrameValues(machine, frame);
     }
-    state.counters["checksum"] = machine.state_cast<const chart::Inner*>() != nullptr ? 1 : 0;
-}
-BENCHMARK(PeerStatechart);
 
-void PeerMetaStateMachine(benchmark::State& state)
+    void SetSwitching(int frame)
+    {
+        machine.SetInnerValue(0, InTurn(frame, 2.0f, 0.0f));
+        machine.SetInnerValue(1, InTurn(frame, 0.0f, 2.0f));
+    }
+
+    void Update(float timeStep)
+    {
+        benchmark::DoNotOptimize(&machine);
+        machine.Update(timeStep);
+        benchmark::ClobberMemory();
+    }
+
+    unsigned int Current() const
+    {
+        return const_cast<Machine&>(machine).Switched();
+    }
+
+private:
+    Machine machine;
+};
+
+template <class Machine>
+void IdleTick(benchmark::State& state)
 {
-    meta::Outer machine;
-    machine.start();
+    Peer<Machine> peer;
     for (auto _ : state)
     {
-        machine.process_event(meta::Tick());
+        peer.Update(kTimeStep);
     }
-    state.counters["checksum"] = machine.current_state()[0] == 0 ? 1 : 0;
+    state.counters["checksum"] = peer.Current();
 }
-BENCHMARK(PeerMetaStateMachine);
+
+template <class Machine>
+void Frame(benchmark::State& state)
+{
+    Peer<Machine> peer;
+    int frame = 0;
+    for (auto _ : state)
+    {
+        RunFrame<Extra::Nothing>(peer, frame++);
+    }
+    state.counters["checksum"] = peer.Current();
+}
+
+template <class Machine>
+void Switch(benchmark::State& state)
+{
+    Peer<Machine> peer;
+    int frame = 0;
+    for (auto _ : state)
+    {
+        RunSwitch(peer, frame++);
+    }
+    if (peer.Current() != static_cast<unsigned int>(frame))
+    {
+        Fail("a peer did not switch in each tick");
+    }
+    state.counters["checksum"] = peer.Current() > 0 ? 1 : 0;
+}
+
+template <class Machine>
+std::unique_ptr<Machine> Make()
+{
+    return std::make_unique<Machine>();
+}
+
+template <class Machine>
+void Spawn(benchmark::State& state)
+{
+    TimeSpawns(state, true, Make<Machine>);
+}
+
+template <class Machine>
+void Resident(benchmark::State& state)
+{
+    constexpr int kCount = 20000;
+    CountResident(state, kCount, Make<Machine>);
+}
+
+/// Measures one library: `name` is a part of the benchmarks' names.
+template <template <class> class Machine>
+void Register(const std::string& name)
+{
+    const std::string idle = "Peer" + name + "/";
+    benchmark::RegisterBenchmark((idle + "12").c_str(), IdleTick<Machine<Shape<4, 1>>>);
+    benchmark::RegisterBenchmark((idle + "24").c_str(), IdleTick<Machine<Shape<4, 2>>>);
+    benchmark::RegisterBenchmark((idle + "48").c_str(), IdleTick<Machine<Shape<4, 4>>>);
+    benchmark::RegisterBenchmark((idle + "96").c_str(), IdleTick<Machine<Shape<4, 8>>>);
+    benchmark::RegisterBenchmark(("PeerFrame" + name).c_str(), Frame<Machine<Sample>>);
+    benchmark::RegisterBenchmark(("PeerSwitch" + name).c_str(), Switch<Machine<Sample>>);
+    benchmark::RegisterBenchmark(("PeerMany" + name).c_str(),
+                                 TickCrowd<Crowd<Peer<Machine<Shape<4, 1>>>>>)
+        ->Apply(EachCrowd);
+    benchmark::RegisterBenchmark(("PeerFramesOfMany" + name).c_str(),
+                                 FrameCrowd<Crowd<Peer<Machine<Sample>>>>)
+        ->Apply(EachCrowd);
+    benchmark::RegisterBenchmark(("PeerSpawn" + name).c_str(), Spawn<Machine<Sample>>)
+        ->UseManualTime();
+    benchmark::RegisterBenchmark(("PeerResident" + name).c_str(), Resident<Machine<Sample>>)
+        ->Iterations(1);
+}
+
+const bool isRegistered = []
+{
+    Register<chart::Machine>("Statechart");
+    Register<meta::Machine>("MetaStateMachine");
+    return true;
+}();
 
 } // namespace
 } // namespace vell::bench
-
-BENCHMARK_MAIN();

@@ -1,21 +1,16 @@
 // VELL: data-driven hierarchical state machines.
 // bench/TickBench.cpp: ticks, beside hand-written machines that do the same.
 #include "bench/Documents.h"
+#include "bench/Frame.h"
 #include "bench/Limits.h"
 #include "bench/Machines.h"
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <numeric>
-#include <random>
-
 namespace vell::bench
 {
 namespace
 {
-
-constexpr float kTimeStep = 0.016f;
 
 void TickMachine(benchmark::State& state, const std::string& document)
 {
@@ -64,146 +59,24 @@ void LimitSwitch(benchmark::State& state)
 }
 BENCHMARK(LimitSwitch);
 
+/// As many conditions as the machines above, each of a transition of its own.
+template <int kTransitions>
 void LimitVirtualBlock(benchmark::State& state)
 {
-    std::vector<unsigned char> block(VirtualMachine::BlockSize());
-    VirtualMachine machine(block.data());
-    TickLimit(state, machine);
+    LimitInBlock<VirtualMachine<kTransitions>> limit;
+    TickLimit(state, limit.machine);
 }
-BENCHMARK(LimitVirtualBlock);
+BENCHMARK_TEMPLATE(LimitVirtualBlock, kLimitTransitions)->Name("LimitVirtualBlock/12");
+BENCHMARK_TEMPLATE(LimitVirtualBlock, 2 * kLimitTransitions)->Name("LimitVirtualBlock/24");
+BENCHMARK_TEMPLATE(LimitVirtualBlock, 4 * kLimitTransitions)->Name("LimitVirtualBlock/48");
+BENCHMARK_TEMPLATE(LimitVirtualBlock, 8 * kLimitTransitions)->Name("LimitVirtualBlock/96");
 
 void LimitVirtualScattered(benchmark::State& state)
 {
-    VirtualMachine machine(nullptr);
+    VirtualMachine<kLimitTransitions> machine(nullptr);
     TickLimit(state, machine);
 }
 BENCHMARK(LimitVirtualScattered);
-
-/// The order in which many machines are ticked: in turn, or in the same shuffled order each time.
-std::vector<std::size_t> Order(std::size_t count, bool shuffled)
-{
-    std::vector<std::size_t> order(count);
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    if (shuffled)
-    {
-        std::shuffle(order.begin(), order.end(), std::mt19937(20));
-    }
-    return order;
-}
-
-template <class Machines>
-void TickMany(benchmark::State& state, const Machines& machines)
-{
-    const std::vector<std::size_t> order = Order(machines.size(), state.range(1) != 0);
-    for (auto _ : state)
-    {
-        for (const std::size_t i : order)
-        {
-            machines[i]->Update(kTimeStep);
-        }
-    }
-}
-
-void ManyMachines(benchmark::State& state)
-{
-    const std::string document = IdleDocument({});
-    std::vector<Machine> machines;
-    for (int i = 0; i < state.range(0); ++i)
-    {
-        machines.push_back(StartMachine(document));
-    }
-    TickMany(state, machines);
-    unsigned int checksum = 0;
-    for (const Machine& machine : machines)
-    {
-        checksum += CurrentId(*machine);
-    }
-    state.counters["checksum"] = checksum;
-}
-BENCHMARK(ManyMachines)
-    ->ArgsProduct({{1, 10, 100, 1000, 10000}, {0, 1}})
-    ->ArgNames({"machines", "shuffled"});
-
-void ManyMachinesTogether(benchmark::State& state)
-{
-    const std::string document = IdleDocument({});
-    std::vector<Machine> machines;
-    for (int i = 0; i < state.range(0); ++i)
-    {
-        machines.push_back(StartMachine(document));
-    }
-    std::vector<IHSM*> pointers;
-    for (const std::size_t i : Order(machines.size(), state.range(1) != 0))
-    {
-        pointers.push_back(machines[i].get());
-    }
-    for (auto _ : state)
-    {
-        UpdateMachines(pointers.data(), pointers.size(), kTimeStep);
-    }
-}
-BENCHMARK(ManyMachinesTogether)
-    ->ArgsProduct({{1, 10, 100, 1000, 10000}, {0, 1}})
-    ->ArgNames({"machines", "shuffled"});
-
-template <class MakeBlock>
-void TickManyLimits(benchmark::State& state, const MakeBlock& makeBlock)
-{
-    std::vector<std::unique_ptr<VirtualMachine>> machines;
-    for (int i = 0; i < state.range(0); ++i)
-    {
-        machines.push_back(std::make_unique<VirtualMachine>(makeBlock(i)));
-    }
-    TickMany(state, machines);
-    unsigned int checksum = 0;
-    for (const auto& machine : machines)
-    {
-        checksum += machine->current;
-    }
-    state.counters["checksum"] = checksum;
-}
-
-void ManyLimitVirtualBlock(benchmark::State& state)
-{
-    const std::size_t size = VirtualMachine::BlockSize();
-    std::vector<unsigned char> blocks(size * static_cast<std::size_t>(state.range(0)));
-    TickManyLimits(state,
-                   [&blocks, size](int i)
-                   {
-                       return blocks.data() + size * static_cast<std::size_t>(i);
-                   });
-}
-BENCHMARK(ManyLimitVirtualBlock)
-    ->ArgsProduct({{1, 10, 100, 1000, 10000}, {0, 1}})
-    ->ArgNames({"machines", "shuffled"});
-
-/// Fills the heap with blocks and frees them in a shuffled order, so that what is allocated next
-/// is scattered over it.
-void ScatterHeap(std::size_t blockCount)
-{
-    std::vector<std::unique_ptr<char[]>> blocks;
-    for (std::size_t i = 0; i < blockCount; ++i)
-    {
-        blocks.push_back(std::make_unique<char[]>(24));
-    }
-    for (const std::size_t i : Order(blockCount, true))
-    {
-        blocks[i].reset();
-    }
-}
-
-void ManyLimitVirtualScattered(benchmark::State& state)
-{
-    ScatterHeap(static_cast<std::size_t>(state.range(0)) * 40);
-    TickManyLimits(state,
-                   [](int) -> unsigned char*
-                   {
-                       return nullptr;
-                   });
-}
-BENCHMARK(ManyLimitVirtualScattered)
-    ->ArgsProduct({{10000}, {0, 1}})
-    ->ArgNames({"machines", "shuffled"});
 
 } // namespace
 } // namespace vell::bench

@@ -1,6 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // bench/count.cpp: one kind of work, a given number of times, for counting instructions and bytes.
 #include "bench/Documents.h"
+#include "bench/Frame.h"
 #include "bench/GameWorks.h"
 #include "bench/HeapCount.h"
 #include "bench/Machines.h"
@@ -15,8 +16,6 @@ namespace vell::bench
 {
 namespace
 {
-
-constexpr float kTimeStep = 0.016f;
 
 /// Ends by saying where the machine is, so that the work is there to be seen.
 void Tick(IHSM& machine, int ticks)
@@ -33,13 +32,11 @@ void TickIdle(const TickShape& shape, int ticks)
     Tick(*StartMachine(IdleDocument(shape)), ticks);
 }
 
-/// With the listener and the hook that a host would have.
 void TickSwitching(int levels, bool held, int ticks)
 {
     Observer observer;
     const Machine machine = StartMachine(SwitchingDocument(levels));
-    machine->SubscribeStateChange(&observer);
-    machine->SetStateSwitchCallback(Observer::OnSwitch);
+    observer.Watch(*machine);
     SetParameter(*machine, kStill, held ? 1.0f : 0.0f);
     Tick(*machine, ticks);
 }
@@ -147,6 +144,14 @@ void PrintTableMemory(int count)
     std::printf("%lld\n", CountHeap().tables - before.tables);
 }
 
+/// Leaves out the log lines.
+template <void (*run)(int)>
+void Quietly(int times)
+{
+    const QuietLog quiet;
+    run(times);
+}
+
 struct Work
 {
     const char* name;
@@ -187,23 +192,32 @@ constexpr Work kWorks[] = {
     {"switching-quiet",
      [](int times)
      {
-         SetLogLevel(LogError);
+         const QuietLog quiet;
          TickSwitching(3, false, times);
      }},
-    {"load-quiet",
-     [](int states)
-     {
-         SetLogLevel(LogError);
-         Load(states);
-     }},
+    {"load-quiet", Quietly<Load>},
     {"blip", Blip},
     {"sample", TickSample},
     {"settled", TickSettled},
     {"triggered", TickTriggered},
     {"resetting", TickResetting},
     {"set-value", SetHotFloat},
-    {"frame", Frame},
-    {"frame-limit", FrameLimit},
+    {"frame", Frames<Extra::Nothing>},
+    {"frame-actions", Frames<Extra::Actions>},
+    {"frame-trigger", Frames<Extra::Trigger>},
+    {"frame-reset", Frames<Extra::Reset>},
+    {"frame-listener", Frames<Extra::Listener>},
+    {"frame-limit", FramesByHand<Extra::Nothing>},
+    {"frame-limit-actions", FramesByHand<Extra::Actions>},
+    {"frame-limit-trigger", FramesByHand<Extra::Trigger>},
+    {"frame-limit-reset", FramesByHand<Extra::Reset>},
+    {"frame-limit-listener", FramesByHand<Extra::Listener>},
+    {"switch", Switches},
+    {"switch-quiet", Quietly<Switches>},
+    {"switch-limit", SwitchesByHand},
+    {"spawn", Spawns},
+    {"spawn-quiet", Quietly<Spawns>},
+    {"spawn-limit", Parses},
     {"table-write", WriteTable},
     {"table-make", MakeTables},
     {"load", Load},

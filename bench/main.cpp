@@ -1,6 +1,6 @@
 // VELL: data-driven hierarchical state machines.
 // bench/main.cpp: the benchmark program.
-#include "bench/Machines.h"
+#include "bench/Process.h"
 
 #include <benchmark/benchmark.h>
 
