@@ -33,6 +33,18 @@ struct Shape
 
 using Sample = Shape<2, 1>; ///< as samples/character.json, when it walks
 
+/// Tells whether one of the conditions holds.
+template <int kCount>
+bool AnyHolds(const float* values)
+{
+    bool holds = false;
+    for (int i = 0; i < kCount; ++i)
+    {
+        holds = holds || values[i] > 1.0f;
+    }
+    return holds;
+}
+
 namespace chart
 {
 
@@ -54,18 +66,35 @@ struct Chart : sc::state_machine<Chart, Outer>
     unsigned int switched = 0;
 };
 
+/// The compiler knows each number of conditions, as it does in a chart that is written by hand.
+bool StateHolds(const float* values, int count)
+{
+    switch (count)
+    {
+    case 2:
+        return AnyHolds<2>(values);
+    case 4:
+        return AnyHolds<4>(values);
+    case 8:
+        return AnyHolds<8>(values);
+    case 16:
+        return AnyHolds<16>(values);
+    case 32:
+        return AnyHolds<32>(values);
+    default:
+        Fail("no such shape");
+    }
+}
+
 /// Leaves for another state when a condition holds, and else hands the event outwards.
 template <class Target, class State>
 sc::result React(State& state, int level)
 {
     Chart& chart = state.outermost_context();
-    for (int i = 0; i < chart.inLevel; ++i)
+    if (StateHolds(chart.values + level * chart.inLevel, chart.inLevel))
     {
-        if (chart.values[level * chart.inLevel + i] > 1.0f)
-        {
-            ++chart.switched;
-            return state.template transit<Target>();
-        }
+        ++chart.switched;
+        return state.template transit<Target>();
     }
     return state.forward_event();
 }
@@ -157,25 +186,14 @@ struct Tick
 {
 };
 
-/// Tells whether one of a transition's conditions holds.
-template <class AnyShape>
-bool Holds(const float* values, int transition)
-{
-    bool holds = false;
-    for (int i = 0; i < AnyShape::kConditions; ++i)
-    {
-        holds = holds || values[transition * AnyShape::kConditions + i] > 1.0f;
-    }
-    return holds;
-}
-
 template <class AnyShape, int kTransition>
 struct Guard
 {
     template <class Event, class Machine, class Source, class Target>
     bool operator()(const Event&, Machine& machine, Source&, Target&) const
     {
-        return Holds<AnyShape>(machine.values, kTransition);
+        constexpr int kConditions = AnyShape::kConditions;
+        return AnyHolds<kConditions>(machine.values + kTransition * kConditions);
     }
 };
 
