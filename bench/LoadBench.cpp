@@ -49,6 +49,15 @@ void Load(benchmark::State& state)
 }
 BENCHMARK(Load)->Arg(1000)->Arg(10000)->Arg(100000)->UseManualTime();
 
+void LoadQuiet(benchmark::State& state)
+{
+    // The case's lines are recorded first.
+    GetCase(static_cast<int>(state.range(0)));
+    const QuietLog quiet;
+    Load(state);
+}
+BENCHMARK(LoadQuiet)->Arg(1000)->Arg(10000)->Arg(100000)->UseManualTime();
+
 void LimitLoadParse(benchmark::State& state)
 {
     const LoadCase& load = GetCase(static_cast<int>(state.range(0)));

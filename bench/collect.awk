@@ -1,5 +1,5 @@
 # Gathers the runs of the benchmark program, the counted instructions and the bytes into one CSV: name,
-# unit, minimum, median, number of samples, commit, machine, compiler.
+# unit, minimum, median, number of samples, commit, date, machine, compiler.
 function add(name, unit, value)
 {
     units[name] = unit
@@ -11,12 +11,23 @@ function add(name, unit, value)
 FNR == 1 { header = 0 }
 
 FILENAME ~ /\.csv$/ {
-    if ($0 ~ /^name,/) { header = 1; next }
+    if ($0 ~ /^name,/) {
+        header = 1
+        columns = split($0, field, ",")
+        counter = field[columns]
+        gsub(/"/, "", counter)
+        next
+    }
     if (!header) next
     split($0, field, ",")
     name = field[1]
     gsub(/"/, "", name)
     if (name ~ /_(mean|median|stddev|cv)$/) next
+    if (counter == "bytes") {
+        sub(/\/.*/, "", name)
+        add(name, "bytes", field[columns] + 0)
+        next
+    }
     # Wall time is for what was timed by hand; all else goes by the time of the processor.
     value = name ~ /manual_time/ ? field[3] : field[4]
     sub(/\/manual_time/, "", name)
@@ -41,7 +52,7 @@ FILENAME ~ /memory$/ {
 { add("instructions_" $1, "instructions", $2) }
 
 END {
-    print "name,unit,minimum,median,samples,commit,machine,compiler"
+    print "name,unit,minimum,median,samples,commit,date,machine,compiler"
     for (n = 1; n <= names; ++n) {
         name = order[n]
         total = count[name]
@@ -55,7 +66,7 @@ END {
         }
         half = int((total + 1) / 2)
         median = total % 2 ? sorted[half] : (sorted[half] + sorted[half + 1]) / 2
-        printf "%s,%s,%.10g,%.10g,%d,%s,\"%s\",\"%s\"\n", name, units[name], sorted[1], median, total,
-            commit, machine, compiler
+        printf "%s,%s,%.10g,%.10g,%d,%s,%s,\"%s\",\"%s\"\n", name, units[name], sorted[1], median, total,
+            commit, date, machine, compiler
     }
 }

@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Draws the picture of the figures $1, a CSV of bench/run.sh, into the file $2, with gnuplot.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+if ! command -v gnuplot >/dev/null; then
+    echo "There is no picture: gnuplot is not installed (Debian's gnuplot-nox)." >&2
+    exit 0
+fi
+scratch=$(mktemp -d)
+trap 'rm -rf "${scratch}"' EXIT
+awk -f bench/series.awk "$1" >"${scratch}/series.gp"
+gnuplot -e "target = '$2'" "${scratch}/series.gp" bench/picture.gp
