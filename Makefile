@@ -44,6 +44,7 @@ faults: setup
 	tests/faults/run.sh --keep-going
 
 bench: setup
+	@VELL_FOR_BENCH=1 cmake/install-packages.sh 2>/dev/null || true
 	cmake --preset release
 	cmake --build build/release -j $(JOBS) --target bench_programs
 	@bench/run.sh

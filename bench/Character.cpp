@@ -59,7 +59,8 @@ std::string ReadSample(const char* name)
 }
 
 Character::Character(Extra extra)
-    : machine(SpawnSample()), speed(Find<IParameterFloatDef>(*machine, "speed")),
+    : machine(SpawnSample()),
+      speed(Find<IParameterFloatDef>(*machine, "speed")),
       stick(Find<IParameterAnalogDef>(*machine, "stick")),
       armed(Find<IParameterBoolDef>(*machine, "armed")),
       combo(Find<IParameterIntDef>(*machine, "combo")),

@@ -117,7 +117,7 @@ struct LimitHooks
 {
     LimitHook* actions[kLimitStates]; ///< one for each state; also what is entered and left
     LimitHook* listener;
-    bool (*trigger)();   ///< never holds
+    bool (*trigger)(); ///< never holds
     void (*onSwitch)(float argument);
 };
 

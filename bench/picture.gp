@@ -30,6 +30,7 @@ place(c, r) = sprintf("set lmargin at screen %f; set rmargin at screen %f; " . \
 
 # --- Crowds ---
 set format x "%.0f"
+unset mxtics
 set xlabel "machines" offset 0,0.5
 set xrange [0.8:12500]
 
@@ -90,9 +91,10 @@ set grid noytics
 set border 1
 set format x "%g"
 set xtics auto
+set mxtics default
 set ytics scale 0
 shown(x) = x < 10 ? sprintf("%.2g", x) : sprintf("%.0f", x)
-dots(c, r, name, rows) = place(c, r) . sprintf("; set lmargin at screen %f; ", left(c) + 0.09) . \
+dots(c, r, name, rows) = place(c, r) . sprintf("; set lmargin at screen %f; ", left(c) + 0.1) . \
     sprintf("set yrange [%d.6:0.4]; plot ", rows) . \
     sprintf("for [s = 1:5] $%s using ($3 == s ? $2 : NaN):1 with points ls s ps 1, ", name) . \
     sprintf("$%s using 2:1:(shown($2)) with labels left offset 0.9,0 font ',10', ", name) . \

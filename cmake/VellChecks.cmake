@@ -34,6 +34,7 @@ if(VELL_CHECKS AND VELL_BUILD_TOOLS AND CMAKE_BUILD_TYPE STREQUAL Debug AND NOT 
     add_test(NAME check.target
              COMMAND ${PROJECT_SOURCE_DIR}/tests/consumer/check-target.sh ${CMAKE_CXX_COMPILER}
                      ${PROJECT_BINARY_DIR}/target-tests)
+    add_test(NAME check.performance_page COMMAND ${PROJECT_SOURCE_DIR}/bench/page.sh --check)
     add_test(NAME check.faults COMMAND ${PROJECT_SOURCE_DIR}/tests/faults/run.sh --check)
 endif()
 

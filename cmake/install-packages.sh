@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs from Debian's packages what building VELL needs and the machine lacks, and nothing else.
-# `CI=true` adds the tools of the checks, `VELL_FOR_WINDOWS=1` those of tests/windows/run.sh.
+# `CI=true` adds the tools of the checks, `VELL_FOR_WINDOWS=1` those of tests/windows/run.sh,
+# `VELL_FOR_BENCH=1` what draws the picture of `make bench`.
 # `VELL_NO_INSTALL=1` leaves the machine as it is.
 set -euo pipefail
 
@@ -12,6 +13,9 @@ if [[ -n "${CI:-}" && "${CI}" != "false" ]]; then
 fi
 if [[ -n "${VELL_FOR_WINDOWS:-}" ]]; then
     packages+=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest wine64)
+fi
+if [[ -n "${VELL_FOR_BENCH:-}" ]]; then
+    packages+=(gnuplot-nox)
 fi
 
 [[ -z "${VELL_NO_INSTALL:-}" ]] || exit 0
