@@ -101,6 +101,13 @@ BENCHMARK_TEMPLATE(TickCrowd, ScatteredCrowd)
     ->ArgsProduct({{static_cast<int64_t>(kLargestCrowd)}, {0, 1}})
     ->ArgNames({"machines", "shuffled"});
 
+BENCHMARK_TEMPLATE(TickCrowd, Crowd<Character>)->Name("TicksOfMany")->Apply(EachCrowd);
+BENCHMARK_TEMPLATE(UpdateTogether, Crowd<Character>, false)
+    ->Name("TicksOfManyTogether")
+    ->Apply(EachCrowd);
+BENCHMARK_TEMPLATE(TickCrowd, LimitCrowd<CharacterWalk>)
+    ->Name("TicksOfManyLimits")
+    ->Apply(EachCrowd);
 BENCHMARK_TEMPLATE(FrameCrowd, Crowd<Character>)->Name("FramesOfMany")->Apply(EachCrowd);
 BENCHMARK_TEMPLATE(UpdateTogether, Crowd<Character>, true)
     ->Name("FramesOfManyTogether")

@@ -37,61 +37,47 @@ using Sample = Shape<2, 1>; ///< as samples/character.json, when it walks
 template <int kCount>
 bool AnyHolds(const float* values)
 {
-    bool holds = false;
     for (int i = 0; i < kCount; ++i)
     {
-        holds = holds || values[i] > 1.0f;
+        if (values[i] > 1.0f)
+        {
+            return true;
+        }
     }
-    return holds;
+    return false;
 }
 
 namespace chart
 {
 
+namespace mpl = boost::mpl;
 namespace sc = boost::statechart;
 
 struct Tick : sc::event<Tick>
 {
 };
+template <class AnyShape>
 struct Outer;
+template <class AnyShape>
 struct Middle;
+template <class AnyShape>
 struct Inner;
+template <class AnyShape>
 struct Other;
 
-// The library's states cannot be templates that name each other, so the shape is looked up.
-struct Chart : sc::state_machine<Chart, Outer>
+template <class AnyShape>
+struct Chart : sc::state_machine<Chart<AnyShape>, Outer<AnyShape>>
 {
-    int inLevel = 0;               ///< conditions of a state
-    const float* values = nullptr; ///< of the outer state's conditions first
+    float values[kLevels][AnyShape::kInLevel] = {};
     unsigned int switched = 0;
 };
 
-/// The compiler knows each number of conditions, as it does in a chart that is written by hand.
-bool StateHolds(const float* values, int count)
-{
-    switch (count)
-    {
-    case 2:
-        return AnyHolds<2>(values);
-    case 4:
-        return AnyHolds<4>(values);
-    case 8:
-        return AnyHolds<8>(values);
-    case 16:
-        return AnyHolds<16>(values);
-    case 32:
-        return AnyHolds<32>(values);
-    default:
-        Fail("no such shape");
-    }
-}
-
 /// Leaves for another state when a condition holds, and else hands the event outwards.
-template <class Target, class State>
+template <class AnyShape, class Target, class State>
 sc::result React(State& state, int level)
 {
-    Chart& chart = state.outermost_context();
-    if (StateHolds(chart.values + level * chart.inLevel, chart.inLevel))
+    Chart<AnyShape>& chart = state.outermost_context();
+    if (AnyHolds<AnyShape::kInLevel>(chart.values[level]))
     {
         ++chart.switched;
         return state.template transit<Target>();
@@ -99,36 +85,41 @@ sc::result React(State& state, int level)
     return state.forward_event();
 }
 
-struct Outer : sc::simple_state<Outer, Chart, Middle>
+// An initial state is in a list, so that it is not looked into before it is complete.
+template <class AnyShape>
+struct Outer : sc::simple_state<Outer<AnyShape>, Chart<AnyShape>, mpl::list<Middle<AnyShape>>>
 {
     using reactions = sc::custom_reaction<Tick>;
     sc::result react(const Tick&)
     {
-        return React<Outer>(*this, 0);
+        return React<AnyShape, Outer<AnyShape>>(*this, 0);
     }
 };
-struct Middle : sc::simple_state<Middle, Outer, Inner>
+template <class AnyShape>
+struct Middle : sc::simple_state<Middle<AnyShape>, Outer<AnyShape>, mpl::list<Inner<AnyShape>>>
 {
     using reactions = sc::custom_reaction<Tick>;
     sc::result react(const Tick&)
     {
-        return React<Middle>(*this, 1);
+        return React<AnyShape, Middle<AnyShape>>(*this, 1);
     }
 };
-struct Inner : sc::simple_state<Inner, Middle>
+template <class AnyShape>
+struct Inner : sc::simple_state<Inner<AnyShape>, Middle<AnyShape>>
 {
     using reactions = sc::custom_reaction<Tick>;
     sc::result react(const Tick&)
     {
-        return React<Other>(*this, 2);
+        return React<AnyShape, Other<AnyShape>>(*this, 2);
     }
 };
-struct Other : sc::simple_state<Other, Middle>
+template <class AnyShape>
+struct Other : sc::simple_state<Other<AnyShape>, Middle<AnyShape>>
 {
     using reactions = sc::custom_reaction<Tick>;
     sc::result react(const Tick&)
     {
-        return React<Inner>(*this, 2);
+        return React<AnyShape, Inner<AnyShape>>(*this, 2);
     }
 };
 
@@ -139,8 +130,6 @@ class Machine
 public:
     Machine()
     {
-        chart.inLevel = AnyShape::kInLevel;
-        chart.values = values;
         chart.initiate();
     }
     Machine(const Machine&) = delete;
@@ -148,13 +137,13 @@ public:
 
     void SetValue(int index, float value)
     {
-        values[index] = value;
+        chart.values[index / AnyShape::kInLevel][index % AnyShape::kInLevel] = value;
     }
 
     /// The values are those of the innermost state's conditions.
     void SetInnerValue(int index, float value)
     {
-        values[2 * AnyShape::kInLevel + index] = value;
+        chart.values[2][index] = value;
     }
 
     void Update(float)
@@ -168,8 +157,7 @@ public:
     }
 
 private:
-    float values[kLevels * AnyShape::kInLevel] = {};
-    Chart chart;
+    Chart<AnyShape> chart;
 };
 
 } // namespace chart

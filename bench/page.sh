@@ -17,6 +17,10 @@ done
 scratch=$(mktemp -d)
 trap 'rm -rf "${scratch}"' EXIT
 awk -f bench/report.awk bench/figures.csv >"${scratch}/tables"
+if grep '^|[^|]*|  |' "${scratch}/tables" >&2; then
+    echo "page.sh: these have no figure in bench/figures.csv" >&2
+    exit 1
+fi
 awk -v from="${from}" -v to="${to}" -v tables="${scratch}/tables" '
     $0 == to { print ""; inside = 0 }
     !inside { print }

@@ -34,29 +34,30 @@ unset mxtics
 set xlabel "machines" offset 0,0.5
 set xrange [0.8:12500]
 
+crowd(name, together) = \
+    sprintf("plot $%s_loop with linespoints ls 1 title 'VELL, a loop', ", name) . \
+    sprintf("$%s_together with linespoints ls 2 title 'VELL, %s', ", name, together) . \
+    sprintf("$%s_limit with linespoints ls 3 title 'hand-written limit', ", name) . \
+    sprintf("$%s_meta with linespoints ls 4 title (has_%s_meta ? 'Boost.MSM' : ''), ", name, name) . \
+    sprintf("$%s_chart with linespoints ls 5 title (has_%s_chart ? 'Boost.Statechart' : '')", \
+        name, name)
+
 do for [shuffled = 0:1] {
     order = shuffled ? "in shuffled order" : "in turn"
     name = shuffled ? "shuffled" : "turn"
+    set ylabel (shuffled ? "" : "ns per machine") offset 1.5,0
+
     eval place(shuffled, 0)
     set title "A frame: five parameters set and a tick, " . order
-    set ylabel (shuffled ? "" : "ns per machine") offset 1.5,0
-    set yrange [10:20000]
-    eval "plot $" . name . "_frame_loop with linespoints ls 1 title 'VELL, a loop', " . \
-        "$" . name . "_frame_together with linespoints ls 2 title 'VELL, UpdateMachines', " . \
-        "$" . name . "_frame_limit with linespoints ls 3 title 'hand-written limit', " . \
-        "$" . name . "_frame_meta with linespoints ls 4 title (has_" . name . "_frame_meta ? 'Boost.MSM' : ''), " . \
-        "$" . name . "_frame_chart with linespoints ls 5 title (has_" . name . "_frame_chart ? 'Boost.Statechart' : '')"
+    set yrange [5:20000]
+    eval crowd(name . "_frame", "all inputs, then UpdateMachines")
     unset label 1
     unset label 2
 
     eval place(shuffled, 1)
     set title "An idle tick, twelve conditions, " . order
-    set yrange [10:5000]
-    eval "plot $" . name . "_idle_loop with linespoints ls 1 title 'VELL, a loop', " . \
-        "$" . name . "_idle_together with linespoints ls 2 title 'VELL, UpdateMachines', " . \
-        "$" . name . "_idle_limit with linespoints ls 3 title 'hand-written limit', " . \
-        "$" . name . "_idle_meta with linespoints ls 4 title (has_" . name . "_idle_meta ? 'Boost.MSM' : ''), " . \
-        "$" . name . "_idle_chart with linespoints ls 5 title (has_" . name . "_idle_chart ? 'Boost.Statechart' : '')"
+    set yrange [5:5000]
+    eval crowd(name . "_idle", "UpdateMachines")
 }
 
 # --- Conditions and loads ---
@@ -65,7 +66,7 @@ set title "An idle tick of one machine"
 set xlabel "conditions of three states"
 set ylabel "ns"
 set xrange [11:105]
-set yrange [10:500]
+set yrange [5:500]
 set xtics (12, 24, 48, 96)
 plot $condition_vell with linespoints ls 1 title "VELL", \
     $condition_limit with linespoints ls 3 title "hand-written limit", \
@@ -97,15 +98,16 @@ shown(x) = x < 10 ? sprintf("%.2g", x) : sprintf("%.0f", x)
 dots(c, r, name, rows) = place(c, r) . sprintf("; set lmargin at screen %f; ", left(c) + 0.1) . \
     sprintf("set yrange [%d.6:0.4]; plot ", rows) . \
     sprintf("for [s = 1:5] $%s using ($3 == s ? $2 : NaN):1 with points ls s ps 1, ", name) . \
-    sprintf("$%s using 2:1:(shown($2)) with labels left offset 0.9,0 font ',10', ", name) . \
+    sprintf("$%s using 2:1:(shown($2)) with labels left offset 1.1,0 font ',10', ", name) . \
     sprintf("$%s using (NaN):1:ytic(4)", name)
 
 set title "A frame of one machine, and what may come with it"
-set xlabel "ns"
-set xrange [10:1000]
+set xlabel "ns (the peers: a frame alone)"
+set xrange [5:1000]
 eval dots(0, 3, "frame", rows_frame)
 
 set title "A frame that changes the innermost state"
+set xlabel "ns (the peers write no lines)"
 set xrange [10:5000]
 eval dots(1, 3, "switch", rows_switch)
 

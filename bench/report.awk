@@ -131,7 +131,8 @@ function goals()
         ratio("ManyMachinesTogether/10000/1", "ManyLimitVirtualBlock/10000/1"), "1.25", "1.0", \
         two("ManyMachinesTogether/10000/1", "ManyLimitVirtualBlock/10000/1", 10000, "ns"))
     goal("An idle tick of the sample, with three parameters that reset: instructions", \
-        over("instructions_sample_tick", 1), "300", "200", "")
+        over("instructions_sample_tick", 1), "300", "200", \
+        has("CharacterTick") ? digits(figure["CharacterTick"]) " ns" : "")
     goal("A tick of `samples/locomotion.json`, which has none that resets: instructions", \
         over("instructions_settled_tick", 1), "200", "120", "")
     goal("A tick of the sample with a trigger on a transition of the active state: instructions", \
@@ -165,7 +166,11 @@ function games()
     crowd("by hand", "FramesOfManyLimits")
     crowd("Boost.MSM", "PeerFramesOfManyMetaStateMachine")
     crowd("Boost.Statechart", "PeerFramesOfManyStatechart")
-    crowds("An idle tick of many machines, twelve conditions")
+    crowds("A tick of many machines of the sample, without inputs")
+    crowd("a loop", "TicksOfMany")
+    crowd("`UpdateMachines`", "TicksOfManyTogether")
+    crowd("by hand", "TicksOfManyLimits")
+    crowds("An idle tick of many generated machines, twelve conditions")
     crowd("a loop", "ManyMachines")
     crowd("`UpdateMachines`", "ManyMachinesTogether")
     crowd("limit.virtual in one block", "ManyLimitVirtualBlock")
@@ -204,8 +209,8 @@ function others()
     header("Idle ticks, loads and tables", "Work | Figure | Beside it")
     row("Idle tick, three states, twelve conditions: instructions", over("instructions_idle_tick", 1), "")
     row("the same: nanoseconds", over("IdleTickByConditions/12", 1), \
-        and_also(and_also(named("LimitVirtualBlock/12", "limit.virtual in one block", 1, ""), \
-        named("LimitSwitch", "limit.switch", 1, "")), \
+        and_also(and_also(and_also(named("LimitVirtualBlock/12", "limit.virtual in one block", 1, ""), \
+        named("LimitVirtualScattered", "scattered", 1, "")), named("LimitSwitch", "limit.switch", 1, "")), \
         and_also(named("PeerMetaStateMachine/12", "Boost.MSM", 1, ""), \
         named("PeerStatechart/12", "Boost.Statechart", 1, ""))))
     row("Each additional condition: instructions", over("instructions_further_condition", 1), "")
@@ -213,6 +218,8 @@ function others()
         (figure["IdleTickByConditions/96"] - figure["IdleTickByConditions/12"]) / 84 : "", \
         has("LimitVirtualBlock/96") ? "limit.virtual " \
         digits((figure["LimitVirtualBlock/96"] - figure["LimitVirtualBlock/12"]) / 84) : "")
+    row("Each additional state on the stack, with four conditions: nanoseconds", \
+        has("IdleTickByDepth/8") ? (figure["IdleTickByDepth/8"] - figure["IdleTickByDepth/1"]) / 7 : "", "")
     row("The same tick in a document of 100,000 nodes, relative to one of 10", \
         ratio("IdleTickByNodes/100000", "IdleTickByNodes/10"), "")
     row("10,000 machines in shuffled order, relative to limit.virtual scattered over the heap", \

@@ -26,15 +26,16 @@ measure()
 # pieces makes every later load slower, and no limit.
 for ((run = 1; run <= runs; ++run)); do
     echo "run ${run} of ${runs}"
-    measure vell_bench "frames-${run}" --benchmark_filter='^Frames'
+    measure vell_bench "frames-${run}" --benchmark_filter='OfMany'
     measure vell_bench "many-${run}" --benchmark_filter='^Many'
     measure vell_bench "load-${run}" --benchmark_filter='Load'
     measure vell_bench "spawn-${run}" --benchmark_filter='Spawn'
     measure vell_bench "resident-${run}" --benchmark_filter='Resident'
-    measure vell_bench "rest-${run}" --benchmark_filter='-(^Frames|^Many|Load|Spawn|Resident)'
+    measure vell_bench "rest-${run}" --benchmark_filter='-(OfMany|^Many|Load|Spawn|Resident)'
     measure vell_bench_peers "peers-resident-${run}" --benchmark_filter='Resident'
     measure vell_bench_peers "peers-${run}" --benchmark_filter='-Resident'
 done
+: >"${out}/instructions"
 if command -v valgrind >/dev/null; then
     echo "instructions"
     bench/check-instructions.sh "${programs}" >"${out}/instructions" || true
@@ -51,8 +52,7 @@ compiler=$("${compiler}" --version | head -n 1)
 
 awk -v commit="${commit}" -v date="$(date +%F)" -v machine="${machine}, $(nproc) processors" \
     -v compiler="${compiler}" -v states="${states}" -f bench/collect.awk "${out}"/*.csv \
-    "${out}/memory" "${out}/table-memory" \
-    $([[ ! -f "${out}/instructions" ]] || echo "${out}/instructions") >build/bench.csv
+    "${out}/memory" "${out}/table-memory" "${out}/instructions" >build/bench.csv
 awk -f bench/report.awk build/bench.csv
 bench/draw.sh build/bench.csv build/performance.svg
 if [[ "${1:-}" == --page ]]; then
