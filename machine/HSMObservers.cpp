@@ -82,7 +82,7 @@ int HSM::Unsubscribe(ListenerList& list, IBroadcastListener* listener)
     return 1;
 }
 
-int HSM::Notify(const StateChangeEvent& change)
+int HSM::Notify(StateChangeEvent change)
 {
     if (stateChangeListeners.empty())
     {

@@ -242,7 +242,7 @@ protected:
 private:
     VELL_LOCAL int Subscribe(ListenerList& list, IBroadcastListener* listener);
     VELL_LOCAL int Unsubscribe(ListenerList& list, IBroadcastListener* listener);
-    VELL_LOCAL int Notify(const StateChangeEvent& change);
+    VELL_LOCAL int Notify(StateChangeEvent change);
     VELL_LOCAL unsigned int ParseDocument();
     VELL_LOCAL void ForgetArena();
     VELL_LOCAL void TestGlobalState(UpdateResult* result, float timeStep);
