@@ -26,9 +26,10 @@
 /// and the tables attached to it belong to one thread at a time. Reading and writing take no lock.
 ///
 /// Memory: creating a table and writing to it may throw `std::bad_alloc`; the table is then
-/// unchanged. Closing a table frees everything that it allocated, and its slot is used again. The
-/// texts of up to 4096 different keys that do not begin with a digit are kept for the lifetime of
-/// the process, so that tables share them; all other key texts are freed with their table.
+/// unchanged. Closing a table frees everything that it allocated, and its slot is used again by a
+/// table that is as large. The texts of up to 4096 different keys that do not begin with a digit, and
+/// up to 4096 orders in which tables have at most eight of them, are kept for the lifetime of the
+/// process, so that tables share them; all other keys are freed with their table.
 namespace Tessel
 {
 

@@ -1,9 +1,23 @@
 // VELL: data-driven hierarchical state machines.
-// platform/tessel/Entry.cpp: one key of a table with its value.
+// platform/tessel/Entry.cpp: the value of one key of a table.
 #include "platform/tessel/Entry.h"
+
+#include "platform/tessel/TableStore.h"
 
 namespace Tessel
 {
+
+static_assert(sizeof(void*) != 8 || sizeof(Entry) == 16, "entries decide what a table weighs");
+
+#if defined(__BYTE_ORDER__)
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the kind is in the first byte");
+#endif
+
+Entry::OldValue::~OldValue()
+{
+    held.ReleaseMemory();
+    TableStore::ReleaseChild(child);
+}
 
 int Entry::GetValueType() const
 {
@@ -11,73 +25,76 @@ int Entry::GetValueType() const
     return kind == KindLongText ? static_cast<int>(ValueType_Text) : static_cast<int>(kind);
 }
 
-int Entry::GetFloat2Value(Float2* out) const
+template <class Floats>
+int Entry::GetFloats(Kind kind, Floats* out) const
 {
-    if (out == nullptr || GetKind() != KindFloat2)
+    if (out == nullptr || GetKind() != kind)
     {
         return 0;
     }
-    *out = Load<Float2>();
+    std::memcpy(out, GetOutside(), sizeof(*out));
     return 1;
+}
+
+int Entry::GetFloat2Value(Float2* out) const
+{
+    return GetFloats(KindFloat2, out);
 }
 
 int Entry::GetFloat3Value(Float3* out) const
 {
-    if (out == nullptr || GetKind() != KindFloat3)
-    {
-        return 0;
-    }
-    *out = Load<Float3>();
-    return 1;
+    return GetFloats(KindFloat3, out);
 }
 
 int Entry::GetFloat4Value(Float4* out) const
 {
-    if (out == nullptr || GetKind() != KindFloat4)
-    {
-        return 0;
-    }
-    *out = Load<Float4>();
-    return 1;
+    return GetFloats(KindFloat4, out);
 }
 
-void Entry::StoreText(const char* text, std::size_t length, std::unique_ptr<char[]>& buffer)
+Entry::Buffer Entry::MakeTextBuffer(std::size_t length)
+{
+    Buffer buffer(Allocate(sizeof(LongText) + length + 1));
+    static_cast<LongText*>(buffer.get())->capacity = static_cast<std::uint32_t>(length + 1);
+    return buffer;
+}
+
+void Entry::StoreText(const char* text, std::size_t length, Buffer buffer)
 {
     if (length <= kMaxShortText)
     {
         // By way of a copy: `text` may lie in the long text that is freed here.
-        unsigned char copy[sizeof(payload)] = {};
-        std::memcpy(copy, text, length);
-        ReleaseText();
-        std::memcpy(payload, copy, sizeof(copy));
-        SetKind(KindShortText);
+        std::uint64_t made = 0;
+        std::memcpy(reinterpret_cast<char*>(&made) + 1, text, length);
+        ReleaseMemory();
+        word = made | KindShortText;
         return;
     }
     if (FitsLongText(length))
     {
-        char* held = Load<LongText>().text;
+        char* held = GetLongText().GetText();
         std::memmove(held, text, length);
         held[length] = '\0';
         return;
     }
-    std::memcpy(buffer.get(), text, length);
-    buffer[length] = '\0';
-    ReleaseText();
-    Store(KindLongText, LongText{buffer.release(), static_cast<std::uint32_t>(length + 1)});
+    char* taken = static_cast<LongText*>(buffer.get())->GetText();
+    std::memcpy(taken, text, length);
+    taken[length] = '\0';
+    ReleaseMemory();
+    SetOutside(KindLongText, buffer.release());
 }
 
-void Entry::ReleaseText()
+void Entry::ReleaseMemory()
 {
-    if (GetKind() == KindLongText)
+    if ((kHasMemory >> GetKind() & 1) != 0)
     {
-        delete[] Load<LongText>().text;
-        SetKind(KindNone);
+        Free(GetOutside());
+        word = KindNone;
     }
 }
 
 bool Entry::FitsLongText(std::size_t length) const
 {
-    return GetKind() == KindLongText && length < Load<LongText>().capacity;
+    return GetKind() == KindLongText && length < GetLongText().capacity;
 }
 
 } // namespace Tessel

@@ -1,10 +1,11 @@
 // VELL: data-driven hierarchical state machines.
-// platform/tessel/Entry.h: one key of a table with its value.
+// platform/tessel/Entry.h: the value of one key of a table.
 #pragma once
 
 #include <tessel/Tessel.h>
 
-#include "platform/tessel/Key.h"
+#include "platform/tessel/Memory.h"
+#include "platform/tessel/TableHandle.h"
 
 #include <cstdint>
 #include <cstring>
@@ -37,8 +38,10 @@ Integer Saturate(float value)
     return static_cast<Integer>(exact);
 }
 
-/// One key of a table with its value: 32 bytes on a 64-bit machine, the size that most decides what
-/// a tree of many small tables takes. The low bits of the key's address are the kind.
+/// The value of one key of a table: 16 bytes on a 64-bit machine, the size that most decides what a
+/// tree of many small tables takes. The key is in the table's shape. Behind the pointer that every
+/// `KVValue` has is a word: its four low bits are the kind, the rest is a number, a short text or
+/// the address of what does not fit.
 class Entry final : public KVValue
 {
 public:
@@ -58,13 +61,12 @@ public:
     };
 
     /// The longest text that is stored in the entry itself.
-    static constexpr std::size_t kMaxShortText = 15;
+    static constexpr std::size_t kMaxShortText = 6;
 
-    /// Takes over `key`, which whoever removes the entry gives back.
-    explicit Entry(const Key* key) : keyAndKind(reinterpret_cast<std::uintptr_t>(key)), payload{}
-    {
-    }
+    /// Memory for a value that does not fit into an entry.
+    using Buffer = std::unique_ptr<void, Freeing>;
 
+    Entry() = default;
     Entry(const Entry&) = delete;
     Entry& operator=(const Entry&) = delete;
 
@@ -79,104 +81,182 @@ public:
     /// As `GetFloat3Value`, for four floats.
     int GetFloat4Value(Float4* out) const;
 
-    /// Stores a plain value. A long text or a table that the entry held is the caller's to release.
+    /// Stores a number. What the entry owned is the caller's to release, see `OldValue`.
+    template <class Number>
+    void Store(Kind kind, Number number)
+    {
+        static_assert(sizeof(Number) == 4, "a number is the upper half of the word");
+        std::uint32_t bits = 0;
+        std::memcpy(&bits, &number, sizeof(bits));
+        word = static_cast<std::uint64_t>(bits) << 32 | kind;
+    }
+
+    /// Stores a handle. What the entry owned is the caller's to release.
+    void StoreTable(KVTable table)
+    {
+        word = TableHandle::GetBits(table) | KindTable;
+    }
+
+    /// Stores some floats in place of others. The entry must hold floats, of any number.
+    template <class Floats>
+    void StoreFloats(Kind kind, const Floats& floats)
+    {
+        std::memcpy(GetOutside(), &floats, sizeof(floats));
+        word = (word & ~kKindMask) | kind;
+    }
+
+    /// Stores some floats in `buffer`, which was made for them and is taken over. What the entry
+    /// owned is the caller's to release.
+    template <class Floats>
+    void StoreFloats(Kind kind, const Floats& floats, Buffer buffer)
+    {
+        SetOutside(KindFloat4, buffer.release());
+        StoreFloats(kind, floats);
+    }
+
+    /// Gives memory for floats of any number. May throw `std::bad_alloc`.
+    static Buffer MakeFloatsBuffer()
+    {
+        return Buffer(Allocate(sizeof(Float4)));
+    }
+
+    /// Tells whether there is a value of `kind`, which the type `Value` fits.
     template <class Value>
-    void Store(Kind kind, const Value& value)
+    bool Is(Kind kind) const
     {
-        static_assert(sizeof(Value) <= sizeof(payload), "a value fits into the entry");
-        std::memcpy(payload, &value, sizeof(value));
-        SetKind(kind);
+        // Of a number the lower half of the word is the kind alone: one compare.
+        return sizeof(Value) == 4 ? static_cast<std::uint32_t>(word) == kind
+                                  : ((word - kind) & kKindMask) == 0;
     }
 
-    /// Stores a plain value in place of one of the same kind.
+    /// Stores a value in place of one of the same `kind`.
     template <class Value>
-    void Overwrite(const Value& value)
+    void Overwrite(Kind kind, const Value& value)
     {
-        static_assert(sizeof(Value) <= sizeof(payload), "a value fits into the entry");
-        std::memcpy(payload, &value, sizeof(value));
+        if constexpr (sizeof(Value) == 4)
+        {
+            std::memcpy(reinterpret_cast<char*>(&word) + 4, &value, sizeof(value));
+        }
+        else
+        {
+            // NOLINTNEXTLINE(performance-no-int-to-ptr): the pointer shares its word with the kind.
+            std::memcpy(reinterpret_cast<void*>(static_cast<std::uintptr_t>(word - kind)), &value,
+                        sizeof(value));
+        }
     }
 
-    /// Tells whether this is the entry of `key`, null allowed, with a value of `kind`: one compare.
-    bool Is(const Key* key, Kind kind) const
-    {
-        return keyAndKind == (reinterpret_cast<std::uintptr_t>(key) | kind);
-    }
-
-    /// Stores a text that may be in this very entry. `buffer` has space for it when it is neither
+    /// Stores a text that may be in this very entry. `buffer` is one for it when it is neither
     /// short nor fits into the long text that the entry holds, and is taken over then. A table that
     /// the entry held is the caller's to release.
-    void StoreText(const char* text, std::size_t length, std::unique_ptr<char[]>& buffer);
+    void StoreText(const char* text, std::size_t length, Buffer buffer);
 
-    /// Frees a long text, if there is one. The kind is none then.
-    void ReleaseText();
+    /// Gives memory for a long text. May throw `std::bad_alloc`.
+    static Buffer MakeTextBuffer(std::size_t length);
+
+    /// Frees the memory of a value that does not fit into the entry. The kind is none then.
+    void ReleaseMemory();
 
     /// Tells whether the entry holds a long text in whose place one of `length` fits.
     bool FitsLongText(std::size_t length) const;
 
-    /// Tells whether there is a long text or a table, which has to be released.
+    /// Tells whether there is memory or a table, which has to be released.
     bool IsOwner() const
     {
-        return ((1u << KindLongText | 1u << KindTable) >> GetKind() & 1) != 0;
+        return ((kHasMemory | 1u << KindTable) >> GetKind() & 1) != 0;
     }
 
-    /// Gives the long text that is stored, or null.
-    char* GetLongText() const
+    /// Tells whether there are floats of any number.
+    bool HasFloats() const
     {
-        return GetKind() == KindLongText ? Load<LongText>().text : nullptr;
+        return (kHasFloats >> GetKind() & 1) != 0;
     }
 
     /// Gives the handle that is stored, live or stale; null when the entry holds no table.
     KVTable GetStoredTable() const
     {
-        KVTable table;
-        if (GetKind() == KindTable)
-        {
-            std::memcpy(&table, payload, sizeof(table));
-        }
-        return table;
+        return GetKind() == KindTable
+                   ? TableHandle::FromBits(static_cast<std::uintptr_t>(word - KindTable))
+                   : KVTable();
     }
 
     /// Tells whether the entry holds `table`, live or stale.
     bool IsTable(KVTable table) const
     {
-        return GetKind() == KindTable && Load<KVTable>() == table;
+        return word == (TableHandle::GetBits(table) | KindTable);
     }
 
     Kind GetKind() const
     {
-        return static_cast<Kind>(keyAndKind & kKindMask);
+        return static_cast<Kind>(word & kKindMask);
     }
 
-    const Key* GetKey() const
-    {
-        // NOLINTNEXTLINE(performance-no-int-to-ptr): the pointer shares its word with the kind.
-        return reinterpret_cast<const Key*>(keyAndKind & ~kKindMask);
-    }
+    class OldValue;
 
 private:
-    static constexpr std::uintptr_t kKindMask = Key::kAlignment - 1;
+    static constexpr std::uint64_t kKindMask = kFreeBits;
+    static constexpr unsigned kHasFloats = 1u << KindFloat2 | 1u << KindFloat3 | 1u << KindFloat4;
+    static constexpr unsigned kHasMemory = kHasFloats | 1u << KindLongText;
 
+    /// What a long text begins with; its characters follow.
     struct LongText
     {
-        char* text;             ///< owned
         std::uint32_t capacity; ///< bytes, the final zero among them
+
+        char* GetText()
+        {
+            return reinterpret_cast<char*>(this + 1);
+        }
     };
 
-    template <class Value>
-    Value Load() const
+    void* GetOutside() const
     {
-        Value value;
-        std::memcpy(&value, payload, sizeof(value));
-        return value;
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the pointer shares its word with the kind.
+        return reinterpret_cast<void*>(static_cast<std::uintptr_t>(word & ~kKindMask));
     }
 
-    void SetKind(Kind kind)
+    void SetOutside(Kind kind, void* memory)
     {
-        keyAndKind = (keyAndKind & ~kKindMask) | kind;
+        word = reinterpret_cast<std::uintptr_t>(memory) | kind;
     }
 
-    std::uintptr_t keyAndKind;
-    alignas(8) unsigned char payload[16];
+    LongText& GetLongText() const
+    {
+        return *static_cast<LongText*>(GetOutside());
+    }
+
+    template <class Number>
+    Number LoadNumber() const
+    {
+        static_assert(sizeof(Number) == 4, "a number is the upper half of the word");
+        const std::uint32_t bits = static_cast<std::uint32_t>(word >> 32);
+        Number number;
+        std::memcpy(&number, &bits, sizeof(number));
+        return number;
+    }
+
+    template <class Floats>
+    int GetFloats(Kind kind, Floats* out) const;
+
+    std::uint64_t word = KindNone; ///< a short text is behind the byte that has the kind
+};
+
+/// What an entry held before a write, released at the end of its scope.
+class Entry::OldValue
+{
+public:
+    explicit OldValue(const Entry& entry) : child(entry.GetStoredTable())
+    {
+        held.word = entry.word;
+    }
+
+    ~OldValue();
+
+    OldValue(const OldValue&) = delete;
+    OldValue& operator=(const OldValue&) = delete;
+
+private:
+    Entry held;
+    KVTable child;
 };
 
 // In line: these are what most reads come to.
@@ -186,9 +266,9 @@ inline int Entry::GetIntValue() const
     const Kind kind = GetKind();
     if (kind == KindInt || kind == KindUInt)
     {
-        return Load<int>();
+        return LoadNumber<int>();
     }
-    return kind == KindFloat ? Saturate<int>(Load<float>()) : 0;
+    return kind == KindFloat ? Saturate<int>(LoadNumber<float>()) : 0;
 }
 
 inline float Entry::GetFloatValue() const
@@ -196,11 +276,11 @@ inline float Entry::GetFloatValue() const
     switch (GetKind())
     {
     case KindFloat:
-        return Load<float>();
+        return LoadNumber<float>();
     case KindInt:
-        return static_cast<float>(Load<int>());
+        return static_cast<float>(LoadNumber<int>());
     case KindUInt:
-        return static_cast<float>(Load<unsigned>());
+        return static_cast<float>(LoadNumber<unsigned>());
     default:
         return 0.0f;
     }
@@ -211,9 +291,9 @@ inline const char* Entry::GetStringValue() const
     switch (GetKind())
     {
     case KindShortText:
-        return reinterpret_cast<const char*>(payload);
+        return reinterpret_cast<const char*>(&word) + 1;
     case KindLongText:
-        return Load<LongText>().text;
+        return GetLongText().GetText();
     default:
         return nullptr;
     }
@@ -224,13 +304,13 @@ inline unsigned Entry::GetUIntValue() const
     const Kind kind = GetKind();
     if (kind == KindInt || kind == KindUInt)
     {
-        return Load<unsigned>();
+        return LoadNumber<unsigned>();
     }
     if (kind != KindFloat)
     {
         return 0;
     }
-    const float value = Load<float>();
+    const float value = LoadNumber<float>();
     return value < 0.0f ? static_cast<unsigned>(Saturate<int>(value)) : Saturate<unsigned>(value);
 }
 

@@ -2,10 +2,11 @@
 // platform/tessel/Key.cpp: the stored text of a key, shared by all tables or owned by one.
 #include "platform/tessel/Key.h"
 
+#include "platform/tessel/Memory.h"
+
 #include <algorithm>
 #include <atomic>
 #include <mutex>
-#include <new>
 
 namespace Tessel
 {
@@ -23,34 +24,12 @@ std::mutex sharedMutex;
 
 bool IsWorthSharing(const KeyText& name)
 {
-    const bool isNumber = name.text[0] >= '0' && name.text[0] <= '9';
-    return !isNumber && name.length <= Key::kMaxSharedLength;
-}
-
-// The aligned forms of new are slower, and not needed where the plain ones align enough.
-constexpr bool kIsPlainNewEnough = __STDCPP_DEFAULT_NEW_ALIGNMENT__ >= Key::kAlignment;
-
-void* Allocate(std::size_t size)
-{
-    return kIsPlainNewEnough ? ::operator new(size)
-                             : ::operator new (size, std::align_val_t{Key::kAlignment});
-}
-
-void Free(void* memory)
-{
-    if (kIsPlainNewEnough)
-    {
-        ::operator delete(memory);
-    }
-    else
-    {
-        ::operator delete (memory, std::align_val_t{Key::kAlignment});
-    }
+    return !Key::IsId(name) && name.length <= Key::kMaxSharedLength;
 }
 
 } // namespace
 
-struct alignas(Key::kAlignment) KeyPool::Block
+struct alignas(kAlignment) KeyPool::Block
 {
     Block* next;
 };
@@ -70,7 +49,7 @@ void* KeyPool::Take(std::size_t size)
     constexpr std::size_t kFirstSize = 256;
     constexpr std::size_t kLastSize = 4096;
 
-    size = (size + Key::kAlignment - 1) / Key::kAlignment * Key::kAlignment;
+    size = (size + kAlignment - 1) / kAlignment * kAlignment;
     if (size > left)
     {
         nextSize = std::clamp(nextSize * 2, kFirstSize, kLastSize);
@@ -108,6 +87,36 @@ const Key* Key::Acquire(const KeyText& name, KeyPool& pool)
     return isShort && !IsWorthSharing(name) ? new (pool.Take(GetSize(name)))
                                                   Key(name, name.ComputeHash(), false)
                                             : Acquire(name);
+}
+
+const Key* Key::AcquireRemembered(const char* text)
+{
+    const Key* key = Recall(text);
+    if (key == nullptr)
+    {
+        key = Acquire(KeyText(text));
+        Remember(text, *key);
+    }
+    return key;
+}
+
+const Key* Key::Share(const char* text)
+{
+    const Key* key = Recall(text);
+    if (key == nullptr)
+    {
+        key = FindOrShare(KeyText(text));
+        if (key != nullptr)
+        {
+            Remember(text, *key);
+        }
+    }
+    return key;
+}
+
+const Key* Key::FindOrShare(const KeyText& name)
+{
+    return AcquireShared(name, name.ComputeHash());
 }
 
 void Key::Release(const Key* key)

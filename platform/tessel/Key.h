@@ -34,17 +34,14 @@ private:
     std::size_t nextSize = 0; ///< bytes of the block to come, which grow up to a limit
 };
 
-/// The stored text of a key. Names are shared by all tables and kept for good, so a table that has
-/// the same keys as a thousand others pays a pointer for each and takes no lock for them. What is
-/// not worth keeping (decimal ids, long texts, names beyond the first 4096) belongs to its one
-/// user, or is in the pool of the table that it is a key of. No text is both: once there is no
+/// The stored text of a key. Its address is a multiple of 16. Names are shared by all tables and
+/// kept for good: tables that have them share their shapes (Shape.h), and take no lock for them.
+/// What is not worth keeping (decimal ids, long texts, names beyond the first 4096) belongs to its
+/// one user, or is in the pool of the table that it is a key of. No text is both: once there is no
 /// space for further shared ones, there never is.
 class Key
 {
 public:
-    /// The alignment of every key: the four low bits of its address are free for the user.
-    static constexpr std::size_t kAlignment = 16;
-
     /// The most keys that are shared and kept for good.
     static constexpr std::uint32_t kMaxShared = 4096;
 
@@ -54,11 +51,21 @@ public:
     /// The longest text that is shared.
     static constexpr std::size_t kMaxSharedLength = kSharedSize - 9;
 
+    /// Tells whether `name` is like a decimal id, of which there are too many to share them.
+    static bool IsId(const KeyText& name)
+    {
+        return name.text[0] >= '0' && name.text[0] <= '9';
+    }
+
     /// Gives a key with the text of `name`, to be given back by `Release`. Takes a lock only for a
     /// name that is seen for the first time. May throw `std::bad_alloc`.
     static const Key* Acquire(const KeyText& name);
 
-    /// As above; a decimal id is placed in `pool`.
+    /// Gives the shared key with the text of `name`, or null when it is not worth sharing or there
+    /// is no space for it. Takes a lock only for a name that is seen for the first time.
+    static const Key* FindOrShare(const KeyText& name);
+
+    /// As `Acquire`; a decimal id is placed in `pool`.
     static const Key* Acquire(const KeyText& name, KeyPool& pool);
 
     /// Gives the shared key that `Remember` was last told of for the address `text`, if that is the
@@ -83,11 +90,25 @@ public:
         }
     }
 
+    /// As `Acquire`, for a text that may be looked up again.
+    static const Key* AcquireRemembered(const char* text);
+
+    /// As `FindOrShare`, for a text that may be looked up again.
+    static const Key* Share(const char* text);
+
     /// Ends the use of a key; null is allowed. No other user of a shared key is touched.
     static void Release(const Key* key);
 
     /// Gives the number of keys that are kept for good.
     static std::uint32_t GetSharedCount();
+
+    /// Gives the number of a shared key, below `kMaxShared`; of another one a larger number.
+    std::uintptr_t GetNumber() const
+    {
+        return (reinterpret_cast<std::uintptr_t>(this) -
+                reinterpret_cast<std::uintptr_t>(sharedRow)) /
+               kSharedSize;
+    }
 
     bool IsShared() const
     {

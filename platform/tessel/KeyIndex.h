@@ -2,43 +2,39 @@
 // platform/tessel/KeyIndex.h: the hash index over the keys of a large table.
 #pragma once
 
-#include "platform/tessel/Entry.h"
-
 #include <cstdint>
 #include <memory>
 
 namespace Tessel
 {
 
-/// Finds the entries of a large table by key. It keeps the hash of each beside its number, so that
-/// looking, and growing, reaches for the entries that are the right ones almost only.
+/// Finds the keys of a large table. It keeps the hash of each beside its number, so that looking,
+/// and growing, reaches for the keys that are the right ones almost only.
 class KeyIndex
 {
 public:
-    /// Makes space for `count` entries in all. May throw `std::bad_alloc`; nothing is lost then.
+    static constexpr std::uint32_t kNone = ~std::uint32_t{0};
+
+    /// Makes space for `count` keys in all. May throw `std::bad_alloc`; nothing is lost then.
     void Reserve(std::uint32_t count);
 
-    /// Adds the entry `number`, whose key is not there yet. There must be space for it.
+    /// Adds the key `number`, which is not there yet. There must be space for it.
     void Insert(std::uint32_t hash, std::uint32_t number);
 
-    /// Gives the entry of `name`, or null. `getEntry` gives the entry of a number.
-    template <class GetEntry>
-    Entry* Find(const KeyText& name, const GetEntry& getEntry) const
+    /// Gives the number of the key with the hash `hash` for which `isIt(number)` is true, or
+    /// `kNone`.
+    template <class IsIt>
+    std::uint32_t Find(std::uint32_t hash, const IsIt& isIt) const
     {
-        const std::uint32_t hash = name.ComputeHash();
         std::uint32_t at = hash & (placeCount - 1);
         for (; places[at].numberAndOne != 0; at = (at + 1) & (placeCount - 1))
         {
-            if (places[at].hash == hash)
+            if (places[at].hash == hash && isIt(places[at].numberAndOne - 1))
             {
-                Entry* entry = getEntry(places[at].numberAndOne - 1);
-                if (entry->GetKey()->Is(name))
-                {
-                    return entry;
-                }
+                return places[at].numberAndOne - 1;
             }
         }
-        return nullptr;
+        return kNone;
     }
 
 private:

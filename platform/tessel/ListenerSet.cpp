@@ -178,6 +178,7 @@ KVListener* ListenerSet::Add(const KeyText& name)
     }
     Group* found = *FindLink(name);
     Group& group = found != nullptr ? *found : AddGroup(name);
+    group.onlyValue = nullptr;
     Record* record = std::exchange(spare, spare->next);
     *record = Record{{}, nullptr, group.last, nextSerial};
     ++nextSerial;
@@ -322,6 +323,7 @@ void ListenerSet::Drop(Group& group, Record& record)
             call->next = record.next;
         }
     }
+    group.onlyValue = nullptr;
     (record.previous == nullptr ? group.first : record.previous->next) = record.next;
     (record.next == nullptr ? group.last : record.next->previous) = record.previous;
     record.next = std::exchange(spare, &record);

@@ -46,18 +46,29 @@ public:
         return groupCount != 0 || tableListener.function != nullptr;
     }
 
-    /// Gives the key of the first group, or null. Its records are looked at by `IsOnly`.
-    const Key* GetFirstKey() const
+    /// Gives the key of the first group when it has one record, otherwise null.
+    const Key* GetOnlyKey() const
     {
-        return home.key;
+        return home.first != nullptr && home.first->next == nullptr ? home.key : nullptr;
     }
 
-    /// Tells whether the first group, which must be there, has one record, with `own`, and the
-    /// table's own record has the function `ofTable`.
+    /// Gives the value of that key. Null when it is not known, and when there is not one record.
+    const KVValue* GetOnlyValue() const
+    {
+        return home.onlyValue;
+    }
+
+    /// Notes the value of that key, which may be null; kept until a record comes or goes.
+    void SetOnlyValue(const KVValue* value)
+    {
+        home.onlyValue = value;
+    }
+
+    /// Tells whether that record, which must be there, has `own`, and the table's own record has
+    /// the function `ofTable`.
     bool IsOnly(const KVListener& own, decltype(KVListener::function) ofTable) const
     {
-        return home.first->next == nullptr && IsSame(home.first->listener, own) &&
-               tableListener.function == ofTable;
+        return IsSame(home.first->listener, own) && tableListener.function == ofTable;
     }
 
     /// Calls the listeners of `name` that were there when the call began, then the table's own.
@@ -84,7 +95,8 @@ private:
     /// The records of one key, in their order; never empty but while it is made.
     struct Group
     {
-        const Key* key; ///< null when the group is not in use
+        const Key* key;           ///< null when the group is not in use
+        const KVValue* onlyValue; ///< the key's, when it is known and there is one record
         Record* first;
         Record* last;
         RecordIndex* index; ///< owned; null until needed

@@ -4,50 +4,18 @@
 
 #include "platform/tessel/TableStore.h"
 
-#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <new>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace Tessel
 {
 
-static_assert(sizeof(void*) != 8 || sizeof(Entry) == 32, "entries decide what a table weighs");
-static_assert(sizeof(void*) != 8 || sizeof(Table) == 120, "two keys need no memory but this");
-
-namespace
-{
-
-/// The number of zero bits below the lowest one that is set; `bits` is not 0.
-std::uint32_t CountTrailingZeros(std::uint64_t bits)
-{
-#if defined(__GNUC__)
-    return static_cast<std::uint32_t>(__builtin_ctzll(bits));
-#else
-    std::uint32_t count = 0;
-    for (; (bits & 1) == 0; bits >>= 1)
-    {
-        ++count;
-    }
-    return count;
-#endif
-}
-
-/// As `Key::Acquire`, for a text that may be looked up again.
-const Key* AcquireKey(const char* text)
-{
-    if (const Key* key = Key::Recall(text))
-    {
-        return key;
-    }
-    const Key* key = Key::Acquire(KeyText(text));
-    Key::Remember(text, *key);
-    return key;
-}
-
-} // namespace
+static_assert(sizeof(void*) != 8 || sizeof(Table) == 32, "two tables or more in a cache line");
+static_assert(sizeof(Table) % alignof(Entry) == 0, "entries follow the table");
 
 /// A key that is not shared, as the listeners of a write get it. It lives as long as this object,
 /// whatever the write and its listeners close meanwhile: the caller's own text may be in a table
@@ -78,34 +46,9 @@ private:
     std::size_t length;
 };
 
-/// What an entry held before a write, released at the end of its scope.
-class Table::OldValue
-{
-public:
-    explicit OldValue(const Entry& entry) : text(entry.GetLongText()), child(entry.GetStoredTable())
-    {
-    }
-
-    ~OldValue()
-    {
-        delete[] text;
-        if (child)
-        {
-            TableStore::ReleaseChild(child);
-        }
-    }
-
-    OldValue(const OldValue&) = delete;
-    OldValue& operator=(const OldValue&) = delete;
-
-private:
-    char* text;
-    KVTable child;
-};
-
 KVValue* Table::GetValueAt(unsigned index)
 {
-    return extras == nullptr ? nullptr : extras->elements.GetAt(index);
+    return HasElements() ? more->elements->GetAt(index) : nullptr;
 }
 
 KVTable Table::GetTable(const char* key)
@@ -195,12 +138,12 @@ int Table::SetString(const char* key, const char* text, int)
     if (IsHeard())
     {
         return WriteHeard(key,
-                          [&](Entry* found)
+                          [&](const Found& found)
                           {
                               PutText(found, key, text, length);
                           });
     }
-    PutText(Find(key), key, text, length);
+    PutText(Look(key), key, text, length);
     return 1;
 }
 
@@ -220,19 +163,19 @@ KVTable Table::AddTable(const char* key, int)
     {
         return KVTable();
     }
-    const KeyText wanted(key);
-    Entry* entry = Find(key);
+    const Found found = Look(key);
     // The child first: a key without a value must not stay behind when there is no memory for it.
-    Table* child = TableStore::Open(wanted, 0);
+    Table* child = TableStore::Open(key, 0);
     if (child == nullptr)
     {
         return KVTable(); // GCOVR_EXCL_LINE: 33 million tables are open
     }
+    Entry* entry = found.entry;
     if (entry == nullptr)
     {
         try
         {
-            entry = Add(key);
+            entry = Add(found, key);
         }
         catch (...)
         {
@@ -246,34 +189,29 @@ KVTable Table::AddTable(const char* key, int)
 
 int Table::AttachTable(const char* key, KVTable child, int)
 {
-    Table* found = TableStore::Find(child);
-    if (key == nullptr || found == nullptr || found == this || IsBelow(*found))
+    Table* attached = TableStore::Find(child);
+    if (key == nullptr || attached == nullptr || attached == this || IsBelow(*attached))
     {
         return 0;
     }
-    Entry* entry = Find(key);
-    if (entry == nullptr)
-    {
-        entry = Add(key);
-    }
-    StoreChild(*entry, *found);
+    StoreChild(NeedEntry(Look(key), key), *attached);
     return 1;
 }
 
 int Table::RemoveAt(unsigned index, int)
 {
-    return extras != nullptr && extras->elements.RemoveAt(index) ? 1 : 0;
+    return HasElements() && more->elements->RemoveAt(index) ? 1 : 0;
 }
 
 int Table::PushUInt(unsigned value, int)
 {
-    NeedExtras().elements.Push(value);
+    (HasElements() ? *more->elements : AddElements()).Push(value);
     return 1;
 }
 
 unsigned Table::GetCount()
 {
-    return extras == nullptr ? 0 : extras->elements.GetCount();
+    return HasElements() ? more->elements->GetCount() : 0;
 }
 
 KVValue* Table::FindValue(const char* key)
@@ -283,19 +221,19 @@ KVValue* Table::FindValue(const char* key)
 
 KVListener* Table::GetTableListener()
 {
-    return NeedExtras().listeners.GetTableListener();
+    return NeedListeners().GetTableListener();
 }
 
 KVListener* Table::GetValueListener(const char* key)
 {
-    return key == nullptr ? nullptr : NeedExtras().listeners.Add(KeyText(key));
+    return key == nullptr ? nullptr : NeedListeners().Add(KeyText(key));
 }
 
 void Table::RemoveValueListener(const char* key, const KVListener* listener)
 {
-    if (extras != nullptr && key != nullptr && listener != nullptr && listener->function != nullptr)
+    if (HasListeners() && key != nullptr && listener != nullptr && listener->function != nullptr)
     {
-        extras->listeners.Remove(KeyText(key), *listener);
+        more->listeners->Remove(KeyText(key), *listener);
     }
 }
 
@@ -314,55 +252,58 @@ void Table::Unlock()
 
 unsigned Table::GetKeyCount()
 {
-    return keyCount;
+    return CountKeys();
 }
 
 const char* Table::GetKeyAt(unsigned index)
 {
-    return index < keyCount ? GetEntry(index)->GetKey()->GetText() : nullptr;
+    if (index >= CountKeys())
+    {
+        return nullptr;
+    }
+    return shape != Shape::kNone ? Shape::Get(shape).GetKey(index).GetText()
+                                 : more->keys->GetKey(index).GetText();
 }
 
 int Table::GetTypeAt(unsigned index)
 {
-    return index < keyCount ? GetEntry(index)->GetValueType() : static_cast<int>(ValueType_None);
+    return index < CountKeys() ? GetEntry(index)->GetValueType() : static_cast<int>(ValueType_None);
+}
+
+const KVValue* Table::FindOnlyHeard()
+{
+    ListenerSet& listeners = *more->listeners;
+    const Key* key = listeners.GetOnlyKey();
+    listeners.SetOnlyValue(key == nullptr ? nullptr : Find(key->GetText()));
+    return listeners.GetOnlyValue();
+}
+
+/// Looks for `key`, which may be null.
+inline Table::Found Table::Look(const char* key)
+{
+    if (const Key* shared = Key::Recall(key))
+    {
+        return Found{FindShared(*shared), shared};
+    }
+    return Found{FindText(key), nullptr};
 }
 
 /// Gives the entry of `key`, or null; also for a null key.
 inline Entry* Table::Find(const char* key)
 {
-    if (const Key* shared = Key::Recall(key))
-    {
-        return FindShared(*shared);
-    }
-    return FindText(key);
+    return Look(key).entry;
 }
 
 // These two call nothing but their last step: most of what a read or write costs is here.
 
-/// A text that is shared is in no other key, so the address tells.
 Entry* Table::FindShared(const Key& key)
 {
-    if (keyCount > kTaggedEntries)
+    const std::uint32_t index = Shape::Get(shape).Find(key);
+    if (index != Shape::kNoKey)
     {
-        return FindIndexed(key.GetKeyText());
+        return GetEntry(index);
     }
-    Entry* run = GetEntry(0);
-    Block* next = blocks;
-    std::uint32_t runEnd = kInlineEntries;
-    for (std::uint32_t i = 0; i < keyCount; ++i, ++run)
-    {
-        if (i == runEnd)
-        {
-            run = next->GetEntries();
-            next = next->next;
-            runEnd = GetNextRunEnd(runEnd);
-        }
-        if (run->GetKey() == &key)
-        {
-            return run;
-        }
-    }
-    return nullptr;
+    return shape != Shape::kNone ? nullptr : FindOwn(key);
 }
 
 Entry* Table::FindText(const char* text)
@@ -372,77 +313,88 @@ Entry* Table::FindText(const char* text)
         return nullptr;
     }
     const KeyText key(text);
-    if (keyCount > kTaggedEntries)
+    if (shape == Shape::kNone)
     {
-        return FindIndexed(key);
+        return FindOwn(key);
     }
-    // A byte of `others` is zero where the tag is that of the key. The bytes of `hits` that this
-    // extra finds come after a true hit, and the comparison of the texts sorts them out.
-    constexpr std::uint64_t kLowBits = 0x0101010101010101u;
-    const std::uint64_t others = tags ^ kLowBits * key.GetTag();
-    std::uint64_t hits = (others - kLowBits) & ~others & (kLowBits << 7);
-    for (; hits != 0; hits &= hits - 1)
+    const Shape& keys = Shape::Get(shape);
+    const std::uint32_t index = keys.Find(key);
+    if (index == Shape::kNoKey)
     {
-        Entry* entry = GetEntry(CountTrailingZeros(hits) / 8);
-        if (entry->GetKey()->Is(key))
+        return nullptr;
+    }
+    Key::Remember(text, keys.GetKey(index));
+    return GetEntry(index);
+}
+
+template <class AnyKey>
+Entry* Table::FindOwn(const AnyKey& key)
+{
+    const std::uint32_t index = more->keys->Find(key);
+    return index == Shape::kNoKey ? nullptr : GetEntry(index);
+}
+
+/// Gives what was found of the key `text`, which is added without a value when it was not there.
+inline Entry& Table::NeedEntry(const Found& found, const char* text)
+{
+    return found.entry != nullptr ? *found.entry : *Add(found, text);
+}
+
+/// Adds a key that was not found. When there is no memory for it, the table keeps at most some
+/// space that is not used yet.
+Entry* Table::Add(const Found& found, const char* text)
+{
+    if (shape != Shape::kNone)
+    {
+        const Shape& keys = Shape::Get(shape);
+        const Key* key = found.shared != nullptr ? found.shared : Key::Share(text);
+        const Shape* next = key == nullptr ? nullptr : keys.GetNext(*key);
+        if (next != nullptr)
         {
-            Key::Remember(text, *entry->GetKey());
+            Entry* entry = new (MakeRoom(keys.GetKeyCount())) Entry;
+            shape = next->GetNumber();
+            next->NoteUse();
             return entry;
         }
+        LeaveShape();
     }
-    return nullptr;
+    return AddOwn(KeyText(text));
 }
 
-Entry* Table::FindIndexed(KeyText key)
+Entry* Table::AddOwn(const KeyText& name)
 {
-    const auto getEntry = [this](std::uint32_t number)
+    OwnKeys& keys = *more->keys;
+    const std::uint32_t index = keys.GetKeyCount();
+    if (index < kMaxRoom)
     {
-        return GetEntry(number);
-    };
-    return extras->index.Find(key, getEntry);
+        MakeRoom(index);
+    }
+    keys.Add(name);
+    return new (GetEntry(index)) Entry;
 }
 
-/// Adds a key that is not there yet, without a value. When there is no memory for it, the table
-/// keeps at most some space that is not used yet.
-Entry* Table::Add(const char* text)
+/// Gives the table keys of its own, which begin with those of its shape.
+void Table::LeaveShape()
 {
-    const std::uint32_t index = keyCount;
-    Entry* entry = MakeRoom(index);
-    const bool isIndexed = index >= kTaggedEntries;
-    if (isIndexed)
+    const Shape& keys = Shape::Get(shape);
+    NeedMore().keys = std::make_unique<OwnKeys>(keys);
+    if (more->name == nullptr)
     {
-        NeedExtras().index.Reserve(index + 1);
+        more->name = keys.GetName();
     }
-    const Key* key = isIndexed ? Key::Acquire(KeyText(text), extras->keys) : AcquireKey(text);
-    entry = new (entry) Entry(key);
-    if (index == kTaggedEntries)
-    {
-        for (std::uint32_t i = 0; i < index; ++i)
-        {
-            extras->index.Insert(GetEntry(i)->GetKey()->GetHash(), i);
-        }
-    }
-    if (isIndexed)
-    {
-        extras->index.Insert(key->GetHash(), index);
-    }
-    else
-    {
-        tags |= static_cast<std::uint64_t>(key->GetKeyText().GetTag()) << (8 * index);
-    }
-    ++keyCount;
-    return entry;
+    shape = Shape::kNone;
 }
 
-/// Gives the place of the entry `index`, the next one to be made.
-Entry* Table::MakeRoom(std::uint32_t index)
+/// Gives the place of the entry `index`, the next one to be made and one of the first.
+inline Entry* Table::MakeRoom(std::uint32_t index)
 {
-    if (index < kInlineEntries)
-    {
-        return reinterpret_cast<Entry*>(inlineEntries) + index;
-    }
-    Block** block = &blocks;
-    std::uint32_t first = kInlineEntries;
+    return index < room ? GetEntry(index) : MakeBlockRoom(index);
+}
+
+Entry* Table::MakeBlockRoom(std::uint32_t index)
+{
+    Block** block = &NeedMore().blocks;
+    std::uint32_t first = room;
     std::uint32_t end = GetNextRunEnd(first);
     while (index >= end)
     {
@@ -458,19 +410,54 @@ Entry* Table::MakeRoom(std::uint32_t index)
     return (*block)->GetEntries() + (index - first);
 }
 
-Table::Extras& Table::NeedExtras()
+Entry* Table::GetFurtherEntry(std::uint32_t index)
 {
-    if (extras == nullptr)
+    if (index >= kMaxRoom)
     {
-        extras = new Extras;
+        return more->keys->GetEntry(index);
     }
-    return *extras;
+    Block* block = more->blocks;
+    std::uint32_t first = room;
+    std::uint32_t end = GetNextRunEnd(first);
+    while (index >= end)
+    {
+        block = block->next;
+        first = end;
+        end = GetNextRunEnd(end);
+    }
+    return block->GetEntries() + (index - first);
+}
+
+Table::More& Table::NeedMore()
+{
+    if (more == nullptr)
+    {
+        more = new More;
+    }
+    return *more;
+}
+
+/// Gives the array, which was not there.
+ElementArray& Table::AddElements()
+{
+    NeedMore().elements = std::make_unique<ElementArray>();
+    return *more->elements;
+}
+
+ListenerSet& Table::NeedListeners()
+{
+    std::unique_ptr<ListenerSet>& listeners = NeedMore().listeners;
+    if (listeners == nullptr)
+    {
+        listeners = std::make_unique<ListenerSet>();
+    }
+    return *listeners;
 }
 
 template <class Value>
 inline int Table::Write(const char* key, Entry::Kind kind, Value value)
 {
-    return IsHeard() ? WriteValueHeard(key, kind, value) : Put(Find(key), key, kind, value);
+    return IsHeard() ? WriteValueHeard(key, kind, value) : Put(Look(key), key, kind, value);
 }
 
 template <class Value>
@@ -481,70 +468,97 @@ int Table::WriteValueHeard(const char* key, Entry::Kind kind, Value value)
         return 0;
     }
     return WriteHeard(key,
-                      [&](Entry* found)
+                      [&](const Found& found)
                       {
                           Put(found, key, kind, value);
                       });
 }
 
-/// Writes and calls the listeners. `putAt` is given what `Find` gives.
+/// Writes and calls the listeners. `putAt` is given what `Look` gives.
 template <class PutAt>
 inline int Table::WriteHeard(const char* key, const PutAt& putAt)
 {
     if (const Key* shared = Key::Recall(key))
     {
-        putAt(FindShared(*shared));
-        extras->listeners.Call(*this, shared->GetKeyText());
+        putAt(Found{FindShared(*shared), shared});
+        more->listeners->Call(*this, shared->GetKeyText());
         return 1;
     }
     const HeldKey held{KeyText(key)};
-    putAt(FindText(key));
-    extras->listeners.Call(*this, held.GetText());
+    putAt(Found{FindText(key), nullptr});
+    more->listeners->Call(*this, held.GetText());
     return 1;
 }
 
 // In what follows the old value goes last: the key, the text and the value to write may be in it.
 
 template <class Value>
-inline int Table::Put(Entry* found, const char* key, Entry::Kind kind, Value value)
+inline int Table::Put(const Found& found, const char* key, Entry::Kind kind, Value value)
 {
-    Entry* entry = found;
-    if (entry == nullptr)
+    if constexpr (sizeof(Value) != 4)
     {
-        if (key == nullptr)
-        {
-            return 0;
-        }
-        entry = Add(key);
-    }
-    if (entry->IsOwner())
-    {
-        PutOver(*entry, kind, value);
+        return PutFloats(found, key, kind, value);
     }
     else
     {
-        entry->Store(kind, value);
+        Entry* entry = found.entry;
+        if (entry == nullptr)
+        {
+            if (key == nullptr)
+            {
+                return 0;
+            }
+            entry = Add(found, key);
+        }
+        if (entry->IsOwner())
+        {
+            PutOver(*entry, kind, value);
+        }
+        else
+        {
+            entry->Store(kind, value);
+        }
+        return 1;
     }
-    return 1;
 }
 
 template <class Value>
 void Table::PutOver(Entry& entry, Entry::Kind kind, Value value)
 {
-    const OldValue old(entry);
+    const Entry::OldValue old(entry);
     entry.Store(kind, value);
 }
 
-void Table::PutText(Entry* found, const char* key, const char* text, std::size_t length)
+template <class Floats>
+int Table::PutFloats(const Found& found, const char* key, Entry::Kind kind, const Floats& floats)
 {
-    std::unique_ptr<char[]> buffer;
-    if (length > Entry::kMaxShortText && !(found != nullptr && found->FitsLongText(length)))
+    if (key == nullptr)
     {
-        buffer.reset(new char[length + 1]);
+        return 0;
     }
-    Entry* entry = found != nullptr ? found : Add(key);
-    const KVTable oldChild = entry->GetStoredTable();
-    entry->StoreText(text, length, buffer);
+    if (found.entry != nullptr && found.entry->HasFloats())
+    {
+        found.entry->StoreFloats(kind, floats);
+        return 1;
+    }
+    Entry::Buffer buffer = Entry::MakeFloatsBuffer();
+    Entry& entry = NeedEntry(found, key);
+    const Entry::OldValue old(entry);
+    entry.StoreFloats(kind, floats, std::move(buffer));
+    return 1;
+}
+
+void Table::PutText(const Found& found, const char* key, const char* text, std::size_t length)
+{
+    Entry::Buffer buffer;
+    const bool isRoom = found.entry != nullptr && found.entry->FitsLongText(length);
+    if (length > Entry::kMaxShortText && !isRoom)
+    {
+        buffer = Entry::MakeTextBuffer(length);
+    }
+    Entry& entry = NeedEntry(found, key);
+    const KVTable oldChild = entry.GetStoredTable();
+    entry.StoreText(text, length, std::move(buffer));
     TableStore::ReleaseChild(oldChild);
 }
 
@@ -553,8 +567,8 @@ void Table::StoreChild(Entry& entry, Table& child)
 {
     child.SetLink(child.GetLink() + kOneParent);
     SetLink(GetLink() | kMayHaveChildren);
-    const OldValue old(entry);
-    entry.Store(Entry::KindTable, child.GetHandle());
+    const Entry::OldValue old(entry);
+    entry.StoreTable(child.GetHandle());
 }
 
 /// Tells whether this table is below `top`. A table without a parent is below none, and
@@ -571,7 +585,8 @@ bool Table::IsBelow(Table& top)
     {
         Table* table = toVisit.back();
         toVisit.pop_back();
-        for (std::uint32_t i = 0; i < table->keyCount; ++i)
+        const std::uint32_t count = table->CountKeys();
+        for (std::uint32_t i = 0; i < count; ++i)
         {
             Table* child = TableStore::Find(table->GetEntry(i)->GetStoredTable());
             if (child == this)

@@ -6,11 +6,14 @@
 
 #include "platform/tessel/ElementArray.h"
 #include "platform/tessel/Entry.h"
-#include "platform/tessel/KeyIndex.h"
 #include "platform/tessel/ListenerSet.h"
+#include "platform/tessel/OwnKeys.h"
+#include "platform/tessel/Shape.h"
 #include "platform/tessel/TableHandle.h"
 
+#include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -23,14 +26,26 @@
 namespace Tessel
 {
 
-/// A table, and the slot that it is in: made once, opened and closed many times. Two entries
-/// are in the table itself, so that most tables need no memory of their own; three keys take
-/// 168 bytes in all. Up to eight keys are found by a tag of one byte, more by an index.
+/// A table, and the slot that it is in: made once, opened and closed many times. Its name and keys
+/// are in its shape, which it shares with the tables that were made the same way; in the table are
+/// the values only. Behind the table follow as many entries as `room` says, which is how many the
+/// last table of the name got: so most tables need no memory of their own, and three keys take 80
+/// bytes in all.
 class Table final : public ITable
 {
 public:
-    explicit Table(std::uint32_t ownSlot) : slot(ownSlot)
+    /// The most entries that follow a table.
+    static constexpr std::uint32_t kMaxRoom = Shape::kMaxKeys;
+
+    Table(std::uint32_t ownSlot, std::uint32_t ownRoom)
+        : slot(ownSlot), room(static_cast<std::uint8_t>(ownRoom))
     {
+    }
+
+    /// Gives the bytes of a table with the entries that follow it.
+    static constexpr std::size_t GetSize(std::uint32_t room)
+    {
+        return sizeof(Table) + room * sizeof(Entry);
     }
 
     Table(const Table&) = delete;
@@ -77,30 +92,36 @@ public:
     /// Tells whether the table has a set of listeners, which it then has until it is closed.
     bool HasListeners() const
     {
-        return extras != nullptr;
+        return more != nullptr && more->listeners != nullptr;
     }
 
     /// Gives the set of listeners, which must be there.
-    const ListenerSet& GetListeners() const
+    ListenerSet& GetListeners() const
     {
-        return extras->listeners;
+        return *more->listeners;
     }
 
     /// Tells whether there is anyone to call, of whatever key.
     bool IsHeard() const
     {
-        return extras != nullptr && extras->listeners.IsAnyone();
+        return HasListeners() && more->listeners->IsAnyone();
     }
 
     /// Removes the last element of the array. False when it is empty.
     bool RemoveLast()
     {
-        return extras != nullptr && extras->elements.RemoveLast();
+        return HasElements() && more->elements->RemoveLast();
     }
+
+    /// Gives the value to whose key the first listeners of the set, which must be there, belong.
+    /// Null when there are none, or none of a key that the table has. What it gives is noted in the
+    /// set.
+    const KVValue* FindOnlyHeard();
 
     const char* GetName() const
     {
-        return name->GetText();
+        const Key* shared = Shape::Get(shape).GetName();
+        return shared != nullptr ? shared->GetText() : more->name->GetText();
     }
 
     KVTable GetHandle() const
@@ -117,21 +138,17 @@ public:
 private:
     friend class TableStore;
 
-    static constexpr std::uint32_t kInlineEntries = 2;
-    static constexpr std::uint32_t kTaggedEntries = 8; ///< more are found by the index
-
     // `link` of an open table: who holds it, and whether it may hold others.
     static constexpr std::uint32_t kHeldByCreator = 1;
     static constexpr std::uint32_t kMayHaveChildren = 2;
     static constexpr std::uint32_t kOneParent = 4; ///< the count of parents is above the bits
     static constexpr std::uint32_t kHolders = ~kMayHaveChildren;
 
-    /// Two entries are in the table itself, and the rest in blocks of 1, 3, 6, 12, 24 ...
-    /// entries, so that after them 3, 6, 12, 24 ... fit: gives where the run of entries ends that
-    /// begins at `first`.
-    static constexpr std::uint32_t GetNextRunEnd(std::uint32_t first)
+    /// The entries that do not follow the table are in blocks of 1, 2 and 4 entries: gives where
+    /// the run of entries ends that begins at `first`.
+    std::uint32_t GetNextRunEnd(std::uint32_t first) const
     {
-        return first == kInlineEntries ? first + 1 : first * 2;
+        return std::min(2 * first - room + 1, kMaxRoom);
     }
 
     /// A run of entries outside of the table; they follow it in memory.
@@ -146,27 +163,43 @@ private:
     };
 
     /// What few tables need.
-    struct Extras
+    struct More
     {
-        KeyIndex index; ///< filled when there are more than `kTaggedEntries` keys
-        KeyPool keys;   ///< the pool of the other ones
-        ElementArray elements;
-        ListenerSet listeners;
+        Block* blocks = nullptr;
+        std::unique_ptr<OwnKeys> keys; ///< where the table has no shape
+        std::unique_ptr<ElementArray> elements;
+        std::unique_ptr<ListenerSet> listeners;
+        const Key* name = nullptr; ///< where the shape has none
     };
 
+    /// What was found of a key.
+    struct Found
+    {
+        Entry* entry;      ///< null when it is not there
+        const Key* shared; ///< null when it is not known, or the key is not shared
+    };
+
+    Found Look(const char* key);
     Entry* Find(const char* key);
     Entry* FindShared(const Key& key);
     Entry* FindText(const char* text);
-    // In line, each look-up in a short table would pay for it.
-    TESSEL_NOINLINE Entry* FindIndexed(KeyText key);
-    Entry* Add(const char* text);
+    // In line, each look-up in a table with a shape would pay for it.
+    template <class AnyKey>
+    TESSEL_NOINLINE Entry* FindOwn(const AnyKey& key);
+    Entry& NeedEntry(const Found& found, const char* text);
+    Entry* Add(const Found& found, const char* text);
+    Entry* AddOwn(const KeyText& name);
+    void LeaveShape();
     Entry* MakeRoom(std::uint32_t index);
+    Entry* MakeBlockRoom(std::uint32_t index);
     Entry* GetEntry(std::uint32_t index);
-    Entry* GetBlockEntry(std::uint32_t index);
-    Extras& NeedExtras();
+    TESSEL_NOINLINE Entry* GetFurtherEntry(std::uint32_t index);
+    std::uint32_t CountKeys() const;
+    More& NeedMore();
+    TESSEL_NOINLINE ElementArray& AddElements();
+    ListenerSet& NeedListeners();
 
     class HeldKey;
-    class OldValue;
 
     template <class Value>
     int Write(const char* key, Entry::Kind kind, Value value);
@@ -176,12 +209,20 @@ private:
     template <class PutAt>
     int WriteHeard(const char* key, const PutAt& putAt);
     template <class Value>
-    int Put(Entry* found, const char* key, Entry::Kind kind, Value value);
+    int Put(const Found& found, const char* key, Entry::Kind kind, Value value);
     // Apart, so that a write over a plain value pays a test for it.
     template <class Value>
     TESSEL_NOINLINE void PutOver(Entry& entry, Entry::Kind kind, Value value);
-    void PutText(Entry* found, const char* key, const char* text, std::size_t length);
+    template <class Floats>
+    int PutFloats(const Found& found, const char* key, Entry::Kind kind, const Floats& floats);
+    void PutText(const Found& found, const char* key, const char* text, std::size_t length);
     void StoreChild(Entry& entry, Table& child);
+
+    bool HasElements() const
+    {
+        return more != nullptr && more->elements != nullptr;
+    }
+
     bool IsBelow(Table& top);
 
     std::uint32_t GetLink() const
@@ -197,36 +238,20 @@ private:
     std::atomic<std::uint32_t> generation{0};
     std::atomic<std::uint32_t> link{0}; ///< holders; while closing and when free, the next slot
     const std::uint32_t slot;
-    std::uint32_t keyCount = 0;
-    std::uint64_t tags = 0; ///< those of the first eight keys, a byte each
-    Block* blocks = nullptr;
-    Extras* extras = nullptr;  ///< null until needed
-    const Key* name = nullptr; ///< null when closed
-    alignas(Entry) unsigned char inlineEntries[kInlineEntries * sizeof(Entry)];
+    std::uint16_t shape = Shape::kUnnamed; ///< `kNone`: the keys are in `more`
+    const std::uint8_t room;               ///< the entries that follow the table
+    More* more = nullptr;                  ///< null until needed
 };
 
 // In line: it is on the way of every read and write.
 inline Entry* Table::GetEntry(std::uint32_t index)
 {
-    if (index < kInlineEntries)
-    {
-        return reinterpret_cast<Entry*>(inlineEntries) + index;
-    }
-    return GetBlockEntry(index);
+    return index < room ? reinterpret_cast<Entry*>(this + 1) + index : GetFurtherEntry(index);
 }
 
-inline Entry* Table::GetBlockEntry(std::uint32_t index)
+inline std::uint32_t Table::CountKeys() const
 {
-    Block* block = blocks;
-    std::uint32_t first = kInlineEntries;
-    std::uint32_t end = GetNextRunEnd(first);
-    while (index >= end)
-    {
-        block = block->next;
-        first = end;
-        end = GetNextRunEnd(end);
-    }
-    return block->GetEntries() + (index - first);
+    return shape != Shape::kNone ? Shape::Get(shape).GetKeyCount() : more->keys->GetKeyCount();
 }
 
 } // namespace Tessel

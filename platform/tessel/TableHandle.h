@@ -10,11 +10,14 @@ namespace Tessel
 {
 
 /// Packs a slot and a generation into a handle and takes them out again. A slot is never 0, so a
-/// null handle has slot 0. The generation of an open table is odd.
+/// null handle has slot 0, and a multiple of `kSlotStep`. The generation of an open table is odd.
 struct TableHandle
 {
     static constexpr unsigned kSlotBits = sizeof(std::uintptr_t) == 8 ? 32 : 20;
     static constexpr unsigned kGenerationBits = sizeof(std::uintptr_t) * 8 - kSlotBits;
+
+    /// The low bits of a handle are free, as those of an address.
+    static constexpr std::uint32_t kSlotStep = 16;
 
     /// The last generation that a slot may have; after it the slot is not used again.
     static constexpr std::uint32_t kLastGeneration =
@@ -22,8 +25,19 @@ struct TableHandle
 
     static KVTable Make(std::uint32_t slot, std::uint32_t generation)
     {
+        return FromBits(static_cast<std::uintptr_t>(generation) << kSlotBits | slot);
+    }
+
+    /// Gives the bits of a handle, and the handle of such bits.
+    static std::uintptr_t GetBits(KVTable table)
+    {
+        return table.bits;
+    }
+
+    static KVTable FromBits(std::uintptr_t bits)
+    {
         KVTable table;
-        table.bits = static_cast<std::uintptr_t>(generation) << kSlotBits | slot;
+        table.bits = bits;
         return table;
     }
 

@@ -2,8 +2,11 @@
 // platform/tessel/TableStore.cpp: the slots of all tables of the process.
 #include "platform/tessel/TableStore.h"
 
+#include <algorithm>
+#include <memory>
 #include <mutex>
 #include <new>
+#include <utility>
 
 namespace Tessel
 {
@@ -11,7 +14,7 @@ namespace Tessel
 namespace
 {
 
-std::mutex chunkMutex;
+std::mutex slotMutex; ///< held to make slots and to look at all of them
 
 std::uint64_t MakeHead(std::uint64_t before, std::uint32_t slot)
 {
@@ -21,32 +24,57 @@ std::uint64_t MakeHead(std::uint64_t before, std::uint32_t slot)
 
 } // namespace
 
-std::atomic<Table*> TableStore::chunks[kMaxChunks];
-std::atomic<std::uint32_t> TableStore::freshSlot{1};
-std::atomic<std::uint64_t> TableStore::freeHead{0};
+std::atomic<unsigned char*> TableStore::chunks[kMaxChunks];
+std::uint32_t TableStore::chunkCount = 0;
+TableStore::Fresh TableStore::freshSlots[Table::kMaxRoom + 1];
+std::atomic<std::uint64_t> TableStore::freeHeads[Table::kMaxRoom + 1];
 
-Table* TableStore::Open(const KeyText& name, std::uint32_t holders)
+Table* TableStore::Open(const char* name, std::uint32_t holders)
 {
-    Table* table = TakeFree();
-    if (table == nullptr)
-    {
-        table = TakeFresh();
-    }
-    if (table == nullptr)
-    {
-        return nullptr; // GCOVR_EXCL_LINE: 33 million tables are open
-    }
+    const Key* key = Key::AcquireRemembered(name);
+    const Shape& shape = Shape::GetEmpty(*key);
+    Table* table = nullptr;
     try
     {
-        table->name = Key::Acquire(name);
+        table = Take(*key, shape);
     }
     catch (...)
     {
-        GiveBack(*table);
+        Key::Release(key);
         throw;
     }
+    if (table == nullptr)
+    {
+        Key::Release(key); // GCOVR_EXCL_LINE: 33 million tables are open
+        return nullptr;    // GCOVR_EXCL_LINE
+    }
+    table->shape = shape.GetNumber();
     table->SetLink(holders);
     table->generation.store(table->GetGeneration() + 1, std::memory_order_relaxed);
+    return table;
+}
+
+/// Gives a closed table that has its name, when its shape is to be `shape`.
+Table* TableStore::Take(const Key& name, const Shape& shape)
+{
+    const std::uint32_t room = std::max<std::uint32_t>(1, shape.ExpectKeys());
+    Table* table = TakeFree(room);
+    if (table == nullptr)
+    {
+        table = TakeFresh(room);
+    }
+    if (table != nullptr && shape.GetName() == nullptr)
+    {
+        try
+        {
+            table->NeedMore().name = &name;
+        }
+        catch (...)
+        {
+            GiveBack(*table);
+            throw;
+        }
+    }
     return table;
 }
 
@@ -86,9 +114,25 @@ void TableStore::ReleaseChild(KVTable handle)
 
 std::uint32_t TableStore::GetOpenCount()
 {
-    const std::uint32_t end = freshSlot.load(std::memory_order_acquire);
+    const std::lock_guard<std::mutex> lock(slotMutex);
     std::uint32_t count = 0;
-    for (std::uint32_t slot = 1; slot < end; ++slot)
+    for (std::uint32_t chunk = 0; chunk < chunkCount; ++chunk)
+    {
+        count += GetOpenCount(chunk);
+    }
+    return count;
+}
+
+std::uint32_t TableStore::GetOpenCount(std::uint32_t chunk)
+{
+    const std::uint32_t first = std::max(TableHandle::kSlotStep, chunk * kChunkBytes);
+    const std::uint32_t room = GetSlot(first)->room;
+    const std::uint32_t stride = GetStride(room);
+    const Fresh& fresh = freshSlots[room];
+    const bool isFresh = fresh.next / kChunkBytes == chunk;
+    const std::uint32_t end = isFresh ? fresh.next : (chunk + 1) * kChunkBytes;
+    std::uint32_t count = 0;
+    for (std::uint32_t slot = first; slot + stride <= end; slot += stride)
     {
         count += GetSlot(slot)->GetGeneration() & 1u;
     }
@@ -100,9 +144,9 @@ void TableStore::MakeLastGeneration(std::uint32_t slot)
     GetSlot(slot)->generation.store(TableHandle::kLastGeneration - 1, std::memory_order_relaxed);
 }
 
-Table* TableStore::TakeFree()
+Table* TableStore::TakeFree(std::uint32_t room)
 {
-    std::uint64_t head = freeHead.load(std::memory_order_acquire);
+    std::uint64_t head = freeHeads[room].load(std::memory_order_acquire);
     for (;;)
     {
         const std::uint32_t slot = static_cast<std::uint32_t>(head);
@@ -113,57 +157,80 @@ Table* TableStore::TakeFree()
         // Another thread may have taken the slot meanwhile; then its link is no next slot, and the
         // exchange fails.
         Table* table = GetSlot(slot);
-        if (freeHead.compare_exchange_weak(head, MakeHead(head, table->GetLink()),
-                                           std::memory_order_acq_rel, std::memory_order_acquire))
+        if (freeHeads[room].compare_exchange_weak(head, MakeHead(head, table->GetLink()),
+                                                  std::memory_order_acq_rel,
+                                                  std::memory_order_acquire))
         {
             return table;
         }
     }
 }
 
-Table* TableStore::TakeFresh()
+/// Makes some slots, gives the first and leaves the others free. Null when no slot is left.
+Table* TableStore::TakeFresh(std::uint32_t room)
 {
-    std::uint32_t slot = freshSlot.load(std::memory_order_relaxed);
-    for (;;)
+    const std::lock_guard<std::mutex> lock(slotMutex);
+    Fresh& fresh = freshSlots[room];
+    const std::uint32_t stride = GetStride(room);
+    if (fresh.end - fresh.next < stride && !AddChunk(fresh))
     {
-        if (slot >= kMaxSlots)
-        {
-            return nullptr; // GCOVR_EXCL_LINE: 33 million tables are open
-        }
-        const std::uint32_t chunk = slot / kChunkSlots;
-        if (chunks[chunk].load(std::memory_order_acquire) == nullptr)
-        {
-            AddChunk(chunk);
-        }
-        if (freshSlot.compare_exchange_weak(slot, slot + 1, std::memory_order_acq_rel))
-        {
-            return GetSlot(slot);
-        }
+        return nullptr; // GCOVR_EXCL_LINE: 33 million tables are open
     }
+    Table* taken = new (GetSlot(fresh.next)) Table(fresh.next, room);
+    fresh.next += stride;
+    Table* first = nullptr;
+    Table* last = nullptr;
+    for (std::uint32_t i = 1; i < kMadeAtOnce && fresh.end - fresh.next >= stride; ++i)
+    {
+        Table* made = new (GetSlot(fresh.next)) Table(fresh.next, room);
+        fresh.next += stride;
+        if (first == nullptr)
+        {
+            first = made;
+        }
+        else
+        {
+            last->SetLink(made->slot);
+        }
+        last = made;
+    }
+    if (first != nullptr)
+    {
+        GiveBack(*first, *last);
+    }
+    return taken;
 }
 
-void TableStore::AddChunk(std::uint32_t chunk)
+/// Adds a chunk for further slots. False when there is none left. May throw `std::bad_alloc`.
+bool TableStore::AddChunk(Fresh& fresh)
 {
-    const std::lock_guard<std::mutex> lock(chunkMutex);
-    if (chunks[chunk].load(std::memory_order_relaxed) != nullptr)
+    if (chunkCount == kMaxChunks)
     {
-        return;
+        return false; // GCOVR_EXCL_LINE: 33 million tables are open
     }
-    Table* first = static_cast<Table*>(::operator new(kChunkSlots * sizeof(Table)));
-    for (std::uint32_t i = 0; i < kChunkSlots; ++i)
-    {
-        new (first + i) Table(chunk * kChunkSlots + i);
-    }
-    chunks[chunk].store(first, std::memory_order_release);
+    void* memory = ::operator new(kChunkBytes);
+    chunks[chunkCount].store(static_cast<unsigned char*>(memory), std::memory_order_release);
+    // No slot has the number 0.
+    fresh.next = std::max(TableHandle::kSlotStep, chunkCount * kChunkBytes);
+    fresh.end = (chunkCount + 1) * kChunkBytes;
+    ++chunkCount;
+    return true;
 }
 
 void TableStore::GiveBack(Table& table)
 {
+    GiveBack(table, table);
+}
+
+/// Makes tables free that are chained by their links, the first of which is the next to be taken.
+void TableStore::GiveBack(Table& first, Table& last)
+{
+    std::atomic<std::uint64_t>& freeHead = freeHeads[first.room];
     std::uint64_t head = freeHead.load(std::memory_order_relaxed);
     do
     {
-        table.SetLink(static_cast<std::uint32_t>(head));
-    } while (!freeHead.compare_exchange_weak(head, MakeHead(head, table.slot),
+        last.SetLink(static_cast<std::uint32_t>(head));
+    } while (!freeHead.compare_exchange_weak(head, MakeHead(head, first.slot),
                                              std::memory_order_acq_rel, std::memory_order_relaxed));
 }
 
@@ -179,11 +246,15 @@ void TableStore::BeginClose(Table& table)
 /// Frees all that `table` has, and puts the children that it alone held before `pending`.
 void TableStore::ReleaseContent(Table& table, Table*& pending)
 {
-    for (std::uint32_t i = 0; i < table.keyCount; ++i)
+    const std::uint32_t count = table.CountKeys();
+    for (std::uint32_t i = 0; i < count; ++i)
     {
         Entry& entry = *table.GetEntry(i);
-        entry.ReleaseText();
-        Key::Release(entry.GetKey());
+        if (!entry.IsOwner())
+        {
+            continue;
+        }
+        entry.ReleaseMemory();
         Table* child = Find(entry.GetStoredTable());
         if (child == nullptr)
         {
@@ -197,18 +268,21 @@ void TableStore::ReleaseContent(Table& table, Table*& pending)
             pending = child;
         }
     }
-    while (table.blocks != nullptr)
+    table.shape = Shape::kUnnamed;
+    if (table.more != nullptr)
     {
-        Table::Block* block = table.blocks;
-        table.blocks = block->next;
-        ::operator delete(block);
+        ReleaseMore(table);
     }
-    delete table.extras;
-    Key::Release(table.name);
-    table.extras = nullptr;
-    table.name = nullptr;
-    table.keyCount = 0;
-    table.tags = 0;
+}
+
+void TableStore::ReleaseMore(Table& table)
+{
+    const std::unique_ptr<Table::More> more(std::exchange(table.more, nullptr));
+    while (more->blocks != nullptr)
+    {
+        ::operator delete(std::exchange(more->blocks, more->blocks->next));
+    }
+    Key::Release(more->name);
 }
 
 } // namespace Tessel

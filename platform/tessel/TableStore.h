@@ -11,17 +11,21 @@ namespace Tessel
 {
 
 /// The slots of all tables of the process: opens and closes tables and finds them by handle. Slots
-/// are never given back, so a stale handle can always be asked about; a closed one is used again.
-/// No operation but the making of further slots takes a lock.
+/// are never given back, so a stale handle can always be asked about; a closed one is used again,
+/// by a table with as much room for entries. No operation but the making of further slots takes a
+/// lock.
+///
+/// Slots are of different sizes, those of a chunk of one. The number of a slot is its place in
+/// bytes, as if the chunks followed one another.
 class TableStore
 {
 public:
     /// Opens a table, held by its creator when `holders` says so. Null when no slot is left. May
     /// throw `std::bad_alloc`.
-    static Table* Open(const KeyText& name, std::uint32_t holders);
+    static Table* Open(const char* name, std::uint32_t holders);
 
     /// Opens a table that its creator holds.
-    static Table* OpenForCreator(const KeyText& name)
+    static Table* OpenForCreator(const char* name)
     {
         return Open(name, Table::kHeldByCreator);
     }
@@ -60,27 +64,51 @@ public:
     static void MakeLastGeneration(std::uint32_t slot);
 
 private:
-    static constexpr std::uint32_t kChunkSlots = 512;
-    static constexpr std::uint32_t kMaxSlots = std::uint32_t{1}
-                                               << (TableHandle::kSlotBits == 32 ? 25 : 20);
-    static constexpr std::uint32_t kMaxChunks = kMaxSlots / kChunkSlots;
+    static constexpr std::uint32_t kChunkBytes = 32768;
+    static constexpr std::uint32_t kMaxBytes = std::uint32_t{1}
+                                               << (TableHandle::kSlotBits == 32 ? 31 : 20);
+    static constexpr std::uint32_t kMaxChunks = kMaxBytes / kChunkBytes;
+
+    /// The most slots that are made at once.
+    static constexpr std::uint32_t kMadeAtOnce = 8;
+
+    /// Where the next slots of one size come from.
+    struct Fresh
+    {
+        std::uint32_t next = 0; ///< the first slot that was not made
+        std::uint32_t end = 0;  ///< where the chunk ends
+    };
 
     static Table* GetSlot(std::uint32_t slot)
     {
-        Table* chunk = chunks[slot / kChunkSlots].load(std::memory_order_acquire);
-        return chunk + slot % kChunkSlots;
+        unsigned char* chunk = chunks[slot / kChunkBytes].load(std::memory_order_acquire);
+        return reinterpret_cast<Table*>(chunk + slot % kChunkBytes);
     }
 
-    static Table* TakeFree();
-    static Table* TakeFresh();
-    static void AddChunk(std::uint32_t chunk);
+    /// Gives the bytes from a slot to the next one.
+    static constexpr std::uint32_t GetStride(std::uint32_t room)
+    {
+        return static_cast<std::uint32_t>(Table::GetSize(room) + TableHandle::kSlotStep - 1) /
+               TableHandle::kSlotStep * TableHandle::kSlotStep;
+    }
+
+    static Table* Take(const Key& name, const Shape& shape);
+    static Table* TakeFree(std::uint32_t room);
+    static Table* TakeFresh(std::uint32_t room);
+    static bool AddChunk(Fresh& fresh);
     static void GiveBack(Table& table);
+    static void GiveBack(Table& first, Table& last);
+    static std::uint32_t GetOpenCount(std::uint32_t chunk);
     static void BeginClose(Table& table);
     static void ReleaseContent(Table& table, Table*& pending);
+    static void ReleaseMore(Table& table);
 
-    static std::atomic<Table*> chunks[kMaxChunks];
-    static std::atomic<std::uint32_t> freshSlot; ///< the first slot that was never used
-    static std::atomic<std::uint64_t> freeHead;  ///< a count of changes, then the first free slot
+    static std::atomic<unsigned char*> chunks[kMaxChunks];
+    static std::uint32_t chunkCount;
+    static Fresh freshSlots[Table::kMaxRoom + 1]; ///< by the room for entries
+
+    /// A count of changes, then the first free slot; by the room for entries.
+    static std::atomic<std::uint64_t> freeHeads[Table::kMaxRoom + 1];
 };
 
 } // namespace Tessel

@@ -21,10 +21,13 @@ int FindSlot(KVSlot* slot, KVTable table, const char* key)
     return slot->value != nullptr ? 1 : 0;
 }
 
+template <class Value>
+TESSEL_NOINLINE int SetAtOnlyHeard(const KVSlot& slot, Entry::Kind kind, Value value);
+
 /// The memory of a table is never freed, so a closed one can be asked. What `FindSlot` saw of an
 /// open one is still there: the entry and the set of listeners.
 template <class Value>
-int SetAt(const KVSlot& slot, Entry::Kind kind, const Value& value)
+inline int SetAt(const KVSlot& slot, Entry::Kind kind, Value value)
 {
     if (slot.value == nullptr)
     {
@@ -36,13 +39,31 @@ int SetAt(const KVSlot& slot, Entry::Kind kind, const Value& value)
         return 0;
     }
     Entry& entry = *static_cast<Entry*>(slot.value);
-    const ListenerSet& listeners = table.GetListeners();
-    if (!entry.Is(listeners.GetFirstKey(), kind) || !listeners.IsOnly(slot.own, slot.ownOfTable))
+    if (!entry.Is<Value>(kind))
     {
         return 0;
     }
-    entry.Overwrite(value);
+    const ListenerSet& listeners = table.GetListeners();
+    if (listeners.GetOnlyValue() != &entry)
+    {
+        return SetAtOnlyHeard(slot, kind, value);
+    }
+    if (!listeners.IsOnly(slot.own, slot.ownOfTable))
+    {
+        return 0;
+    }
+    entry.Overwrite(kind, value);
     return 1;
+}
+
+/// As `SetAt`, when it is not known of which key the first listeners are, or when they are not
+/// those of the slot's.
+template <class Value>
+int SetAtOnlyHeard(const KVSlot& slot, Entry::Kind kind, Value value)
+{
+    Table& table = *static_cast<Table*>(slot.place);
+    const bool isKnown = table.GetListeners().GetOnlyValue() != nullptr;
+    return !isKnown && table.FindOnlyHeard() == slot.value ? SetAt(slot, kind, value) : 0;
 }
 
 int SetIntAt(const KVSlot* slot, int value)
@@ -122,14 +143,14 @@ int SetUIntsAt(const KVBranch* branch, KVValue* const* values, const unsigned* n
     }
     for (unsigned i = 0; i < count; ++i)
     {
-        if (static_cast<const Entry*>(values[i])->GetKind() != Entry::KindUInt)
+        if (!static_cast<const Entry*>(values[i])->Is<unsigned>(Entry::KindUInt))
         {
             return 0;
         }
     }
     for (unsigned i = 0; i < count; ++i)
     {
-        static_cast<Entry*>(values[i])->Overwrite(numbers[i]);
+        static_cast<Entry*>(values[i])->Overwrite(Entry::KindUInt, numbers[i]);
     }
     return 1;
 }
@@ -160,7 +181,7 @@ ITable* ResolveTable(KVTable table)
 
 KVTable CreateTable(const char* name)
 {
-    const Table* table = TableStore::OpenForCreator(KeyText(name == nullptr ? "" : name));
+    const Table* table = TableStore::OpenForCreator(name == nullptr ? "" : name);
     return table == nullptr ? KVTable() : table->GetHandle();
 }
 

@@ -206,7 +206,7 @@ constexpr Event kEvents[] = {
      [](Written& written)
      {
          CloseTable(written.table);
-         const KVTable next = CreateTable("next");
+         const KVTable next = CreateTable("written");
          next->SetInt("first", 1, 1);
          next->SetFloat("value", 1.0f, 1);
          *next->GetValueListener("value") = written.own;
@@ -225,17 +225,24 @@ TEST(TesselSlot, TakesAValueWhileNobodyElseCouldHearOfIt)
 {
     for (const Event& event : kEvents)
     {
-        SCOPED_TRACE(event.name);
-        Written written;
-        event.happen(written);
-        const int typeBefore = written.table->GetTypeAt(1);
-        const float before = written.table->GetFloat("value");
+        for (const bool isWrittenBefore : {false, true})
+        {
+            SCOPED_TRACE(event.name);
+            Written written;
+            if (isWrittenBefore)
+            {
+                EXPECT_EQ(Slots().setFloat(&written.slot, 3.0f), 1);
+            }
+            event.happen(written);
+            const int typeBefore = written.table->GetTypeAt(1);
+            const float before = written.table->GetFloat("value");
 
-        const int result = Slots().setFloat(&written.slot, 7.0f);
+            const int result = Slots().setFloat(&written.slot, 7.0f);
 
-        EXPECT_EQ(result, event.isTaken ? 1 : 0);
-        EXPECT_EQ(written.table->GetFloat("value"), event.isTaken ? 7.0f : before);
-        EXPECT_EQ(written.table->GetTypeAt(1), typeBefore);
+            EXPECT_EQ(result, event.isTaken ? 1 : 0);
+            EXPECT_EQ(written.table->GetFloat("value"), event.isTaken ? 7.0f : before);
+            EXPECT_EQ(written.table->GetTypeAt(1), typeBefore);
+        }
     }
 }
 

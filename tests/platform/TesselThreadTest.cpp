@@ -161,4 +161,33 @@ TEST(TableThreads, ShareTheKeysThatAllOfThemMakeAtTheSameTime)
     EXPECT_EQ(wrong, 0u);
 }
 
+TEST(TableThreads, ShareTheShapesThatAllOfThemMakeAtTheSameTime)
+{
+    std::atomic<unsigned> wrong{0};
+
+    RunThreads(
+        [&](unsigned thread)
+        {
+            for (unsigned round = 0; round < 200; ++round)
+            {
+                const KVTable table = CreateTable("shapes");
+                for (unsigned i = 0; i < 1 + round % 8; ++i)
+                {
+                    const unsigned number = (round / 8 + i * (1 + round % 3)) % 11;
+                    table->SetUInt(("shape" + std::to_string(number)).c_str(), thread + number, 1);
+                }
+                for (unsigned i = 0; i < table->GetKeyCount(); ++i)
+                {
+                    const std::string key = table->GetKeyAt(i);
+                    const unsigned number = static_cast<unsigned>(std::stoul(key.substr(5)));
+                    wrong += table->GetUInt(key.c_str()) == thread + number ? 0u : 1u;
+                    wrong += table->FindValue("shape11") == nullptr ? 0u : 1u;
+                }
+                CloseTable(table);
+            }
+        });
+
+    EXPECT_EQ(wrong, 0u);
+}
+
 } // namespace
