@@ -26,10 +26,9 @@
 /// and the tables attached to it belong to one thread at a time. Reading and writing take no lock.
 ///
 /// Memory: creating a table and writing to it may throw `std::bad_alloc`; the table is then
-/// unchanged. Closing a table frees everything that it allocated, and its slot is used again by a
-/// table that is as large. The texts of up to 4096 different keys that do not begin with a digit, and
-/// up to 4096 orders in which tables have at most eight of them, are kept for the lifetime of the
-/// process, so that tables share them; all other keys are freed with their table.
+/// unchanged. Closing a table frees all that it allocated, and its slot is used again. Up to 4096
+/// texts of keys that do not begin with a digit, and up to 4096 orders of at most eight of them,
+/// are kept for the lifetime of the process, so that tables share them. Others go with their table.
 namespace Tessel
 {
 

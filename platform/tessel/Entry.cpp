@@ -60,6 +60,13 @@ Entry::Buffer Entry::MakeTextBuffer(std::size_t length)
 
 void Entry::StoreText(const char* text, std::size_t length, Buffer buffer)
 {
+    if (FitsLongText(length))
+    {
+        char* held = GetLongText().GetText();
+        std::memmove(held, text, length);
+        held[length] = '\0';
+        return;
+    }
     if (length <= kMaxShortText)
     {
         // By way of a copy: `text` may lie in the long text that is freed here.
@@ -67,13 +74,6 @@ void Entry::StoreText(const char* text, std::size_t length, Buffer buffer)
         std::memcpy(reinterpret_cast<char*>(&made) + 1, text, length);
         ReleaseMemory();
         word = made | KindShortText;
-        return;
-    }
-    if (FitsLongText(length))
-    {
-        char* held = GetLongText().GetText();
-        std::memmove(held, text, length);
-        held[length] = '\0';
         return;
     }
     char* taken = static_cast<LongText*>(buffer.get())->GetText();

@@ -145,9 +145,10 @@ public:
         }
     }
 
-    /// Stores a text that may be in this very entry. `buffer` is one for it when it is neither
-    /// short nor fits into the long text that the entry holds, and is taken over then. A table that
-    /// the entry held is the caller's to release.
+    /// Stores a text that may be in this very entry. A long text that the entry holds is kept as
+    /// long as what follows fits into it, so that a text that comes and goes takes no memory each
+    /// time. `buffer` is one for a text that is neither short nor fits, and is taken over then. A
+    /// table that the entry held is the caller's to release.
     void StoreText(const char* text, std::size_t length, Buffer buffer);
 
     /// Gives memory for a long text. May throw `std::bad_alloc`.

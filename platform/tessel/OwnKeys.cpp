@@ -3,6 +3,7 @@
 #include "platform/tessel/OwnKeys.h"
 
 #include <new>
+#include <utility>
 
 namespace Tessel
 {
@@ -76,7 +77,8 @@ void OwnKeys::AddFurther(const KeyText& name)
     const std::uint32_t place = keyCount - kFirstKeys;
     if (place / kPartKeys == parts.size())
     {
-        parts.emplace_back(new Part);
+        std::unique_ptr<Part> part(new Part);
+        parts.push_back(std::move(part));
     }
     keyIndex.Reserve(keyCount + 1);
     OwnKey* key = new (parts.back()->GetKeys() + place % kPartKeys) OwnKey(name, pool);

@@ -113,9 +113,8 @@ public:
         return HasElements() && more->elements->RemoveLast();
     }
 
-    /// Gives the value to whose key the first listeners of the set, which must be there, belong.
-    /// Null when there are none, or none of a key that the table has. What it gives is noted in the
-    /// set.
+    /// Gives the value to whose key the only record in the first group of listeners belongs, and
+    /// notes it in the set, which must be there. Null when there is not one record there.
     const KVValue* FindOnlyHeard();
 
     const char* GetName() const

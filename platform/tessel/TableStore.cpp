@@ -26,7 +26,8 @@ std::uint64_t MakeHead(std::uint64_t before, std::uint32_t slot)
 
 std::atomic<unsigned char*> TableStore::chunks[kMaxChunks];
 std::uint32_t TableStore::chunkCount = 0;
-TableStore::Fresh TableStore::freshSlots[Table::kMaxRoom + 1];
+std::uint32_t TableStore::freshSlot = 0;
+std::uint32_t TableStore::freshEnd = 0;
 std::atomic<std::uint64_t> TableStore::freeHeads[Table::kMaxRoom + 1];
 
 Table* TableStore::Open(const char* name, std::uint32_t holders)
@@ -118,23 +119,21 @@ std::uint32_t TableStore::GetOpenCount()
     std::uint32_t count = 0;
     for (std::uint32_t chunk = 0; chunk < chunkCount; ++chunk)
     {
-        count += GetOpenCount(chunk);
+        const std::uint32_t end = (chunk + 1) * kChunkBytes;
+        const std::uint32_t first = std::max(TableHandle::kSlotStep, chunk * kChunkBytes);
+        count += GetOpenCount(first, end == freshEnd ? freshSlot : end);
     }
     return count;
 }
 
-std::uint32_t TableStore::GetOpenCount(std::uint32_t chunk)
+std::uint32_t TableStore::GetOpenCount(std::uint32_t first, std::uint32_t end)
 {
-    const std::uint32_t first = std::max(TableHandle::kSlotStep, chunk * kChunkBytes);
-    const std::uint32_t room = GetSlot(first)->room;
-    const std::uint32_t stride = GetStride(room);
-    const Fresh& fresh = freshSlots[room];
-    const bool isFresh = fresh.next / kChunkBytes == chunk;
-    const std::uint32_t end = isFresh ? fresh.next : (chunk + 1) * kChunkBytes;
     std::uint32_t count = 0;
-    for (std::uint32_t slot = first; slot + stride <= end; slot += stride)
+    for (std::uint32_t slot = first; end - slot >= GetStride(1);)
     {
-        count += GetSlot(slot)->GetGeneration() & 1u;
+        const Table& table = *GetSlot(slot);
+        count += table.GetGeneration() & 1u;
+        slot += GetStride(table.room);
     }
     return count;
 }
@@ -170,50 +169,56 @@ Table* TableStore::TakeFree(std::uint32_t room)
 Table* TableStore::TakeFresh(std::uint32_t room)
 {
     const std::lock_guard<std::mutex> lock(slotMutex);
-    Fresh& fresh = freshSlots[room];
     const std::uint32_t stride = GetStride(room);
-    if (fresh.end - fresh.next < stride && !AddChunk(fresh))
+    if (freshEnd - freshSlot < stride && !AddChunk())
     {
         return nullptr; // GCOVR_EXCL_LINE: 33 million tables are open
     }
-    Table* taken = new (GetSlot(fresh.next)) Table(fresh.next, room);
-    fresh.next += stride;
-    Table* first = nullptr;
-    Table* last = nullptr;
-    for (std::uint32_t i = 1; i < kMadeAtOnce && fresh.end - fresh.next >= stride; ++i)
+    Table* taken = MakeFresh(room);
+    if (freshEnd - freshSlot < stride)
     {
-        Table* made = new (GetSlot(fresh.next)) Table(fresh.next, room);
-        fresh.next += stride;
-        if (first == nullptr)
-        {
-            first = made;
-        }
-        else
-        {
-            last->SetLink(made->slot);
-        }
+        return taken;
+    }
+    Table* first = MakeFresh(room);
+    Table* last = first;
+    for (std::uint32_t i = 2; i < kMadeAtOnce && freshEnd - freshSlot >= stride; ++i)
+    {
+        Table* made = MakeFresh(room);
+        last->SetLink(made->slot);
         last = made;
     }
-    if (first != nullptr)
-    {
-        GiveBack(*first, *last);
-    }
+    GiveBack(*first, *last);
     return taken;
 }
 
-/// Adds a chunk for further slots. False when there is none left. May throw `std::bad_alloc`.
-bool TableStore::AddChunk(Fresh& fresh)
+Table* TableStore::MakeFresh(std::uint32_t room)
+{
+    Table* made = new (GetSlot(freshSlot)) Table(freshSlot, room);
+    freshSlot += GetStride(room);
+    return made;
+}
+
+/// Adds a chunk for further slots; what is left of the last one becomes a free slot. False when
+/// there is none left. May throw `std::bad_alloc`.
+bool TableStore::AddChunk()
 {
     if (chunkCount == kMaxChunks)
     {
         return false; // GCOVR_EXCL_LINE: 33 million tables are open
     }
     void* memory = ::operator new(kChunkBytes);
+    for (std::uint32_t room = Table::kMaxRoom; room >= 1; --room)
+    {
+        if (freshEnd - freshSlot >= GetStride(room))
+        {
+            GiveBack(*MakeFresh(room));
+        }
+    }
     chunks[chunkCount].store(static_cast<unsigned char*>(memory), std::memory_order_release);
     // No slot has the number 0.
-    fresh.next = std::max(TableHandle::kSlotStep, chunkCount * kChunkBytes);
-    fresh.end = (chunkCount + 1) * kChunkBytes;
+    freshSlot = std::max(TableHandle::kSlotStep, chunkCount * kChunkBytes);
     ++chunkCount;
+    freshEnd = chunkCount * kChunkBytes;
     return true;
 }
 

@@ -15,8 +15,8 @@ namespace Tessel
 /// by a table with as much room for entries. No operation but the making of further slots takes a
 /// lock.
 ///
-/// Slots are of different sizes, those of a chunk of one. The number of a slot is its place in
-/// bytes, as if the chunks followed one another.
+/// Slots are of different sizes and follow one another in chunks. The number of a slot is its place
+/// in bytes, as if the chunks followed one another too.
 class TableStore
 {
 public:
@@ -64,20 +64,13 @@ public:
     static void MakeLastGeneration(std::uint32_t slot);
 
 private:
-    static constexpr std::uint32_t kChunkBytes = 32768;
+    static constexpr std::uint32_t kChunkBytes = 65536;
     static constexpr std::uint32_t kMaxBytes = std::uint32_t{1}
                                                << (TableHandle::kSlotBits == 32 ? 31 : 20);
     static constexpr std::uint32_t kMaxChunks = kMaxBytes / kChunkBytes;
 
     /// The most slots that are made at once.
     static constexpr std::uint32_t kMadeAtOnce = 8;
-
-    /// Where the next slots of one size come from.
-    struct Fresh
-    {
-        std::uint32_t next = 0; ///< the first slot that was not made
-        std::uint32_t end = 0;  ///< where the chunk ends
-    };
 
     static Table* GetSlot(std::uint32_t slot)
     {
@@ -95,17 +88,19 @@ private:
     static Table* Take(const Key& name, const Shape& shape);
     static Table* TakeFree(std::uint32_t room);
     static Table* TakeFresh(std::uint32_t room);
-    static bool AddChunk(Fresh& fresh);
+    static Table* MakeFresh(std::uint32_t room);
+    static bool AddChunk();
     static void GiveBack(Table& table);
     static void GiveBack(Table& first, Table& last);
-    static std::uint32_t GetOpenCount(std::uint32_t chunk);
+    static std::uint32_t GetOpenCount(std::uint32_t first, std::uint32_t end);
     static void BeginClose(Table& table);
     static void ReleaseContent(Table& table, Table*& pending);
     static void ReleaseMore(Table& table);
 
     static std::atomic<unsigned char*> chunks[kMaxChunks];
     static std::uint32_t chunkCount;
-    static Fresh freshSlots[Table::kMaxRoom + 1]; ///< by the room for entries
+    static std::uint32_t freshSlot; ///< the first one that was not made
+    static std::uint32_t freshEnd;  ///< where its chunk ends
 
     /// A count of changes, then the first free slot; by the room for entries.
     static std::atomic<std::uint64_t> freeHeads[Table::kMaxRoom + 1];

@@ -640,6 +640,37 @@ TEST(TableMemory, ThatIsRefusedLeavesTheTableAsItWasAndItsSlotInUse)
     }
 }
 
+TEST(TableMemory, ThatIsRefusedWhileATableGrowsIsNotLost)
+{
+    const auto grow = [](KVTable table)
+    {
+        for (unsigned i = 0; i < 60; ++i)
+        {
+            table->SetUInt(std::to_string(1000000000u + i).c_str(), i, 1);
+        }
+    };
+    std::size_t refused = 0;
+    for (std::size_t after = 0; after < 40; ++after)
+    {
+        const KVTable table = CreateTable("grows");
+        vell::test::HeapWatch heap;
+        heap.RefuseAfter(after);
+        try
+        {
+            grow(table);
+        }
+        catch (const std::bad_alloc&)
+        {
+            ++refused;
+        }
+        CloseTable(table);
+        ASSERT_EQ(heap.BlocksKept(), 0) << after;
+    }
+
+    EXPECT_GE(refused, 10u);
+    EXPECT_LT(refused, 40u);
+}
+
 TEST(TableMemory, ThatIsRefusedForTheKeyThatListenersGetLeavesTheValue)
 {
     const KVTable table = CreateTable("heard");
