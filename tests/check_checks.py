@@ -172,7 +172,9 @@ def build(workers):
     """Builds the unit tests of the copy."""
     configure = ["cmake", "-S", WORK / "source", "-B", WORK / "build", "-G", "Ninja",
                  "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0",
-                 "-DVELL_WARNINGS_AS_ERRORS=OFF", "-DVELL_INSTALL=OFF"]
+                 "-DVELL_WARNINGS_AS_ERRORS=OFF", "-DVELL_INSTALL=OFF", "-DVELL_PRECOMPILE=ON"]
+    if shutil.which("clang++-14"):  # compiles in half the time
+        configure.append("-DCMAKE_CXX_COMPILER=clang++-14")
     if shutil.which("ld.gold"):
         configure.append("-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=gold")
     compile_tests = ["cmake", "--build", WORK / "build", "--target", "unit_tests",
