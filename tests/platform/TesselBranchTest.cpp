@@ -263,7 +263,7 @@ constexpr Event kEvents[] = {
          other->AttachTable("child", written.child, 1);
          const KVTable before = written.root;
          CloseTable(written.root);
-         written.root = CreateTable("next");
+         written.root = CreateTable("root");
          written.root->SetInt("first", 1, 1);
          written.root->AttachTable("child", written.child, 1);
          CloseTable(other);
