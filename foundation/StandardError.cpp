@@ -81,7 +81,7 @@ void WriteToDescriptor(int descriptor, const char* characters, std::size_t count
         const ssize_t written = write(descriptor, characters, count);
         if (written < 0 && errno == EINTR)
         {
-            continue; // GCOVR_EXCL_LINE: a signal before the first character of a line
+            continue;
         }
         if (written <= 0)
         {

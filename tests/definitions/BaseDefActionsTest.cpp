@@ -342,6 +342,23 @@ TEST_F(BaseDefActions, MayRemoveTheNextOneWhileTheyPerform)
     EXPECT_EQ(Run(), (Lines{Performed("a"), Performed("c")}));
 }
 
+TEST_F(BaseDefActions, MayRemoveThemselvesAndThenTheNextOneWhileTheyPerform)
+{
+    TestAction* first = Execute("a");
+    TestAction* second = Execute("b");
+    TestAction* third = Execute("c");
+    first->onPerform = [this, first, second]
+    {
+        def.RemoveAction(first);
+        def.RemoveAction(second);
+    };
+    second->prev = nullptr;
+    third->prev = nullptr;
+
+    EXPECT_EQ(Run(), (Lines{Performed("a"), "delete a", "delete b", Performed("c")}));
+    EXPECT_EQ(Run(), (Lines{Performed("c")}));
+}
+
 TEST_F(BaseDefActions, MayRemoveAnEarlierOneWhileTheyPerform)
 {
     TestAction* first = Execute("a");

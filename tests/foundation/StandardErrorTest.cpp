@@ -124,6 +124,20 @@ TEST(StandardError, GoesWhereAHostHasTurnedTheStream)
     EXPECT_EQ(target.str(), "a line\nan");
 }
 
+TEST(StandardError, IsFlushedAfterEachLineAlsoWhenAHostHasItBuffered)
+{
+    CountingBuffer target;
+    std::streambuf* const own = std::cerr.rdbuf(&target);
+    std::cerr.unsetf(std::ios::unitbuf);
+
+    WriteToStandardError("a line", 6);
+    std::cerr.setf(std::ios::unitbuf);
+    std::cerr.rdbuf(own);
+
+    EXPECT_EQ(target.str(), "a line");
+    EXPECT_EQ(target.flushes, 1);
+}
+
 #if defined(__unix__)
 
 namespace

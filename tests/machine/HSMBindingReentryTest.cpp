@@ -4,6 +4,7 @@
 #include <vell/ConditionDef.h>
 #include <vell/TransitionDef.h>
 
+#include "definitions/GenericDef.h"
 #include "definitions/NodeDefTable.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
@@ -85,12 +86,40 @@ private:
     TransitionDef& owner;
 };
 
+/// A host's definition that empties the table when it is asked for its type.
+class EmptyingDef : public GenericDef
+{
+public:
+    explicit EmptyingDef(TestMachine& tableOwner) : owner(tableOwner)
+    {
+    }
+    eHSMDefTypes GetType() override
+    {
+        owner.UninitNodeDefTable(&owner.alloc);
+        return DefTypeTransition;
+    }
+
+private:
+    TestMachine& owner;
+};
+
 TEST_F(BindingReentry, EndsWithATableThatWasEmptiedMeanwhile)
 {
     onLine = [this]
     {
         machine.UninitNodeDefTable(&machine.alloc);
     };
+
+    machine.BindParamCond();
+
+    EXPECT_TRUE(machine.nodeDefTable->nodes.empty());
+}
+
+TEST_F(BindingReentry, EndsWithATableThatADefinitionEmptiesWhenItIsAskedForItsType)
+{
+    EmptyingDef emptying(machine);
+    machine.nodeDefTable->nodes[200] = &emptying;
+    machine.nodeDefTable->nodeIds.push_back(200);
 
     machine.BindParamCond();
 

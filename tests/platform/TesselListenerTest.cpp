@@ -111,6 +111,7 @@ TEST_F(TableListener, DoesNotHearRefusedWritesTablesAndElements)
     a.Install(table, "value");
     *table->GetTableListener() = b.GetRecord();
 
+    table->SetInt(nullptr, 1, 1);
     table->SetString("value", nullptr, 1);
     table->SetFloat2("value", nullptr, 1);
     table->AddTable("value", 1);

@@ -156,6 +156,24 @@ TEST_F(TableManyListeners, ThatAreTheSameAreRemovedOneByOneFromTheFirstOn)
     EXPECT_EQ(Write(), (std::vector<std::size_t>{1, 0}));
 }
 
+TEST_F(TableManyListeners, OfOneObjectAreFoundByTheirFunctions)
+{
+    const KVListener silent{&listeners[0], [](void*, opResult, KVTable, const char*)
+                            {
+                                return 0;
+                            }};
+    for (std::size_t i = 0; i < kMany / 2; ++i)
+    {
+        *table->GetValueListener("value") = silent;
+        Install(0);
+    }
+    for (std::size_t i = 0; i < kMany / 2; ++i)
+    {
+        table->RemoveValueListener("value", &silent);
+    }
+    EXPECT_EQ(Write(), std::vector<std::size_t>(kMany / 2));
+}
+
 TEST_F(TableManyListeners, MayAllBeInstalledAndRemovedInsideOneCall)
 {
     Install(0);
