@@ -21,35 +21,6 @@ namespace
 /// stack.
 constexpr unsigned int kMaxRecursion = 1000;
 
-std::string ReadWholeFile(const char* path)
-{
-    struct Close
-    {
-        void operator()(std::FILE* file) const
-        {
-            std::fclose(file);
-        }
-    };
-    std::string text;
-    const std::unique_ptr<std::FILE, Close> file(OpenFileToRead(path));
-    // Required: a file that cannot be opened is parsed as an empty text, so the log reports an
-    // empty document, with the code 1.
-    if (file == nullptr)
-    {
-        return text;
-    }
-    std::size_t filled = 0;
-    std::size_t read = 0;
-    do
-    {
-        text.resize(filled < 32768 ? 65536 : filled * 2);
-        read = std::fread(&text[filled], 1, text.size() - filled, file.get());
-        filled += read;
-    } while (read != 0);
-    text.resize(filled);
-    return text;
-}
-
 /// Hands a parse on to a document and ends it at the first value that is nested too deep.
 class ShallowHandler
 {
@@ -195,10 +166,33 @@ bool IsNestedDeeperThan(unsigned int limit, const char* text)
 
 } // namespace
 
-void ParseFile(const char* path, GenericDocument& document)
+std::string ReadWholeFile(const char* path)
 {
-    const std::string text = ReadWholeFile(path);
-    ParseText(text.c_str(), document);
+    struct Close
+    {
+        void operator()(std::FILE* file) const
+        {
+            std::fclose(file);
+        }
+    };
+    std::string text;
+    const std::unique_ptr<std::FILE, Close> file(OpenFileToRead(path));
+    // Required: a file that cannot be opened is parsed as an empty text, so the log reports an
+    // empty document, with the code 1.
+    if (file == nullptr)
+    {
+        return text;
+    }
+    std::size_t filled = 0;
+    std::size_t read = 0;
+    do
+    {
+        text.resize(filled < 32768 ? 65536 : filled * 2);
+        read = std::fread(&text[filled], 1, text.size() - filled, file.get());
+        filled += read;
+    } while (read != 0);
+    text.resize(filled);
+    return text;
 }
 
 void ParseText(const char* text, GenericDocument& document)

@@ -4,14 +4,15 @@
 
 #include <vell/Json.h>
 
+#include <string>
+
 namespace vell
 {
 
-/// Parses the text of a file. A file that cannot be read counts as empty, which is a parse error.
-/// The result is in the document.
-void ParseFile(const char* path, GenericDocument& document);
+/// Gives the text of a file. A file that cannot be read counts as empty, which is a parse error.
+std::string ReadWholeFile(const char* path);
 
-/// Parses a terminated text, which is read and not modified.
+/// Parses a terminated text, which is read and not modified. The result is in the document.
 void ParseText(const char* text, GenericDocument& document);
 
 } // namespace vell

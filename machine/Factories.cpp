@@ -4,6 +4,8 @@
 #include <vell/Factories.h>
 #include <vell/HSM.h>
 
+#include "machine/HSMInternals.h"
+
 #include <iostream>
 
 namespace vell
@@ -12,12 +14,12 @@ namespace vell
 IHSM* CreateHSM(const char* filePath, const char* auxiliaryName)
 {
     // Required: a machine is returned even when the document cannot be read. Its Init then fails.
-    return new HSM(filePath, auxiliaryName);
+    return HSM::Internals::CreateSharing(filePath, auxiliaryName);
 }
 
 IHSM* CreateHSMJson(const char* jsonText)
 {
-    return new HSM(jsonText);
+    return HSM::Internals::CreateSharing(jsonText);
 }
 
 void SetLogCallBack(LogCallBack callback)

@@ -8,6 +8,8 @@
 #include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
 
+#include <utility>
+
 namespace vell
 {
 namespace
@@ -22,17 +24,40 @@ HSM::HSM() : internals(std::make_unique<Internals>()), machineType(kDefaultMachi
 }
 
 HSM::HSM(const char* path, const char* auxiliary)
-    : internals(std::make_unique<Internals>()), filePath(path), auxiliaryName(auxiliary)
+    : HSM(std::make_unique<Internals>(), path, auxiliary, nullptr, {})
+{
+}
+
+HSM::HSM(const char* text)
+    : HSM(std::make_unique<Internals>(), nullptr, nullptr, text, kDefaultMachineType)
+{
+}
+
+HSM::HSM(std::unique_ptr<Internals> newInternals, const char* path, const char* auxiliary,
+         const char* text, __STATE_MACHINE_TYPES__ type)
+    : internals(std::move(newInternals)),
+      filePath(path),
+      auxiliaryName(auxiliary),
+      jsonText(text),
+      machineType(type)
 {
     // Required: this call reaches no override, since the subclass is not constructed yet. A
     // subclass's RegisterBuilders does not run in the constructors that load a document.
     HSM::Create();
 }
 
-HSM::HSM(const char* text)
-    : internals(std::make_unique<Internals>()), jsonText(text), machineType(kDefaultMachineType)
+HSM* HSM::Internals::CreateSharing(const char* path, const char* auxiliary)
 {
-    HSM::Create();
+    auto sharing = std::make_unique<Internals>();
+    sharing->mayShare = true;
+    return new HSM(std::move(sharing), path, auxiliary, nullptr, {});
+}
+
+HSM* HSM::Internals::CreateSharing(const char* text)
+{
+    auto sharing = std::make_unique<Internals>();
+    sharing->mayShare = true;
+    return new HSM(std::move(sharing), nullptr, nullptr, text, kDefaultMachineType);
 }
 
 HSM::~HSM()

@@ -4,6 +4,7 @@
 
 #include <vell/HSM.h>
 
+#include "document/SharedDocument.h"
 #include "idle/IdleCache.h"
 #include "introspection/MachineTree.h"
 
@@ -59,15 +60,29 @@ struct HSM::Internals
                      : 0;
     }
 
+    /// Creates a machine as the constructor with these parameters does. Its class is HSM itself, so
+    /// no host reaches its document, and it shares that with other machines of the same text.
+    static HSM* CreateSharing(const char* filePath, const char* auxiliaryName);
+    static HSM* CreateSharing(const char* jsonText);
+    /// Gives the root of the machine's document.
+    const GenericValue& RootOf(const GenericDocument& own) const
+    {
+        const GenericValue* shared = isSharing ? sharedDocument.Root() : nullptr;
+        return shared == nullptr ? own : *shared;
+    }
+
     // What a tick of `machine` reads, in two steps; see UpdateMachines.
     static void PrefetchTick(const HSM& machine);
     static void PrefetchStates(const HSM& machine);
 
     IdleCache idle;
-    ContextBranch context;      ///< of the tree
-    std::string fileName;       ///< copy of filePath's text, taken by Create, for the tree
-    UninitStep uninitStep = {}; ///< since the last Create
-    bool isTreeClosed = false;  ///< `kvTable` is closed; it keeps its handle
+    ContextBranch context;         ///< of the tree
+    std::string fileName;          ///< copy of filePath's text, taken by Create, for the tree
+    SharedDocument sharedDocument; ///< of the first Create; the host may keep its texts
+    bool mayShare = false;         ///< at the next Create
+    bool isSharing = false;        ///< `sharedDocument` is in the place of the machine's own
+    UninitStep uninitStep = {};    ///< since the last Create
+    bool isTreeClosed = false;     ///< `kvTable` is closed; it keeps its handle
 };
 
 } // namespace vell

@@ -4,6 +4,7 @@
 
 #include "document/JsonReader.h"
 #include "foundation/Checks.h"
+#include "machine/HSMInternals.h"
 
 namespace vell
 {
@@ -12,6 +13,7 @@ namespace vell
 // document, into its own arena.
 int HSM::ImportLayers(const GenericValue& root, HSMAlloc*)
 {
+    const GenericValue& ownRoot = internals->RootOf(document);
     int result = 0;
     do
     {
@@ -20,10 +22,10 @@ int HSM::ImportLayers(const GenericValue& root, HSMAlloc*)
             ERROR_BREAK(FindMember(root, JSON_Nodes) != nullptr);
             // Required: nodes at the root are taken in, twice by Init, and the load fails all the
             // same.
-            ERROR_BREAK(InitNodeDefTable(GetMember(document, JSON_Nodes), &alloc));
+            ERROR_BREAK(InitNodeDefTable(GetMember(ownRoot, JSON_Nodes), &alloc));
             break;
         }
-        const GenericValue& layers = GetMember(document, JSON_Layers);
+        const GenericValue& layers = GetMember(ownRoot, JSON_Layers);
         ERROR_BREAK(layers.IsArray());
         LogStream(LogPlain) << "\n\nImporting HSM layers" << EndLine;
         LogStream(LogPlain) << "--------------------\n\n" << EndLine;

@@ -10,6 +10,9 @@
 #include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
 
+#include <string>
+#include <utility>
+
 namespace vell
 {
 namespace
@@ -34,8 +37,9 @@ int HSM::Create()
             << errorCode << EndLine;
         ERROR_RETURN(false, 0);
     }
-    ERROR_RETURN(FindMember(document, JSON_Head) != nullptr, 0);
-    const GenericValue& head = GetMember(document, JSON_Head);
+    const GenericValue& root = internals->RootOf(document);
+    ERROR_RETURN(FindMember(root, JSON_Head) != nullptr, 0);
+    const GenericValue& head = GetMember(root, JSON_Head);
     const unsigned int size =
         static_cast<unsigned int>(GetMemoryRequirements(head)) * kMemoryFactor;
     ForgetArena();
@@ -72,17 +76,30 @@ void HSM::ForgetArena()
 
 unsigned int HSM::ParseDocument()
 {
+    Internals& parts = *internals;
     unsigned int errorCode = 0;
+    // Later ones parse for the machine alone: texts of the first may be in use to its end.
+    const bool mayShare = std::exchange(parts.mayShare, false);
+    parts.isSharing = false;
     if (filePath != nullptr)
     {
-        internals->fileName = filePath;
-        ParseFile(filePath, document);
+        parts.fileName = filePath;
+        const std::string text = ReadWholeFile(filePath);
+        parts.isSharing = mayShare && parts.sharedDocument.Hold(text.c_str());
+        if (!parts.isSharing)
+        {
+            ParseText(text.c_str(), document);
+        }
         errorCode = static_cast<unsigned int>(document.GetParseError());
     }
     if (jsonText != nullptr)
     {
+        parts.isSharing = mayShare && parts.sharedDocument.Hold(jsonText);
         // Required: the code in the log line stays 0 on this path, whatever the parser said.
-        ParseText(jsonText, document);
+        if (!parts.isSharing)
+        {
+            ParseText(jsonText, document);
+        }
     }
     return errorCode;
 }
@@ -102,22 +119,23 @@ const char* HSM::GetHSMType(const GenericValue& head)
 
 int HSM::Init()
 {
+    const GenericValue& root = internals->RootOf(document);
     do
     {
         // Required: a failed step runs a second time, over what its first run left behind. Every
         // failure ends with the line about an exception, which never was thrown.
-        ERROR_BREAK(InitParameterTable(document, &alloc));
-        ERROR_BREAK(ImportLayers(document, &alloc));
+        ERROR_BREAK(InitParameterTable(root, &alloc));
+        ERROR_BREAK(ImportLayers(root, &alloc));
         ERROR_BREAK(nodeDefTable);
-        if (const GenericValue* head = FindMember(document, JSON_Head))
+        if (const GenericValue* head = FindMember(root, JSON_Head))
         {
             ERROR_BREAK(nodeDefTable->ImportHead(*head));
         }
-        if (const GenericValue* skeleton = FindMember(document, JSON_Skeleton))
+        if (const GenericValue* skeleton = FindMember(root, JSON_Skeleton))
         {
             ERROR_BREAK(nodeDefTable->ImportSkel(*skeleton, &alloc));
         }
-        if (const GenericValue* global = FindMember(document, JSON_Global))
+        if (const GenericValue* global = FindMember(root, JSON_Global))
         {
             ERROR_BREAK(nodeDefTable->ImportGlobal(*global, &alloc));
         }

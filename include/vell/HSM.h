@@ -240,6 +240,9 @@ protected:
     StateSwitchCallback stateSwitchCallback = nullptr;
 
 private:
+    VELL_LOCAL HSM(std::unique_ptr<Internals> newInternals, const char* filePath,
+                   const char* auxiliaryName, const char* jsonText, __STATE_MACHINE_TYPES__ type);
+
     VELL_LOCAL int Subscribe(ListenerList& list, IBroadcastListener* listener);
     VELL_LOCAL int Unsubscribe(ListenerList& list, IBroadcastListener* listener);
     VELL_LOCAL int Notify(StateChangeEvent change);

@@ -63,7 +63,7 @@ int CodeOfFile(const std::string& text)
 {
     const TempFile file(text);
     GenericDocument document;
-    ParseFile(file.Path(), document);
+    ParseText(ReadWholeFile(file.Path()).c_str(), document);
     return static_cast<int>(document.GetParseError());
 }
 
@@ -99,10 +99,10 @@ TEST(DocumentParser, ReportsTheParsersCodeForEveryFault)
 TEST(DocumentParser, TakesAFileThatCannotBeReadForAnEmptyOne)
 {
     GenericDocument document;
-    ParseFile("/no/such/file.json", document);
+    ParseText(ReadWholeFile("/no/such/file.json").c_str(), document);
     EXPECT_EQ(document.GetParseError(), rapidjson::kParseErrorDocumentEmpty);
 
-    ParseFile("/", document);
+    ParseText(ReadWholeFile("/").c_str(), document);
     EXPECT_EQ(document.GetParseError(), rapidjson::kParseErrorDocumentEmpty);
 }
 
@@ -139,7 +139,7 @@ TEST(DocumentParser, ReadsAFileLongerThanItsFirstBuffer)
     const TempFile file(JsonObject().Set(JSON_Name, name).Text());
     GenericDocument document;
 
-    ParseFile(file.Path(), document);
+    ParseText(ReadWholeFile(file.Path()).c_str(), document);
 
     ASSERT_FALSE(document.HasParseError());
     EXPECT_EQ(document[DURMBaseLib::GetJsonName(JSON_Name)].GetStringLength(), 200000u);
@@ -155,7 +155,7 @@ TEST(DocumentParser, ReadsAFileWhateverAlphabetItsNameIsIn)
         {
             GenericDocument document;
 
-            ParseFile(path.c_str(), document);
+            ParseText(ReadWholeFile(path.c_str()).c_str(), document);
 
             EXPECT_FALSE(document.HasParseError()) << path;
         }
