@@ -52,7 +52,7 @@ NodeDefTable::NodeDefTable() : cursor(nodes.end())
     const StandardDefs standard = GetStandardDefs();
     for (const StandardDef* def = standard.begin; def != standard.end; ++def)
     {
-        RegisterNodeDef(def->builder, def->create);
+        Builders()[def->builder] = Builder{def->create, true};
     }
 }
 
@@ -84,6 +84,7 @@ int NodeDefTable::Init(const GenericValue& newNodes, HSMAlloc* alloc)
         }
         ERROR_BREAK(newNodes.IsArray());
         numNodes = newNodes.Size();
+        ReserveIds(numNodes);
         for (const GenericValue& node : newNodes.GetArray())
         {
             ERROR_GOTO(node.IsObject(), failed);
@@ -100,6 +101,17 @@ int NodeDefTable::Init(const GenericValue& newNodes, HSMAlloc* alloc)
 failed:
     Uninit();
     return 0;
+}
+
+/// Reserves space for `count` more ids, in steps that grow with them: a document may have many
+/// layers.
+void NodeDefTable::ReserveIds(std::size_t count)
+{
+    const std::size_t needed = nodeIds.size() + count;
+    if (needed > nodeIds.capacity())
+    {
+        nodeIds.reserve(std::max(needed, nodeIds.size() * 2));
+    }
 }
 
 BaseDef* NodeDefTable::CreateNodeDef(const GenericValue& node, HSMAlloc* alloc)

@@ -107,6 +107,7 @@ private:
     void PrintHead(const GenericValue& head, unsigned int substateRoot) const;
     BaseDef* NextFrom(NodeMap::iterator position, unsigned int mask);
     void ClearNodes();
+    void ReserveIds(std::size_t count);
 
     ArenaLink arenaLink;
 };

@@ -11,6 +11,8 @@
 #include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
 
+#include <typeinfo>
+
 namespace vell
 {
 namespace
@@ -70,7 +72,10 @@ void HSM::BindParamCond()
         {
             continue;
         }
-        auto* transition = dynamic_cast<TransitionDef*>(def);
+        // Nearly all are of this very class, for which the search of a cast is not needed.
+        auto* transition = typeid(*def) == typeid(TransitionDef)
+                               ? static_cast<TransitionDef*>(def)
+                               : dynamic_cast<TransitionDef*>(def);
         if (transition == nullptr)
         {
             continue;

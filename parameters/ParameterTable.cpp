@@ -11,7 +11,7 @@
 #include "foundation/TreeKeys.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <charconv>
 #include <typeinfo>
 
 namespace vell
@@ -116,14 +116,14 @@ int ParameterTable::AddParameter(ParameterDef* def)
         // parameter's id.
         const bool newId = idToParam.emplace(id, def).second;
         ASSERT_BREAK(newId);
-        def->slot.pointer = &slots.emplace_front(*this, OnParameterTableModified);
+        def->slot.pointer = NewSlot();
         if (def->resetEachFrame)
         {
             Collect(id, *def);
         }
 
-        char key[64];
-        std::snprintf(key, sizeof(key), "%u", id);
+        char key[16] = {};
+        std::to_chars(key, key + sizeof(key) - 1, id);
         Tessel::KVTable defTable = def->GetKVTable();
         if (table)
         {
@@ -225,9 +225,22 @@ void ParameterTable::ForgetUpTo(ParameterMap::iterator end)
     idToParam.erase(idToParam.begin(), end);
     if (idToParam.empty())
     {
-        slots.clear();
+        ClearSlots();
     }
     CollectResetting();
+}
+
+ParameterDef::Slot* ParameterTable::NewSlot()
+{
+    return slots.size() < slots.capacity()
+               ? &slots.emplace_back(*this, OnParameterTableModified)
+               : &lateSlots.emplace_front(*this, OnParameterTableModified);
+}
+
+void ParameterTable::ClearSlots()
+{
+    std::vector<ParameterDef::Slot>().swap(slots);
+    lateSlots.clear();
 }
 
 void ParameterTable::ResetAll()

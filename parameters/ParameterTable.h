@@ -134,17 +134,20 @@ private:
     void ResetAll();
     void ForgetUpTo(ParameterMap::iterator end);
     void CloseRuntimeTables();
+    ParameterDef::Slot* NewSlot();
+    void ClearSlots();
     void PlaceValue(ParameterDef& def, int type);
     bool IsNewName(const char* name);
     /// Takes a run-time parameter in, which then lives as long as the process. Returns 1, or 0 with
     /// a log line, and deletes it, when its id or name is taken.
     int Publish(std::unique_ptr<ParameterDef> owned);
 
-    ValueBlock values;         ///< of the document's first scalar parameters
-    HSMAlloc* arena = nullptr; ///< holds the document's parameters; null until Init
-    std::forward_list<ParameterDef::Slot> slots; ///< one for each parameter taken in
-    std::vector<Resetting> resetting;            ///< in ascending id order
-    bool isTableClosed = false;                  ///< `table` keeps its handle
+    ValueBlock values;                     ///< of the document's first scalar parameters
+    HSMAlloc* arena = nullptr;             ///< holds the document's parameters; null until Init
+    std::vector<ParameterDef::Slot> slots; ///< of the document's parameters; never grows
+    std::forward_list<ParameterDef::Slot> lateSlots; ///< of those for which there was no space
+    std::vector<Resetting> resetting;                ///< in ascending id order
+    bool isTableClosed = false;                      ///< `table` keeps its handle
     /// A loop that finds it changed is at a deleted parameter.
     unsigned int timesForgotten = 0;
 

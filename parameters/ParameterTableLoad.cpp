@@ -98,6 +98,10 @@ int ParameterTable::Init(const GenericValue& array, HSMAlloc* alloc)
         ERROR_BREAK(CreateKVTable());
         ERROR_BREAK(alloc);
         ERROR_BREAK(array.IsArray());
+        if (slots.empty())
+        {
+            slots.reserve(array.Size());
+        }
         for (const GenericValue& node : array.GetArray())
         {
             ERROR_GOTO(node.IsObject(), failed);

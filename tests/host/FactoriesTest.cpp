@@ -211,6 +211,61 @@ TEST_F(Factories, ReadTheSameDocumentFromAFileAndFromText)
     }
 }
 
+TEST_F(Factories, GiveMachinesOfOneDocumentLivesOfTheirOwn)
+{
+    const std::string text = SmallDocument();
+    const TempFile file(text);
+    Machine first(CreateHSMJson(text.c_str()));
+    Machine second(CreateHSM(file.Path(), nullptr));
+    ASSERT_EQ(first->Init(), 1);
+    ASSERT_EQ(second->Init(), 1);
+    Machine third(CreateHSMJson(text.c_str()));
+    second->Start();
+
+    first->Uninit();
+    first->Destroy();
+    first.reset();
+
+    EXPECT_STREQ(second->FindDef(10)->GetName(), "Stand");
+    EXPECT_EQ(second->GetCurrentState()->GetID(), 10u);
+    // Deleting a machine takes the builders of the process with it; Create brings them back.
+    EXPECT_EQ(third->Create(), 1);
+    EXPECT_EQ(third->Init(), 1);
+    EXPECT_STREQ(third->FindDef(10)->GetName(), "Stand");
+}
+
+TEST_F(Factories, KeepTheTextsOfADocumentThatIsCreatedAgain)
+{
+    std::string text = SmallDocument();
+    Machine machine(CreateHSMJson(text.c_str()));
+    ASSERT_EQ(machine->Init(), 1);
+    const char* name = machine->FindDef(10)->GetName();
+    machine->Uninit();
+    text.replace(text.find("Stand"), 5, "Squat");
+
+    ASSERT_EQ(machine->Create(), 1);
+    // It fails in the last step, the tree, but the definitions are there.
+    EXPECT_EQ(machine->Init(), 0);
+
+    EXPECT_STREQ(name, "Stand");
+    EXPECT_STREQ(machine->FindDef(10)->GetName(), "Squat");
+}
+
+TEST_F(Factories, ReportATextThatIsMalformedOnlyWhenItIsCreatedAgain)
+{
+    std::string text = SmallDocument();
+    Machine machine(CreateHSMJson(text.c_str()));
+    text[0] = '[';
+
+    const Written written = Capture(
+        [&machine]
+        {
+            EXPECT_EQ(machine->Create(), 0);
+        });
+
+    EXPECT_EQ(WithoutLineNumbers(written.error), kParseError + "0\n" + kCreateFailed);
+}
+
 TEST_F(Factories, WriteToStandardOutputWhenACallbackIsSet)
 {
     const Written written = Capture(
