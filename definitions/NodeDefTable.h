@@ -19,8 +19,9 @@ namespace vell
 /// again. Definitions are in the arena and refer to each other by id only.
 class NodeDefTable
 {
-    /// The memory of the entries of `nodes`, freed all at once.
-    std::pmr::monotonic_buffer_resource nodePool{std::pmr::new_delete_resource()};
+    /// The memory of the entries of `nodes`, freed all at once. It begins with 512 bytes, because
+    /// most machines are small.
+    std::pmr::monotonic_buffer_resource nodePool{512, std::pmr::new_delete_resource()};
 
 public:
     using NodeMap = std::pmr::map<unsigned int, BaseDef*>;

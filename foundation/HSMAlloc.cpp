@@ -76,7 +76,7 @@ void HSMAlloc::CloseLater(Tessel::KVTable table)
 void HSMAlloc::KeepMore()
 {
     // In small steps: what is kept is little, and there is an entry for each object.
-    kept.reserve(kept.size() + kept.size() / 4 + 64);
+    kept.reserve(kept.size() + kept.size() / 4 + 16);
 }
 
 void HSMAlloc::Reservation::GiveBack()

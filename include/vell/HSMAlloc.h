@@ -42,8 +42,9 @@ namespace vell
 /// objects do not work.
 class VELL_API HSMAlloc
 {
-    /// The memory of the entries of `tracked`, freed all at once.
-    std::pmr::monotonic_buffer_resource trackedPool{std::pmr::new_delete_resource()};
+    /// The memory of the entries of `tracked`, freed all at once. It begins with 512 bytes, because
+    /// most machines are small.
+    std::pmr::monotonic_buffer_resource trackedPool{512, std::pmr::new_delete_resource()};
 
 public:
     /// Sizes by address. The entries of the arena's own map are close together.
