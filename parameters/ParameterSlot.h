@@ -33,8 +33,8 @@ namespace vell
 /// attaches, replaces or closes a table, or when the parameter gets another one.
 ///
 /// *Where it is.* With the table of parameters, on the heap: neither the parameter nor the arena is
-/// larger for it. Those of a document's parameters are side by side, each in one cache line. A
-/// parameter that is in no such table has none.
+/// larger for it. Those of a document's first parameters are side by side, each in one cache line.
+/// A parameter that is in no such table has none.
 struct alignas(64) ParameterDef::Slot
 {
     /// `listener` is what `newOwner` listens with to the tables of its parameters.

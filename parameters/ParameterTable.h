@@ -144,7 +144,7 @@ private:
 
     ValueBlock values;                     ///< of the document's first scalar parameters
     HSMAlloc* arena = nullptr;             ///< holds the document's parameters; null until Init
-    std::vector<ParameterDef::Slot> slots; ///< of the document's parameters; never grows
+    std::vector<ParameterDef::Slot> slots; ///< of the document's first parameters; never grows
     std::forward_list<ParameterDef::Slot> lateSlots; ///< of those for which there was no space
     std::vector<Resetting> resetting;                ///< in ascending id order
     bool isTableClosed = false;                      ///< `table` keeps its handle

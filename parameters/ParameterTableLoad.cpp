@@ -11,10 +11,17 @@
 #include "foundation/Checks.h"
 #include "parameters/ParameterTable.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace vell
 {
 namespace
 {
+
+/// The most slots that are side by side. Reserved for an array before it is read: one of a million
+/// elements that are no parameters is not to take memory.
+constexpr std::size_t kSlotsTogether = 256;
 
 /// Places the class of a parameter type in the arena. Null when there is no space.
 ParameterDef* PlaceParameter(int type, HSMAlloc& alloc)
@@ -100,7 +107,7 @@ int ParameterTable::Init(const GenericValue& array, HSMAlloc* alloc)
         ERROR_BREAK(array.IsArray());
         if (slots.empty())
         {
-            slots.reserve(array.Size());
+            slots.reserve(std::min<std::size_t>(array.Size(), kSlotsTogether));
         }
         for (const GenericValue& node : array.GetArray())
         {

@@ -3,6 +3,7 @@
 #include <vell/Parameters.h>
 
 #include "tests/support/DocumentBuilder.h"
+#include "tests/support/HeapWatch.h"
 #include "tests/support/LoadedParameters.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Recorders.h"
@@ -429,6 +430,20 @@ TEST(ParameterTableLoad, FailsAtAnElementThatIsNoObjectAndForgetsThoseBefore)
     EXPECT_EQ(loaded.table.GetParameterCount(), 0);
     EXPECT_EQ(loaded.table.GetParameterID("a"), ParameterId("a")) << "names stay known";
     EXPECT_EQ(loaded.table.GetParameterID("b"), 0u);
+}
+
+TEST(ParameterTableLoad, TakesNoMemoryForElementsThatItHasNotRead)
+{
+    LogRecorder log;
+    Arena alloc;
+    const ParsedJson array(Json::Array(std::vector<Json>(100000, Json(5))));
+    ParameterTable table;
+
+    const HeapWatch heap;
+    EXPECT_EQ(table.Init(*array, &alloc), 0);
+
+    EXPECT_LT(heap.MostBytes(), 100000u);
+    table.Uninit();
 }
 
 TEST(ParameterTableLoad, FailsAtAParameterThatCannotBeMade)
