@@ -178,12 +178,12 @@ KVListener* ListenerSet::Add(const KeyText& name)
     }
     Group* found = *FindLink(name);
     Group& group = found != nullptr ? *found : AddGroup(name);
-    group.onlyValue = nullptr;
     Record* record = std::exchange(spare, spare->next);
     *record = Record{{}, nullptr, group.last, nextSerial};
     ++nextSerial;
     (group.last == nullptr ? group.first : group.last->next) = record;
     group.last = record;
+    ForgetValue(group);
     if (group.index != nullptr)
     {
         group.index->NoteAppended(*record);
@@ -323,10 +323,16 @@ void ListenerSet::Drop(Group& group, Record& record)
             call->next = record.next;
         }
     }
-    group.onlyValue = nullptr;
     (record.previous == nullptr ? group.first : record.previous->next) = record.next;
     (record.next == nullptr ? group.last : record.next->previous) = record.previous;
     record.next = std::exchange(spare, &record);
+    ForgetValue(group);
+}
+
+/// Notes that a record came or went.
+void ListenerSet::ForgetValue(Group& group)
+{
+    group.onlyValue = group.first == group.last ? nullptr : GetNoValue();
 }
 
 /// Gives the first record of `group` with `listener`, which the index does not have any more.

@@ -52,10 +52,17 @@ public:
         return home.first != nullptr && home.first->next == nullptr ? home.key : nullptr;
     }
 
-    /// Gives the value of that key. Null when it is not known, and when there is not one record.
+    /// Gives the value of that key: null when it is not known, `GetNoValue` when there are several
+    /// records.
     const KVValue* GetOnlyValue() const
     {
         return home.onlyValue;
+    }
+
+    /// Gives what is no value.
+    const KVValue* GetNoValue() const
+    {
+        return reinterpret_cast<const KVValue*>(this);
     }
 
     /// Notes the value of that key, which may be null; kept until a record comes or goes.
@@ -96,7 +103,7 @@ private:
     struct Group
     {
         const Key* key;           ///< null when the group is not in use
-        const KVValue* onlyValue; ///< the key's, when it is known and there is one record
+        const KVValue* onlyValue; ///< see `GetOnlyValue`
         Record* first;
         Record* last;
         RecordIndex* index; ///< owned; null until needed
@@ -108,6 +115,7 @@ private:
     void DropGroup(Group** link);
     void GrowBuckets();
     void Drop(Group& group, Record& record);
+    void ForgetValue(Group& group);
     static Record* Find(Group& group, const KVListener& listener);
     static Record* FindByIndex(Group& group, const KVListener& listener);
     static void Free(Record* first);

@@ -119,7 +119,14 @@ public:
     /// Notes that a table has got this shape.
     void NoteUse() const
     {
-        expectedKeys[root].store(static_cast<std::uint8_t>(keyCount), std::memory_order_relaxed);
+        NoteKeys(root, keyCount);
+    }
+
+    /// Notes that a table of this empty shape has got `count` keys, at most `kMaxKeys`, that no
+    /// shape has.
+    void NoteOwnKeys(std::uint32_t count) const
+    {
+        NoteKeys(GetNumber(), count);
     }
 
 private:
@@ -132,6 +139,11 @@ private:
     {
         return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(&key) /
                                           Key::kSharedSize % kLikelyPlaces);
+    }
+
+    static void NoteKeys(std::uint16_t root, std::uint32_t count)
+    {
+        expectedKeys[root].store(static_cast<std::uint8_t>(count), std::memory_order_relaxed);
     }
 
     std::uint32_t FindAmongAll(const Key& key) const;

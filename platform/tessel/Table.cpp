@@ -368,6 +368,7 @@ Entry* Table::AddOwn(const KeyText& name)
     if (index < kMaxRoom)
     {
         MakeRoom(index);
+        Shape::GetEmpty(*more->name).NoteOwnKeys(index + 1);
     }
     keys.Add(name);
     return new (GetEntry(index)) Entry;

@@ -56,14 +56,16 @@ inline int SetAt(const KVSlot& slot, Entry::Kind kind, Value value)
     return 1;
 }
 
-/// As `SetAt`, when it is not known of which key the first listeners are, or when they are not
-/// those of the slot's.
+/// As `SetAt`, when the first listeners are not those of the slot's key, as far as is known.
 template <class Value>
 int SetAtOnlyHeard(const KVSlot& slot, Entry::Kind kind, Value value)
 {
     Table& table = *static_cast<Table*>(slot.place);
-    const bool isKnown = table.GetListeners().GetOnlyValue() != nullptr;
-    return !isKnown && table.FindOnlyHeard() == slot.value ? SetAt(slot, kind, value) : 0;
+    if (table.GetListeners().GetOnlyValue() != nullptr)
+    {
+        return 0;
+    }
+    return table.FindOnlyHeard() == slot.value ? SetAt(slot, kind, value) : 0;
 }
 
 int SetIntAt(const KVSlot* slot, int value)
