@@ -120,6 +120,7 @@ void SwitchesByHand(int times)
 void Spawns(int times)
 {
     const std::string text = ReadSample("character.json");
+    const auto first = SpawnMachine(text); // whose document the others share
     for (int i = 0; i < times; ++i)
     {
         SpawnMachine(text);

@@ -38,7 +38,7 @@ void Switches(int times);
 /// The same by hand.
 void SwitchesByHand(int times);
 
-/// Creates, initialises, starts and ends the character.
+/// Creates, initialises, starts and ends the character, while another one lives.
 void Spawns(int times);
 
 /// Only parses its document.

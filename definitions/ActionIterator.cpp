@@ -11,11 +11,12 @@ namespace vell
 namespace
 {
 
-thread_local ActionIterator* innermost = nullptr;
+thread_local ActionIterator* innermostOfThread = nullptr;
 
 } // namespace
 
-ActionIterator::ActionIterator(BaseDef* def, Action* first) : next(first), outer(innermost)
+ActionIterator::ActionIterator(BaseDef* def, Action* first)
+    : next(first), innermost(innermostOfThread), outer(innermost)
 {
     if (def != nullptr && first != nullptr)
     {
@@ -43,7 +44,7 @@ Action* ActionIterator::TakeNext()
 
 void ActionIterator::StepOver(const Action* removedAction)
 {
-    for (ActionIterator* other = innermost; other != nullptr; other = other->outer)
+    for (ActionIterator* other = innermostOfThread; other != nullptr; other = other->outer)
     {
         if (other->current == removedAction)
         {
@@ -64,7 +65,7 @@ void ActionIterator::StepOver(const Action* removedAction)
 
 void ActionIterator::End(const Action* destroyed)
 {
-    for (ActionIterator* other = innermost; other != nullptr; other = other->outer)
+    for (ActionIterator* other = innermostOfThread; other != nullptr; other = other->outer)
     {
         if (other->current == destroyed || other->next == destroyed)
         {
@@ -77,7 +78,7 @@ void ActionIterator::End(const Action* destroyed)
 
 void ActionIterator::Reach(Action** list, Action* added)
 {
-    for (ActionIterator* other = innermost; other != nullptr; other = other->outer)
+    for (ActionIterator* other = innermostOfThread; other != nullptr; other = other->outer)
     {
         if (other->head == list && other->current == nullptr && other->next == nullptr)
         {

@@ -39,6 +39,7 @@ private:
     Action* current = nullptr;       ///< the one that performs; null when it was removed
     Action* next;                    ///< what follows when `current` does not tell
     const Action* removed = nullptr; ///< deleted, and `current` may still link to it
+    ActionIterator*& innermost;      ///< of the thread; to find it takes a call
     ActionIterator* outer;           ///< the iteration that this one interrupts
 };
 
