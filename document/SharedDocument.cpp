@@ -18,7 +18,7 @@ namespace
 {
 
 /// A longer text is hardly that of a crowd, and the copy would be felt in its load.
-constexpr std::size_t kMaxLength = 256 * 1024;
+constexpr std::size_t kMaxLength = 256u << 10;
 
 } // namespace
 
