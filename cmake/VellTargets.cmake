@@ -41,18 +41,6 @@ elseif(VELL_WARNINGS_AS_ERRORS)
     endif()
 endif()
 
-# The gate's builds of many sources turn it on; dev leaves it off, and so shows a source that lacks an
-# #include.
-option(VELL_PRECOMPILE "Compile once what most sources of a large target include" OFF)
-
-# Has the sources of `target` begin with `ARGN` and what they have in common.
-function(vell_precompile target)
-    if(VELL_PRECOMPILE)
-        target_precompile_headers(${target} PRIVATE <algorithm> <functional> <map> <string> <vector>
-                                                    <rapidjson/document.h> ${ARGN})
-    endif()
-endfunction()
-
 # The objects `name` out of the sources `ARGN`, which the library, the unit tests and the command link.
 # The macros of include/ that say who compiles begin with `prefix`. Where programs need other objects than
 # a shared library, these are for programs; vell_library compiles its own.
