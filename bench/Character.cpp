@@ -59,7 +59,7 @@ std::string ReadSample(const char* name)
 }
 
 Character::Character(Extra extra)
-    : machine(SpawnSample()),
+    : CrowdMember(SpawnSample()),
       speed(Find<IParameterFloatDef>(*machine, "speed")),
       stick(Find<IParameterAnalogDef>(*machine, "stick")),
       armed(Find<IParameterBoolDef>(*machine, "armed")),

@@ -13,7 +13,7 @@ std::string ReadSample(const char* name);
 
 /// A machine of samples/character.json that walks: three states are on the stack, counting the
 /// global one, with two transitions each. Three of its bool parameters reset each frame.
-class Character
+class Character : public CrowdMember
 {
 public:
     explicit Character(Extra extra = Extra::Nothing);
@@ -46,25 +46,9 @@ public:
         SetSpeed(InTurn(frame, 5.0f, 1.5f));
     }
 
-    void Update(float timeStep)
-    {
-        machine->Update(timeStep);
-    }
-
-    IHSM& Get() const
-    {
-        return *machine;
-    }
-
-    unsigned int Current() const
-    {
-        return CurrentId(*machine);
-    }
-
 private:
     void Add(Extra extra);
 
-    Machine machine;
     IParameterFloatDef* speed;
     IParameterAnalogDef* stick;
     IParameterBoolDef* armed;

@@ -13,26 +13,12 @@ namespace
 {
 
 /// A machine of a generated document, three states on the stack with four transitions each.
-class IdleMachine
+class IdleMachine : public CrowdMember
 {
 public:
-    void Update(float timeStep)
+    IdleMachine() : CrowdMember(StartMachine(IdleDocument({})))
     {
-        machine->Update(timeStep);
     }
-
-    IHSM& Get() const
-    {
-        return *machine;
-    }
-
-    unsigned int Current() const
-    {
-        return CurrentId(*machine);
-    }
-
-private:
-    Machine machine = StartMachine(IdleDocument({}));
 };
 
 /// Ticks the machines by one call, after their inputs are set when `setsInputs`.

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vell::bench
@@ -34,6 +35,33 @@ Machine LoadMachine(const std::string& document);
 
 /// Gives the id of the innermost state, 0 when there is none.
 unsigned int CurrentId(IHSM& machine);
+
+/// A machine among those that a benchmark ticks.
+class CrowdMember
+{
+public:
+    void Update(float timeStep)
+    {
+        machine->Update(timeStep);
+    }
+
+    IHSM& Get() const
+    {
+        return *machine;
+    }
+
+    unsigned int Current() const
+    {
+        return CurrentId(*machine);
+    }
+
+protected:
+    explicit CrowdMember(Machine newMachine) : machine(std::move(newMachine))
+    {
+    }
+
+    Machine machine;
+};
 
 /// Sets a float parameter.
 void SetParameter(IHSM& machine, const char* name, float value);

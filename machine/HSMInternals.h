@@ -64,6 +64,9 @@ struct HSM::Internals
     /// no host reaches its document, and it shares that with other machines of the same text.
     static HSM* CreateSharing(const char* filePath, const char* auxiliaryName);
     static HSM* CreateSharing(const char* jsonText);
+    /// Parses a document's text, into `own` unless it may be shared. Only the first one may: its
+    /// texts may be in use to the machine's end.
+    void Parse(const char* text, GenericDocument& own);
     /// Gives the root of the machine's document.
     const GenericValue& RootOf(const GenericDocument& own) const
     {
@@ -79,7 +82,7 @@ struct HSM::Internals
     ContextBranch context;         ///< of the tree
     std::string fileName;          ///< copy of filePath's text, taken by Create, for the tree
     SharedDocument sharedDocument; ///< of the first Create; the host may keep its texts
-    bool mayShare = false;         ///< at the next Create
+    bool mayShare = false;         ///< the next document
     bool isSharing = false;        ///< `sharedDocument` is in the place of the machine's own
     UninitStep uninitStep = {};    ///< since the last Create
     bool isTreeClosed = false;     ///< `kvTable` is closed; it keeps its handle

@@ -76,32 +76,29 @@ void HSM::ForgetArena()
 
 unsigned int HSM::ParseDocument()
 {
-    Internals& parts = *internals;
     unsigned int errorCode = 0;
-    // Later ones parse for the machine alone: texts of the first may be in use to its end.
-    const bool mayShare = std::exchange(parts.mayShare, false);
-    parts.isSharing = false;
+    internals->isSharing = false;
     if (filePath != nullptr)
     {
-        parts.fileName = filePath;
-        const std::string text = ReadWholeFile(filePath);
-        parts.isSharing = mayShare && parts.sharedDocument.Hold(text.c_str());
-        if (!parts.isSharing)
-        {
-            ParseText(text.c_str(), document);
-        }
+        internals->fileName = filePath;
+        internals->Parse(ReadWholeFile(filePath).c_str(), document);
         errorCode = static_cast<unsigned int>(document.GetParseError());
     }
     if (jsonText != nullptr)
     {
-        parts.isSharing = mayShare && parts.sharedDocument.Hold(jsonText);
         // Required: the code in the log line stays 0 on this path, whatever the parser said.
-        if (!parts.isSharing)
-        {
-            ParseText(jsonText, document);
-        }
+        internals->Parse(jsonText, document);
     }
     return errorCode;
+}
+
+void HSM::Internals::Parse(const char* text, GenericDocument& own)
+{
+    isSharing = std::exchange(mayShare, false) && sharedDocument.Hold(text);
+    if (!isSharing)
+    {
+        ParseText(text, own);
+    }
 }
 
 int HSM::GetMemoryRequirements(const GenericValue& head)

@@ -27,7 +27,7 @@ OwnKey::OwnKey(const KeyText& name, KeyPool& pool) : bits(0)
 {
     if (!Key::IsId(name))
     {
-        new (this) OwnKey(name);
+        *this = OwnKey(name);
         return;
     }
     bits = GetTextBits(name);

@@ -3,6 +3,7 @@
 #include <tessel/Slots.h>
 
 #include "platform/tessel/TableHandle.h"
+#include "tests/platform/SlotOperations.h"
 
 #include <gtest/gtest.h>
 
@@ -13,16 +14,8 @@ namespace
 {
 
 using namespace Tessel;
-
-int HearNothing(void*, opResult, KVTable, const char*)
-{
-    return 0;
-}
-
-const SlotOperations& Slots()
-{
-    return *TesselGetSlotOperations();
-}
+using vell::test::HearNothing;
+using vell::test::Slots;
 
 /// A table "child" under a key of another one, with two numbers and an array with one element under
 /// a key, and the writer's branch.

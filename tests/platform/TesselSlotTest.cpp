@@ -4,6 +4,7 @@
 
 #include "platform/tessel/TableHandle.h"
 #include "platform/tessel/TableStore.h"
+#include "tests/platform/SlotOperations.h"
 
 #include <gtest/gtest.h>
 
@@ -15,20 +16,12 @@ namespace
 {
 
 using namespace Tessel;
-
-int HearNothing(void*, opResult, KVTable, const char*)
-{
-    return 0;
-}
+using vell::test::HearNothing;
+using vell::test::Slots;
 
 int HearOfTable(void*, opResult, KVTable, const char*)
 {
     return 0;
-}
-
-const SlotOperations& Slots()
-{
-    return *TesselGetSlotOperations();
 }
 
 /// A table with a float under "value", to which its writer listens alone, and the writer's slot.
