@@ -20,11 +20,8 @@ int Refuse(Arguments...)
     return 0;
 }
 
-int FindNothing(Tessel::KVSlot* slot, Tessel::KVTable table, const char*)
+void DoNothing(Tessel::KVSlot*)
 {
-    slot->table = table;
-    slot->value = nullptr;
-    return 0;
 }
 
 int FindNoBranch(Tessel::KVBranch* branch, Tessel::KVTable parent, const char*)
@@ -64,8 +61,7 @@ struct Asking
 
 // A machine may be created before the question, by a static object of a host that links this
 // library statically.
-Tessel::SlotOperations slotOperations{FindNothing, Refuse,       Refuse, Refuse, Refuse,
-                                      Refuse,      FindNoBranch, Refuse, Refuse, Refuse};
+Tessel::SlotOperations slotOperations{Refuse, DoNothing, FindNoBranch, Refuse, Refuse, Refuse};
 
 static const Asking kAsking;
 

@@ -30,12 +30,12 @@ int ParameterBoolDef::InitKVTable()
 
 bool ParameterBoolDef::GetDefaultValue()
 {
-    return defaultValue;
+    return *defaultValue;
 }
 
 void ParameterBoolDef::SetDefaultValue(bool newDefault)
 {
-    defaultValue = newDefault;
+    *defaultValue = newDefault;
 }
 
 bool ParameterBoolDef::GetValue()
@@ -64,6 +64,7 @@ VELL_NOINLINE void ParameterBoolDef::WriteValue()
                   {
                       table->SetInt(kValueKey, *value ? 1 : 0, 1);
                   });
+    Slot::Expect(*this, *value ? 1 : 0);
 }
 
 void* ParameterBoolDef::GetValuePtr()
@@ -73,7 +74,7 @@ void* ParameterBoolDef::GetValuePtr()
 
 void ParameterBoolDef::ResetValue()
 {
-    SetValue(defaultValue);
+    SetValue(*defaultValue);
 }
 
 void ParameterBoolDef::PullValue()

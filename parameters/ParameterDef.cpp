@@ -3,6 +3,7 @@
 #include <durm/DURMBaseLib.h>
 #include <vell/ParameterDef.h>
 
+#include "definitions/BaseDefInternals.h"
 #include "foundation/TableSync.h"
 #include "foundation/TreeKeys.h"
 #include "parameters/ParameterKeys.h"
@@ -49,16 +50,29 @@ ParameterDef& ParameterDef::operator=(const ParameterDef& other)
     resetEachFrame = other.resetEachFrame;
     if (slot.pointer != nullptr)
     {
-        slot.pointer->owner.CollectResetting();
+        slot.pointer->owner->CollectResetting();
     }
     return *this;
 }
 
-/// A key that is not there is not looked for again: without it there is no listener either.
-void ParameterDef::Slot::Find(const ParameterDef& parameter)
+ParameterDef::Slot::~Slot()
 {
-    key.own = Tessel::KVListener{const_cast<ParameterDef*>(&parameter), Forward};
-    slotOperations.find(&key, parameter.kvTable, kValueKey);
+    slotOperations.release(&key);
+}
+
+void ParameterDef::Slot::Follow(ParameterDef& parameter, ParameterTable& newOwner)
+{
+    owner = &newOwner;
+    parameter.slot.pointer = this;
+    Internals::Follow(parameter, &revision);
+}
+
+void ParameterDef::Slot::Bind(const ParameterDef& parameter, Tessel::ValueType type)
+{
+    const Tessel::KVWriter writer{{const_cast<ParameterDef*>(&parameter), Forward},
+                                  ParameterTable::HearOfTable};
+    boundAt = revision.number;
+    slotOperations.bind(&key, parameter.kvTable, kValueKey, type, &writer);
 }
 
 void ParameterDef::Uninit()

@@ -59,6 +59,7 @@ VELL_NOINLINE void ParameterFloatDef::WriteValue()
                   {
                       table->SetFloat(kValueKey, *value, 1);
                   });
+    Slot::Expect(*this, *value);
 }
 
 void* ParameterFloatDef::GetValuePtr()

@@ -58,6 +58,7 @@ VELL_NOINLINE void ParameterIntegerDef::WriteValue()
                   {
                       table->SetInt(kValueKey, *value, 1);
                   });
+    Slot::Expect(*this, *value);
 }
 
 void* ParameterIntegerDef::GetValuePtr()

@@ -1,12 +1,15 @@
 // VELL: data-driven hierarchical state machines.
-// parameters/ParameterSlot.h: writing a parameter's value to its table without look-ups.
+// parameters/ParameterSlot.h: a parameter's value as the tree shows it.
 #pragma once
 
 #include <vell/ParameterDef.h>
 
 #include "foundation/NoInline.h"
+#include "foundation/Revision.h"
 #include "foundation/SlotOperations.h"
 #include "foundation/TableSync.h"
+
+#include <cstring>
 
 namespace vell
 {
@@ -21,79 +24,88 @@ namespace vell
 /// *Contract.* Whether a value was written by `Write` or by the setter is not observable. "No" is
 /// always a right answer, and the rule then does all the work.
 ///
-/// *What it uses.* The table library's operations on slots (tessel/Slots.h). Where a site's own
-/// library has none, `Write` always says no.
+/// *How.* The table library may offer that a writer keeps the value of a key (tessel/Slots.h):
+/// whoever reads the tree reads the value here, and `Write` is a store. Where a site's own library
+/// does not offer it, `Write` always says no.
 ///
-/// *What is remembered:* where the key is, for the table that it was looked for in. The key of an
-/// open table never moves and is never removed.
-///
-/// *What is read at every write, and so cannot be out of date:* `syncState` and the parameter's
-/// handle, here; whether the table is open, the type of the value and each listener, in the table
-/// library. So nobody has to say when a tool listens, replaces a listener, stores another type, or
-/// attaches, replaces or closes a table, or when the parameter gets another one.
+/// *What ends it.* The table library, as soon as somebody else may hear of a write, the key gets
+/// another type or the table is closed. And the parameter's `revision`, which whatever gives it
+/// another table raises: assignment, and `Init`. Each write by the setter asks for it again.
 ///
 /// *Where it is.* With the table of parameters, on the heap: neither the parameter nor the arena is
-/// larger for it. Those of a document's first parameters are side by side, each in one cache line.
-/// A parameter that is in no such table has none.
-struct alignas(64) ParameterDef::Slot
+/// larger for it, and those of the parameters are side by side. A parameter that is in no such
+/// table has none. The value that a tick reads is not this one: a host may store there, and the
+/// tree does not show it.
+struct ParameterDef::Slot
 {
-    /// `listener` is what `newOwner` listens with to the tables of its parameters.
-    Slot(ParameterTable& newOwner, decltype(Tessel::KVListener::function) listener)
-        : owner(newOwner)
-    {
-        key.ownOfTable = listener;
-    }
+    Slot() = default;
+    /// The key gets its value back.
+    ~Slot();
+    Slot(const Slot&) = delete;
+    Slot& operator=(const Slot&) = delete;
+
+    /// Makes this the slot of `parameter`, which `newOwner` has taken in.
+    void Follow(ParameterDef& parameter, ParameterTable& newOwner);
 
     /// Writes the value that `parameter` has just been given, or returns false.
     template <class Value>
     static bool Write(const ParameterDef& parameter, const Value& value)
     {
         Slot* slot = parameter.slot.pointer;
-        if (slot == nullptr || parameter.syncState != kSyncIdle)
+        if (slot == nullptr || parameter.syncState != kSyncIdle || !slot->IsBound())
         {
             return false;
         }
-        return slot->key.table == parameter.kvTable ? Set(slot->key, value) != 0
-                                                    : slot->FindAndSet(parameter, value);
+        std::memcpy(slot->key.bytes, &value, sizeof(value));
+        return true;
     }
 
-    ParameterTable& owner; ///< resets the parameter, if it asks for that
+    /// Asks for the next writes of a value like this one, which has just been written by the
+    /// setter.
+    template <class Value>
+    static void Expect(const ParameterDef& parameter, const Value& value)
+    {
+        if (Slot* slot = parameter.slot.pointer)
+        {
+            slot->Bind(parameter, TypeOf(value));
+        }
+    }
 
 private:
-    void Find(const ParameterDef& parameter);
-
-    // In line, each write would pay for the registers.
-    template <class Value>
-    VELL_NOINLINE bool FindAndSet(const ParameterDef& parameter, const Value& value)
+    bool IsBound() const
     {
-        Find(parameter);
-        return Set(key, value) != 0;
+        return key.value != nullptr && boundAt == revision.number;
     }
 
-    static int Set(const Tessel::KVSlot& found, int value)
+    void Bind(const ParameterDef& parameter, Tessel::ValueType type);
+
+    static Tessel::ValueType TypeOf(int)
     {
-        return slotOperations.setInt(&found, value);
+        return Tessel::ValueType_Int;
     }
-    static int Set(const Tessel::KVSlot& found, float value)
+    static Tessel::ValueType TypeOf(float)
     {
-        return slotOperations.setFloat(&found, value);
+        return Tessel::ValueType_Float;
     }
-    static int Set(const Tessel::KVSlot& found, const Tessel::Float2& value)
+    static Tessel::ValueType TypeOf(const Tessel::Float2&)
     {
-        return slotOperations.setFloat2(&found, &value);
+        return Tessel::ValueType_Float2;
     }
-    static int Set(const Tessel::KVSlot& found, const Tessel::Float3& value)
+    static Tessel::ValueType TypeOf(const Tessel::Float3&)
     {
-        return slotOperations.setFloat3(&found, &value);
+        return Tessel::ValueType_Float3;
     }
-    static int Set(const Tessel::KVSlot& found, const Tessel::Float4& value)
+    static Tessel::ValueType TypeOf(const Tessel::Float4&)
     {
-        return slotOperations.setFloat4(&found, &value);
+        return Tessel::ValueType_Float4;
     }
 
     Tessel::KVSlot key{};
-};
+    Revision revision;        ///< of the parameter
+    unsigned int boundAt = 0; ///< the revision at which it was bound
 
-static_assert(sizeof(ParameterDef::Slot) == 64, "a slot fills one cache line");
+public:
+    ParameterTable* owner = nullptr; ///< resets the parameter, if it asks for that
+};
 
 } // namespace vell

@@ -6,32 +6,18 @@
 #include <vell/HSMAlloc.h>
 #include <vell/Parameters.h>
 
+#include "definitions/BaseDefInternals.h"
 #include "foundation/Checks.h"
 #include "foundation/TableSync.h"
 #include "foundation/TreeKeys.h"
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <typeinfo>
 
 namespace vell
 {
-namespace
-{
-
-/// Hears of every write into a parameter's table, and has nothing to do.
-// Required: this listener reads and does nothing else.
-int OnParameterTableModified(void*, Tessel::opResult result, Tessel::KVTable table, const char* key)
-{
-    if (result == Tessel::opResult_ValueChanged && table)
-    {
-        table->GetUInt(kIdKey);
-        table->GetString(key);
-    }
-    return 1;
-}
-
-} // namespace
 
 ParameterTable::ParameterTable() = default;
 
@@ -93,6 +79,18 @@ IBroadcastListener* ParameterTable::GetBroadcastListener(unsigned int id)
     return FindParameter(id);
 }
 
+// Required: this listener reads and does nothing else.
+int ParameterTable::HearOfTable(void*, Tessel::opResult result, Tessel::KVTable table,
+                                const char* key)
+{
+    if (result == Tessel::opResult_ValueChanged && table)
+    {
+        table->GetUInt(kIdKey);
+        table->GetString(key);
+    }
+    return 1;
+}
+
 int ParameterTable::CreateKVTable()
 {
     ERROR_RETURN(!table, 0);
@@ -116,7 +114,7 @@ int ParameterTable::AddParameter(ParameterDef* def)
         // parameter's id.
         const bool newId = idToParam.emplace(id, def).second;
         ASSERT_BREAK(newId);
-        def->slot.pointer = NewSlot();
+        NewSlot().Follow(*def, *this);
         if (def->resetEachFrame)
         {
             Collect(id, *def);
@@ -135,7 +133,7 @@ int ParameterTable::AddParameter(ParameterDef* def)
             if (Tessel::KVListener* listener = defTable->GetTableListener())
             {
                 listener->object = this;
-                listener->function = OnParameterTableModified;
+                listener->function = HearOfTable;
             }
         }
         result = 1;
@@ -206,7 +204,7 @@ void ParameterTable::Collect(unsigned int id, ParameterDef& def)
     {
         const auto& parameter = static_cast<const ParameterBoolDef&>(def);
         added.value = parameter.value.Place();
-        added.defaultValue = &parameter.defaultValue;
+        added.defaultValue = parameter.defaultValue.Place();
     }
     resetting.insert(std::lower_bound(resetting.begin(), resetting.end(), id, isBelow), added);
 }
@@ -220,27 +218,27 @@ void ParameterTable::ForgetUpTo(ParameterMap::iterator end)
         if (entry->second != nullptr)
         {
             entry->second->slot.pointer = nullptr;
+            BaseDef::Internals::Follow(*entry->second, nullptr);
         }
     }
     idToParam.erase(idToParam.begin(), end);
     if (idToParam.empty())
     {
-        ClearSlots();
+        slots.clear();
+        slotCount = 0;
     }
     CollectResetting();
 }
 
-ParameterDef::Slot* ParameterTable::NewSlot()
+ParameterDef::Slot& ParameterTable::NewSlot()
 {
-    return slots.size() < slots.capacity()
-               ? &slots.emplace_back(*this, OnParameterTableModified)
-               : &lateSlots.emplace_front(*this, OnParameterTableModified);
-}
-
-void ParameterTable::ClearSlots()
-{
-    std::vector<ParameterDef::Slot>().swap(slots);
-    lateSlots.clear();
+    const std::size_t place = slotCount % std::tuple_size<SlotGroup>();
+    if (place == 0)
+    {
+        slots.emplace_front();
+    }
+    ++slotCount;
+    return slots.front()[place];
 }
 
 void ParameterTable::ResetAll()
@@ -261,21 +259,17 @@ void ParameterTable::ResetAll()
 
 void ParameterTable::PlaceValue(ParameterDef& def, int type)
 {
-    const bool isScalar = type == DURMBaseLib::PARAM_Bool || type == DURMBaseLib::PARAM_Integer ||
-                          type == DURMBaseLib::PARAM_Float;
-    void* space = isScalar ? values.Take() : nullptr;
-    if (space == nullptr)
-    {
-        return;
-    }
     switch (type)
     {
     case DURMBaseLib::PARAM_Bool:
-        return static_cast<ParameterBoolDef&>(def).value.MoveTo(space);
+        values.TakeIn(static_cast<ParameterBoolDef&>(def).value);
+        return values.TakeIn(static_cast<ParameterBoolDef&>(def).defaultValue);
     case DURMBaseLib::PARAM_Integer:
-        return static_cast<ParameterIntegerDef&>(def).value.MoveTo(space);
+        return values.TakeIn(static_cast<ParameterIntegerDef&>(def).value);
+    case DURMBaseLib::PARAM_Float:
+        return values.TakeIn(static_cast<ParameterFloatDef&>(def).value);
     default:
-        return static_cast<ParameterFloatDef&>(def).value.MoveTo(space);
+        return;
     }
 }
 

@@ -11,6 +11,8 @@
 #include "parameters/ParameterSlot.h"
 #include "parameters/ValueBlock.h"
 
+#include <array>
+#include <cstddef>
 #include <cstring>
 #include <forward_list>
 #include <map>
@@ -61,6 +63,9 @@ public:
     int CreateMessageParameter(const char* name, const char* text,
                                IParameterMessageDef** out) override;
 
+    /// Listens to the table of each parameter, and has nothing to do.
+    static int HearOfTable(void*, Tessel::opResult result, Tessel::KVTable table, const char* key);
+
     /// Tells whether a parameter is to be reset at the end of a tick.
     bool ResetsAny() const
     {
@@ -89,11 +94,10 @@ public:
         }
     }
 
-    /// Fetches what a tick reads here.
+    /// Fetches what a tick reads here, as far as a machine usually has it.
     void Prefetch() const
     {
-        vell::Prefetch(&values, sizeof(values));
-        vell::Prefetch(&resetting, 1);
+        vell::Prefetch(&resetting, 2 * kCacheLine);
     }
 
     /// Finds the parameters to be reset again, after one of them was assigned.
@@ -130,24 +134,27 @@ private:
         const bool* defaultValue; ///< of a bool; of all others, the two point to different values
     };
 
+    using SlotGroup = std::array<ParameterDef::Slot, 4>;
+
+    ParameterDef::Slot& NewSlot();
     void Collect(unsigned int id, ParameterDef& def);
     void ResetAll();
     void ForgetUpTo(ParameterMap::iterator end);
     void CloseRuntimeTables();
-    ParameterDef::Slot* NewSlot();
-    void ClearSlots();
     void PlaceValue(ParameterDef& def, int type);
     bool IsNewName(const char* name);
     /// Takes a run-time parameter in, which then lives as long as the process. Returns 1, or 0 with
     /// a log line, and deletes it, when its id or name is taken.
     int Publish(std::unique_ptr<ParameterDef> owned);
 
-    ValueBlock values;                     ///< of the document's first scalar parameters
-    HSMAlloc* arena = nullptr;             ///< holds the document's parameters; null until Init
-    std::vector<ParameterDef::Slot> slots; ///< of the document's first parameters; never grows
-    std::forward_list<ParameterDef::Slot> lateSlots; ///< of those for which there was no space
-    std::vector<Resetting> resetting;                ///< in ascending id order
-    bool isTableClosed = false;                      ///< `table` keeps its handle
+    // What a tick reads is side by side.
+    std::vector<Resetting> resetting; ///< in ascending id order
+    ValueBlock values;                ///< of the document's first scalar parameters
+
+    HSMAlloc* arena = nullptr;          ///< holds the document's parameters; null until Init
+    std::forward_list<SlotGroup> slots; ///< of the parameters, the latest first
+    std::size_t slotCount = 0;          ///< slots in use
+    bool isTableClosed = false;         ///< `table` keeps its handle
     /// A loop that finds it changed is at a deleted parameter.
     unsigned int timesForgotten = 0;
 

@@ -11,17 +11,10 @@
 #include "foundation/Checks.h"
 #include "parameters/ParameterTable.h"
 
-#include <algorithm>
-#include <cstddef>
-
 namespace vell
 {
 namespace
 {
-
-/// The most slots that are side by side. Reserved for an array before it is read: one of a million
-/// elements that are no parameters is not to take memory.
-constexpr std::size_t kSlotsTogether = 256;
 
 /// Places the class of a parameter type in the arena. Null when there is no space.
 ParameterDef* PlaceParameter(int type, HSMAlloc& alloc)
@@ -105,10 +98,6 @@ int ParameterTable::Init(const GenericValue& array, HSMAlloc* alloc)
         ERROR_BREAK(CreateKVTable());
         ERROR_BREAK(alloc);
         ERROR_BREAK(array.IsArray());
-        if (slots.empty())
-        {
-            slots.reserve(std::min<std::size_t>(array.Size(), kSlotsTogether));
-        }
         for (const GenericValue& node : array.GetArray())
         {
             ERROR_GOTO(node.IsObject(), failed);

@@ -2,13 +2,16 @@
 // parameters/ValueBlock.h: the values of many parameters, side by side.
 #pragma once
 
+#include <vell/Parameters.h>
+
 #include <cstddef>
 
 namespace vell
 {
 
-/// Space for the current values of a machine's first bool, integer and float parameters. A tick
-/// reads them all, and in the parameters themselves each would have a cache line of its own.
+/// Space for the current values of a machine's first bool, integer and float parameters, and for
+/// the defaults of the bools. A tick reads them all, and in the parameters themselves each would
+/// have a cache line of its own.
 class ValueBlock
 {
 public:
@@ -16,18 +19,22 @@ public:
     ValueBlock(const ValueBlock&) = delete;
     ValueBlock& operator=(const ValueBlock&) = delete;
 
-    /// Gives space for one value, or null when all is taken.
-    void* Take()
+    /// Moves a value here, unless all space is taken.
+    template <class T>
+    void TakeIn(ParameterValue<T>& value)
     {
-        return used == kCount ? nullptr : bytes + std::size_t{kWidth} * used++;
+        if (used != kCount)
+        {
+            value.MoveTo(bytes + std::size_t{kWidth} * used++);
+        }
     }
 
 private:
     static constexpr unsigned int kWidth = 4;
     static constexpr unsigned int kCount = 32;
 
-    alignas(kWidth) unsigned char bytes[kWidth * kCount] = {};
     unsigned int used = 0;
+    alignas(kWidth) unsigned char bytes[kWidth * kCount] = {};
 };
 
 } // namespace vell

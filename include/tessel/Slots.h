@@ -7,18 +7,30 @@
 namespace Tessel
 {
 
-/// A key of a table that one writer writes often, found once. The writer fills in `own` and
-/// `ownOfTable`, the library the rest. The record is the writer's, and there is nothing to release.
-struct KVSlot
+/// The value of one key while its writer keeps it, so that a write which nobody else could hear of
+/// is a store. Such a slot is bound: the table reads the key's value from `bytes`, and stores one
+/// of the same type there when somebody else writes the key.
+///
+/// The record is the writer's. It stays where it is, and is released (`SlotOperations::release`)
+/// before its memory goes. While `value` is not null, the writer may store a value of the bound
+/// type in `bytes` at any time; all else is the library's.
+struct alignas(16) KVSlot
 {
-    KVTable table;  ///< the table that the key was looked for in; null before that
-    KVValue* value; ///< the key's value, null when there is no slot
-    void* place;    ///< the library's
-    KVListener own; ///< the writer's own listener of the key
-    decltype(KVListener::function) ownOfTable; ///< its function that listens to the table
+    unsigned char bytes[16]; ///< of an int, or of one to four floats
+    KVValue* value;          ///< the key's value, null when the slot is not bound
+    std::uint64_t held;      ///< the library's
 };
 
-static_assert(sizeof(KVSlot) == 6 * sizeof(void*), "crosses the boundary of the library");
+static_assert(sizeof(KVSlot) == 32, "crosses the boundary of the library");
+
+/// What the writer of a key listens with, while it does nothing about its own writes.
+struct KVWriter
+{
+    KVListener ofKey;                       ///< its listener of the key
+    decltype(KVListener::function) ofTable; ///< its function that listens to the table
+};
+
+static_assert(sizeof(KVWriter) == 3 * sizeof(void*), "crosses the boundary of the library");
 
 /// A table under a key of another one, found once by a writer that listens to neither. The library
 /// fills it in. The record is the writer's, and there is nothing to release.
@@ -31,19 +43,22 @@ struct KVBranch
 
 static_assert(sizeof(KVBranch) == 5 * sizeof(void*), "crosses the boundary of the library");
 
-/// The operations on slots and branches. A value is written to a slot exactly as the setter of
-/// `ITable` would write it, as long as nobody but the writer could hear of it. A writer whose own
-/// listeners do nothing about its own writes cannot tell the two apart, and neither can anyone
-/// else.
+/// The operations on slots and branches. A value is written exactly as the setter of `ITable` would
+/// write it, as long as nobody but the writer could hear of it. A writer whose own listeners do
+/// nothing about its own writes cannot tell the two apart, and neither can anyone else.
 ///
-/// Each `set` returns 1, or, having changed nothing, 0: the writer then uses the setter of
-/// `ITable`, which calls every listener. It returns 0 unless all of this is so at the time of the
-/// call:
-///   - `table` is open;
-///   - the key has a value of the same type;
-///   - `own` is in the only record that was given for the key and not removed, empty ones counted;
-///   - `ownOfTable` is in the table's own record, with any object.
-/// Whatever else holds, 0 is always a right answer, also for a slot without a value.
+/// A slot is bound by `bind`, which does so only when all of this is so:
+///   - the table is open;
+///   - the key has a value of the given type, and no other slot is bound to it;
+///   - `ofKey` is in the only record that was given for the key and not removed, empty ones
+///   counted;
+///   - the table's own record was asked for once, and has the function `ofTable`, with any object.
+/// It stays bound until something happens after which somebody else might hear of a write, or the
+/// value is another one: a record of the key is given or removed, the table's own record is asked
+/// for, the key gets a value of another type or a table, the table is closed, or the slot is
+/// released. `value` is null from then on, and the key has the last value. Until it is bound again,
+/// the writer uses the setter of `ITable`, which calls every listener. Not to bind a slot, and to
+/// end that at any time, is always right.
 ///
 /// The operations on a branch take values of its `table` that the writer got from
 /// `ITable::FindValue` when the branch was found. They do what the operation of `ITable` would do
@@ -60,14 +75,12 @@ static_assert(sizeof(KVBranch) == 5 * sizeof(void*), "crosses the boundary of th
 /// The order of these is part of the interface.
 struct SlotOperations
 {
-    /// Looks for `key` in `table` and fills in `table`, `value` and `place`. Returns 1, or 0 with a
-    /// null `value` when there is no such key, the table is closed, or nobody listens to it.
-    int (*find)(KVSlot* slot, KVTable table, const char* key);
-    int (*setInt)(const KVSlot* slot, int value);
-    int (*setFloat)(const KVSlot* slot, float value);
-    int (*setFloat2)(const KVSlot* slot, const Float2* value);
-    int (*setFloat3)(const KVSlot* slot, const Float3* value);
-    int (*setFloat4)(const KVSlot* slot, const Float4* value);
+    /// Binds `slot` to `key` of `table`, whose value is of `type`: an int, or one to four floats.
+    /// Releases it first. Returns 1, or 0 when it is not bound.
+    int (*bind)(KVSlot* slot, KVTable table, const char* key, ValueType type,
+                const KVWriter* writer);
+    /// Ends that a slot is bound, if it is.
+    void (*release)(KVSlot* slot);
 
     /// Looks for the table under `key` of `parent` and fills in the branch. Returns 1, or 0 with a
     /// null `table` when `parent` is closed or the key holds no open table.

@@ -131,18 +131,18 @@ protected:
     int index = -1;                     ///< position in the order of insertion
     unsigned int exitConnector = 0;     ///< id of a connector, or 0
     unsigned int flags = 0;             ///< class mask
+    unsigned int numChildren = 0;       ///< length of `childIds`
+    unsigned int numAttribs = 0;        ///< length of the document's attribute array
+    unsigned int numExecute = 0;        ///< length of the execute list
+    unsigned int numEnter = 0;          ///< length of the enter list
+    unsigned int numExit = 0;           ///< length of the exit list
     bool isTableLate = false;           ///< `Init` leaves creating `kvTable` to GetKVTable
     mutable TableState tableState = {}; ///< of `kvTable`
     char* scriptName = nullptr;         ///< in the arena; null when absent or empty
-    unsigned int numChildren = 0;       ///< length of `childIds`
     unsigned int* childIds = nullptr;   ///< in the arena, possibly not aligned
-    unsigned int numAttribs = 0;        ///< length of the document's attribute array
     AttribMap attribs;                  ///< keys are compared as pointers; attributes in the arena
-    unsigned int numExecute = 0;        ///< length of the execute list
     Action* executeActions = nullptr;   ///< owned
-    unsigned int numEnter = 0;          ///< length of the enter list
     Action* enterActions = nullptr;     ///< owned
-    unsigned int numExit = 0;           ///< length of the exit list
     Action* exitActions = nullptr;      ///< owned
     void* reserved = nullptr;           ///< never read
 

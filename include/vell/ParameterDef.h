@@ -76,7 +76,6 @@ protected:
     /// Writes the id and the type name to the table, for `InitKVTable` of the classes.
     void InitTypeKey();
 
-    int syncState = 0;           ///< 0 idle, 2 while the parameter writes its own table
     int paramType = 0;           ///< parameter type number
     int assign = 0;              ///< binding number
     int assignClass = 0;         ///< class of the binding number
@@ -85,8 +84,12 @@ protected:
 private:
     friend class ParameterTable;
 
-    NotCopied<Slot> slot;  ///< the library's; null while it is in no parameter table
     ValueRecord listening; ///< the library's; the listener record for the value
+    // What setting a value reads comes last, beside the value that the class adds.
+    NotCopied<Slot> slot; ///< the library's; null while it is in no parameter table
+
+protected:
+    int syncState = 0; ///< 0 idle, 2 while the parameter writes its own table
 };
 
 } // namespace vell

@@ -12,8 +12,8 @@
 namespace vell
 {
 
-/// The current value of a scalar parameter. It is in the parameter, or in the array where a machine
-/// keeps the values of its parameters. A copy has the same value in itself.
+/// A value of a scalar parameter that a tick reads. It is in the parameter, or in the array where a
+/// machine keeps the values of its parameters. A copy has the same value in itself.
 template <class T>
 class ParameterValue
 {
@@ -74,8 +74,8 @@ private:
 
     void WriteValue();
 
-    bool defaultValue = false;
     ParameterValue<bool> value;
+    ParameterValue<bool> defaultValue; ///< a tick compares the two
 };
 
 /// A signed 32-bit parameter.
@@ -100,8 +100,8 @@ private:
 
     void WriteValue();
 
-    int defaultValue = 0;
     ParameterValue<int> value;
+    int defaultValue = 0;
 };
 
 /// A float parameter.
@@ -126,8 +126,8 @@ private:
 
     void WriteValue();
 
-    float defaultValue = 0.0f;
     ParameterValue<float> value;
+    float defaultValue = 0.0f;
 };
 
 /// A two-float parameter with its length.
@@ -153,9 +153,9 @@ public:
 private:
     void WriteValue();
 
-    Tessel::Float2 defaultValue{};
     Tessel::Float2 value{};
     float magnitude = 0.0f; ///< length of `value`, as of the last SetValue
+    Tessel::Float2 defaultValue{};
 };
 
 /// A three-float parameter with its length.
@@ -181,9 +181,9 @@ public:
 private:
     void WriteValue();
 
-    Tessel::Float3 defaultValue{};
     Tessel::Float3 value{};
     float magnitude = 0.0f; ///< length of `value`, as of the last SetValue
+    Tessel::Float3 defaultValue{};
 };
 
 /// A four-float parameter.
@@ -206,8 +206,8 @@ public:
 private:
     void WriteValue();
 
-    Tessel::Float4 defaultValue{};
     Tessel::Float4 value{};
+    Tessel::Float4 defaultValue{};
 };
 
 /// A text parameter: a message.

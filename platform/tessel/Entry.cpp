@@ -21,18 +21,18 @@ Entry::OldValue::~OldValue()
 
 int Entry::GetValueType() const
 {
-    const Kind kind = GetKind();
+    const Kind kind = GetValueKind();
     return kind == KindLongText ? static_cast<int>(ValueType_Text) : static_cast<int>(kind);
 }
 
 template <class Floats>
 int Entry::GetFloats(Kind kind, Floats* out) const
 {
-    if (out == nullptr || GetKind() != kind)
+    if (out == nullptr || GetValueKind() != kind)
     {
         return 0;
     }
-    std::memcpy(out, GetOutside(), sizeof(*out));
+    std::memcpy(out, GetKind() == KindSlot ? GetSlot().bytes : GetOutside(), sizeof(*out));
     return 1;
 }
 
@@ -49,6 +49,37 @@ int Entry::GetFloat3Value(Float3* out) const
 int Entry::GetFloat4Value(Float4* out) const
 {
     return GetFloats(KindFloat4, out);
+}
+
+void Entry::EnterSlot(KVSlot& slot)
+{
+    const void* value = HasFloats() ? GetOutside() : reinterpret_cast<char*>(&word) + 4;
+    std::memcpy(slot.bytes, value, HasFloats() ? sizeof(Float4) : sizeof(int));
+    slot.value = this;
+    slot.held = word;
+    SetOutside(KindSlot, &slot);
+}
+
+void Entry::LeaveSlot()
+{
+    KVSlot& slot = GetSlot();
+    slot.value = nullptr;
+    word = slot.held;
+    void* value = HasFloats() ? GetOutside() : reinterpret_cast<char*>(&word) + 4;
+    std::memcpy(value, slot.bytes, HasFloats() ? sizeof(Float4) : sizeof(int));
+}
+
+Entry Entry::GetSlotNumber() const
+{
+    const KVSlot& slot = GetSlot();
+    const Kind kind = ToKind(slot.held);
+    if (kind != KindInt && kind != KindFloat)
+    {
+        return Entry(KindNone);
+    }
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, slot.bytes, sizeof(bits));
+    return Entry(static_cast<std::uint64_t>(bits) << 32 | kind);
 }
 
 Entry::Buffer Entry::MakeTextBuffer(std::size_t length)
@@ -85,6 +116,10 @@ void Entry::StoreText(const char* text, std::size_t length, Buffer buffer)
 
 void Entry::ReleaseMemory()
 {
+    if (GetKind() == KindSlot)
+    {
+        LeaveSlot();
+    }
     if ((kHasMemory >> GetKind() & 1) != 0)
     {
         Free(GetOutside());

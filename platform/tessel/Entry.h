@@ -2,6 +2,7 @@
 // platform/tessel/Entry.h: the value of one key of a table.
 #pragma once
 
+#include <tessel/Slots.h>
 #include <tessel/Tessel.h>
 
 #include "platform/tessel/Memory.h"
@@ -45,12 +46,14 @@ Integer Saturate(float value)
 class Entry final : public KVValue
 {
 public:
-    /// How the value is stored: the type numbers, and a kind of its own for a text outside.
+    /// How the value is stored: the type numbers, and kinds of their own for a text outside and for
+    /// a value that its writer keeps.
     enum Kind : unsigned
     {
         KindNone = ValueType_None,
         KindShortText = ValueType_Text,
         KindLongText = 2,
+        KindSlot = 3,
         KindFloat2 = ValueType_Float2,
         KindFloat3 = ValueType_Float3,
         KindFloat4 = ValueType_Float4,
@@ -145,6 +148,24 @@ public:
         }
     }
 
+    /// Lets `slot` have the value from now on, and stores it there. It must be an int or floats.
+    void EnterSlot(KVSlot& slot);
+
+    /// Takes the value back. The entry must have a slot.
+    void LeaveSlot();
+
+    /// Stores a value in the slot, if the entry has one for values of `kind`.
+    template <class Value>
+    bool StoreInSlot(Kind kind, const Value& value)
+    {
+        if (GetKind() != KindSlot || GetValueKind() != kind)
+        {
+            return false;
+        }
+        std::memcpy(GetSlot().bytes, &value, sizeof(value));
+        return true;
+    }
+
     /// Stores a text that may be in this very entry. A long text that the entry holds is kept as
     /// long as what follows fits into it, so that a text that comes and goes takes no memory each
     /// time. `buffer` is one for a text that is neither short nor fits, and is taken over then. A
@@ -154,22 +175,29 @@ public:
     /// Gives memory for a long text. May throw `std::bad_alloc`.
     static Buffer MakeTextBuffer(std::size_t length);
 
-    /// Frees the memory of a value that does not fit into the entry. The kind is none then.
+    /// Frees the memory of a value that does not fit into the entry. The kind is none then. A slot
+    /// is no longer bound.
     void ReleaseMemory();
 
     /// Tells whether the entry holds a long text in whose place one of `length` fits.
     bool FitsLongText(std::size_t length) const;
 
-    /// Tells whether there is memory or a table, which has to be released.
+    /// Tells whether there is memory, a slot or a table, which has to be released.
     bool IsOwner() const
     {
-        return ((kHasMemory | 1u << KindTable) >> GetKind() & 1) != 0;
+        return ((kHasMemory | 1u << KindSlot | 1u << KindTable) >> GetKind() & 1) != 0;
     }
 
     /// Tells whether there are floats of any number.
     bool HasFloats() const
     {
         return (kHasFloats >> GetKind() & 1) != 0;
+    }
+
+    /// Tells whether the value may be in a slot.
+    bool FitsSlot() const
+    {
+        return ((kHasFloats | 1u << KindInt | 1u << KindFloat) >> GetKind() & 1) != 0;
     }
 
     /// Gives the handle that is stored, live or stale; null when the entry holds no table.
@@ -186,9 +214,16 @@ public:
         return word == (TableHandle::GetBits(table) | KindTable);
     }
 
+    /// Gives how the entry stores the value.
     Kind GetKind() const
     {
-        return static_cast<Kind>(word & kKindMask);
+        return ToKind(word);
+    }
+
+    /// Gives how the value is stored, wherever it is.
+    Kind GetValueKind() const
+    {
+        return GetKind() == KindSlot ? ToKind(GetSlot().held) : GetKind();
     }
 
     class OldValue;
@@ -208,6 +243,23 @@ private:
             return reinterpret_cast<char*>(this + 1);
         }
     };
+
+    explicit Entry(std::uint64_t newWord) : word(newWord)
+    {
+    }
+
+    static Kind ToKind(std::uint64_t word)
+    {
+        return static_cast<Kind>(word & kKindMask);
+    }
+
+    KVSlot& GetSlot() const
+    {
+        return *static_cast<KVSlot*>(GetOutside());
+    }
+
+    /// Gives the number in the slot as a value of its own, an empty one when there is no number.
+    Entry GetSlotNumber() const;
 
     void* GetOutside() const
     {
@@ -269,7 +321,11 @@ inline int Entry::GetIntValue() const
     {
         return LoadNumber<int>();
     }
-    return kind == KindFloat ? Saturate<int>(LoadNumber<float>()) : 0;
+    if (kind == KindFloat)
+    {
+        return Saturate<int>(LoadNumber<float>());
+    }
+    return kind == KindSlot ? GetSlotNumber().GetIntValue() : 0;
 }
 
 inline float Entry::GetFloatValue() const
@@ -282,6 +338,8 @@ inline float Entry::GetFloatValue() const
         return static_cast<float>(LoadNumber<int>());
     case KindUInt:
         return static_cast<float>(LoadNumber<unsigned>());
+    case KindSlot:
+        return GetSlotNumber().GetFloatValue();
     default:
         return 0.0f;
     }
@@ -309,7 +367,7 @@ inline unsigned Entry::GetUIntValue() const
     }
     if (kind != KindFloat)
     {
-        return 0;
+        return kind == KindSlot ? GetSlotNumber().GetUIntValue() : 0;
     }
     const float value = LoadNumber<float>();
     return value < 0.0f ? static_cast<unsigned>(Saturate<int>(value)) : Saturate<unsigned>(value);

@@ -155,16 +155,17 @@ private:
 
 ListenerSet::~ListenerSet()
 {
+    Group** const all = GetBuckets();
     for (std::uint32_t i = 0; i < bucketCount; ++i)
     {
-        while (buckets[i] != nullptr)
+        while (all[i] != nullptr)
         {
-            Free(std::exchange(buckets[i]->first, nullptr));
-            DropGroup(&buckets[i]);
+            Free(std::exchange(all[i]->first, nullptr));
+            DropGroup(&all[i]);
         }
     }
     Free(spare);
-    if (buckets != &single)
+    if (bucketCount != 1)
     {
         delete[] buckets;
     }
@@ -183,7 +184,6 @@ KVListener* ListenerSet::Add(const KeyText& name)
     ++nextSerial;
     (group.last == nullptr ? group.first : group.last->next) = record;
     group.last = record;
-    ForgetValue(group);
     if (group.index != nullptr)
     {
         group.index->NoteAppended(*record);
@@ -209,6 +209,19 @@ void ListenerSet::Remove(const KeyText& name, const KVListener& listener)
     {
         DropGroup(link);
     }
+}
+
+bool ListenerSet::IsOnly(const char* name, const KVWriter& writer)
+{
+    // Writers ask again and again while a tool listens, mostly to the only key that has listeners.
+    const bool areSeveral = groupCount == 1 && home.first != home.last;
+    if (areSeveral || isTableListenerShared || tableListener.function != writer.ofTable)
+    {
+        return false;
+    }
+    const Group* group = *FindLink(KeyText(name));
+    return group != nullptr && group->first == group->last &&
+           IsSame(group->first->listener, writer.ofKey);
 }
 
 void ListenerSet::Call(Table& table, const KeyText& name)
@@ -242,7 +255,7 @@ void ListenerSet::Call(Table& table, const KeyText& name)
 /// Gives the link to the group of `name`; it leads to null when there is none.
 ListenerSet::Group** ListenerSet::FindLink(const KeyText& name)
 {
-    Group** link = bucketCount == 1 ? buckets : &buckets[name.ComputeHash() & (bucketCount - 1)];
+    Group** link = bucketCount == 1 ? &single : &buckets[name.ComputeHash() & (bucketCount - 1)];
     while (*link != nullptr && (*link)->key->GetText() != name.text && !(*link)->key->Is(name))
     {
         link = &(*link)->next;
@@ -292,25 +305,25 @@ void ListenerSet::DropGroup(Group** link)
 void ListenerSet::GrowBuckets()
 {
     const std::uint32_t newCount = bucketCount * 8;
-    Group** oldBuckets = std::exchange(
-        buckets, new Group* [newCount] {});
-    const std::uint32_t oldCount = std::exchange(bucketCount, newCount);
-    for (std::uint32_t i = 0; i < oldCount; ++i)
+    auto** const newBuckets = new Group* [newCount] {};
+    Group** const oldBuckets = GetBuckets();
+    for (std::uint32_t i = 0; i < bucketCount; ++i)
     {
         Group* group = oldBuckets[i];
         while (group != nullptr)
         {
-            Group** bucket = &buckets[group->key->GetHash() & (newCount - 1)];
+            Group** bucket = &newBuckets[group->key->GetHash() & (newCount - 1)];
             Group* next = std::exchange(group->next, *bucket);
             *bucket = group;
             group = next;
         }
     }
-    single = nullptr;
-    if (oldBuckets != &single)
+    if (bucketCount != 1)
     {
         delete[] oldBuckets;
     }
+    buckets = newBuckets;
+    bucketCount = newCount;
 }
 
 /// Takes `record`, which is not in the index, out of `group`. Calls under way go on behind it.
@@ -326,13 +339,6 @@ void ListenerSet::Drop(Group& group, Record& record)
     (record.previous == nullptr ? group.first : record.previous->next) = record.next;
     (record.next == nullptr ? group.last : record.next->previous) = record.previous;
     record.next = std::exchange(spare, &record);
-    ForgetValue(group);
-}
-
-/// Notes that a record came or went.
-void ListenerSet::ForgetValue(Group& group)
-{
-    group.onlyValue = group.first == group.last ? nullptr : GetNoValue();
 }
 
 /// Gives the first record of `group` with `listener`, which the index does not have any more.

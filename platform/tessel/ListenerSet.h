@@ -2,6 +2,7 @@
 // platform/tessel/ListenerSet.h: the listeners of a table.
 #pragma once
 
+#include <tessel/Slots.h>
 #include <tessel/Tessel.h>
 
 #include "platform/tessel/Key.h"
@@ -37,6 +38,8 @@ public:
     /// Gives the table's own record.
     KVListener* GetTableListener()
     {
+        isTableListenerShared = isTableListenerGiven;
+        isTableListenerGiven = true;
         return &tableListener;
     }
 
@@ -46,36 +49,20 @@ public:
         return groupCount != 0 || tableListener.function != nullptr;
     }
 
-    /// Gives the key of the first group when it has one record, otherwise null.
-    const Key* GetOnlyKey() const
+    /// Tells whether nobody but `writer` listens to `name` and to the table, and nobody else has a
+    /// record to fill in.
+    bool IsOnly(const char* name, const KVWriter& writer);
+
+    /// Notes that a slot is bound to a key of the table.
+    void NoteSlot()
     {
-        return home.first != nullptr && home.first->next == nullptr ? home.key : nullptr;
+        haveSlots = true;
     }
 
-    /// Gives the value of that key: null when it is not known, `GetNoValue` when there are several
-    /// records.
-    const KVValue* GetOnlyValue() const
+    /// Tells whether a slot was ever bound to a key of the table.
+    bool HaveSlots() const
     {
-        return home.onlyValue;
-    }
-
-    /// Gives what is no value.
-    const KVValue* GetNoValue() const
-    {
-        return reinterpret_cast<const KVValue*>(this);
-    }
-
-    /// Notes the value of that key, which may be null; kept until a record comes or goes.
-    void SetOnlyValue(const KVValue* value)
-    {
-        home.onlyValue = value;
-    }
-
-    /// Tells whether that record, which must be there, has `own`, and the table's own record has
-    /// the function `ofTable`.
-    bool IsOnly(const KVListener& own, decltype(KVListener::function) ofTable) const
-    {
-        return IsSame(home.first->listener, own) && tableListener.function == ofTable;
+        return haveSlots;
     }
 
     /// Calls the listeners of `name` that were there when the call began, then the table's own.
@@ -102,33 +89,42 @@ private:
     /// The records of one key, in their order; never empty but while it is made.
     struct Group
     {
-        const Key* key;           ///< null when the group is not in use
-        const KVValue* onlyValue; ///< see `GetOnlyValue`
+        const Key* key; ///< null when the group is not in use
         Record* first;
         Record* last;
         RecordIndex* index; ///< owned; null until needed
         Group* next;        ///< in its bucket
     };
 
+    Group** GetBuckets()
+    {
+        return bucketCount == 1 ? &single : buckets;
+    }
     Group** FindLink(const KeyText& name);
     Group& AddGroup(const KeyText& name);
     void DropGroup(Group** link);
     void GrowBuckets();
     void Drop(Group& group, Record& record);
-    void ForgetValue(Group& group);
     static Record* Find(Group& group, const KVListener& listener);
     static Record* FindByIndex(Group& group, const KVListener& listener);
     static void Free(Record* first);
 
     KVListener tableListener{};
-    Group home{};               ///< the first group; most tables have no further one
-    Group* single = nullptr;    ///< the bucket of a set that has one
-    Group** buckets = &single;  ///< each a list of groups; owned when not `single`
+    Group home{}; ///< the first group; most tables have no further one
+    /// Each is a list of groups.
+    union
+    {
+        Group* single = nullptr; ///< the bucket of a set that has one
+        Group** buckets;         ///< those of a set that has several; owned
+    };
     Record* spare = nullptr;    ///< records to be used again
     CallScope* calls = nullptr; ///< those under way, the innermost first
     std::uint64_t nextSerial = 0;
     std::uint32_t bucketCount = 1; ///< a power of two
     std::uint32_t groupCount = 0;
+    bool haveSlots = false;
+    bool isTableListenerGiven = false;
+    bool isTableListenerShared = false; ///< it was given more than once
 };
 
 } // namespace Tessel

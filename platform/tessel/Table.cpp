@@ -221,11 +221,13 @@ KVValue* Table::FindValue(const char* key)
 
 KVListener* Table::GetTableListener()
 {
+    EndSlots();
     return NeedListeners().GetTableListener();
 }
 
 KVListener* Table::GetValueListener(const char* key)
 {
+    EndSlot(key);
     return key == nullptr ? nullptr : NeedListeners().Add(KeyText(key));
 }
 
@@ -233,6 +235,7 @@ void Table::RemoveValueListener(const char* key, const KVListener* listener)
 {
     if (HasListeners() && key != nullptr && listener != nullptr && listener->function != nullptr)
     {
+        EndSlot(key);
         more->listeners->Remove(KeyText(key), *listener);
     }
 }
@@ -270,12 +273,43 @@ int Table::GetTypeAt(unsigned index)
     return index < CountKeys() ? GetEntry(index)->GetValueType() : static_cast<int>(ValueType_None);
 }
 
-const KVValue* Table::FindOnlyHeard()
+bool Table::Bind(KVSlot& keeper, const char* key, ValueType type, const KVWriter& writer)
 {
-    ListenerSet& listeners = *more->listeners;
-    const Key* key = listeners.GetOnlyKey();
-    listeners.SetOnlyValue(key == nullptr ? nullptr : Find(key->GetText()));
-    return listeners.GetOnlyValue();
+    if (!HasListeners() || key == nullptr || !more->listeners->IsOnly(key, writer))
+    {
+        return false;
+    }
+    Entry* entry = Find(key);
+    if (entry == nullptr || static_cast<int>(entry->GetKind()) != static_cast<int>(type) ||
+        !entry->FitsSlot())
+    {
+        return false;
+    }
+    entry->EnterSlot(keeper);
+    more->listeners->NoteSlot();
+    return true;
+}
+
+/// Ends that the slot of `key` is bound, if there is one.
+void Table::EndSlot(const char* key)
+{
+    Entry* entry = HasSlots() ? Find(key) : nullptr;
+    if (entry != nullptr && entry->GetKind() == Entry::KindSlot)
+    {
+        entry->LeaveSlot();
+    }
+}
+
+void Table::EndSlots()
+{
+    const std::uint32_t count = HasSlots() ? CountKeys() : 0;
+    for (std::uint32_t i = 0; i < count; ++i)
+    {
+        if (GetEntry(i)->GetKind() == Entry::KindSlot)
+        {
+            GetEntry(i)->LeaveSlot();
+        }
+    }
 }
 
 /// Looks for `key`, which may be null.
@@ -526,6 +560,10 @@ inline int Table::Put(const Found& found, const char* key, Entry::Kind kind, Val
 template <class Value>
 void Table::PutOver(Entry& entry, Entry::Kind kind, Value value)
 {
+    if (entry.StoreInSlot(kind, value))
+    {
+        return;
+    }
     const Entry::OldValue old(entry);
     entry.Store(kind, value);
 }
@@ -540,6 +578,10 @@ int Table::PutFloats(const Found& found, const char* key, Entry::Kind kind, cons
     if (found.entry != nullptr && found.entry->HasFloats())
     {
         found.entry->StoreFloats(kind, floats);
+        return 1;
+    }
+    if (found.entry != nullptr && found.entry->StoreInSlot(kind, floats))
+    {
         return 1;
     }
     Entry::Buffer buffer = Entry::MakeFloatsBuffer();

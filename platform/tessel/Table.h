@@ -2,6 +2,7 @@
 // platform/tessel/Table.h: a table of keys and values.
 #pragma once
 
+#include <tessel/Slots.h>
 #include <tessel/Tessel.h>
 
 #include "platform/tessel/ElementArray.h"
@@ -95,12 +96,6 @@ public:
         return more != nullptr && more->listeners != nullptr;
     }
 
-    /// Gives the set of listeners, which must be there.
-    ListenerSet& GetListeners() const
-    {
-        return *more->listeners;
-    }
-
     /// Tells whether there is anyone to call, of whatever key.
     bool IsHeard() const
     {
@@ -113,9 +108,8 @@ public:
         return HasElements() && more->elements->RemoveLast();
     }
 
-    /// Gives the value to whose key the only record in the first group of listeners belongs, and
-    /// notes it in the set, which must be there. Null when there is not one record there.
-    const KVValue* FindOnlyHeard();
+    /// Binds a slot, see `SlotOperations`.
+    bool Bind(KVSlot& keeper, const char* key, ValueType type, const KVWriter& writer);
 
     const char* GetName() const
     {
@@ -222,6 +216,13 @@ private:
         return more != nullptr && more->elements != nullptr;
     }
 
+    bool HasSlots() const
+    {
+        return HasListeners() && more->listeners->HaveSlots();
+    }
+
+    void EndSlot(const char* key);
+    void EndSlots();
     bool IsBelow(Table& top);
 
     std::uint32_t GetLink() const

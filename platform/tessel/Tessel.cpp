@@ -11,86 +11,19 @@ namespace Tessel
 namespace
 {
 
-int FindSlot(KVSlot* slot, KVTable table, const char* key)
+void ReleaseSlot(KVSlot* slot)
 {
+    if (slot->value != nullptr)
+    {
+        static_cast<Entry*>(slot->value)->LeaveSlot();
+    }
+}
+
+int BindSlot(KVSlot* slot, KVTable table, const char* key, ValueType type, const KVWriter* writer)
+{
+    ReleaseSlot(slot);
     Table* found = TableStore::Find(table);
-    const bool isHeard = found != nullptr && found->HasListeners();
-    slot->table = table;
-    slot->place = found;
-    slot->value = isHeard ? found->FindValue(key) : nullptr;
-    return slot->value != nullptr ? 1 : 0;
-}
-
-template <class Value>
-TESSEL_NOINLINE int SetAtOnlyHeard(const KVSlot& slot, Entry::Kind kind, Value value);
-
-/// The memory of a table is never freed, so a closed one can be asked. What `FindSlot` saw of an
-/// open one is still there: the entry and the set of listeners.
-template <class Value>
-inline int SetAt(const KVSlot& slot, Entry::Kind kind, Value value)
-{
-    if (slot.value == nullptr)
-    {
-        return 0;
-    }
-    const Table& table = *static_cast<const Table*>(slot.place);
-    if (!table.IsOpenAs(slot.table))
-    {
-        return 0;
-    }
-    Entry& entry = *static_cast<Entry*>(slot.value);
-    if (!entry.Is<Value>(kind))
-    {
-        return 0;
-    }
-    const ListenerSet& listeners = table.GetListeners();
-    if (listeners.GetOnlyValue() != &entry)
-    {
-        return SetAtOnlyHeard(slot, kind, value);
-    }
-    if (!listeners.IsOnly(slot.own, slot.ownOfTable))
-    {
-        return 0;
-    }
-    entry.Overwrite(kind, value);
-    return 1;
-}
-
-/// As `SetAt`, when the first listeners are not those of the slot's key, as far as is known.
-template <class Value>
-int SetAtOnlyHeard(const KVSlot& slot, Entry::Kind kind, Value value)
-{
-    Table& table = *static_cast<Table*>(slot.place);
-    if (table.GetListeners().GetOnlyValue() != nullptr)
-    {
-        return 0;
-    }
-    return table.FindOnlyHeard() == slot.value ? SetAt(slot, kind, value) : 0;
-}
-
-int SetIntAt(const KVSlot* slot, int value)
-{
-    return SetAt(*slot, Entry::KindInt, value);
-}
-
-int SetFloatAt(const KVSlot* slot, float value)
-{
-    return SetAt(*slot, Entry::KindFloat, value);
-}
-
-int SetFloat2At(const KVSlot* slot, const Float2* value)
-{
-    return SetAt(*slot, Entry::KindFloat2, *value);
-}
-
-int SetFloat3At(const KVSlot* slot, const Float3* value)
-{
-    return SetAt(*slot, Entry::KindFloat3, *value);
-}
-
-int SetFloat4At(const KVSlot* slot, const Float4* value)
-{
-    return SetAt(*slot, Entry::KindFloat4, *value);
+    return found != nullptr && found->Bind(*slot, key, type, *writer) ? 1 : 0;
 }
 
 // What a branch was found by: the parent, the entry of its key, and the table.
@@ -169,9 +102,8 @@ int RemoveLastAt(const KVBranch* branch, const KVValue* value)
     return table != nullptr && table->RemoveLast() ? 1 : 0;
 }
 
-constexpr SlotOperations kSlotOperations{FindSlot,    SetIntAt,    SetFloatAt, SetFloat2At,
-                                         SetFloat3At, SetFloat4At, FindBranch, SetUIntsAt,
-                                         PushUIntAt,  RemoveLastAt};
+constexpr SlotOperations kSlotOperations{BindSlot,   ReleaseSlot, FindBranch,
+                                         SetUIntsAt, PushUIntAt,  RemoveLastAt};
 
 } // namespace
 

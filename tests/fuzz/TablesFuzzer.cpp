@@ -405,15 +405,15 @@ void Pair::Listen(int table, const Words& key)
     if (own)
     {
         model.own = id;
+        ++model.ownGiven;
     }
     else
     {
         model.listeners.push_back(ModelListener{key.copy, id, record});
         if (slots.size() < kMostSlots)
         {
-            slots.push_back(ModelSlot{table, key.copy, id, {}});
-            slots.back().slot.own = Record(id);
-            slots.back().slot.ownOfTable = model.own == 0 ? nullptr : &Hear;
+            slots.push_back(
+                ModelSlot{table, key.copy, id, {Record(id), model.own == 0 ? nullptr : &Hear}});
         }
     }
 }
@@ -425,6 +425,7 @@ void Pair::Unlisten(int table, const Words& key)
     {
         *model.handle->GetTableListener() = KVListener{nullptr, nullptr};
         model.own = 0;
+        ++model.ownGiven;
         return;
     }
     const int id = nextListener <= 1 ? 1 : 1 + static_cast<int>(bytes.Byte()) % nextListener;
@@ -576,6 +577,7 @@ void Pair::CompareAll()
         CompareTable(model);
         open += model.open ? 1 : 0;
     }
+    CompareSlots();
     Require(GetOpenTableCount() == open, "as many tables are open");
 }
 

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstddef>
+#include <list>
 #include <string>
 #include <utility>
 #include <vector>
@@ -76,7 +77,8 @@ struct ModelTable
     std::vector<ModelKey> keys;
     std::vector<unsigned int> array;
     std::vector<ModelListener> listeners;
-    int own = 0; ///< the table's own listener, 0 for none
+    int own = 0;      ///< the table's own listener, 0 for none
+    int ownGiven = 0; ///< how often its record was asked for
 };
 
 /// A slot of the listener `id`. It is kept when the listener or the table has gone.
@@ -85,7 +87,9 @@ struct ModelSlot
     int table;
     std::string key;
     int id;
-    KVSlot slot;
+    Tessel::KVWriter writer;
+    Tessel::ValueType type = Tessel::ValueType_None; ///< when last bound
+    KVSlot slot = {};
 };
 
 /// A table under a key of another one, with the values that were found in it while it was open. It
@@ -118,6 +122,9 @@ public:
     explicit Pair(Bytes& decisions) : bytes(decisions)
     {
     }
+    ~Pair();
+    Pair(const Pair&) = delete;
+    Pair& operator=(const Pair&) = delete;
 
     void Play();
     void Heard(int id, KVTable table, const char* key);
@@ -140,6 +147,8 @@ private:
     void Step();
     void MakeTable();
     bool MayTake(const ModelSlot& slot, int type);
+    bool IsTaken(const ModelSlot& slot) const;
+    void CompareSlots();
     bool SetBySlot(int table, const Words& key, const ModelValue& value);
     void FindBranch(int parent, const std::string& key, int table);
     void FindValues(ModelBranch& branch);
@@ -162,7 +171,7 @@ private:
     Bytes& bytes;
     std::vector<ModelTable> tables;
     std::vector<Write> writes;
-    std::vector<ModelSlot> slots;
+    std::list<ModelSlot> slots; ///< a bound one does not move
     std::vector<ModelBranch> branches;
     int nextListener = 1;
 };

@@ -3,23 +3,32 @@
 #include "tests/fuzz/TablesPair.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace vell::fuzz
 {
 
 using namespace Tessel;
 
+Pair::~Pair()
+{
+    for (ModelSlot& slot : slots)
+    {
+        TesselGetSlotOperations()->release(&slot.slot);
+    }
+}
+
 /// Tells whether a value of `type` may be written to a slot without a call of a listener.
 bool Pair::MayTake(const ModelSlot& slot, int type)
 {
     const ModelTable& model = tables[static_cast<std::size_t>(slot.table)];
     const ModelValue* there = Find(slot.table, slot.key);
-    if (!model.open || there == nullptr || there->type != type)
+    if (!model.open || there == nullptr || there->type != type || model.ownGiven > 1)
     {
         return false;
     }
     const bool isTableHeard = model.own != 0;
-    return isTableHeard == (slot.slot.ownOfTable != nullptr) &&
+    return isTableHeard == (slot.writer.ofTable != nullptr) &&
            std::all_of(model.listeners.begin(), model.listeners.end(),
                        [&](const ModelListener& listener)
                        {
@@ -27,10 +36,25 @@ bool Pair::MayTake(const ModelSlot& slot, int type)
                        });
 }
 
-/// Writes the value to each slot of the key, which calls nobody, and tells whether one took it.
+/// Tells whether another slot is bound to the key of `slot`.
+bool Pair::IsTaken(const ModelSlot& slot) const
+{
+    return std::any_of(slots.begin(), slots.end(),
+                       [&](const ModelSlot& other)
+                       {
+                           return &other != &slot && other.table == slot.table &&
+                                  other.key == slot.key && other.slot.value != nullptr;
+                       });
+}
+
+/// Stores the value in each slot of the key that is or can be bound, which calls nobody, and tells
+/// whether there was one.
 bool Pair::SetBySlot(int table, const Words& key, const ModelValue& value)
 {
-    const SlotOperations& operations = *TesselGetSlotOperations();
+    const int type = value.type;
+    const bool fits = type == ValueType_Int || type == ValueType_Float ||
+                      type == ValueType_Float2 || type == ValueType_Float3 ||
+                      type == ValueType_Float4;
     bool isTaken = false;
     for (ModelSlot& slot : slots)
     {
@@ -40,29 +64,42 @@ bool Pair::SetBySlot(int table, const Words& key, const ModelValue& value)
         }
         if (slot.slot.value == nullptr)
         {
-            operations.find(&slot.slot, tables[static_cast<std::size_t>(table)].handle,
-                            slot.key.c_str());
+            slot.type = static_cast<ValueType>(type);
+            const int bound = TesselGetSlotOperations()->bind(
+                &slot.slot, tables[static_cast<std::size_t>(table)].handle, slot.key.c_str(),
+                slot.type, &slot.writer);
+            Require((bound != 0) == (fits && MayTake(slot, type) && !IsTaken(slot)),
+                    "a slot is bound when nobody else hears");
         }
-        const auto& floats = value.floats;
-        const Float2 two{floats[0], floats[1]};
-        const Float3 three{floats[0], floats[1], floats[2]};
-        const Float4 four{floats[0], floats[1], floats[2], floats[3]};
-        const int done = value.type == ValueType_Int
-                             ? operations.setInt(&slot.slot, static_cast<int>(value.word))
-                         : value.type == ValueType_Float
-                             ? operations.setFloat(&slot.slot, floats[0])
-                         : value.type == ValueType_Float2 ? operations.setFloat2(&slot.slot, &two)
-                         : value.type == ValueType_Float3 ? operations.setFloat3(&slot.slot, &three)
-                         : value.type == ValueType_Float4 ? operations.setFloat4(&slot.slot, &four)
-                                                          : 0;
-        Require(done == 0 || MayTake(slot, value.type), "a slot takes what nobody else hears");
-        isTaken = isTaken || done != 0;
+        if (slot.slot.value == nullptr || slot.type != type)
+        {
+            continue;
+        }
+        const std::size_t size = type == ValueType_Float2   ? sizeof(Float2)
+                                 : type == ValueType_Float3 ? sizeof(Float3)
+                                 : type == ValueType_Float4 ? sizeof(Float4)
+                                                            : sizeof(float);
+        std::memcpy(slot.slot.bytes,
+                    type == ValueType_Int ? static_cast<const void*>(&value.word)
+                                          : value.floats.data(),
+                    size);
+        isTaken = true;
     }
     if (isTaken)
     {
         Put(table, key.copy, value);
     }
     return isTaken;
+}
+
+/// A slot that is still bound is one that may be.
+void Pair::CompareSlots()
+{
+    for (const ModelSlot& slot : slots)
+    {
+        Require(slot.slot.value == nullptr || MayTake(slot, slot.type), "a bound slot may be");
+        Require(slot.slot.value == nullptr || !IsTaken(slot), "a key has one slot");
+    }
 }
 
 void Pair::FindBranch(int parent, const std::string& key, int table)

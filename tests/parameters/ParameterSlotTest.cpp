@@ -334,6 +334,11 @@ constexpr Deed kDeeds[] = {
      {
          Assign<ParameterFloatDef>(side, index % 2, (index + 1) % 2);
      }},
+    {"a float takes over what every node has",
+     [](Side& side, unsigned int index, int)
+     {
+         static_cast<BaseDef&>(side.Parameter(index % 2)) = side.Parameter((index + 1) % 2);
+     }},
     {"a copy is set",
      [](Side& side, unsigned int index, int number)
      {
@@ -412,6 +417,24 @@ TEST(ParameterSlot, IsHeardByAListenerThatATimeLaterTakesTheTablesRecord)
     speed.SetValue(1.0f);
 
     EXPECT_EQ(heard, 1);
+}
+
+TEST(ParameterSlot, LeavesTheLastValueInATableThatItsParameterNoLongerHas)
+{
+    LogRecorder log;
+    LoadedParameters loaded(Document());
+    auto& speed = dynamic_cast<ParameterFloatDef&>(*loaded.table.FindParameter(kFirstId));
+    auto& other = dynamic_cast<ParameterFloatDef&>(*loaded.table.FindParameter(kFirstId + 1));
+    const Tessel::KVTable before = speed.GetKVTable();
+    speed.SetValue(4.0f);
+    other.SetValue(5.0f);
+
+    static_cast<BaseDef&>(speed) = other;
+    speed.SetValue(6.0f);
+
+    EXPECT_EQ(before->GetFloat("value"), 4.0f);
+    EXPECT_EQ(other.GetKVTable()->GetFloat("value"), 6.0f);
+    EXPECT_EQ(other.GetValue(), 6.0f);
 }
 
 TEST(ParameterSlot, OfAParameterThatOutlivesItsMachineIsOnlyAStore)

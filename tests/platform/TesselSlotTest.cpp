@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// tests/platform/TesselSlotTest.cpp: writes to a key that was found before.
+// tests/platform/TesselSlotTest.cpp: the value of a key while its writer keeps it.
 #include <tessel/Slots.h>
 
 #include "platform/tessel/TableHandle.h"
@@ -31,39 +31,60 @@ struct Written
     {
         table->SetInt("first", 1, 1);
         table->SetFloat("value", 1.0f, 1);
-        *table->GetValueListener("value") = own;
+        *table->GetValueListener("value") = writer.ofKey;
         *table->GetTableListener() = KVListener{nullptr, HearOfTable};
-        slot.own = own;
-        slot.ownOfTable = HearOfTable;
-        Find();
     }
     ~Written()
     {
+        Slots().release(&slot);
         CloseTable(table);
     }
     Written(const Written&) = delete;
     Written& operator=(const Written&) = delete;
 
-    int Find()
+    bool Bind(ValueType type = ValueType_Float)
     {
-        return Slots().find(&slot, table, "value");
+        const bool isBound = Slots().bind(&slot, table, "value", type, &writer) != 0;
+        EXPECT_EQ(isBound, IsBound());
+        return isBound;
+    }
+
+    bool IsBound() const
+    {
+        return slot.value != nullptr;
+    }
+
+    template <class Value>
+    void Store(const Value& value)
+    {
+        ASSERT_TRUE(IsBound());
+        std::memcpy(slot.bytes, &value, sizeof(value));
     }
 
     KVTable table = CreateTable("written");
-    KVListener own{this, HearNothing};
+    KVWriter writer{{this, HearNothing}, HearOfTable};
     KVSlot slot{};
 };
 
-/// What may happen to the table of a slot, and whether the slot takes a float afterwards.
+/// What becomes of a slot.
+enum class Slot
+{
+    Stays,  ///< it stays bound
+    Again,  ///< it ends, and may be bound again
+    Refused ///< it ends, and is not bound again
+};
+
+/// What may happen to the table of a slot. `value` is that of the key afterwards, as a float.
 struct Event
 {
     const char* name;
     void (*happen)(Written& written);
-    bool isTaken;
+    Slot slot;
+    float value = 3.0f;
 };
 
 constexpr Event kEvents[] = {
-    {"nothing", [](Written&) {}, true},
+    {"nothing", [](Written&) {}, Slot::Stays},
     {"many other keys",
      [](Written& written)
      {
@@ -72,13 +93,13 @@ constexpr Event kEvents[] = {
              written.table->SetInt(("key" + std::to_string(i)).c_str(), i, 1);
          }
      },
-     true},
+     Slot::Stays},
     {"a listener of another key",
      [](Written& written)
      {
          *written.table->GetValueListener("first") = KVListener{nullptr, HearNothing};
      },
-     true},
+     Slot::Stays},
     {"the table is attached elsewhere",
      [](Written& written)
      {
@@ -86,49 +107,49 @@ constexpr Event kEvents[] = {
          parent->AttachTable("child", written.table, 1);
          CloseTable(parent);
      },
-     true},
+     Slot::Stays},
     {"a value of the same type",
      [](Written& written)
      {
          written.table->SetFloat("value", 2.0f, 1);
      },
-     true},
+     Slot::Stays, 2.0f},
     {"an int",
      [](Written& written)
      {
          written.table->SetInt("value", 2, 1);
      },
-     false},
+     Slot::Refused, 2.0f},
     {"a short text",
      [](Written& written)
      {
          written.table->SetString("value", "2", 1);
      },
-     false},
+     Slot::Refused, 0.0f},
     {"a long text",
      [](Written& written)
      {
          written.table->SetString("value", "a text that does not fit into the entry", 1);
      },
-     false},
+     Slot::Refused, 0.0f},
     {"a table",
      [](Written& written)
      {
          written.table->AddTable("value", 1);
      },
-     false},
+     Slot::Refused, 0.0f},
     {"an empty record of the key",
      [](Written& written)
      {
          written.table->GetValueListener("value");
      },
-     false},
+     Slot::Refused},
     {"a listener of the key",
      [](Written& written)
      {
          *written.table->GetValueListener("value") = KVListener{nullptr, HearNothing};
      },
-     false},
+     Slot::Refused},
     {"a listener of the key that was removed",
      [](Written& written)
      {
@@ -136,65 +157,77 @@ constexpr Event kEvents[] = {
          *written.table->GetValueListener("value") = other;
          written.table->RemoveValueListener("value", &other);
      },
-     true},
+     Slot::Again},
     {"the writer's own listener removed",
      [](Written& written)
      {
-         written.table->RemoveValueListener("value", &written.own);
+         written.table->RemoveValueListener("value", &written.writer.ofKey);
      },
-     false},
+     Slot::Refused},
     {"the writer's own listener removed and added",
      [](Written& written)
      {
-         written.table->RemoveValueListener("value", &written.own);
-         *written.table->GetValueListener("value") = written.own;
+         written.table->RemoveValueListener("value", &written.writer.ofKey);
+         *written.table->GetValueListener("value") = written.writer.ofKey;
      },
-     true},
+     Slot::Again},
     {"another's listener in the place of the writer's",
      [](Written& written)
      {
-         written.table->RemoveValueListener("value", &written.own);
+         written.table->RemoveValueListener("value", &written.writer.ofKey);
          *written.table->GetValueListener("value") = KVListener{nullptr, HearNothing};
      },
-     false},
+     Slot::Refused},
     {"a function of another's with the writer as its object",
      [](Written& written)
      {
-         written.table->RemoveValueListener("value", &written.own);
+         written.table->RemoveValueListener("value", &written.writer.ofKey);
          *written.table->GetValueListener("value") = KVListener{&written, HearOfTable};
      },
-     false},
+     Slot::Refused},
     {"a listener of another key in the place of the writer's",
      [](Written& written)
      {
-         written.table->RemoveValueListener("value", &written.own);
-         *written.table->GetValueListener("first") = written.own;
+         written.table->RemoveValueListener("value", &written.writer.ofKey);
+         *written.table->GetValueListener("first") = written.writer.ofKey;
      },
-     false},
+     Slot::Refused},
+    {"the slot released",
+     [](Written& written)
+     {
+         Slots().release(&written.slot);
+     },
+     Slot::Again},
+    {"the table's own record asked for",
+     [](Written& written)
+     {
+         written.table->GetTableListener();
+     },
+     Slot::Refused},
     {"another listener of the table",
      [](Written& written)
      {
          *written.table->GetTableListener() = KVListener{nullptr, HearNothing};
      },
-     false},
+     Slot::Refused},
     {"no listener of the table",
      [](Written& written)
      {
          *written.table->GetTableListener() = KVListener{};
      },
-     false},
+     Slot::Refused},
     {"another object with the writer's function",
      [](Written& written)
      {
          *written.table->GetTableListener() = KVListener{&written, HearOfTable};
      },
-     true},
+     Slot::Refused},
     {"the table closed",
      [](Written& written)
      {
          CloseTable(written.table);
      },
-     false},
+     Slot::Refused, 0.0f},
     {"the table closed, and another one in its slot",
      [](Written& written)
      {
@@ -202,105 +235,210 @@ constexpr Event kEvents[] = {
          const KVTable next = CreateTable("written");
          next->SetInt("first", 1, 1);
          next->SetFloat("value", 1.0f, 1);
-         *next->GetValueListener("value") = written.own;
+         *next->GetValueListener("value") = written.writer.ofKey;
          *next->GetTableListener() = KVListener{nullptr, HearOfTable};
          EXPECT_EQ(TableHandle::GetSlot(next), TableHandle::GetSlot(written.table));
-         EXPECT_EQ(Slots().setFloat(&written.slot, 7.0f), 0);
-         EXPECT_EQ(next->GetFloat("value"), 1.0f);
+         EXPECT_FALSE(written.IsBound());
+         EXPECT_FALSE(written.Bind());
          CloseTable(next);
      },
-     false},
+     Slot::Refused, 0.0f},
 };
+
+constexpr Float4 kFloats{1.0f, 2.0f, 3.0f, 4.0f};
 
 } // namespace
 
-TEST(TesselSlot, TakesAValueWhileNobodyElseCouldHearOfIt)
+TEST(TesselSlot, IsBoundWhileNobodyElseCouldHearOfAWrite)
 {
     for (const Event& event : kEvents)
     {
-        for (const bool isWrittenBefore : {false, true})
+        SCOPED_TRACE(event.name);
+        Written written;
+        ASSERT_TRUE(written.Bind());
+        written.Store(3.0f);
+        const KVValue* const value = written.table->FindValue("value");
+
+        event.happen(written);
+
+        EXPECT_EQ(written.IsBound(), event.slot == Slot::Stays);
+        EXPECT_EQ(written.table->GetFloat("value"), event.value);
+        EXPECT_EQ(written.Bind(), event.slot != Slot::Refused);
+        EXPECT_EQ(written.table->GetFloat("value"), event.value);
+        if (Tessel::GetTableName(written.table) != nullptr)
         {
-            SCOPED_TRACE(event.name);
-            Written written;
-            if (isWrittenBefore)
-            {
-                EXPECT_EQ(Slots().setFloat(&written.slot, 3.0f), 1);
-            }
-            event.happen(written);
-            const int typeBefore = written.table->GetTypeAt(1);
-            const float before = written.table->GetFloat("value");
-
-            const int result = Slots().setFloat(&written.slot, 7.0f);
-
-            EXPECT_EQ(result, event.isTaken ? 1 : 0);
-            EXPECT_EQ(written.table->GetFloat("value"), event.isTaken ? 7.0f : before);
-            EXPECT_EQ(written.table->GetTypeAt(1), typeBefore);
+            EXPECT_EQ(written.table->FindValue("value"), value);
         }
     }
 }
 
-TEST(TesselSlot, TakesEachTypeInPlaceOfTheSameType)
+TEST(TesselSlot, IsReadAndWrittenByTheOperationsOfTheTable)
 {
     Written written;
-    const Float2 two{1.0f, 2.0f};
-    const Float3 three{1.0f, 2.0f, 3.0f};
-    const Float4 four{1.0f, 2.0f, 3.0f, 4.0f};
+    ASSERT_TRUE(written.Bind());
+    written.Store(-2.5f);
+    const KVValue* value = written.table->FindValue("value");
 
-    written.table->SetInt("value", 1, 1);
-    EXPECT_EQ(Slots().setInt(&written.slot, -5), 1);
-    EXPECT_EQ(written.table->GetInt("value"), -5);
-    EXPECT_EQ(Slots().setFloat2(&written.slot, &two), 0);
+    EXPECT_EQ(value, written.slot.value);
+    EXPECT_EQ(value->GetValueType(), ValueType_Float);
+    EXPECT_EQ(written.table->GetTypeAt(1), ValueType_Float);
+    EXPECT_EQ(value->GetFloatValue(), -2.5f);
+    EXPECT_EQ(value->GetIntValue(), -2);
+    EXPECT_EQ(value->GetUIntValue(), static_cast<unsigned>(-2));
+    EXPECT_EQ(value->GetStringValue(), nullptr);
+    Float2 two{};
+    EXPECT_EQ(value->GetFloat2Value(&two), 0);
+    EXPECT_FALSE(written.table->GetTable("value"));
 
-    written.table->SetFloat2("value", &two, 1);
-    const Float2 newTwo{5.0f, 6.0f};
-    Float2 readTwo{};
-    EXPECT_EQ(Slots().setFloat2(&written.slot, &newTwo), 1);
-    EXPECT_EQ(written.table->GetFloat2("value", &readTwo), 1);
-    EXPECT_EQ(std::memcmp(&readTwo, &newTwo, sizeof(newTwo)), 0);
-    EXPECT_EQ(Slots().setFloat3(&written.slot, &three), 0);
-
-    written.table->SetFloat3("value", &three, 1);
-    const Float3 newThree{5.0f, 6.0f, 7.0f};
-    Float3 readThree{};
-    EXPECT_EQ(Slots().setFloat3(&written.slot, &newThree), 1);
-    EXPECT_EQ(written.table->GetFloat3("value", &readThree), 1);
-    EXPECT_EQ(std::memcmp(&readThree, &newThree, sizeof(newThree)), 0);
-    EXPECT_EQ(Slots().setFloat4(&written.slot, &four), 0);
-
-    written.table->SetFloat4("value", &four, 1);
-    const Float4 newFour{5.0f, 6.0f, 7.0f, 8.0f};
-    Float4 readFour{};
-    EXPECT_EQ(Slots().setFloat4(&written.slot, &newFour), 1);
-    EXPECT_EQ(written.table->GetFloat4("value", &readFour), 1);
-    EXPECT_EQ(std::memcmp(&readFour, &newFour, sizeof(newFour)), 0);
-    EXPECT_EQ(Slots().setInt(&written.slot, 1), 0);
+    EXPECT_EQ(written.table->SetFloat("value", 9.5f, 1), 1);
+    float stored = 0.0f;
+    std::memcpy(&stored, written.slot.bytes, sizeof(stored));
+    EXPECT_EQ(stored, 9.5f);
 }
 
-TEST(TesselSlot, IsNotFoundWithoutAKeyThatIsListenedTo)
+TEST(TesselSlot, OfAnIntIsReadAsEveryNumber)
 {
     Written written;
-    KVSlot slot = written.slot;
+    written.table->SetInt("value", 1, 1);
+    EXPECT_FALSE(written.Bind(ValueType_Float));
+    ASSERT_TRUE(written.Bind(ValueType_Int));
 
-    EXPECT_EQ(Slots().find(&slot, written.table, "other"), 0);
-    EXPECT_EQ(slot.value, nullptr);
-    EXPECT_EQ(slot.table, written.table);
-    EXPECT_EQ(Slots().setFloat(&slot, 7.0f), 0);
+    written.Store(-5);
 
-    EXPECT_EQ(Slots().find(&slot, written.table, nullptr), 0);
-    EXPECT_EQ(Slots().find(&slot, KVTable(), "value"), 0);
-    EXPECT_EQ(Slots().setFloat(&slot, 7.0f), 0);
+    EXPECT_EQ(written.table->GetInt("value"), -5);
+    EXPECT_EQ(written.table->GetUInt("value"), static_cast<unsigned>(-5));
+    EXPECT_EQ(written.table->GetFloat("value"), -5.0f);
+    EXPECT_EQ(written.table->GetTypeAt(1), ValueType_Int);
+    EXPECT_EQ(written.table->SetInt("value", 6, 1), 1);
+    EXPECT_TRUE(written.IsBound());
+    EXPECT_EQ(written.table->GetInt("value"), 6);
+}
 
+TEST(TesselSlot, HasTwoToFourFloats)
+{
+    const ValueType types[] = {ValueType_Float2, ValueType_Float3, ValueType_Float4};
+    for (const ValueType type : types)
+    {
+        SCOPED_TRACE(type);
+        Written written;
+        const Float2 two{7.0f, 7.0f};
+        const Float3 three{7.0f, 7.0f, 7.0f};
+        const Float4 four{7.0f, 7.0f, 7.0f, 7.0f};
+        const auto set = [&]
+        {
+            return type == ValueType_Float2   ? written.table->SetFloat2("value", &two, 1)
+                   : type == ValueType_Float3 ? written.table->SetFloat3("value", &three, 1)
+                                              : written.table->SetFloat4("value", &four, 1);
+        };
+        const auto get = [&](Float4* out)
+        {
+            Float2 gotTwo{};
+            Float3 gotThree{};
+            const int count = written.table->GetFloat2("value", &gotTwo) +
+                              written.table->GetFloat3("value", &gotThree) +
+                              written.table->GetFloat4("value", out);
+            EXPECT_EQ(count, 1);
+            *out = type == ValueType_Float2   ? Float4{gotTwo.x, gotTwo.y, 0.0f, 0.0f}
+                   : type == ValueType_Float3 ? Float4{gotThree.x, gotThree.y, gotThree.z, 0.0f}
+                                              : *out;
+        };
+        ASSERT_EQ(set(), 1);
+        ASSERT_TRUE(written.Bind(type));
+        EXPECT_EQ(written.table->GetInt("value"), 0);
+        EXPECT_EQ(written.table->GetUInt("value"), 0u);
+        EXPECT_EQ(written.table->GetFloat("value"), 0.0f);
+        const float last = type == ValueType_Float4 ? kFloats.w : 0.0f;
+        const float third = type == ValueType_Float2 ? 0.0f : kFloats.z;
+
+        written.Store(kFloats);
+
+        Float4 out{};
+        get(&out);
+        EXPECT_EQ(out.x, kFloats.x);
+        EXPECT_EQ(out.y, kFloats.y);
+        EXPECT_EQ(out.z, third);
+        EXPECT_EQ(out.w, last);
+        Slots().release(&written.slot);
+        out = Float4{};
+        get(&out);
+        EXPECT_EQ(out.y, kFloats.y);
+        EXPECT_EQ(out.w, last);
+
+        ASSERT_TRUE(written.Bind(type));
+        EXPECT_EQ(set(), 1);
+        EXPECT_TRUE(written.IsBound());
+        get(&out);
+        EXPECT_EQ(out.x, 7.0f);
+        written.table->SetInt("value", 8, 1);
+        EXPECT_FALSE(written.IsBound());
+        EXPECT_EQ(written.table->GetInt("value"), 8);
+    }
+}
+
+TEST(TesselSlot, IsBoundToOneKeyAndAKeyToOneSlot)
+{
+    Written written;
+    Written other;
+    ASSERT_TRUE(written.Bind());
+    written.Store(3.0f);
+    KVSlot second{};
+
+    EXPECT_EQ(Slots().bind(&second, written.table, "value", ValueType_Float, &written.writer), 0);
+    EXPECT_EQ(second.value, nullptr);
+    EXPECT_TRUE(written.IsBound());
+
+    EXPECT_EQ(Slots().bind(&written.slot, other.table, "value", ValueType_Float, &other.writer), 1);
+    written.Store(5.0f);
+    EXPECT_EQ(written.table->GetFloat("value"), 3.0f);
+    EXPECT_EQ(other.table->GetFloat("value"), 5.0f);
+    Slots().release(&written.slot);
+    Slots().release(&written.slot);
+    EXPECT_EQ(other.table->GetFloat("value"), 5.0f);
+}
+
+TEST(TesselSlot, IsNotBoundWithoutAValueThatIsListenedTo)
+{
+    Written written;
+    KVSlot slot{};
+    const auto bind = [&](KVTable table, const char* key, ValueType type)
+    {
+        return Slots().bind(&slot, table, key, type, &written.writer);
+    };
+    *written.table->GetValueListener("later") = written.writer.ofKey;
+    *written.table->GetValueListener("unsigned") = written.writer.ofKey;
+    *written.table->GetValueListener("text") = written.writer.ofKey;
+    written.table->SetUInt("unsigned", 1, 1);
+    written.table->SetString("text", "words", 1);
     const KVTable unheard = CreateTable("unheard");
     unheard->SetFloat("value", 1.0f, 1);
-    EXPECT_EQ(Slots().find(&slot, unheard, "value"), 0);
+
+    EXPECT_EQ(bind(written.table, "later", ValueType_Float), 0);
+    EXPECT_EQ(bind(written.table, "first", ValueType_Int), 0);
+    EXPECT_EQ(bind(written.table, "unsigned", ValueType_UInt), 0);
+    EXPECT_EQ(bind(written.table, "text", ValueType_Text), 0);
+    EXPECT_EQ(bind(written.table, "value", ValueType_Int), 0);
+    EXPECT_EQ(bind(written.table, nullptr, ValueType_Float), 0);
+    EXPECT_EQ(bind(KVTable(), "value", ValueType_Float), 0);
+    EXPECT_EQ(bind(unheard, "value", ValueType_Float), 0);
     CloseTable(unheard);
-    EXPECT_EQ(Slots().find(&slot, unheard, "value"), 0);
+    EXPECT_EQ(bind(unheard, "value", ValueType_Float), 0);
+    EXPECT_EQ(slot.value, nullptr);
+    EXPECT_EQ(bind(written.table, "value", ValueType_Float), 1);
+    Slots().release(&slot);
 }
 
-TEST(TesselSlot, ThatWasNeverLookedForTakesNothing)
+TEST(TesselSlot, EndsWithEveryOtherSlotOfTheTableWhoseRecordIsAskedFor)
 {
-    const KVSlot slot{};
+    Written written;
+    written.table->SetInt("second", 4, 1);
+    *written.table->GetValueListener("second") = written.writer.ofKey;
+    KVSlot second{};
+    ASSERT_TRUE(written.Bind());
+    ASSERT_EQ(Slots().bind(&second, written.table, "second", ValueType_Int, &written.writer), 1);
 
-    EXPECT_EQ(Slots().setInt(&slot, 1), 0);
-    EXPECT_EQ(Slots().setFloat(&slot, 1.0f), 0);
+    written.table->GetTableListener();
+
+    EXPECT_FALSE(written.IsBound());
+    EXPECT_EQ(second.value, nullptr);
+    EXPECT_EQ(written.table->GetInt("second"), 4);
 }
