@@ -124,9 +124,10 @@ void IdleCache::PrefetchStates() const
     vell::Prefetch(bounds.begin, static_cast<std::size_t>(end - bounds.begin) * sizeof(*end));
     for (std::size_t i = 1; i <= entryCount; ++i)
     {
-        if (entries.begin[i].substate != nullptr)
+        const Entry& entry = entries.begin[i];
+        if (entry.isSubstate)
         {
-            vell::Prefetch(&entries.begin[i].substate->currentChild, 1);
+            vell::Prefetch(&static_cast<const SubstateState*>(entry.state)->currentChild, 1);
         }
     }
 }
@@ -194,12 +195,11 @@ bool IdleCache::Add(const HSM* machine, const SMState* state)
         return false;
     }
     ConditionBounds* const first = entries.begin[entryCount].textEnd;
-    Entry entry{state, nullptr, first, first, first, state != nullptr, true};
+    Entry entry{state, first, first, first, false, state != nullptr, true};
     if (state != nullptr && IsKnown(machine, *state))
     {
         const std::type_info& type = typeid(*state);
-        entry.substate =
-            type == typeid(SubstateState) ? static_cast<const SubstateState*>(state) : nullptr;
+        entry.isSubstate = type == typeid(SubstateState);
         entry.acts = type == typeid(ExitState) || state->GetDef()->GetActions() != nullptr;
         entry.asks = false;
         for (const TransitionDef* transition : SMState::Internals::GetTransitions(*state))

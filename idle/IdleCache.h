@@ -96,14 +96,14 @@ private:
     {
         bool IsChildDue() const
         {
-            return substate != nullptr && substate->currentChild == nullptr;
+            return isSubstate && static_cast<const SubstateState*>(state)->currentChild == nullptr;
         }
 
-        const SMState* state;          ///< null when nothing is known
-        const SubstateState* substate; ///< `state` as a substate, or null
+        const SMState* state;        ///< null when nothing is known
         ConditionBounds* floatEnd;   ///< end of its bounds of floats; they follow the entry before
         ConditionBounds* integerEnd; ///< end of those of integers
         ConditionBounds* textEnd;    ///< end of those of texts
+        bool isSubstate;             ///< of the library's own class
         bool acts;                   ///< the state is to be updated
         bool asks;                   ///< its transitions are to be tested, whatever the bounds say
     };

@@ -18,11 +18,13 @@ template <class T>
 class ParameterValue
 {
 public:
-    ParameterValue() : place(new (own) T())
+    ParameterValue()
     {
+        place = new (own) T();
     }
-    ParameterValue(const ParameterValue& other) : place(new (own) T(*other.place))
+    ParameterValue(const ParameterValue& other)
     {
+        place = new (own) T(*other.place);
     }
     ParameterValue& operator=(const ParameterValue& other)
     {
@@ -48,8 +50,8 @@ public:
     }
 
 private:
-    alignas(4) unsigned char own[4] = {}; ///< for a bool too: a four-byte read stays inside
     T* place;
+    alignas(4) unsigned char own[4] = {}; ///< for a bool too: a four-byte read stays inside
 };
 
 /// A bool parameter.
