@@ -28,12 +28,18 @@ bool Pair::MayTake(const ModelSlot& slot, int type)
         return false;
     }
     const bool isTableHeard = model.own != 0;
+    const auto listensToKey = [&](const ModelListener& listener)
+    {
+        return listener.key == slot.key;
+    };
+    const auto isWriters = [&](const ModelListener& listener)
+    {
+        return listener.key == slot.key && listener.id == slot.id;
+    };
+    const auto& listeners = model.listeners;
     return isTableHeard == (slot.writer.ofTable != nullptr) &&
-           std::all_of(model.listeners.begin(), model.listeners.end(),
-                       [&](const ModelListener& listener)
-                       {
-                           return listener.key != slot.key || listener.id == slot.id;
-                       });
+           std::count_if(listeners.begin(), listeners.end(), listensToKey) == 1 &&
+           std::any_of(listeners.begin(), listeners.end(), isWriters);
 }
 
 /// Tells whether another slot is bound to the key of `slot`.
