@@ -22,7 +22,7 @@ struct BaseDef::Internals
     /// Notes that a host gets the address of `def`, whose public fields it may write to at any
     /// time: nothing raises a revision for that, so the definition is never followed again.
     static void HandOut(BaseDef& def);
-    /// Raises the revision of the machine that ticks `def`, if there is one.
+    /// Raises the revision that `def` follows, if there is one.
     static void CountChange(BaseDef& def);
     /// Gives the list of `def` that begins with `first`, or null.
     static Action** FindList(BaseDef& def, const Action* first);

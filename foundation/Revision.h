@@ -1,13 +1,14 @@
 // VELL: data-driven hierarchical state machines.
-// foundation/Revision.h: the count of a machine's changes.
+// foundation/Revision.h: a count of changes.
 #pragma once
 
 namespace vell
 {
 
-/// Counts the changes of one machine after which a tick may have to do more than the tick before.
-/// States and definitions that the machine ticks point to its revision and raise it;
-/// idle/IdleCache.h says which changes count and who reads it.
+/// Counts changes after which something that was remembered is void. States and definitions point
+/// to the revision of whoever remembers, and raise it. Those that a machine ticks point to the
+/// machine's (idle/IdleCache.h says which changes count); a parameter points to that of its slot
+/// (parameters/ParameterSlot.h).
 struct Revision
 {
     void Raise()

@@ -8,8 +8,8 @@ namespace vell
 {
 
 /// The table library's operations on slots and branches. It is asked for them once, when this
-/// library is loaded. Where it has none, as a site's own may, and before that, they find and write
-/// nothing.
+/// library is loaded. Before that, and where it has none, as a site's own may, they do nothing
+/// and return 0.
 extern Tessel::SlotOperations slotOperations;
 
 } // namespace vell

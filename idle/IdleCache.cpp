@@ -124,10 +124,10 @@ void IdleCache::PrefetchStates() const
     vell::Prefetch(bounds.begin, static_cast<std::size_t>(end - bounds.begin) * sizeof(*end));
     for (std::size_t i = 1; i <= entryCount; ++i)
     {
-        const Entry& entry = entries.begin[i];
-        if (entry.isSubstate)
+        if (entries.begin[i].isSubstate)
         {
-            vell::Prefetch(&static_cast<const SubstateState*>(entry.state)->currentChild, 1);
+            const auto* substate = static_cast<const SubstateState*>(entries.begin[i].state);
+            vell::Prefetch(&substate->currentChild, 1);
         }
     }
 }

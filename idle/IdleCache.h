@@ -103,7 +103,7 @@ private:
         ConditionBounds* floatEnd;   ///< end of its bounds of floats; they follow the entry before
         ConditionBounds* integerEnd; ///< end of those of integers
         ConditionBounds* textEnd;    ///< end of those of texts
-        bool isSubstate;             ///< of the library's own class
+        bool isSubstate;             ///< `state` is a SubstateState, not of a host's class
         bool acts;                   ///< the state is to be updated
         bool asks;                   ///< its transitions are to be tested, whatever the bounds say
     };

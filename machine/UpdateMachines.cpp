@@ -56,28 +56,28 @@ void HSM::Internals::PrefetchStates(const HSM& machine)
 }
 
 // What a tick reads is found in three steps, each from what the one before it has fetched: the
-// machine, what it points to, and the states. Memory is slower than a tick: between two steps of a
-// machine, a few others are updated.
+// machine, what it points to, and the states. A fetch takes longer than a tick, so `kDistance`
+// machines are updated between two steps of one machine.
 void UpdateMachines(IHSM* const* machines, std::size_t count, float timeStep)
 {
-    constexpr std::size_t kBetween = 3;
+    constexpr std::size_t kDistance = 3;
     MachineKind kind;
     for (std::size_t i = 0; i < count; ++i)
     {
-        if (i + 3 * kBetween < count)
+        if (i + 3 * kDistance < count)
         {
-            Prefetch(machines[i + 3 * kBetween], 2 * kCacheLine);
+            Prefetch(machines[i + 3 * kDistance], 2 * kCacheLine);
         }
-        if (i + 2 * kBetween < count)
+        if (i + 2 * kDistance < count)
         {
-            if (const HSM* machine = kind.AsHSM(*machines[i + 2 * kBetween]))
+            if (const HSM* machine = kind.AsHSM(*machines[i + 2 * kDistance]))
             {
                 HSM::Internals::PrefetchTick(*machine);
             }
         }
-        if (i + kBetween < count)
+        if (i + kDistance < count)
         {
-            if (const HSM* machine = kind.AsHSM(*machines[i + kBetween]))
+            if (const HSM* machine = kind.AsHSM(*machines[i + kDistance]))
             {
                 HSM::Internals::PrefetchStates(*machine);
             }

@@ -62,7 +62,7 @@ VELL_NOINLINE void ParameterAnalogDef::WriteValue()
                   {
                       table->SetFloat2(kValueKey, &value, 1);
                   });
-    Slot::Expect(*this, value);
+    Slot::TryBind(*this, value);
 }
 
 void* ParameterAnalogDef::GetValuePtr()

@@ -64,7 +64,7 @@ VELL_NOINLINE void ParameterBoolDef::WriteValue()
                   {
                       table->SetInt(kValueKey, *value ? 1 : 0, 1);
                   });
-    Slot::Expect(*this, *value ? 1 : 0);
+    Slot::TryBind(*this, *value ? 1 : 0);
 }
 
 void* ParameterBoolDef::GetValuePtr()

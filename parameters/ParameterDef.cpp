@@ -50,14 +50,14 @@ ParameterDef& ParameterDef::operator=(const ParameterDef& other)
     resetEachFrame = other.resetEachFrame;
     if (slot.pointer != nullptr)
     {
-        slot.pointer->owner->CollectResetting();
+        slot.pointer->NoteAssigned();
     }
     return *this;
 }
 
 ParameterDef::Slot::~Slot()
 {
-    slotOperations.release(&key);
+    slotOperations.release(&shown);
 }
 
 void ParameterDef::Slot::Follow(ParameterDef& parameter, ParameterTable& newOwner)
@@ -67,12 +67,16 @@ void ParameterDef::Slot::Follow(ParameterDef& parameter, ParameterTable& newOwne
     Internals::Follow(parameter, &revision);
 }
 
-void ParameterDef::Slot::Bind(const ParameterDef& parameter, Tessel::ValueType type)
+void ParameterDef::Slot::NoteAssigned()
 {
-    const Tessel::KVWriter writer{{const_cast<ParameterDef*>(&parameter), Forward},
-                                  ParameterTable::HearOfTable};
+    owner->CollectResetting();
+}
+
+void ParameterDef::Slot::Bind(ParameterDef& parameter, Tessel::ValueType type)
+{
+    const Tessel::KVWriter writer{{&parameter, Forward}, ParameterTable::HearOfTable};
     boundAt = revision.number;
-    slotOperations.bind(&key, parameter.kvTable, kValueKey, type, &writer);
+    slotOperations.bind(&shown, parameter.kvTable, kValueKey, type, &writer);
 }
 
 void ParameterDef::Uninit()

@@ -61,7 +61,7 @@ VELL_NOINLINE void ParameterFloat3Def::WriteValue()
                   {
                       table->SetFloat3(kValueKey, &value, 1);
                   });
-    Slot::Expect(*this, value);
+    Slot::TryBind(*this, value);
 }
 
 void* ParameterFloat3Def::GetValuePtr()

@@ -58,7 +58,7 @@ VELL_NOINLINE void ParameterFloat4Def::WriteValue()
                   {
                       table->SetFloat4(kValueKey, &value, 1);
                   });
-    Slot::Expect(*this, value);
+    Slot::TryBind(*this, value);
 }
 
 void* ParameterFloat4Def::GetValuePtr()

@@ -59,7 +59,7 @@ VELL_NOINLINE void ParameterFloatDef::WriteValue()
                   {
                       table->SetFloat(kValueKey, *value, 1);
                   });
-    Slot::Expect(*this, *value);
+    Slot::TryBind(*this, *value);
 }
 
 void* ParameterFloatDef::GetValuePtr()

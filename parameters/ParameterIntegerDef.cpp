@@ -58,7 +58,7 @@ VELL_NOINLINE void ParameterIntegerDef::WriteValue()
                   {
                       table->SetInt(kValueKey, *value, 1);
                   });
-    Slot::Expect(*this, *value);
+    Slot::TryBind(*this, *value);
 }
 
 void* ParameterIntegerDef::GetValuePtr()

@@ -24,22 +24,24 @@ namespace vell
 /// *Contract.* Whether a value was written by `Write` or by the setter is not observable. "No" is
 /// always a right answer, and the rule then does all the work.
 ///
-/// *How.* The table library may offer that a writer keeps the value of a key (tessel/Slots.h):
-/// whoever reads the tree reads the value here, and `Write` is a store. Where a site's own library
-/// does not offer it, `Write` always says no.
+/// *How.* The table library may keep the value of a key in memory of its writer (tessel/Slots.h):
+/// whoever reads the tree then reads the value here, and `Write` is a store. Where a site's own
+/// library does not offer that, `Write` always returns false.
 ///
-/// *What ends it.* The table library, as soon as somebody else may hear of a write, the key gets
-/// another type or the table is closed. And the parameter's `revision`, which whatever gives it
-/// another table raises: assignment, and `Init`. Each write by the setter asks for it again.
+/// *What ends it.* Two things. The table library unbinds the slot as soon as somebody else may hear
+/// of a write, the key gets a value of another type, or the table is closed. And `revision` is
+/// raised by whatever gives the parameter another table: assignment and `Init`. After each write by
+/// the setter, the slot is bound again if that is possible.
 ///
-/// *Where it is.* With the table of parameters, on the heap: neither the parameter nor the arena is
-/// larger for it, and those of the parameters are side by side. A parameter that is in no such
-/// table has none. The value that a tick reads is not this one: a host may store there, and the
-/// tree does not show it.
+/// *Where it is.* On the heap, with the table of parameters, in groups: the parameter and the arena
+/// are not larger for it. A parameter that is in no such table has no slot.
+///
+/// *Two values.* The value that a tick reads is in the parameter or in a ValueBlock, not here. A
+/// host that writes to it by `GetValuePtr` changes nothing in the tree.
 struct ParameterDef::Slot
 {
     Slot() = default;
-    /// The key gets its value back.
+    /// Unbinds the slot: the key keeps the value.
     ~Slot();
     Slot(const Slot&) = delete;
     Slot& operator=(const Slot&) = delete;
@@ -56,14 +58,14 @@ struct ParameterDef::Slot
         {
             return false;
         }
-        std::memcpy(slot->key.bytes, &value, sizeof(value));
+        std::memcpy(slot->shown.bytes, &value, sizeof(value));
         return true;
     }
 
-    /// Asks for the next writes of a value like this one, which has just been written by the
-    /// setter.
+    /// Binds the slot of `parameter`, if that is possible, so that the next writes are stores. To
+    /// be called when the setter has written `value`, which tells the type.
     template <class Value>
-    static void Expect(const ParameterDef& parameter, const Value& value)
+    static void TryBind(ParameterDef& parameter, const Value& value)
     {
         if (Slot* slot = parameter.slot.pointer)
         {
@@ -71,13 +73,16 @@ struct ParameterDef::Slot
         }
     }
 
+    /// Tells the table of parameters that its parameter was assigned.
+    void NoteAssigned();
+
 private:
     bool IsBound() const
     {
-        return key.value != nullptr && boundAt == revision.number;
+        return shown.value != nullptr && boundAt == revision.number;
     }
 
-    void Bind(const ParameterDef& parameter, Tessel::ValueType type);
+    void Bind(ParameterDef& parameter, Tessel::ValueType type);
 
     static Tessel::ValueType TypeOf(int)
     {
@@ -100,11 +105,9 @@ private:
         return Tessel::ValueType_Float4;
     }
 
-    Tessel::KVSlot key{};
-    Revision revision;        ///< of the parameter
-    unsigned int boundAt = 0; ///< the revision at which it was bound
-
-public:
+    Tessel::KVSlot shown{};          ///< the value as the tree shows it
+    Revision revision;               ///< raised when the parameter gets another table
+    unsigned int boundAt = 0;        ///< the revision at which it was bound
     ParameterTable* owner = nullptr; ///< resets the parameter, if it asks for that
 };
 

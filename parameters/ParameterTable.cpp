@@ -114,7 +114,7 @@ int ParameterTable::AddParameter(ParameterDef* def)
         // parameter's id.
         const bool newId = idToParam.emplace(id, def).second;
         ASSERT_BREAK(newId);
-        NewSlot().Follow(*def, *this);
+        CreateSlot().Follow(*def, *this);
         if (def->resetEachFrame)
         {
             Collect(id, *def);
@@ -230,7 +230,7 @@ void ParameterTable::ForgetUpTo(ParameterMap::iterator end)
     CollectResetting();
 }
 
-ParameterDef::Slot& ParameterTable::NewSlot()
+ParameterDef::Slot& ParameterTable::CreateSlot()
 {
     const std::size_t place = slotCount % std::tuple_size<SlotGroup>();
     if (place == 0)

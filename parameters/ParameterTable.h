@@ -63,7 +63,7 @@ public:
     int CreateMessageParameter(const char* name, const char* text,
                                IParameterMessageDef** out) override;
 
-    /// Listens to the table of each parameter, and has nothing to do.
+    /// Hears of every write to the table of a parameter, and changes nothing.
     static int HearOfTable(void*, Tessel::opResult result, Tessel::KVTable table, const char* key);
 
     /// Tells whether a parameter is to be reset at the end of a tick.
@@ -94,7 +94,8 @@ public:
         }
     }
 
-    /// Fetches what a tick reads here, as far as a machine usually has it.
+    /// Fetches the first two cache lines of what a tick reads here: most machines use no more of
+    /// `values`. It follows `resetting`, see the fields.
     void Prefetch() const
     {
         vell::Prefetch(&resetting, 2 * kCacheLine);
@@ -134,9 +135,10 @@ private:
         const bool* defaultValue; ///< of a bool; of all others, the two point to different values
     };
 
+    /// Slots are created in groups, which do not move: a bound slot stays where it is.
     using SlotGroup = std::array<ParameterDef::Slot, 4>;
 
-    ParameterDef::Slot& NewSlot();
+    ParameterDef::Slot& CreateSlot();
     void Collect(unsigned int id, ParameterDef& def);
     void ResetAll();
     void ForgetUpTo(ParameterMap::iterator end);
@@ -147,13 +149,13 @@ private:
     /// a log line, and deletes it, when its id or name is taken.
     int Publish(std::unique_ptr<ParameterDef> owned);
 
-    // What a tick reads is side by side.
+    // What a tick reads comes first, side by side: `Prefetch` relies on the order.
     std::vector<Resetting> resetting; ///< in ascending id order
     ValueBlock values;                ///< of the document's first scalar parameters
 
     HSMAlloc* arena = nullptr;          ///< holds the document's parameters; null until Init
     std::forward_list<SlotGroup> slots; ///< of the parameters, the latest first
-    std::size_t slotCount = 0;          ///< slots in use
+    std::size_t slotCount = 0;          ///< given to parameters; 0 when all are forgotten
     bool isTableClosed = false;         ///< `table` keeps its handle
     /// A loop that finds it changed is at a deleted parameter.
     unsigned int timesForgotten = 0;

@@ -7,27 +7,33 @@
 namespace Tessel
 {
 
-/// The value of one key while its writer keeps it, so that a write which nobody else could hear of
-/// is a store. Such a slot is bound: the table reads the key's value from `bytes`, and stores one
-/// of the same type there when somebody else writes the key.
+/// Memory of a writer in which a table keeps the value of one key. The writer then writes the value
+/// by storing it there, without a call.
 ///
-/// The record is the writer's. It stays where it is, and is released (`SlotOperations::release`)
-/// before its memory goes. While `value` is not null, the writer may store a value of the bound
-/// type in `bytes` at any time; all else is the library's.
-struct alignas(16) KVSlot
+/// The writer first binds the slot to the key (`SlotOperations::bind`). While it is bound, whoever
+/// reads the key gets what is in `bytes`, and a value of the same type that somebody else writes to
+/// the key is stored there. When somebody else might hear of the next write, the library unbinds
+/// the slot: the table takes the value back, and `value` is null again.
+///
+/// The writer owns the record. It begins as `KVSlot slot{}`, is neither copied nor moved while it
+/// is bound, and is released (`SlotOperations::release`) before its memory is freed. While `value`
+/// is not null, the writer may store a value of the type that it was bound for in `bytes`. It
+/// writes to nothing else in the record.
+struct alignas(16) KVSlot // the library uses the low bits of its address
 {
-    unsigned char bytes[16]; ///< of an int, or of one to four floats
-    KVValue* value;          ///< the key's value, null when the slot is not bound
+    unsigned char bytes[16]; ///< the key's value: an int, or one to four floats
+    KVValue* value;          ///< as `ITable::FindValue` gives it; null while the slot is not bound
     std::uint64_t held;      ///< the library's
 };
 
 static_assert(sizeof(KVSlot) == 32, "crosses the boundary of the library");
 
-/// What the writer of a key listens with, while it does nothing about its own writes.
+/// The listeners that a writer has itself. They do nothing about its own writes, so a write that
+/// only they would hear of need not call them.
 struct KVWriter
 {
-    KVListener ofKey;                       ///< its listener of the key
-    decltype(KVListener::function) ofTable; ///< its function that listens to the table
+    KVListener ofKey;                       ///< in a record of the key
+    decltype(KVListener::function) ofTable; ///< in the table's own record, with any object
 };
 
 static_assert(sizeof(KVWriter) == 3 * sizeof(void*), "crosses the boundary of the library");
@@ -43,22 +49,26 @@ struct KVBranch
 
 static_assert(sizeof(KVBranch) == 5 * sizeof(void*), "crosses the boundary of the library");
 
-/// The operations on slots and branches. A value is written exactly as the setter of `ITable` would
-/// write it, as long as nobody but the writer could hear of it. A writer whose own listeners do
-/// nothing about its own writes cannot tell the two apart, and neither can anyone else.
+/// The operations on slots and branches. They are for writes that nobody but the writer could hear
+/// of. Such a write leaves what the setter of `ITable` would leave, and calls no listener: nobody
+/// can tell the two apart, as long as the writer's own listeners do nothing about its own writes.
 ///
-/// A slot is bound by `bind`, which does so only when all of this is so:
+/// `bind` binds a slot only when all of this is so:
 ///   - the table is open;
 ///   - the key has a value of the given type, and no other slot is bound to it;
 ///   - `ofKey` is in the only record that was given for the key and not removed, empty ones
 ///   counted;
-///   - the table's own record was asked for once, and has the function `ofTable`, with any object.
-/// It stays bound until something happens after which somebody else might hear of a write, or the
-/// value is another one: a record of the key is given or removed, the table's own record is asked
-/// for, the key gets a value of another type or a table, the table is closed, or the slot is
-/// released. `value` is null from then on, and the key has the last value. Until it is bound again,
-/// the writer uses the setter of `ITable`, which calls every listener. Not to bind a slot, and to
-/// end that at any time, is always right.
+///   - the table's own record was asked for at most once, and its function is `ofTable`, with any
+///     object; a null `ofTable` only when it was never asked for.
+/// It is unbound, and `value` is null again, as soon as one of these happens:
+///   - a record of the key is given or removed, or the table's own record is asked for: somebody
+///     else may hear of the next write;
+///   - the key gets a value of another type, or a table;
+///   - the table is closed;
+///   - the writer releases the slot, or binds it again.
+/// Unless the key got another value, it keeps the last one that was stored in `bytes`. While the
+/// slot is not bound, the writer uses the setter of `ITable`, which calls every listener. A library
+/// may refuse to bind a slot, and may unbind one at any time.
 ///
 /// The operations on a branch take values of its `table` that the writer got from
 /// `ITable::FindValue` when the branch was found. They do what the operation of `ITable` would do
@@ -75,11 +85,11 @@ static_assert(sizeof(KVBranch) == 5 * sizeof(void*), "crosses the boundary of th
 /// The order of these is part of the interface.
 struct SlotOperations
 {
-    /// Binds `slot` to `key` of `table`, whose value is of `type`: an int, or one to four floats.
-    /// Releases it first. Returns 1, or 0 when it is not bound.
+    /// Releases `slot` and binds it to `key` of `table`. `type` is that of the key's value: an int,
+    /// or one to four floats; no other can be bound. Returns 1, or 0 when the slot is not bound.
     int (*bind)(KVSlot* slot, KVTable table, const char* key, ValueType type,
                 const KVWriter* writer);
-    /// Ends that a slot is bound, if it is.
+    /// Unbinds `slot`, if it is bound. The key keeps the value.
     void (*release)(KVSlot* slot);
 
     /// Looks for the table under `key` of `parent` and fills in the branch. Returns 1, or 0 with a
@@ -96,6 +106,6 @@ struct SlotOperations
 
 } // namespace Tessel
 
-/// Gives the operations on slots, which belong to the library, or null when it has none. A table
-/// library need not have this function either: whoever uses it asks whether it is there.
+/// Gives the operations on slots and branches, which belong to the library, or null when it has
+/// none. A table library may also lack this function: who uses it checks whether it is there.
 extern "C" TESSEL_API const Tessel::SlotOperations* TesselGetSlotOperations();

@@ -150,7 +150,7 @@ private:
     VELL_LOCAL void Append(Action** head, unsigned int* count, Action* action);
 
     ArenaLink arenaLink;          ///< the library's
-    NotCopied<Revision> revision; ///< the library's; null until a machine activates its state
+    NotCopied<Revision> revision; ///< the library's; null until something follows the changes
 };
 
 } // namespace vell

@@ -18,6 +18,7 @@ template <class T>
 class ParameterValue
 {
 public:
+    // In the body: `own` comes after `place` and would be cleared after its initialiser.
     ParameterValue()
     {
         place = new (own) T();

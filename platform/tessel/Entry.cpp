@@ -51,22 +51,32 @@ int Entry::GetFloat4Value(Float4* out) const
     return GetFloats(KindFloat4, out);
 }
 
-void Entry::EnterSlot(KVSlot& slot)
+/// Gives where the int or the floats are while no slot has them.
+void* Entry::GetOwnBytes()
 {
-    const void* value = HasFloats() ? GetOutside() : reinterpret_cast<char*>(&word) + 4;
-    std::memcpy(slot.bytes, value, HasFloats() ? sizeof(Float4) : sizeof(int));
+    return HasFloats() ? GetOutside() : reinterpret_cast<char*>(&word) + sizeof(word) / 2;
+}
+
+// All four floats, whatever their number: the memory for them has room for four.
+std::size_t Entry::GetOwnSize() const
+{
+    return HasFloats() ? sizeof(Float4) : sizeof(int);
+}
+
+void Entry::MoveToSlot(KVSlot& slot)
+{
+    std::memcpy(slot.bytes, GetOwnBytes(), GetOwnSize());
     slot.value = this;
     slot.held = word;
     SetOutside(KindSlot, &slot);
 }
 
-void Entry::LeaveSlot()
+void Entry::MoveFromSlot()
 {
     KVSlot& slot = GetSlot();
     slot.value = nullptr;
     word = slot.held;
-    void* value = HasFloats() ? GetOutside() : reinterpret_cast<char*>(&word) + 4;
-    std::memcpy(value, slot.bytes, HasFloats() ? sizeof(Float4) : sizeof(int));
+    std::memcpy(GetOwnBytes(), slot.bytes, GetOwnSize());
 }
 
 Entry Entry::GetSlotNumber() const
@@ -118,7 +128,7 @@ void Entry::ReleaseMemory()
 {
     if (GetKind() == KindSlot)
     {
-        LeaveSlot();
+        MoveFromSlot();
     }
     if ((kHasMemory >> GetKind() & 1) != 0)
     {

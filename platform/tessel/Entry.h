@@ -41,13 +41,13 @@ Integer Saturate(float value)
 
 /// The value of one key of a table: 16 bytes on a 64-bit machine, the size that most decides what a
 /// tree of many small tables takes. The key is in the table's shape. Behind the pointer that every
-/// `KVValue` has is a word: its four low bits are the kind, the rest is a number, a short text or
-/// the address of what does not fit.
+/// `KVValue` has is a word: its four low bits are the kind, the rest is a number, a short text,
+/// or the address of what does not fit or of the slot.
 class Entry final : public KVValue
 {
 public:
-    /// How the value is stored: the type numbers, and kinds of their own for a text outside and for
-    /// a value that its writer keeps.
+    /// How the value is stored: the number of its type, with a kind of its own for a long text and
+    /// for a value in a slot.
     enum Kind : unsigned
     {
         KindNone = ValueType_None,
@@ -123,38 +123,25 @@ public:
         return Buffer(Allocate(sizeof(Float4)));
     }
 
-    /// Tells whether there is a value of `kind`, which the type `Value` fits.
-    template <class Value>
-    bool Is(Kind kind) const
+    /// Tells whether there is an unsigned: the lower half of the word is the kind alone.
+    bool HasUInt() const
     {
-        // Of a number the lower half of the word is the kind alone: one compare.
-        return sizeof(Value) == 4 ? static_cast<std::uint32_t>(word) == kind
-                                  : ((word - kind) & kKindMask) == 0;
+        return static_cast<std::uint32_t>(word) == KindUInt;
     }
 
-    /// Stores a value in place of one of the same `kind`.
-    template <class Value>
-    void Overwrite(Kind kind, const Value& value)
+    /// Stores an unsigned in place of one.
+    void ReplaceUInt(unsigned number)
     {
-        if constexpr (sizeof(Value) == 4)
-        {
-            std::memcpy(reinterpret_cast<char*>(&word) + 4, &value, sizeof(value));
-        }
-        else
-        {
-            // NOLINTNEXTLINE(performance-no-int-to-ptr): the pointer shares its word with the kind.
-            std::memcpy(reinterpret_cast<void*>(static_cast<std::uintptr_t>(word - kind)), &value,
-                        sizeof(value));
-        }
+        std::memcpy(reinterpret_cast<char*>(&word) + sizeof(word) / 2, &number, sizeof(number));
     }
 
-    /// Lets `slot` have the value from now on, and stores it there. It must be an int or floats.
-    void EnterSlot(KVSlot& slot);
+    /// Moves the value, an int or floats, to `slot`, where it is read and written from now on.
+    void MoveToSlot(KVSlot& slot);
 
-    /// Takes the value back. The entry must have a slot.
-    void LeaveSlot();
+    /// Moves the value back from the slot, which must be there, and unbinds the slot.
+    void MoveFromSlot();
 
-    /// Stores a value in the slot, if the entry has one for values of `kind`.
+    /// Stores a value in the slot, if there is one with a value of `kind`. False otherwise.
     template <class Value>
     bool StoreInSlot(Kind kind, const Value& value)
     {
@@ -175,8 +162,8 @@ public:
     /// Gives memory for a long text. May throw `std::bad_alloc`.
     static Buffer MakeTextBuffer(std::size_t length);
 
-    /// Frees the memory of a value that does not fit into the entry. The kind is none then. A slot
-    /// is no longer bound.
+    /// Unbinds the slot, if there is one, and frees the memory of a value that does not fit into
+    /// the entry, whose kind is then none.
     void ReleaseMemory();
 
     /// Tells whether the entry holds a long text in whose place one of `length` fits.
@@ -195,7 +182,7 @@ public:
     }
 
     /// Tells whether the value may be in a slot.
-    bool FitsSlot() const
+    bool CanMoveToSlot() const
     {
         return ((kHasFloats | 1u << KindInt | 1u << KindFloat) >> GetKind() & 1) != 0;
     }
@@ -260,6 +247,9 @@ private:
 
     /// Gives the number in the slot as a value of its own, an empty one when there is no number.
     Entry GetSlotNumber() const;
+
+    void* GetOwnBytes();
+    std::size_t GetOwnSize() const;
 
     void* GetOutside() const
     {

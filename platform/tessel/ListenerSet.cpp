@@ -213,9 +213,12 @@ void ListenerSet::Remove(const KeyText& name, const KVListener& listener)
 
 bool ListenerSet::IsOnly(const char* name, const KVWriter& writer)
 {
-    // Writers ask again and again while a tool listens, mostly to the only key that has listeners.
-    const bool areSeveral = groupCount == 1 && home.first != home.last;
-    if (areSeveral || isTableListenerShared || tableListener.function != writer.ofTable)
+    // A quick no: while a tool listens, the writer asks after every write, and mostly its key is
+    // the only one with listeners. A set with one group that is not `home` takes the way below.
+    const bool hasOtherRecord = groupCount == 1 && home.first != home.last;
+    const bool isTableHeard =
+        writer.ofTable == nullptr ? isTableListenerGiven : isTableListenerShared;
+    if (hasOtherRecord || isTableHeard || tableListener.function != writer.ofTable)
     {
         return false;
     }

@@ -35,7 +35,7 @@ public:
     /// Removes the first record of `name` with the object and the function of `listener`.
     void Remove(const KeyText& name, const KVListener& listener);
 
-    /// Gives the table's own record.
+    /// Gives the table's own record, and notes that it was asked for.
     KVListener* GetTableListener()
     {
         isTableListenerShared = isTableListenerGiven;
@@ -53,16 +53,17 @@ public:
     /// record to fill in.
     bool IsOnly(const char* name, const KVWriter& writer);
 
-    /// Notes that a slot is bound to a key of the table.
-    void NoteSlot()
+    /// Notes that a slot is bound to a key of the table. It is noted here because only a table with
+    /// listeners has bound slots.
+    void NoteBound()
     {
-        haveSlots = true;
+        wasBound = true;
     }
 
     /// Tells whether a slot was ever bound to a key of the table.
-    bool HaveSlots() const
+    bool WasBound() const
     {
-        return haveSlots;
+        return wasBound;
     }
 
     /// Calls the listeners of `name` that were there when the call began, then the table's own.
@@ -122,7 +123,7 @@ private:
     std::uint64_t nextSerial = 0;
     std::uint32_t bucketCount = 1; ///< a power of two
     std::uint32_t groupCount = 0;
-    bool haveSlots = false;
+    bool wasBound = false; ///< a slot was bound to a key
     bool isTableListenerGiven = false;
     bool isTableListenerShared = false; ///< it was given more than once
 };

@@ -221,13 +221,13 @@ KVValue* Table::FindValue(const char* key)
 
 KVListener* Table::GetTableListener()
 {
-    EndSlots();
+    UnbindAll();
     return NeedListeners().GetTableListener();
 }
 
 KVListener* Table::GetValueListener(const char* key)
 {
-    EndSlot(key);
+    Unbind(key);
     return key == nullptr ? nullptr : NeedListeners().Add(KeyText(key));
 }
 
@@ -235,7 +235,7 @@ void Table::RemoveValueListener(const char* key, const KVListener* listener)
 {
     if (HasListeners() && key != nullptr && listener != nullptr && listener->function != nullptr)
     {
-        EndSlot(key);
+        Unbind(key);
         more->listeners->Remove(KeyText(key), *listener);
     }
 }
@@ -273,7 +273,7 @@ int Table::GetTypeAt(unsigned index)
     return index < CountKeys() ? GetEntry(index)->GetValueType() : static_cast<int>(ValueType_None);
 }
 
-bool Table::Bind(KVSlot& keeper, const char* key, ValueType type, const KVWriter& writer)
+bool Table::Bind(KVSlot& target, const char* key, ValueType type, const KVWriter& writer)
 {
     if (!HasListeners() || key == nullptr || !more->listeners->IsOnly(key, writer))
     {
@@ -281,33 +281,33 @@ bool Table::Bind(KVSlot& keeper, const char* key, ValueType type, const KVWriter
     }
     Entry* entry = Find(key);
     if (entry == nullptr || static_cast<int>(entry->GetKind()) != static_cast<int>(type) ||
-        !entry->FitsSlot())
+        !entry->CanMoveToSlot())
     {
         return false;
     }
-    entry->EnterSlot(keeper);
-    more->listeners->NoteSlot();
+    entry->MoveToSlot(target);
+    more->listeners->NoteBound();
     return true;
 }
 
-/// Ends that the slot of `key` is bound, if there is one.
-void Table::EndSlot(const char* key)
+/// Unbinds the slot that is bound to `key`, if there is one.
+void Table::Unbind(const char* key)
 {
-    Entry* entry = HasSlots() ? Find(key) : nullptr;
+    Entry* entry = MayHaveBoundKeys() ? Find(key) : nullptr;
     if (entry != nullptr && entry->GetKind() == Entry::KindSlot)
     {
-        entry->LeaveSlot();
+        entry->MoveFromSlot();
     }
 }
 
-void Table::EndSlots()
+void Table::UnbindAll()
 {
-    const std::uint32_t count = HasSlots() ? CountKeys() : 0;
+    const std::uint32_t count = MayHaveBoundKeys() ? CountKeys() : 0;
     for (std::uint32_t i = 0; i < count; ++i)
     {
         if (GetEntry(i)->GetKind() == Entry::KindSlot)
         {
-            GetEntry(i)->LeaveSlot();
+            GetEntry(i)->MoveFromSlot();
         }
     }
 }

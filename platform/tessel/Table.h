@@ -108,8 +108,8 @@ public:
         return HasElements() && more->elements->RemoveLast();
     }
 
-    /// Binds a slot, see `SlotOperations`.
-    bool Bind(KVSlot& keeper, const char* key, ValueType type, const KVWriter& writer);
+    /// Binds `target` to `key`, or returns false; see `SlotOperations`.
+    bool Bind(KVSlot& target, const char* key, ValueType type, const KVWriter& writer);
 
     const char* GetName() const
     {
@@ -203,7 +203,7 @@ private:
     int WriteHeard(const char* key, const PutAt& putAt);
     template <class Value>
     int Put(const Found& found, const char* key, Entry::Kind kind, Value value);
-    // Apart, so that a write over a plain value pays a test for it.
+    // Out of line, so that a write over a plain value pays only for the test.
     template <class Value>
     TESSEL_NOINLINE void PutOver(Entry& entry, Entry::Kind kind, Value value);
     template <class Floats>
@@ -216,13 +216,13 @@ private:
         return more != nullptr && more->elements != nullptr;
     }
 
-    bool HasSlots() const
+    bool MayHaveBoundKeys() const
     {
-        return HasListeners() && more->listeners->HaveSlots();
+        return HasListeners() && more->listeners->WasBound();
     }
 
-    void EndSlot(const char* key);
-    void EndSlots();
+    void Unbind(const char* key);
+    void UnbindAll();
     bool IsBelow(Table& top);
 
     std::uint32_t GetLink() const

@@ -15,7 +15,7 @@ void ReleaseSlot(KVSlot* slot)
 {
     if (slot->value != nullptr)
     {
-        static_cast<Entry*>(slot->value)->LeaveSlot();
+        static_cast<Entry*>(slot->value)->MoveFromSlot();
     }
 }
 
@@ -47,8 +47,8 @@ int FindBranch(KVBranch* branch, KVTable parent, const char* key)
     return table == nullptr ? 0 : 1;
 }
 
-/// Tells whether the table of `branch` is what the parent's key holds now. The memory of both
-/// tables can be asked, as that of a slot's.
+/// Tells whether the table of `branch` is what the parent's key holds now. The memory of a table is
+/// never freed, so a closed one can be asked too.
 bool IsThere(const KVBranch& branch)
 {
     if (!branch.table)
@@ -78,14 +78,14 @@ int SetUIntsAt(const KVBranch* branch, KVValue* const* values, const unsigned* n
     }
     for (unsigned i = 0; i < count; ++i)
     {
-        if (!static_cast<const Entry*>(values[i])->Is<unsigned>(Entry::KindUInt))
+        if (!static_cast<const Entry*>(values[i])->HasUInt())
         {
             return 0;
         }
     }
     for (unsigned i = 0; i < count; ++i)
     {
-        static_cast<Entry*>(values[i])->Overwrite(Entry::KindUInt, numbers[i]);
+        static_cast<Entry*>(values[i])->ReplaceUInt(numbers[i]);
     }
     return 1;
 }

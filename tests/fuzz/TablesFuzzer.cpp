@@ -577,7 +577,7 @@ void Pair::CompareAll()
         CompareTable(model);
         open += model.open ? 1 : 0;
     }
-    CompareSlots();
+    CheckSlots();
     Require(GetOpenTableCount() == open, "as many tables are open");
 }
 

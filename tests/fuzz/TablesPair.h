@@ -146,9 +146,9 @@ private:
     void EndWrite();
     void Step();
     void MakeTable();
-    bool MayTake(const ModelSlot& slot, int type);
-    bool IsTaken(const ModelSlot& slot) const;
-    void CompareSlots();
+    bool MayBind(const ModelSlot& slot, int type);
+    bool IsBoundByAnother(const ModelSlot& slot) const;
+    void CheckSlots();
     bool SetBySlot(int table, const Words& key, const ModelValue& value);
     void FindBranch(int parent, const std::string& key, int table);
     void FindValues(ModelBranch& branch);

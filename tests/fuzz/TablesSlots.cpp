@@ -10,6 +10,31 @@ namespace vell::fuzz
 
 using namespace Tessel;
 
+namespace
+{
+
+/// Gives the bytes of a value that a slot can have, 0 for other types.
+std::size_t SizeOf(ValueType type)
+{
+    switch (type)
+    {
+    case ValueType_Int:
+        return sizeof(int);
+    case ValueType_Float:
+        return sizeof(float);
+    case ValueType_Float2:
+        return sizeof(Float2);
+    case ValueType_Float3:
+        return sizeof(Float3);
+    case ValueType_Float4:
+        return sizeof(Float4);
+    default:
+        return 0;
+    }
+}
+
+} // namespace
+
 Pair::~Pair()
 {
     for (ModelSlot& slot : slots)
@@ -18,12 +43,13 @@ Pair::~Pair()
     }
 }
 
-/// Tells whether a value of `type` may be written to a slot without a call of a listener.
-bool Pair::MayTake(const ModelSlot& slot, int type)
+/// Tells whether `slot` may be bound for values of `type`.
+bool Pair::MayBind(const ModelSlot& slot, int type)
 {
     const ModelTable& model = tables[static_cast<std::size_t>(slot.table)];
     const ModelValue* there = Find(slot.table, slot.key);
-    if (!model.open || there == nullptr || there->type != type || model.ownGiven > 1)
+    const int mostGiven = slot.writer.ofTable == nullptr ? 0 : 1;
+    if (!model.open || there == nullptr || there->type != type || model.ownGiven > mostGiven)
     {
         return false;
     }
@@ -43,7 +69,7 @@ bool Pair::MayTake(const ModelSlot& slot, int type)
 }
 
 /// Tells whether another slot is bound to the key of `slot`.
-bool Pair::IsTaken(const ModelSlot& slot) const
+bool Pair::IsBoundByAnother(const ModelSlot& slot) const
 {
     return std::any_of(slots.begin(), slots.end(),
                        [&](const ModelSlot& other)
@@ -58,9 +84,7 @@ bool Pair::IsTaken(const ModelSlot& slot) const
 bool Pair::SetBySlot(int table, const Words& key, const ModelValue& value)
 {
     const int type = value.type;
-    const bool fits = type == ValueType_Int || type == ValueType_Float ||
-                      type == ValueType_Float2 || type == ValueType_Float3 ||
-                      type == ValueType_Float4;
+    const bool fits = SizeOf(static_cast<ValueType>(type)) != 0;
     bool isTaken = false;
     for (ModelSlot& slot : slots)
     {
@@ -74,21 +98,17 @@ bool Pair::SetBySlot(int table, const Words& key, const ModelValue& value)
             const int bound = TesselGetSlotOperations()->bind(
                 &slot.slot, tables[static_cast<std::size_t>(table)].handle, slot.key.c_str(),
                 slot.type, &slot.writer);
-            Require((bound != 0) == (fits && MayTake(slot, type) && !IsTaken(slot)),
+            Require((bound != 0) == (fits && MayBind(slot, type) && !IsBoundByAnother(slot)),
                     "a slot is bound when nobody else hears");
         }
         if (slot.slot.value == nullptr || slot.type != type)
         {
             continue;
         }
-        const std::size_t size = type == ValueType_Float2   ? sizeof(Float2)
-                                 : type == ValueType_Float3 ? sizeof(Float3)
-                                 : type == ValueType_Float4 ? sizeof(Float4)
-                                                            : sizeof(float);
         std::memcpy(slot.slot.bytes,
                     type == ValueType_Int ? static_cast<const void*>(&value.word)
                                           : value.floats.data(),
-                    size);
+                    SizeOf(slot.type));
         isTaken = true;
     }
     if (isTaken)
@@ -98,13 +118,14 @@ bool Pair::SetBySlot(int table, const Words& key, const ModelValue& value)
     return isTaken;
 }
 
-/// A slot that is still bound is one that may be.
-void Pair::CompareSlots()
+/// Requires that each bound slot may be bound, and is the only one of its key.
+void Pair::CheckSlots()
 {
     for (const ModelSlot& slot : slots)
     {
-        Require(slot.slot.value == nullptr || MayTake(slot, slot.type), "a bound slot may be");
-        Require(slot.slot.value == nullptr || !IsTaken(slot), "a key has one slot");
+        const bool isBound = slot.slot.value != nullptr;
+        Require(!isBound || MayBind(slot, slot.type), "a slot is bound only while it may be");
+        Require(!isBound || !IsBoundByAnother(slot), "only one slot is bound to a key");
     }
 }
 

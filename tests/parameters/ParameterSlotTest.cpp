@@ -1,6 +1,6 @@
 // VELL: data-driven hierarchical state machines.
-// tests/parameters/ParameterSlotTest.cpp: parameters whose values are written without look-ups,
-// beside others whose values never are.
+// tests/parameters/ParameterSlotTest.cpp: parameters that keep the value which the tree shows,
+// beside others that write it by key.
 #include <vell/Parameters.h>
 
 #include "parameters/ParameterTable.h"

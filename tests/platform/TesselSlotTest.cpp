@@ -67,11 +67,11 @@ struct Written
 };
 
 /// What becomes of a slot.
-enum class Slot
+enum class After
 {
-    Stays,  ///< it stays bound
-    Again,  ///< it ends, and may be bound again
-    Refused ///< it ends, and is not bound again
+    StaysBound,
+    MayBeBoundAgain,
+    IsRefused ///< it is unbound, and not bound again
 };
 
 /// What may happen to the table of a slot. `value` is that of the key afterwards, as a float.
@@ -79,12 +79,12 @@ struct Event
 {
     const char* name;
     void (*happen)(Written& written);
-    Slot slot;
+    After slot;
     float value = 3.0f;
 };
 
 constexpr Event kEvents[] = {
-    {"nothing", [](Written&) {}, Slot::Stays},
+    {"nothing", [](Written&) {}, After::StaysBound},
     {"many other keys",
      [](Written& written)
      {
@@ -93,13 +93,13 @@ constexpr Event kEvents[] = {
              written.table->SetInt(("key" + std::to_string(i)).c_str(), i, 1);
          }
      },
-     Slot::Stays},
+     After::StaysBound},
     {"a listener of another key",
      [](Written& written)
      {
          *written.table->GetValueListener("first") = KVListener{nullptr, HearNothing};
      },
-     Slot::Stays},
+     After::StaysBound},
     {"the table is attached elsewhere",
      [](Written& written)
      {
@@ -107,49 +107,49 @@ constexpr Event kEvents[] = {
          parent->AttachTable("child", written.table, 1);
          CloseTable(parent);
      },
-     Slot::Stays},
+     After::StaysBound},
     {"a value of the same type",
      [](Written& written)
      {
          written.table->SetFloat("value", 2.0f, 1);
      },
-     Slot::Stays, 2.0f},
+     After::StaysBound, 2.0f},
     {"an int",
      [](Written& written)
      {
          written.table->SetInt("value", 2, 1);
      },
-     Slot::Refused, 2.0f},
+     After::IsRefused, 2.0f},
     {"a short text",
      [](Written& written)
      {
          written.table->SetString("value", "2", 1);
      },
-     Slot::Refused, 0.0f},
+     After::IsRefused, 0.0f},
     {"a long text",
      [](Written& written)
      {
          written.table->SetString("value", "a text that does not fit into the entry", 1);
      },
-     Slot::Refused, 0.0f},
+     After::IsRefused, 0.0f},
     {"a table",
      [](Written& written)
      {
          written.table->AddTable("value", 1);
      },
-     Slot::Refused, 0.0f},
+     After::IsRefused, 0.0f},
     {"an empty record of the key",
      [](Written& written)
      {
          written.table->GetValueListener("value");
      },
-     Slot::Refused},
+     After::IsRefused},
     {"a listener of the key",
      [](Written& written)
      {
          *written.table->GetValueListener("value") = KVListener{nullptr, HearNothing};
      },
-     Slot::Refused},
+     After::IsRefused},
     {"a listener of the key that was removed",
      [](Written& written)
      {
@@ -157,77 +157,77 @@ constexpr Event kEvents[] = {
          *written.table->GetValueListener("value") = other;
          written.table->RemoveValueListener("value", &other);
      },
-     Slot::Again},
+     After::MayBeBoundAgain},
     {"the writer's own listener removed",
      [](Written& written)
      {
          written.table->RemoveValueListener("value", &written.writer.ofKey);
      },
-     Slot::Refused},
+     After::IsRefused},
     {"the writer's own listener removed and added",
      [](Written& written)
      {
          written.table->RemoveValueListener("value", &written.writer.ofKey);
          *written.table->GetValueListener("value") = written.writer.ofKey;
      },
-     Slot::Again},
+     After::MayBeBoundAgain},
     {"another's listener in the place of the writer's",
      [](Written& written)
      {
          written.table->RemoveValueListener("value", &written.writer.ofKey);
          *written.table->GetValueListener("value") = KVListener{nullptr, HearNothing};
      },
-     Slot::Refused},
+     After::IsRefused},
     {"a function of another's with the writer as its object",
      [](Written& written)
      {
          written.table->RemoveValueListener("value", &written.writer.ofKey);
          *written.table->GetValueListener("value") = KVListener{&written, HearOfTable};
      },
-     Slot::Refused},
+     After::IsRefused},
     {"a listener of another key in the place of the writer's",
      [](Written& written)
      {
          written.table->RemoveValueListener("value", &written.writer.ofKey);
          *written.table->GetValueListener("first") = written.writer.ofKey;
      },
-     Slot::Refused},
+     After::IsRefused},
     {"the slot released",
      [](Written& written)
      {
          Slots().release(&written.slot);
      },
-     Slot::Again},
+     After::MayBeBoundAgain},
     {"the table's own record asked for",
      [](Written& written)
      {
          written.table->GetTableListener();
      },
-     Slot::Refused},
+     After::IsRefused},
     {"another listener of the table",
      [](Written& written)
      {
          *written.table->GetTableListener() = KVListener{nullptr, HearNothing};
      },
-     Slot::Refused},
+     After::IsRefused},
     {"no listener of the table",
      [](Written& written)
      {
          *written.table->GetTableListener() = KVListener{};
      },
-     Slot::Refused},
+     After::IsRefused},
     {"another object with the writer's function",
      [](Written& written)
      {
          *written.table->GetTableListener() = KVListener{&written, HearOfTable};
      },
-     Slot::Refused},
+     After::IsRefused},
     {"the table closed",
      [](Written& written)
      {
          CloseTable(written.table);
      },
-     Slot::Refused, 0.0f},
+     After::IsRefused, 0.0f},
     {"the table closed, and another one in its slot",
      [](Written& written)
      {
@@ -242,10 +242,71 @@ constexpr Event kEvents[] = {
          EXPECT_FALSE(written.Bind());
          CloseTable(next);
      },
-     Slot::Refused, 0.0f},
+     After::IsRefused, 0.0f},
 };
 
 constexpr Float4 kFloats{1.0f, 2.0f, 3.0f, 4.0f};
+constexpr Float4 kSevens{7.0f, 7.0f, 7.0f, 7.0f};
+
+/// A type of several floats. `get` gives those of the key, in `out`, and 0 when it has others.
+struct FloatsType
+{
+    ValueType type;
+    unsigned count;
+    int (*set)(KVTable table, const Float4& value);
+    int (*get)(KVTable table, Float4* out);
+};
+
+constexpr FloatsType kFloatsTypes[] = {
+    {ValueType_Float2, 2,
+     [](KVTable table, const Float4& value)
+     {
+         const Float2 two{value.x, value.y};
+         return table->SetFloat2("value", &two, 1);
+     },
+     [](KVTable table, Float4* out)
+     {
+         return table->GetFloat2("value", reinterpret_cast<Float2*>(out));
+     }},
+    {ValueType_Float3, 3,
+     [](KVTable table, const Float4& value)
+     {
+         const Float3 three{value.x, value.y, value.z};
+         return table->SetFloat3("value", &three, 1);
+     },
+     [](KVTable table, Float4* out)
+     {
+         return table->GetFloat3("value", reinterpret_cast<Float3*>(out));
+     }},
+    {ValueType_Float4, 4,
+     [](KVTable table, const Float4& value)
+     {
+         return table->SetFloat4("value", &value, 1);
+     },
+     [](KVTable table, Float4* out)
+     {
+         return table->GetFloat4("value", out);
+     }},
+};
+
+std::vector<float> First(const Float4& floats, unsigned count)
+{
+    const std::vector<float> all{floats.x, floats.y, floats.z, floats.w};
+    return {all.begin(), all.begin() + count};
+}
+
+/// Gives the key's floats, which no other type of floats finds.
+std::vector<float> Read(KVTable table, const FloatsType& wanted)
+{
+    Float4 out{};
+    for (const FloatsType& type : kFloatsTypes)
+    {
+        Float4 read{};
+        EXPECT_EQ(type.get(table, &read), type.type == wanted.type ? 1 : 0);
+        out = type.type == wanted.type ? read : out;
+    }
+    return First(out, wanted.count);
+}
 
 } // namespace
 
@@ -261,9 +322,9 @@ TEST(TesselSlot, IsBoundWhileNobodyElseCouldHearOfAWrite)
 
         event.happen(written);
 
-        EXPECT_EQ(written.IsBound(), event.slot == Slot::Stays);
+        EXPECT_EQ(written.IsBound(), event.slot == After::StaysBound);
         EXPECT_EQ(written.table->GetFloat("value"), event.value);
-        EXPECT_EQ(written.Bind(), event.slot != Slot::Refused);
+        EXPECT_EQ(written.Bind(), event.slot != After::IsRefused);
         EXPECT_EQ(written.table->GetFloat("value"), event.value);
         if (Tessel::GetTableName(written.table) != nullptr)
         {
@@ -316,62 +377,41 @@ TEST(TesselSlot, OfAnIntIsReadAsEveryNumber)
 
 TEST(TesselSlot, HasTwoToFourFloats)
 {
-    const ValueType types[] = {ValueType_Float2, ValueType_Float3, ValueType_Float4};
-    for (const ValueType type : types)
+    for (const FloatsType& floats : kFloatsTypes)
     {
-        SCOPED_TRACE(type);
+        SCOPED_TRACE(floats.count);
         Written written;
-        const Float2 two{7.0f, 7.0f};
-        const Float3 three{7.0f, 7.0f, 7.0f};
-        const Float4 four{7.0f, 7.0f, 7.0f, 7.0f};
-        const auto set = [&]
-        {
-            return type == ValueType_Float2   ? written.table->SetFloat2("value", &two, 1)
-                   : type == ValueType_Float3 ? written.table->SetFloat3("value", &three, 1)
-                                              : written.table->SetFloat4("value", &four, 1);
-        };
-        const auto get = [&](Float4* out)
-        {
-            Float2 gotTwo{};
-            Float3 gotThree{};
-            const int count = written.table->GetFloat2("value", &gotTwo) +
-                              written.table->GetFloat3("value", &gotThree) +
-                              written.table->GetFloat4("value", out);
-            EXPECT_EQ(count, 1);
-            *out = type == ValueType_Float2   ? Float4{gotTwo.x, gotTwo.y, 0.0f, 0.0f}
-                   : type == ValueType_Float3 ? Float4{gotThree.x, gotThree.y, gotThree.z, 0.0f}
-                                              : *out;
-        };
-        ASSERT_EQ(set(), 1);
-        ASSERT_TRUE(written.Bind(type));
+        ASSERT_EQ(floats.set(written.table, kSevens), 1);
+        ASSERT_TRUE(written.Bind(floats.type));
         EXPECT_EQ(written.table->GetInt("value"), 0);
         EXPECT_EQ(written.table->GetUInt("value"), 0u);
         EXPECT_EQ(written.table->GetFloat("value"), 0.0f);
-        const float last = type == ValueType_Float4 ? kFloats.w : 0.0f;
-        const float third = type == ValueType_Float2 ? 0.0f : kFloats.z;
 
         written.Store(kFloats);
 
-        Float4 out{};
-        get(&out);
-        EXPECT_EQ(out.x, kFloats.x);
-        EXPECT_EQ(out.y, kFloats.y);
-        EXPECT_EQ(out.z, third);
-        EXPECT_EQ(out.w, last);
+        EXPECT_EQ(Read(written.table, floats), First(kFloats, floats.count));
         Slots().release(&written.slot);
-        out = Float4{};
-        get(&out);
-        EXPECT_EQ(out.y, kFloats.y);
-        EXPECT_EQ(out.w, last);
+        EXPECT_EQ(Read(written.table, floats), First(kFloats, floats.count));
+    }
+}
 
-        ASSERT_TRUE(written.Bind(type));
-        EXPECT_EQ(set(), 1);
+TEST(TesselSlot, TakesWritesOfAsManyFloatsAndIsUnboundByOthers)
+{
+    for (const FloatsType& floats : kFloatsTypes)
+    {
+        SCOPED_TRACE(floats.count);
+        Written written;
+        ASSERT_EQ(floats.set(written.table, kFloats), 1);
+        ASSERT_TRUE(written.Bind(floats.type));
+
+        EXPECT_EQ(floats.set(written.table, kSevens), 1);
         EXPECT_TRUE(written.IsBound());
-        get(&out);
-        EXPECT_EQ(out.x, 7.0f);
-        written.table->SetInt("value", 8, 1);
+        EXPECT_EQ(Read(written.table, floats), First(kSevens, floats.count));
+
+        const FloatsType& other = kFloatsTypes[floats.count == 2 ? 1 : 0];
+        EXPECT_EQ(other.set(written.table, kFloats), 1);
         EXPECT_FALSE(written.IsBound());
-        EXPECT_EQ(written.table->GetInt("value"), 8);
+        EXPECT_EQ(Read(written.table, other), First(kFloats, other.count));
     }
 }
 
@@ -427,7 +467,28 @@ TEST(TesselSlot, IsNotBoundWithoutAValueThatIsListenedTo)
     Slots().release(&slot);
 }
 
-TEST(TesselSlot, EndsWithEveryOtherSlotOfTheTableWhoseRecordIsAskedFor)
+TEST(TesselSlot, OfAWriterThatDoesNotListenToTheTableIsRefusedOnceTheTablesRecordIsGiven)
+{
+    for (const bool isGiven : {false, true})
+    {
+        const KVTable table = CreateTable("table");
+        const KVWriter writer{{nullptr, HearNothing}, nullptr};
+        table->SetInt("value", 1, 1);
+        *table->GetValueListener("value") = writer.ofKey;
+        if (isGiven)
+        {
+            table->GetTableListener();
+        }
+        KVSlot slot{};
+
+        EXPECT_EQ(Slots().bind(&slot, table, "value", ValueType_Int, &writer), isGiven ? 0 : 1);
+
+        CloseTable(table);
+        EXPECT_EQ(slot.value, nullptr);
+    }
+}
+
+TEST(TesselSlot, IsUnboundWithAllOthersOfItsTableWhenTheTablesRecordIsAskedFor)
 {
     Written written;
     written.table->SetInt("second", 4, 1);
