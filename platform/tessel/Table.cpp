@@ -580,9 +580,15 @@ int Table::PutFloats(const Found& found, const char* key, Entry::Kind kind, cons
         found.entry->StoreFloats(kind, floats);
         return 1;
     }
-    if (found.entry != nullptr && found.entry->StoreInSlot(kind, floats))
+    if (found.entry != nullptr && found.entry->GetKind() == Entry::KindSlot)
     {
-        return 1;
+        if (found.entry->StoreInSlot(kind, floats))
+        {
+            return 1;
+        }
+        // What it holds may be memory for floats.
+        found.entry->MoveFromSlot();
+        return PutFloats(found, key, kind, floats);
     }
     Entry::Buffer buffer = Entry::MakeFloatsBuffer();
     Entry& entry = NeedEntry(found, key);

@@ -1,6 +1,7 @@
 // VELL: data-driven hierarchical state machines.
 // tests/parameters/ParameterSlotTest.cpp: parameters that keep the value which the tree shows,
 // beside others that write it by key.
+#include <vell/Factories.h>
 #include <vell/Parameters.h>
 
 #include "parameters/ParameterTable.h"
@@ -8,13 +9,18 @@
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LoadedParameters.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/SmallDocument.h"
+#include "tests/support/TestMachine.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <list>
+#include <memory>
 #include <set>
 #include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace vell::test
 {
@@ -54,7 +60,7 @@ public:
     {
         Side* side;
         int number;
-        int deed; ///< what it does when it hears of a write
+        std::size_t deed; ///< what it does when it hears of a write, in `kReactions`
         unsigned int parameter;
         int heard = 0;
     };
@@ -84,8 +90,9 @@ public:
         }
     }
 
-    void Listen(unsigned int index, int number, int deed, bool toTable)
+    void Listen(unsigned int index, int number, bool toTable)
     {
+        const std::size_t deed = static_cast<std::size_t>(number) % kReactionCount;
         Tessel::KVTable table = Table(index);
         Tessel::KVListener* record =
             toTable ? table->GetTableListener() : table->GetValueListener("value");
@@ -112,6 +119,14 @@ public:
         for (unsigned int i = 0; i < std::size(kNames); ++i)
         {
             ShowParameter(i);
+            if (seen.insert(Bits(Table(i))).second)
+            {
+                tables.emplace_back(Table(i), Table(i)->FindValue("value"));
+            }
+        }
+        for (const auto& table : tables)
+        {
+            ShowTable(table.first, table.second);
         }
         const std::string text = lines.str();
         lines.str("");
@@ -129,11 +144,20 @@ public:
         }
     }
 
+    void ShowThrown()
+    {
+        lines << "thrown\n";
+    }
+
     bool byKey;
     LoadedParameters loaded;
     std::list<Listener> listeners;
 
 private:
+    using Reaction = void (*)(Side& side, const Listener& listener, Tessel::KVTable table);
+    static constexpr std::size_t kReactionCount = 14;
+    static const Reaction kReactions[kReactionCount];
+
     static std::uintptr_t Bits(Tessel::KVTable table)
     {
         std::uintptr_t bits = 0;
@@ -152,24 +176,7 @@ private:
         {
             return 0;
         }
-        const Tessel::KVListener own{object, Hear};
-        switch (listener.deed)
-        {
-        case 1:
-            side.SetValue(listener.parameter, listener.number);
-            break;
-        case 2:
-            table->RemoveValueListener("value", &own);
-            break;
-        case 3:
-            table->SetInt("value", listener.number, 1);
-            break;
-        case 4:
-            side.SetValue((listener.parameter + 1) % 5, listener.number);
-            break;
-        default:
-            break;
-        }
+        kReactions[listener.deed](side, listener, table);
         return 0;
     }
 
@@ -187,6 +194,22 @@ private:
         {
             lines << two.x << " " << two.y << "\n";
         }
+    }
+
+    /// Shows a table that a parameter has or had, by the value that a tool kept.
+    void ShowTable(Tessel::KVTable table, const Tessel::KVValue* value)
+    {
+        if (value == nullptr || Tessel::GetTableName(table) == nullptr)
+        {
+            return;
+        }
+        EXPECT_EQ(table->FindValue("value"), value);
+        const char* text = value->GetStringValue();
+        Tessel::Float2 two{};
+        const int isTwo = value->GetFloat2Value(&two);
+        lines << "kept " << value->GetValueType() << " " << value->GetIntValue() << " "
+              << value->GetUIntValue() << " " << value->GetFloatValue() << " "
+              << (text == nullptr ? "-" : text) << " " << isTwo << " " << two.x << "\n";
     }
 
     std::string ShowValue(unsigned int index)
@@ -210,6 +233,69 @@ private:
 
     std::ostringstream lines;
     std::set<std::uintptr_t> heldUp;
+    std::set<std::uintptr_t> seen;
+    std::vector<std::pair<Tessel::KVTable, const Tessel::KVValue*>> tables; ///< all of `seen`
+};
+
+const Side::Reaction Side::kReactions[] = {
+    [](Side&, const Listener&, Tessel::KVTable) {},
+    [](Side& side, const Listener& listener, Tessel::KVTable)
+    {
+        side.SetValue(listener.parameter, listener.number);
+    },
+    [](Side&, const Listener& listener, Tessel::KVTable table)
+    {
+        const Tessel::KVListener own{const_cast<Listener*>(&listener), Hear};
+        table->RemoveValueListener("value", &own);
+    },
+    [](Side&, const Listener& listener, Tessel::KVTable table)
+    {
+        table->SetInt("value", listener.number, 1);
+    },
+    [](Side& side, const Listener& listener, Tessel::KVTable)
+    {
+        side.SetValue((listener.parameter + 1) % 5, listener.number);
+    },
+    [](Side&, const Listener&, Tessel::KVTable table)
+    {
+        table->SetString("value", "a text that is longer than an entry", 1);
+    },
+    [](Side&, const Listener&, Tessel::KVTable)
+    {
+        throw 1;
+    },
+    [](Side& side, const Listener& listener, Tessel::KVTable)
+    {
+        side.Unlisten(listener.parameter);
+        side.SetValue(listener.parameter, listener.number);
+    },
+    [](Side& side, const Listener& listener, Tessel::KVTable)
+    {
+        side.Listen(listener.parameter, 0, false);
+    },
+    [](Side& side, const Listener& listener, Tessel::KVTable)
+    {
+        side.Listen(listener.parameter, 0, true);
+    },
+    [](Side& side, const Listener& listener, Tessel::KVTable)
+    {
+        side.Parameter(listener.parameter).UnInitKVTableListener();
+        side.SetValue(listener.parameter, listener.number);
+    },
+    [](Side& side, const Listener& listener, Tessel::KVTable)
+    {
+        side.Parameter(listener.parameter).SetSyncState(0);
+        side.SetValue(listener.parameter, listener.number);
+    },
+    [](Side& side, const Listener& listener, Tessel::KVTable)
+    {
+        static_cast<BaseDef&>(side.Parameter(listener.parameter)) =
+            side.Parameter((listener.parameter + 1) % 5);
+    },
+    [](Side&, const Listener&, Tessel::KVTable table)
+    {
+        Tessel::CloseTable(table);
+    },
 };
 
 /// What hosts and tools do, each with two numbers that say where and with what.
@@ -288,12 +374,12 @@ constexpr Deed kDeeds[] = {
     {"a tool listens to the value",
      [](Side& side, unsigned int index, int number)
      {
-         side.Listen(index, number, number % 5, false);
+         side.Listen(index, number, false);
      }},
     {"a tool listens to the table",
      [](Side& side, unsigned int index, int number)
      {
-         side.Listen(index, number, number % 2, true);
+         side.Listen(index, number, true);
      }},
     {"a tool no longer listens to the table",
      [](Side& side, unsigned int index, int)
@@ -339,11 +425,21 @@ constexpr Deed kDeeds[] = {
      {
          static_cast<BaseDef&>(side.Parameter(index % 2)) = side.Parameter((index + 1) % 2);
      }},
-    {"a copy is set",
+    {"a parameter takes over what every node has, from one of any type",
      [](Side& side, unsigned int index, int number)
      {
-         ParameterFloatDef copy(dynamic_cast<ParameterFloatDef&>(side.Parameter(index % 2)));
-         copy.SetValue(static_cast<float>(number));
+         static_cast<BaseDef&>(side.Parameter(index)) =
+             side.Parameter(static_cast<unsigned int>(number) % 5);
+     }},
+    {"the keys of the table are written again",
+     [](Side& side, unsigned int index, int)
+     {
+         side.Parameter(index).InitKVTable();
+     }},
+    {"the table is uninitialised",
+     [](Side& side, unsigned int index, int)
+     {
+         side.Parameter(index).UninitKVTable();
      }},
     {"the host says that a write is under way, or is not",
      [](Side& side, unsigned int index, int number)
@@ -354,6 +450,35 @@ constexpr Deed kDeeds[] = {
 
 /// These end what can happen, so they happen seldom.
 constexpr Deed kEnds[] = {
+    {"a copy listens for a while, and closes the table",
+     [](Side& side, unsigned int index, int number)
+     {
+         ParameterFloatDef copy(dynamic_cast<ParameterFloatDef&>(side.Parameter(index % 2)));
+         copy.InitKVTableListener();
+         copy.SetValue(static_cast<float>(number));
+         side.SetValue(index % 2, number + 1);
+         copy.UnInitKVTableListener();
+         side.SetValue(index % 2, number + 2);
+     }},
+    {"a copy is set, and closes the table",
+     [](Side& side, unsigned int index, int number)
+     {
+         ParameterFloatDef copy(dynamic_cast<ParameterFloatDef&>(side.Parameter(index % 2)));
+         copy.SetValue(static_cast<float>(number));
+     }},
+    {"a parameter is uninitialised",
+     [](Side& side, unsigned int index, int)
+     {
+         side.Parameter(index).Uninit();
+     }},
+    {"a parameter is taken in again, by another name and id",
+     [](Side& side, unsigned int index, int number)
+     {
+         static const char* const names[] = {"a", "b", "c", "d"};
+         side.Parameter(index).SetID(static_cast<unsigned int>(100 + number));
+         side.Parameter(index).SetName(names[number % 4]);
+         side.loaded.table.AddParameter(&side.Parameter(index));
+     }},
     {"a tool closes the table",
      [](Side& side, unsigned int index, int)
      {
@@ -376,6 +501,18 @@ constexpr Deed kEnds[] = {
      }},
 };
 
+void Act(const Deed& deed, Side& side, unsigned int index, int number)
+{
+    try
+    {
+        deed.act(side, index, number);
+    }
+    catch (int)
+    {
+        side.ShowThrown();
+    }
+}
+
 } // namespace
 
 TEST(ParameterSlot, IsWrittenWithoutLookUpsAsItIsByKey)
@@ -390,11 +527,11 @@ TEST(ParameterSlot, IsWrittenWithoutLookUpsAsItIsByKey)
         Side byKey(true);
         for (int step = 0; step < 60; ++step)
         {
-            const Deed deed = random.Chance(2) ? random.PickFrom(kEnds) : random.PickFrom(kDeeds);
+            const Deed deed = random.Chance(4) ? random.PickFrom(kEnds) : random.PickFrom(kDeeds);
             const auto index = static_cast<unsigned int>(random.Below(std::size(kNames)));
-            const int number = random.Between(0, 9);
-            deed.act(side, index, number);
-            deed.act(byKey, index, number);
+            const int number = random.Between(0, 27);
+            Act(deed, side, index, number);
+            Act(deed, byKey, index, number);
             ASSERT_EQ(side.Show(), byKey.Show()) << "step " << step << ": " << deed.name;
         }
     }
@@ -453,6 +590,81 @@ TEST(ParameterSlot, OfAParameterThatOutlivesItsMachineIsOnlyAStore)
     late->SetValue(3.0f);
 
     EXPECT_EQ(late->GetValue(), 3.0f);
+}
+
+namespace
+{
+
+constexpr const char* kSpeed = "speed";
+
+DocumentBuilder SpeedDocument()
+{
+    DocumentBuilder document = SmallDocument();
+    document.Parameter(FloatParameter(kSpeed, 0.5))
+        .Parameter(VectorParameter(6, "turn", "1,2,3,4"));
+    return document;
+}
+
+} // namespace
+
+TEST(ParameterSlot, LeavesTheLastValueInTheTablesOfAMachineThatIsCreatedAgain)
+{
+    LogRecorder log;
+    TestMachine machine(SpeedDocument());
+    ASSERT_EQ(machine.Init(), 1);
+    IParameterTable& parameters = *machine.GetParameterTable();
+    auto* speed = dynamic_cast<ParameterFloatDef*>(parameters.FindParameter(kSpeed));
+    auto* turn = dynamic_cast<ParameterFloat4Def*>(parameters.FindParameter("turn"));
+    IParameterFloatDef* late = nullptr;
+    ASSERT_EQ(parameters.CreateFloatParameter("late", 1.0f, &late), 1);
+    for (const float value : {3.0f, 4.0f})
+    {
+        speed->SetValue(value);
+        turn->SetValue({value, value, value, value});
+        late->SetValue(value);
+    }
+    const Tessel::KVTable table = speed->GetKVTable();
+    const Tessel::KVTable ofTurn = turn->GetKVTable();
+    const Tessel::KVValue* kept = table->FindValue("value");
+
+    machine.Create();
+
+    EXPECT_EQ(table->GetFloat("value"), 4.0f);
+    EXPECT_EQ(kept->GetFloatValue(), 4.0f);
+    Tessel::Float4 four{};
+    EXPECT_EQ(ofTurn->GetFloat4("value", &four), 1);
+    EXPECT_EQ(four.w, 4.0f);
+    table->SetFloat("value", 8.0f, 1);
+    table->GetTableListener();
+    table->GetValueListener("value");
+    EXPECT_EQ(kept->GetFloatValue(), 8.0f);
+    late->SetValue(9.0f);
+    EXPECT_EQ(late->GetValue(), 9.0f);
+    machine.Init();
+    EXPECT_EQ(table->GetFloat("value"), 8.0f);
+}
+
+TEST(ParameterSlot, OfAMachineThatIsDeletedWithoutUninitIsReleased)
+{
+    LogRecorder log;
+    const std::string text = SpeedDocument().Text();
+    const Tessel::KVTable tool = Tessel::CreateTable("tool");
+    Tessel::KVTable table;
+    {
+        const std::unique_ptr<IHSM> machine(CreateHSMJson(text.c_str()));
+        ASSERT_EQ(machine->Init(), 1);
+        auto* speed =
+            dynamic_cast<ParameterFloatDef*>(machine->GetParameterTable()->FindParameter(kSpeed));
+        speed->SetValue(3.0f);
+        speed->SetValue(4.0f);
+        table = speed->GetKVTable();
+        tool->AttachTable("speed", table, 1);
+        EXPECT_EQ(tool->GetTable("speed")->GetFloat("value"), 4.0f);
+    }
+
+    EXPECT_FALSE(tool->GetTable("speed"));
+    EXPECT_EQ(table->GetFloat("value"), 0.0f);
+    Tessel::CloseTable(tool);
 }
 
 } // namespace vell::test

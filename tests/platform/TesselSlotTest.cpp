@@ -5,6 +5,7 @@
 #include "platform/tessel/TableHandle.h"
 #include "platform/tessel/TableStore.h"
 #include "tests/platform/SlotOperations.h"
+#include "tests/support/HeapWatch.h"
 
 #include <gtest/gtest.h>
 
@@ -16,6 +17,7 @@ namespace
 {
 
 using namespace Tessel;
+using vell::test::HeapWatch;
 using vell::test::HearNothing;
 using vell::test::Slots;
 
@@ -412,6 +414,68 @@ TEST(TesselSlot, TakesWritesOfAsManyFloatsAndIsUnboundByOthers)
         EXPECT_EQ(other.set(written.table, kFloats), 1);
         EXPECT_FALSE(written.IsBound());
         EXPECT_EQ(Read(written.table, other), First(kFloats, other.count));
+    }
+}
+
+TEST(TesselSlot, TakesNoMemoryForFloatsInPlaceOfOthers)
+{
+    Written written;
+    const Float2 two{1.0f, 2.0f};
+    const Float3 three{4.0f, 5.0f, 6.0f};
+    written.table->SetFloat2("value", &two, 1);
+    ASSERT_TRUE(written.Bind(ValueType_Float2));
+    int result = 0;
+
+    const HeapWatch heap;
+    result = written.table->SetFloat3("value", &three, 1);
+
+    EXPECT_EQ(heap.News() + heap.Mallocs(), 0u);
+    EXPECT_EQ(result, 1);
+    EXPECT_FALSE(written.IsBound());
+    Float3 out{};
+    EXPECT_EQ(written.table->GetFloat3("value", &out), 1);
+    EXPECT_EQ(out.z, 6.0f);
+}
+
+TEST(TesselSlot, GivesBackTheMemoryOfItsKey)
+{
+    const Float2 two{1.0f, 2.0f};
+    using Write = void (*)(KVTable table);
+    const Write writes[] = {[](KVTable table)
+                            {
+                                table->SetInt("value", 1, 1);
+                            },
+                            [](KVTable table)
+                            {
+                                table->SetString("value", "short", 1);
+                            },
+                            [](KVTable table)
+                            {
+                                table->SetString("value", "longer than six", 1);
+                            },
+                            [](KVTable table)
+                            {
+                                table->AddTable("value", 1);
+                            },
+                            [](KVTable table)
+                            {
+                                CloseTable(table);
+                            }};
+    for (const Write& write : writes)
+    {
+        { // Whatever a first table leaves for later ones.
+            Written written;
+            write(written.table);
+        }
+        const HeapWatch heap;
+        {
+            Written written;
+            written.table->SetFloat2("value", &two, 1);
+            ASSERT_TRUE(written.Bind(ValueType_Float2));
+            write(written.table);
+            EXPECT_FALSE(written.IsBound());
+        }
+        EXPECT_EQ(heap.BlocksKept(), 0) << (&write - writes);
     }
 }
 
