@@ -57,7 +57,7 @@ static_assert(sizeof(KVBranch) == 5 * sizeof(void*), "crosses the boundary of th
 ///   - the table is open;
 ///   - the key has a value of the given type, and no other slot is bound to it;
 ///   - `ofKey` is in the only record that was given for the key and not removed, empty ones
-///   counted;
+///     counted;
 ///   - the table's own record was asked for at most once, and its function is `ofTable`, with any
 ///     object; a null `ofTable` only when it was never asked for.
 /// It is unbound, and `value` is null again, as soon as one of these happens:

@@ -111,9 +111,9 @@ TEST_F(HostUpdateMachines, IsTheSameAsALoopOfUpdates)
     Crowd together;
     for (Crowd* crowd : {&looped, &together})
     {
-        for (int i = 0; i < 9; ++i)
+        for (int i = 0; i < 15; ++i)
         {
-            crowd->push_back(i == 4 ? Load() : Start());
+            crowd->push_back(i % 7 == 4 ? Load() : Start());
         }
     }
     const std::vector<IHSM*> pointers = Pointers(together);
