@@ -163,6 +163,17 @@ std::string WithAnother(const source::Text& text, const source::Value& value)
     return bytes.insert(value.IsString() ? end - 1 : end, "1");
 }
 
+/// Escapes the underscores that a temporary folder may have in its name.
+std::string InMarkdown(const std::string& path)
+{
+    std::string text;
+    for (const char c : path)
+    {
+        text += c == '_' ? "\\_" : std::string(1, c);
+    }
+    return text;
+}
+
 } // namespace
 
 TEST(Diff, SaysWhatWasAddedRemovedAndChanged)
@@ -494,13 +505,14 @@ TEST(VellDiff, WritesMarkdownForAReview)
     const Outcome same = CallVell({"diff", before, before, "--format", "markdown"});
 
     EXPECT_EQ(other.code, tool::ExitFailed);
-    EXPECT_EQ(other.out, "### " + before + " \xE2\x86\x92 " + after +
+    EXPECT_EQ(other.out, "### " + InMarkdown(before) + " \xE2\x86\x92 " + InMarkdown(after) +
                              "\n\n1 removed, 1 changed\n\n**states**\n\n"
                              "- changed **Walk (12)**\n"
                              "  - clipName \"walk\" \xE2\x86\x92 \"walk\\_\\*\"\n"
                              "- removed **Sky (31)**: generic in Air (30), layer More\n");
     EXPECT_EQ(same.code, tool::ExitWell);
-    EXPECT_EQ(same.out, "### " + before + " \xE2\x86\x92 " + before + "\n\nNo differences.\n");
+    EXPECT_EQ(same.out, "### " + InMarkdown(before) + " \xE2\x86\x92 " + InMarkdown(before) +
+                            "\n\nNo differences.\n");
 }
 
 TEST(VellDiff, PrintsNoControlCharacterOfADocument)
