@@ -8,6 +8,19 @@
 namespace vell
 {
 
+/// The memory of the entries of `tracked`, freed all at once. Its first part is enough for few
+/// objects only, because most machines are small.
+struct HSMAlloc::Pool
+{
+    unsigned char first[512];
+    std::pmr::monotonic_buffer_resource resource{first, sizeof(first),
+                                                 std::pmr::new_delete_resource()};
+};
+
+HSMAlloc::HSMAlloc() : pool(std::make_unique<Pool>()), tracked(&pool->resource)
+{
+}
+
 HSMAlloc::~HSMAlloc()
 {
     Release();

@@ -5,6 +5,8 @@
 #include <vell/Parameters.h>
 
 #include <cstddef>
+#include <cstring>
+#include <new>
 
 namespace vell
 {
@@ -19,13 +21,16 @@ public:
     ValueBlock(const ValueBlock&) = delete;
     ValueBlock& operator=(const ValueBlock&) = delete;
 
-    /// Moves a value here, unless all space is taken.
+    /// Moves a value here, unless all space is taken. Its old address becomes invalid.
     template <class T>
     void TakeIn(ParameterValue<T>& value)
     {
+        static_assert(sizeof(T) <= kWidth, "a value has four bytes");
         if (used != kCount)
         {
-            value.MoveTo(bytes + std::size_t{kWidth} * used++);
+            void* space = bytes + std::size_t{kWidth} * used++;
+            std::memset(space, 0, kWidth);
+            value.place = new (space) T(*value.place);
         }
     }
 

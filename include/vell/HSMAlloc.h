@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <memory_resource>
 #include <new>
 #include <type_traits>
@@ -42,15 +43,14 @@ namespace vell
 /// objects do not work.
 class VELL_API HSMAlloc
 {
-    /// The memory of the entries of `tracked`, freed all at once. It begins with 512 bytes, because
-    /// most machines are small.
-    std::pmr::monotonic_buffer_resource trackedPool{512, std::pmr::new_delete_resource()};
+    struct VELL_LOCAL Pool;
+    std::unique_ptr<Pool> pool; ///< the library's; the memory of `tracked`
 
 public:
     /// Sizes by address. The entries of the arena's own map are close together.
     using SizeMap = std::pmr::map<void*, unsigned int>;
 
-    HSMAlloc() = default;
+    HSMAlloc();
     ~HSMAlloc();
     HSMAlloc(const HSMAlloc&) = delete;
     HSMAlloc& operator=(const HSMAlloc&) = delete;
@@ -87,7 +87,7 @@ public:
     unsigned char* block = nullptr; ///< null when there is no block
     unsigned int used = 0;          ///< bytes allocated; offset of the next object
     unsigned int capacity = 0;      ///< size of the block
-    SizeMap tracked{&trackedPool};  ///< address and size of every typed allocation ever made
+    SizeMap tracked;                ///< address and size of every typed allocation ever made
 
 private:
     friend class ArenaLink;

@@ -5,7 +5,6 @@
 #include <vell/ParameterDef.h>
 #include <vell/ParameterValues.h>
 
-#include <cstring>
 #include <new>
 #include <string>
 
@@ -33,14 +32,6 @@ public:
         return *this;
     }
 
-    /// Moves the value to four bytes that stay the parameter's for its lifetime. The old address of
-    /// the value becomes invalid.
-    void MoveTo(void* space)
-    {
-        std::memset(space, 0, sizeof(own));
-        place = new (space) T(*place);
-    }
-
     T& operator*() const
     {
         return *place;
@@ -51,7 +42,9 @@ public:
     }
 
 private:
-    T* place;
+    friend class ValueBlock;
+
+    T* place;                             ///< the library's; in `own`, or in a block of the machine
     alignas(4) unsigned char own[4] = {}; ///< for a bool too: a four-byte read stays inside
 };
 

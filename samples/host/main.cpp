@@ -50,7 +50,7 @@ struct Footsteps
 };
 
 /// A piece of game behaviour: starts the footsteps, lets them go on, and says how long they were.
-/// One action stands on one list, so a state that does all three has three of them.
+/// One action is on one list, so a state that does all three has three of them.
 class FootstepAction : public vell::Action
 {
 public:

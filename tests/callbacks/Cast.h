@@ -42,7 +42,7 @@ void Reach(const std::string& callback, Hand hand = Hand());
 constexpr auto kHostBuilder = static_cast<__DURM_BUILDERS__>(100);
 
 /// An action that tells when it performs, gets its owner and is deleted. `where` says what it
-/// stands on: "enter action of a plain state"; empty for one that tells nothing.
+/// is on: "enter action of a plain state"; empty for one that tells nothing.
 class HostAction : public Action
 {
 public:
@@ -66,7 +66,7 @@ public:
     int OnBroadcastEvent(int event, const void* record) override;
 };
 
-/// A parameter of the host's own class, which stands in no machine's table and hears events.
+/// A parameter of the host's own class, which is in no machine's table and hears events.
 class HostParameter : public ParameterFloatDef
 {
 public:

@@ -81,7 +81,7 @@ const GenericValue& NodeValue(const Hand& hand, unsigned int id);
 } // namespace vell::callbacks
 
 // What `run` of an operation is, on each kind of object. The operation reaches the object by the
-// name that stands in front of `find`, and the callback's hand as `hand`.
+// name that is in front of `find`, and the callback's hand as `hand`.
 #define VELL_ON(Found, found, find, ...)                                                           \
     [](Hand& hand) -> bool                                                                         \
     {                                                                                              \

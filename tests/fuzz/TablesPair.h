@@ -73,7 +73,7 @@ struct ModelTable
     KVTable handle;
     std::string name;
     bool open = true;
-    int holds = 0; ///< by its maker and by each key that it stands under
+    int holds = 0; ///< by its maker and by each key that it is under
     std::vector<ModelKey> keys;
     std::vector<unsigned int> array;
     std::vector<ModelListener> listeners;

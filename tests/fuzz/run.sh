@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Runs every fuzzer of a build: its corpus once, then new inputs for SECONDS.
-# Usage: tests/fuzz/run.sh SECONDS [BUILD_FOLDER]. A failing input stands in BUILD_FOLDER/found/.
+# Usage: tests/fuzz/run.sh SECONDS [BUILD_FOLDER]. A failing input is in BUILD_FOLDER/found/.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 
@@ -35,7 +35,7 @@ run_fuzzer()
            "${build}/bin/fuzz_${name}" "${options[@]}" -max_total_time="${seconds}" \
                "${found}/new" "${corpus}"; } >"${log}" 2>&1; then
         tail -n 60 "${log}" >&2
-        echo "fuzz_${name}: FAILED; the input stands in ${found}" >&2
+        echo "fuzz_${name}: FAILED; the input is in ${found}" >&2
         return 1
     fi
     awk -v name="${name}" -v inputs="${inputs}" '

@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// tests/introspection/HSMTreeTest.cpp: the tree as it stands after a load and after a run.
+// tests/introspection/HSMTreeTest.cpp: the tree after a load and after a run.
 #include <vell/BaseDef.h>
 #include <vell/Factories.h>
 #include <vell/IParameterTable.h>

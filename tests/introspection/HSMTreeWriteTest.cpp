@@ -43,7 +43,7 @@ protected:
         log.Clear();
     }
 
-    /// The path below which an attribute of "Idle" lies.
+    /// The path below which an attribute of "Idle" is.
     static std::string AttributePath(const std::string& name)
     {
         return "nodeDefTable/10/attribs/" + name;

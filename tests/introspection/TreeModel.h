@@ -10,7 +10,7 @@ namespace vell::test
 {
 
 /// Gives the lines that `TreeLines` has to show for an initialised machine that was made from
-/// `documentText`. An empty `fileName` stands for a machine made from text. The document has to be
+/// `documentText`. An empty `fileName` means a machine created from text. The document has to be
 /// free of faults: no id twice, every attribute and parameter whole.
 Lines ModelTree(const std::string& documentText, const std::string& fileName);
 

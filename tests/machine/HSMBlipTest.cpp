@@ -70,7 +70,7 @@ Lines Executions(const char* name, int top)
     return lines;
 }
 
-/// What the first update of the exit node tells when it stands at `exitIndex` of the blip stack.
+/// What the first update of the exit node tells when it is at `exitIndex` of the blip stack.
 Lines BlipEnd(int exitIndex)
 {
     Lines lines = {ExitNodeLine("Last"), "6 Revert to Previous State", ExitNodeLine("Last")};

@@ -53,7 +53,7 @@ const std::vector<Registered> kStandard = {{10, SMState::Create},       {8, Ente
                                            {9, ExitState::Create},      {23, GlobalState::Create},
                                            {24, SubstateState::Create}, {21, SMState::Create}};
 
-/// Gives what stands in the registry for the numbers 0 to 200, in the order of kStandard first.
+/// Gives what is in the registry for the numbers 0 to 200, in the order of kStandard first.
 std::vector<Registered> Registry()
 {
     std::vector<Registered> found;

@@ -385,7 +385,7 @@ void NaiveMachine::Perform(const State& state, vell::__ActType__ list, float tim
     }
 }
 
-// A state is entered before it stands on the stack.
+// A state is entered before it is on the stack.
 NaiveMachine::State* NaiveMachine::Push(State* state)
 {
     Enter(*state);

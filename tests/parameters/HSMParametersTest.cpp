@@ -31,7 +31,7 @@ using HSMMessages = LogTest;
 
 using namespace DURMBaseLib;
 
-/// A machine that stands in "Stand" and goes to "Walk" on one condition.
+/// A machine that is in "Stand" and goes to "Walk" on one condition.
 DocumentBuilder StandAndWalk(const Json& condition)
 {
     return DocumentBuilder()

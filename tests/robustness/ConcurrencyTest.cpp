@@ -60,7 +60,7 @@ void Drive(HSM& machine, unsigned int number, unsigned int rounds)
 }
 
 /// Drives `count` machines, each on its own thread or one after the other, and gives where each
-/// stands at the end.
+/// is at the end.
 std::vector<unsigned int> DriveAll(unsigned int count, unsigned int rounds, bool atOnce)
 {
     const std::string text = WholeDocument().Text();

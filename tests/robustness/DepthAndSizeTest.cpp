@@ -402,7 +402,7 @@ TEST(DeepTree, Of100000TablesThatAToolNestsIsClosedWithItsMachine)
             table = table->AddTable("below", 1);
         }
         EXPECT_TRUE(static_cast<bool>(table));
-        // What stands so deep below may not hold what is above it.
+        // What is so deep below may not hold what is above it.
         EXPECT_EQ(table->AttachTable("circle", top, 1), 0);
         EXPECT_GE(Tessel::GetOpenTableCount(), depth);
         machine.Update(0.1f);

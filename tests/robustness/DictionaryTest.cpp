@@ -29,7 +29,7 @@ TEST(FuzzDictionary, HoldsEveryWordOfTheVocabulary)
     found << file.rdbuf();
 
     EXPECT_GE(std::count(expected.begin(), expected.end(), '\n'), 100);
-    EXPECT_EQ(found.str(), expected) << "VELL_WRITE_DICTIONARY=1 robustness_tests writes it anew";
+    EXPECT_EQ(found.str(), expected) << "VELL_WRITE_DICTIONARY=1 robustness_tests writes it again";
 }
 
 } // namespace vell::test

@@ -12,7 +12,7 @@ namespace vell::test
 
 class HeapWatch;
 
-/// A machine whose arena is made anew, with a size of the test's own, before anything stands in it.
+/// A machine whose arena is created again, with a size of the test's own, before anything is in it.
 class CrampedMachine : public HSM
 {
 public:

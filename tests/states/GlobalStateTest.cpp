@@ -1,5 +1,5 @@
 // VELL: data-driven hierarchical state machines.
-// tests/states/GlobalStateTest.cpp: the state that stands on no stack.
+// tests/states/GlobalStateTest.cpp: the state that is on no stack.
 #include "states/GlobalState.h"
 
 #include "definitions/GlobalDef.h"

@@ -393,7 +393,7 @@ TEST(VellRun, SaysThatATriggerMadeATransitionHold)
 
 TEST(VellRun, EndsWithAnErrorWhenATickBreaksOff)
 {
-    // The exit node stands third on the blip's stack, over a main stack of one.
+    // The exit node is third on the blip's stack, over a main stack of one.
     DocumentBuilder builder;
     builder.Start(10)
         .Parameter(BoolParameter("hit", true))

@@ -30,7 +30,7 @@ struct Case
 };
 
 /// A random case, the same for the same seed everywhere. None of its operations is of a kind that
-/// stands in `without`, names with commas between them.
+/// is in `without`, names with commas between them.
 Case MakeCase(unsigned long long seed, const std::string& without = "");
 
 } // namespace twin

@@ -8,7 +8,7 @@ namespace vell::repair
 {
 
 /// Gives the unified diff of two texts, as `patch` and reviewers read it; empty when they are
-/// equal. `name` stands at its head for both.
+/// equal. `name` is at its head for both.
 std::string UnifiedDiff(const std::string& name, const std::string& before,
                         const std::string& after);
 

@@ -38,7 +38,7 @@ public:
     /// Skips a blank that is none in JSON, such as a no-break space. False when there is none. It
     /// is reported once a line.
     bool SkipForeignBlank();
-    /// Where a comma stands in place of a decimal point behind the number: reads the rest of it.
+    /// Where a comma is in place of a decimal point behind the number: reads the rest of it.
     /// False, and nothing happens, when it does not.
     bool ReadDecimalComma(Value& number);
 
