@@ -575,20 +575,19 @@ int Table::PutFloats(const Found& found, const char* key, Entry::Kind kind, cons
     {
         return 0;
     }
-    if (found.entry != nullptr && found.entry->HasFloats())
-    {
-        found.entry->StoreFloats(kind, floats);
-        return 1;
-    }
     if (found.entry != nullptr && found.entry->GetKind() == Entry::KindSlot)
     {
         if (found.entry->StoreInSlot(kind, floats))
         {
             return 1;
         }
-        // What it holds may be memory for floats.
+        // What the entry gets back may be memory for floats.
         found.entry->MoveFromSlot();
-        return PutFloats(found, key, kind, floats);
+    }
+    if (found.entry != nullptr && found.entry->HasFloats())
+    {
+        found.entry->StoreFloats(kind, floats);
+        return 1;
     }
     Entry::Buffer buffer = Entry::MakeFloatsBuffer();
     Entry& entry = NeedEntry(found, key);
