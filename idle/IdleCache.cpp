@@ -57,13 +57,15 @@ bool IdleCache::SmallBuffer<T, Own>::Grow(std::size_t count)
         return false;
     }
     const std::size_t wanted = std::max(count, 2 * capacity);
-    std::unique_ptr<T[]> larger(new (std::nothrow) T[wanted]());
-    if (larger == nullptr)
+    try
+    {
+        std::vector<T, SlabAllocator<T>>(wanted).swap(more);
+    }
+    catch (const std::bad_alloc&)
     {
         return false;
     }
-    more = std::move(larger);
-    begin = more.get();
+    begin = more.data();
     capacity = wanted;
     return true;
 }

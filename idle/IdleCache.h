@@ -5,12 +5,12 @@
 #include <vell/SubstateState.h>
 
 #include "foundation/Revision.h"
+#include "foundation/SlabMemory.h"
 #include "idle/ConditionBounds.h"
 #include "states/SMStateInternals.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 namespace vell
@@ -108,7 +108,7 @@ private:
         bool asks;                   ///< its transitions are to be tested, whatever the bounds say
     };
 
-    /// Space for `Own` elements beside the cache's other data, and for more on the heap.
+    /// Space for `Own` elements beside the cache's other data, and for more in slabs.
     template <class T, std::size_t Own>
     struct SmallBuffer
     {
@@ -116,7 +116,7 @@ private:
 
         T* begin = own;
         std::size_t capacity = Own;
-        std::unique_ptr<T[]> more;
+        std::vector<T, SlabAllocator<T>> more;
         T own[Own] = {};
     };
 

@@ -5,6 +5,7 @@
 #include <vell/HSM.h>
 
 #include "document/SharedDocument.h"
+#include "foundation/SlabMemory.h"
 #include "idle/IdleCache.h"
 #include "introspection/MachineTree.h"
 
@@ -23,7 +24,7 @@ enum class UninitStep
     Nodes
 };
 
-struct HSM::Internals
+struct HSM::Internals : InSlab
 {
     static bool IsTickRecord(const HSM& machine, const UpdateResult* result)
     {

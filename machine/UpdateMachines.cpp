@@ -53,6 +53,10 @@ void HSM::Internals::PrefetchTick(const HSM& machine)
 void HSM::Internals::PrefetchStates(const HSM& machine)
 {
     machine.internals->idle.PrefetchStates();
+    if (machine.parameterTable != nullptr)
+    {
+        machine.parameterTable->PrefetchResetting();
+    }
 }
 
 // What a tick reads is found in three steps, each from what the one before it has fetched: the

@@ -296,7 +296,7 @@ Tessel::KVTable ReleaseStorage(ParameterTable& params, ArenaLink::AtEnd)
     params.ForgetUpTo(params.idToParam.end());
     ParameterTable::NameMap().swap(params.nameToId);
     ParameterTable::ParameterMap().swap(params.idToParam);
-    std::vector<ParameterTable::Resetting>().swap(params.resetting);
+    ParameterTable::ResettingList().swap(params.resetting);
     return params.isTableClosed ? Tessel::KVTable() : params.table;
 }
 

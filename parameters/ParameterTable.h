@@ -8,6 +8,7 @@
 #include <vell/Json.h>
 
 #include "foundation/Prefetch.h"
+#include "foundation/SlabMemory.h"
 #include "parameters/ParameterSlot.h"
 #include "parameters/ValueBlock.h"
 
@@ -101,6 +102,12 @@ public:
         vell::Prefetch(&resetting, 2 * kCacheLine);
     }
 
+    /// Fetches the list of what is reset, when `Prefetch` is done.
+    void PrefetchResetting() const
+    {
+        vell::Prefetch(resetting.data(), resetting.size() * sizeof(Resetting));
+    }
+
     /// Finds the parameters to be reset again, after one of them was assigned.
     void CollectResetting();
 
@@ -135,8 +142,11 @@ private:
         const bool* defaultValue; ///< of a bool; of all others, the two point to different values
     };
 
+    using ResettingList = std::vector<Resetting, SlabAllocator<Resetting>>;
+
     /// Slots are created in groups, which do not move: a bound slot stays where it is.
     using SlotGroup = std::array<ParameterDef::Slot, 4>;
+    using SlotList = std::forward_list<SlotGroup, SlabAllocator<SlotGroup>>;
 
     ParameterDef::Slot& CreateSlot();
     void Collect(unsigned int id, ParameterDef& def);
@@ -150,13 +160,13 @@ private:
     int Publish(std::unique_ptr<ParameterDef> owned);
 
     // What a tick reads comes first, side by side: `Prefetch` relies on the order.
-    std::vector<Resetting> resetting; ///< in ascending id order
-    ValueBlock values;                ///< of the document's first scalar parameters
+    ResettingList resetting; ///< in ascending id order
+    ValueBlock values;       ///< of the document's first scalar parameters
 
-    HSMAlloc* arena = nullptr;          ///< holds the document's parameters; null until Init
-    std::forward_list<SlotGroup> slots; ///< of the parameters, the latest first
-    std::size_t slotCount = 0;          ///< given to parameters; 0 when all are forgotten
-    bool isTableClosed = false;         ///< `table` keeps its handle
+    HSMAlloc* arena = nullptr;  ///< holds the document's parameters; null until Init
+    SlotList slots;             ///< of the parameters, the latest first
+    std::size_t slotCount = 0;  ///< given to parameters; 0 when all are forgotten
+    bool isTableClosed = false; ///< `table` keeps its handle
     /// A loop that finds it changed is at a deleted parameter.
     unsigned int timesForgotten = 0;
 

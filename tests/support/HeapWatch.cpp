@@ -202,6 +202,31 @@ void operator delete[](void* block, const std::nothrow_t&) noexcept
     ::operator delete(block);
 }
 
+// There, blocks of a larger alignment cannot be freed as others are.
+#if !defined(_WIN32)
+void* operator new(std::size_t size, std::align_val_t alignment)
+{
+    const auto width = static_cast<std::size_t>(alignment);
+    const std::size_t rounded = (std::max(size, width) + width - 1) / width * width;
+    void* block = Refuses() ? nullptr : Taken(std::aligned_alloc(width, rounded), counters.news);
+    if (block == nullptr)
+    {
+        throw std::bad_alloc();
+    }
+    return block;
+}
+
+void operator delete(void* block, std::align_val_t) noexcept
+{
+    ::operator delete(block);
+}
+
+void operator delete(void* block, std::size_t, std::align_val_t) noexcept
+{
+    ::operator delete(block);
+}
+#endif
+
 namespace vell::test
 {
 
