@@ -58,6 +58,39 @@ std::ptrdiff_t SizeOf(void* block)
 #endif
 }
 
+// On Windows, blocks of a larger alignment are of another kind.
+#if defined(_WIN32)
+void* AllocateAligned(std::size_t size, std::size_t alignment)
+{
+    return _aligned_malloc(size, alignment);
+}
+
+std::ptrdiff_t SizeOfAligned(void* block, std::size_t alignment)
+{
+    return static_cast<std::ptrdiff_t>(_aligned_msize(block, alignment, 0));
+}
+
+void FreeAligned(void* block)
+{
+    _aligned_free(block);
+}
+#else
+void* AllocateAligned(std::size_t size, std::size_t alignment)
+{
+    return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
+}
+
+std::ptrdiff_t SizeOfAligned(void* block, std::size_t)
+{
+    return SizeOf(block);
+}
+
+void FreeAligned(void* block)
+{
+    __real_free(block);
+}
+#endif
+
 /// Counts a block that is asked for, and tells whether it is to be refused.
 bool Refuses()
 {
@@ -85,24 +118,37 @@ bool RefusesSize(std::size_t size)
     return true;
 }
 
-void* Taken(void* block, std::size_t& kind)
+void* Counted(void* block, std::ptrdiff_t size, std::size_t& kind)
 {
-    if (counters.watching && block != nullptr)
+    if (counters.watching)
     {
         ++kind;
         ++counters.kept;
-        counters.bytes += SizeOf(block);
+        counters.bytes += size;
         counters.mostBytes = std::max(counters.mostBytes, counters.bytes);
     }
     return block;
 }
 
-void GivenBack(void* block)
+void Uncounted(std::ptrdiff_t size)
 {
-    if (counters.watching && block != nullptr)
+    if (counters.watching)
     {
         --counters.kept;
-        counters.bytes -= SizeOf(block);
+        counters.bytes -= size;
+    }
+}
+
+void* Taken(void* block, std::size_t& kind)
+{
+    return block == nullptr ? nullptr : Counted(block, SizeOf(block), kind);
+}
+
+void GivenBack(void* block)
+{
+    if (block != nullptr)
+    {
+        Uncounted(SizeOf(block));
     }
 }
 
@@ -202,30 +248,30 @@ void operator delete[](void* block, const std::nothrow_t&) noexcept
     ::operator delete(block);
 }
 
-// There, blocks of a larger alignment cannot be freed as others are.
-#if !defined(_WIN32)
 void* operator new(std::size_t size, std::align_val_t alignment)
 {
     const auto width = static_cast<std::size_t>(alignment);
-    const std::size_t rounded = (std::max(size, width) + width - 1) / width * width;
-    void* block = Refuses() ? nullptr : Taken(std::aligned_alloc(width, rounded), counters.news);
+    void* block = Refuses() ? nullptr : AllocateAligned(size, width);
     if (block == nullptr)
     {
         throw std::bad_alloc();
     }
-    return block;
+    return Counted(block, SizeOfAligned(block, width), counters.news);
 }
 
-void operator delete(void* block, std::align_val_t) noexcept
+void operator delete(void* block, std::align_val_t alignment) noexcept
 {
-    ::operator delete(block);
+    if (block != nullptr)
+    {
+        Uncounted(SizeOfAligned(block, static_cast<std::size_t>(alignment)));
+        FreeAligned(block);
+    }
 }
 
-void operator delete(void* block, std::size_t, std::align_val_t) noexcept
+void operator delete(void* block, std::size_t, std::align_val_t alignment) noexcept
 {
-    ::operator delete(block);
+    ::operator delete(block, alignment);
 }
-#endif
 
 namespace vell::test
 {
