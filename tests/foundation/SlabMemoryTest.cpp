@@ -49,7 +49,8 @@ struct Blocks
 
 TEST(SlabMemory, BlocksBeginAtACacheLineAndKeepWhatIsInThem)
 {
-    for (const std::size_t size : {1, 40, 64, 65, 200, 2048, 1000, 5000, 100000})
+    constexpr std::size_t kSizes[] = {1, 40, 64, 65, 200, 1000, 2048, 5000, 100000};
+    for (const std::size_t size : kSizes)
     {
         const Blocks blocks(300, size);
         for (std::size_t i = 0; i < blocks.taken.size(); ++i)
