@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <malloc.h>
+#include <memory>
 #include <new>
 
 // The linker leads this program's calls of malloc and its kin here (--wrap), which works beside the
@@ -58,39 +60,6 @@ std::ptrdiff_t SizeOf(void* block)
 #endif
 }
 
-// On Windows, blocks of a larger alignment are of another kind.
-#if defined(_WIN32)
-void* AllocateAligned(std::size_t size, std::size_t alignment)
-{
-    return _aligned_malloc(size, alignment);
-}
-
-std::ptrdiff_t SizeOfAligned(void* block, std::size_t alignment)
-{
-    return static_cast<std::ptrdiff_t>(_aligned_msize(block, alignment, 0));
-}
-
-void FreeAligned(void* block)
-{
-    _aligned_free(block);
-}
-#else
-void* AllocateAligned(std::size_t size, std::size_t alignment)
-{
-    return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
-}
-
-std::ptrdiff_t SizeOfAligned(void* block, std::size_t)
-{
-    return SizeOf(block);
-}
-
-void FreeAligned(void* block)
-{
-    __real_free(block);
-}
-#endif
-
 /// Counts a block that is asked for, and tells whether it is to be refused.
 bool Refuses()
 {
@@ -118,37 +87,24 @@ bool RefusesSize(std::size_t size)
     return true;
 }
 
-void* Counted(void* block, std::ptrdiff_t size, std::size_t& kind)
+void* Taken(void* block, std::size_t& kind)
 {
-    if (counters.watching)
+    if (counters.watching && block != nullptr)
     {
         ++kind;
         ++counters.kept;
-        counters.bytes += size;
+        counters.bytes += SizeOf(block);
         counters.mostBytes = std::max(counters.mostBytes, counters.bytes);
     }
     return block;
 }
 
-void Uncounted(std::ptrdiff_t size)
-{
-    if (counters.watching)
-    {
-        --counters.kept;
-        counters.bytes -= size;
-    }
-}
-
-void* Taken(void* block, std::size_t& kind)
-{
-    return block == nullptr ? nullptr : Counted(block, SizeOf(block), kind);
-}
-
 void GivenBack(void* block)
 {
-    if (block != nullptr)
+    if (counters.watching && block != nullptr)
     {
-        Uncounted(SizeOf(block));
+        --counters.kept;
+        counters.bytes -= SizeOf(block);
     }
 }
 
@@ -248,23 +204,26 @@ void operator delete[](void* block, const std::nothrow_t&) noexcept
     ::operator delete(block);
 }
 
+// A block of a larger alignment is a part of one of the usual kind, whose address is in front of
+// it.
 void* operator new(std::size_t size, std::align_val_t alignment)
 {
     const auto width = static_cast<std::size_t>(alignment);
-    void* block = Refuses() ? nullptr : AllocateAligned(size, width);
-    if (block == nullptr)
-    {
-        throw std::bad_alloc();
-    }
-    return Counted(block, SizeOfAligned(block, width), counters.news);
+    std::size_t space = size + width;
+    void* const whole = ::operator new(sizeof(whole) + space);
+    void* block = static_cast<void**>(whole) + 1;
+    std::align(width, size, block, space);
+    std::memcpy(static_cast<void**>(block) - 1, &whole, sizeof(whole));
+    return block;
 }
 
-void operator delete(void* block, std::align_val_t alignment) noexcept
+void operator delete(void* block, std::align_val_t) noexcept
 {
     if (block != nullptr)
     {
-        Uncounted(SizeOfAligned(block, static_cast<std::size_t>(alignment)));
-        FreeAligned(block);
+        void* whole = nullptr;
+        std::memcpy(&whole, static_cast<void**>(block) - 1, sizeof(whole));
+        ::operator delete(whole);
     }
 }
 
