@@ -29,7 +29,8 @@ std::size_t CountLines(std::size_t size)
 
 void* TakeLines(std::size_t lines)
 {
-    return ::operator new (lines* kCacheLine, std::align_val_t{kCacheLine});
+    const std::size_t size = lines * kCacheLine;
+    return ::operator new (size, std::align_val_t{kCacheLine});
 }
 
 void FreeLines(void* begin)
