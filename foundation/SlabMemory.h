@@ -7,11 +7,11 @@
 namespace vell
 {
 
-/// Memory of the process for what each tick reads of a machine, and for nothing else. Blocks of
-/// about one size follow one another in the order in which they were taken. A game that creates its
-/// machines and updates them in the same order so reads this memory from the beginning to the end,
-/// which processors are made for. On the heap, tens of kilobytes that no tick reads are between two
-/// machines.
+/// Memory of the process for what each tick reads of a machine, and for nothing else. Blocks of one
+/// size follow one another in the order in which they were taken. A game that updates its machines
+/// in the order in which it created them reads this memory from the beginning to the end, and the
+/// processor fetches it ahead. On the heap, tens of kilobytes that no tick reads would be between
+/// two machines.
 ///
 /// A block begins at a cache line of its own. Any thread may take and free blocks. A freed block is
 /// used again by later ones; when the last is freed, all memory goes back to the heap.
