@@ -244,17 +244,34 @@ ParameterDef::Slot& ParameterTable::CreateSlot()
 void ParameterTable::ResetAll()
 {
     // There is at least one. A listener that hears of a reset may assign a parameter or
-    // uninitialise the machine, which changes the list: the loop goes on at the same index.
+    // uninitialise the machine, which changes the list: the loop goes on with the next id.
     const Resetting* next = resetting.data();
     do
     {
         if (next->IsDue())
         {
-            const std::ptrdiff_t index = next - resetting.data();
+            const unsigned int id = next->id;
+            const auto index = static_cast<std::size_t>(next - resetting.data());
             next->def->ResetValue();
-            next = resetting.data() + index;
+            const bool isInPlace = index < resetting.size() && resetting[index].id == id;
+            next = isInPlace ? resetting.data() + index + 1 : FindResettingAbove(id);
         }
-    } while (++next < resetting.data() + resetting.size());
+        else
+        {
+            ++next;
+        }
+    } while (next != resetting.data() + resetting.size());
+}
+
+/// Gives the first entry with a higher id, or the end of the list.
+const ParameterTable::Resetting* ParameterTable::FindResettingAbove(unsigned int id) const
+{
+    const auto isAbove = [](unsigned int least, const Resetting& entry)
+    {
+        return least < entry.id;
+    };
+    const Resetting* first = resetting.data();
+    return std::upper_bound(first, first + resetting.size(), id, isAbove);
 }
 
 void ParameterTable::PlaceValue(ParameterDef& def, int type)

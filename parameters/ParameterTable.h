@@ -151,6 +151,7 @@ private:
     ParameterDef::Slot& CreateSlot();
     void Collect(unsigned int id, ParameterDef& def);
     void ResetAll();
+    const Resetting* FindResettingAbove(unsigned int id) const;
     void ForgetUpTo(ParameterMap::iterator end);
     void CloseRuntimeTables();
     void PlaceValue(ParameterDef& def, int type);

@@ -399,4 +399,79 @@ TEST(ParameterTable, ResetsAParameterAsLongAsItSaysSoAlsoAfterAnAssignment)
     runtime = ParameterBoolDef();
 }
 
+namespace
+{
+
+/// Assigns one parameter to another when it hears of a write, and counts the writes.
+struct Assigning
+{
+    explicit Assigning(ParameterIntegerDef& heard) : table(heard.GetKVTable())
+    {
+        *table->GetValueListener("value") = {
+            this, [](void* object, Tessel::opResult, Tessel::KVTable, const char*)
+            {
+                auto& self = *static_cast<Assigning*>(object);
+                *self.to = *self.from;
+                return ++self.writes;
+            }};
+    }
+
+    Tessel::KVTable table;
+    ParameterIntegerDef* to = nullptr;
+    const ParameterIntegerDef* from = nullptr;
+    int writes = 0;
+};
+
+/// Four parameters with the ids 1 to 4, of which some reset each frame.
+std::vector<Json> FourParameters(const std::vector<bool>& resetting)
+{
+    std::vector<Json> parameters;
+    for (const char* name : {"first", "second", "third", "fourth"})
+    {
+        const std::size_t index = parameters.size();
+        parameters.push_back(IntParameter(name, 0)
+                                 .Set(JSON_ID, static_cast<int>(index + 1))
+                                 .Set(JSON_ParameterResetEachFrame, bool(resetting[index])));
+    }
+    return parameters;
+}
+
+} // namespace
+
+TEST(ParameterTable, ResetsEachOneOnceWhenAListenerAssignsAnEarlierOneMeanwhile)
+{
+    const struct
+    {
+        std::vector<bool> resetting;
+        const char* source;
+    } cases[] = {{{true, true, true, false}, "fourth"}, {{false, true, true, true}, "fourth"}};
+    for (const auto& example : cases)
+    {
+        LogRecorder log;
+        LoadedParameters loaded(FourParameters(example.resetting));
+        const auto find = [&](const char* name)
+        {
+            return loaded.Find<ParameterIntegerDef>(name);
+        };
+        for (const char* name : {"first", "second", "third"})
+        {
+            find(name)->SetValue(9);
+        }
+        const bool wasResetting = example.resetting[0];
+        Assigning assigning(*find("second"));
+        assigning.to = find("first");
+        assigning.from = find(example.source);
+        WriteCounter third(find("third")->GetKVTable(), "value");
+
+        loaded.table.ResetFrameParameters();
+
+        EXPECT_EQ(find("first")->IsResetEachFrame(), !wasResetting);
+        EXPECT_EQ(find("second")->GetValue(), 0);
+        EXPECT_EQ(assigning.writes, 1) << wasResetting;
+        EXPECT_EQ(find("third")->GetValue(), 0) << wasResetting;
+        EXPECT_EQ(third.Take(), 1) << wasResetting;
+        *find("first") = ParameterIntegerDef();
+    }
+}
+
 } // namespace vell::test
