@@ -11,6 +11,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace vell::test
@@ -259,6 +260,27 @@ TYPED_TEST(ParameterValue, TakesWhatAToolWritesAndWritesItBackOnce)
     EXPECT_EQ(this->def.GetSyncState(), 0);
 }
 
+TYPED_TEST(ParameterValue, DoesNotPullWhatItWritesItself)
+{
+    struct Counting : TypeParam
+    {
+        void PullValue() override
+        {
+            ++pulls;
+            TypeParam::PullValue();
+        }
+        int pulls = 0;
+    } counting;
+    counting.InitKVTable();
+
+    counting.SetValue(Kind<TypeParam>::kFirst);
+    counting.ResetValue();
+    EXPECT_EQ(counting.pulls, 0);
+
+    WriteByTool(counting.GetKVTable(), Kind<TypeParam>::kFirst);
+    EXPECT_EQ(counting.pulls, 1);
+}
+
 TYPED_TEST(ParameterValue, DoesNotHearTheTreeAfterUninitKVTable)
 {
     this->def.InitKVTable();
@@ -497,6 +519,48 @@ TEST(ParameterFloat3Def, ComputesItsMagnitudeInSinglePrecision)
     position.SetValue({1e30f, 0.0f, 0.0f});
     EXPECT_EQ(position.GetMagnitude(), std::numeric_limits<float>::infinity())
         << "the square does not fit a float";
+}
+
+namespace
+{
+
+template <class T, class = void>
+constexpr bool kHasMagnitude = false;
+template <class T>
+constexpr bool kHasMagnitude<T, std::void_t<decltype(&T::GetMagnitude)>> = true;
+
+} // namespace
+
+TEST(ParameterFloat4Def, HasNoMagnitudeAndSixOperations)
+{
+    EXPECT_TRUE(kHasMagnitude<IParameterFloat3Def>);
+    EXPECT_FALSE(kHasMagnitude<IParameterFloat4Def>);
+    EXPECT_FALSE(kHasMagnitude<ParameterFloat4Def>);
+    struct SixOperations : IParameterFloat4Def
+    {
+        Tessel::Float4 GetDefaultValue() override
+        {
+            return {};
+        }
+        void SetDefaultValue(const Tessel::Float4&) override
+        {
+        }
+        Tessel::Float4 GetValue() override
+        {
+            return {};
+        }
+        void SetValue(const Tessel::Float4&) override
+        {
+        }
+        void* GetValuePtr() override
+        {
+            return nullptr;
+        }
+        void ResetValue() override
+        {
+        }
+    };
+    EXPECT_FALSE(std::is_abstract_v<SixOperations>) << "there is a seventh operation";
 }
 
 TEST(ParameterBoolDef, TreatsAnyOtherNumberOfAToolAsTrue)
