@@ -184,6 +184,7 @@ int AttribBase::UnInitKVTableListener()
 
 int AttribBase::ListenToValue()
 {
+    listening.StopElsewhere(kvTable);
     TableLock lock(kvTable);
     Tessel::KVListener* listener = kvTable->GetValueListener(kValueKey);
     if (listener == nullptr)
@@ -196,10 +197,12 @@ int AttribBase::ListenToValue()
 
 int AttribBase::StopListeningToValue()
 {
-    TableLock lock(kvTable);
-    const Tessel::KVListener listener{this, Forward};
-    // Required: this succeeds for any handle, even of a closed table.
-    kvTable->RemoveValueListener(kValueKey, &listener);
+    {
+        TableLock lock(kvTable);
+        const Tessel::KVListener listener{this, Forward};
+        // Required: this succeeds for any handle, even of a closed table.
+        kvTable->RemoveValueListener(kValueKey, &listener);
+    }
     listening.StopAfter(kvTable);
     return 1;
 }

@@ -2,6 +2,7 @@
 // foundation/ValueRecord.cpp: the listener record of an object that listens to its own table.
 #include <vell/ValueRecord.h>
 
+#include "foundation/TableSync.h"
 #include "foundation/TreeKeys.h"
 
 namespace vell
@@ -14,10 +15,6 @@ void ValueRecord::Fill(Tessel::KVTable table, Tessel::KVListener* given,
     {
         return;
     }
-    if (listened != table)
-    {
-        Stop();
-    }
     listened = table;
     content = own;
     record = given;
@@ -28,9 +25,18 @@ void ValueRecord::Stop()
 {
     if (record != nullptr && listened)
     {
+        const TableLock lock(listened);
         listened->RemoveValueListener(kValueKey, &content);
     }
     record = nullptr;
+}
+
+void ValueRecord::StopElsewhere(const Tessel::KVTable& table)
+{
+    if (listened != table)
+    {
+        Stop();
+    }
 }
 
 void ValueRecord::StopAfter(const Tessel::KVTable& table)

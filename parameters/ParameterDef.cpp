@@ -156,6 +156,7 @@ int ParameterDef::InitKVTableListener()
     {
         return 0;
     }
+    listening.StopElsewhere(kvTable);
     TableLock lock(kvTable);
     if (Tessel::KVListener* listener = kvTable->GetValueListener(kValueKey))
     {
@@ -169,8 +170,10 @@ int ParameterDef::UnInitKVTableListener()
     if (kvTable && HasValueKey(kvTable))
     {
         const Tessel::KVListener listener{this, Forward};
-        TableLock lock(kvTable);
-        kvTable->RemoveValueListener(kValueKey, &listener);
+        {
+            TableLock lock(kvTable);
+            kvTable->RemoveValueListener(kValueKey, &listener);
+        }
         listening.StopAfter(kvTable);
     }
     return 1;

@@ -24,12 +24,17 @@ public:
         return *this;
     }
 
-    /// Fills `given`, the record that `table` gave for the key. Leaves it empty when the object
-    /// listens to `table` by another record already.
+    /// Fills `given`, the record that `table` gave for the key, under the lock of the table. Leaves
+    /// it empty when the object listens to `table` by another record already. It listens to no
+    /// other table, see `StopElsewhere`.
     void Fill(Tessel::KVTable table, Tessel::KVListener* given, const Tessel::KVListener& own);
 
-    /// Removes the record from the table, if the object listens.
+    /// Removes the record from the table, if the object listens. This and the next two take the
+    /// lock of the table: to be called while no other is held.
     void Stop();
+
+    /// As `Stop`, unless the object listens to `table`.
+    VELL_LOCAL void StopElsewhere(const Tessel::KVTable& table);
 
     /// As `Stop`, when the record is removed from `table` already.
     void StopAfter(const Tessel::KVTable& table);

@@ -123,6 +123,28 @@ TEST(PlatformCalls, EndListeningInABracketOfItsOwn)
               Locked("FindValue value") + Locked("RemoveValueListener value"));
 }
 
+TEST(PlatformCalls, EndListeningToAnotherTableInABracketOfItsOwn)
+{
+    ParameterIntegerDef assigned;
+    ParameterIntegerDef moved;
+    ParameterIntegerDef other;
+    for (ParameterIntegerDef* parameter : {&assigned, &moved, &other})
+    {
+        parameter->InitKVTable();
+    }
+    PlatformWatch watch;
+    watch.NeedLocks();
+
+    assigned = other;
+    EXPECT_EQ(watch.TakeOf("baseDef"), Locked("RemoveValueListener value"));
+
+    static_cast<BaseDef&>(moved) = other;
+    EXPECT_EQ(moved.InitKVTableListener(), 1);
+    EXPECT_EQ(watch.TakeOf("baseDef"), Locked("FindValue value") +
+                                           Locked("RemoveValueListener value") +
+                                           Locked("GetValueListener value"));
+}
+
 TEST(PlatformCalls, OfAnAttributeTakeItsRecordAndRemoveIt)
 {
     WatchedAttrib attrib;
