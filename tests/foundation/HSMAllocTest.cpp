@@ -518,6 +518,19 @@ TEST(HSMAlloc, ReleaseFreesTheBlockAndKeepsTheRecord)
     EXPECT_EQ(Small::destroyed, 0);
 }
 
+TEST(HSMAlloc, KeepsTheRecordOfEarlierBlocksInANewOne)
+{
+    Arena arena(64);
+    void* object = arena.New<Small>();
+
+    arena.Release();
+    ASSERT_EQ(arena.Reserve(64), 1);
+    EXPECT_EQ(arena.tracked, (Sizes{{object, 8u}}));
+    ASSERT_EQ(arena.Reserve(128), 1);
+
+    EXPECT_EQ(arena.tracked, (Sizes{{object, 8u}}));
+}
+
 TEST(HSMAlloc, MayBeReleasedRepeatedly)
 {
     HSMAlloc arena;
