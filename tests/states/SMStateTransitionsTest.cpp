@@ -5,10 +5,12 @@
 #include <vell/UpdateResult.h>
 
 #include "tests/support/Scene.h"
+#include "transitions/ConditionDefBool.h"
 
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <utility>
 #include <vector>
 
 namespace vell::test
@@ -70,6 +72,26 @@ bool NoteTrigger(IHSM*, SMState*)
 TransitionDef& TransitionOf(Scene& scene, unsigned int id)
 {
     return *dynamic_cast<TransitionDef*>(scene.machine.FindDef(id));
+}
+
+/// Notes that it is evaluated, and holds.
+class NotingCondition : public ConditionDefBool
+{
+public:
+    bool Evaluate(HSM*) override
+    {
+        LogRecorder::Note("condition");
+        return true;
+    }
+};
+
+SMState* shrinking = nullptr;
+
+/// Takes all transitions off a state, and does not hold.
+bool TakeAllOff(IHSM*, SMState*)
+{
+    *std::exchange(shrinking, nullptr) = SMState();
+    return false;
 }
 
 } // namespace
@@ -245,17 +267,50 @@ TEST(SMStateTransitions, NoLaterOneIsAskedAfterOneThatHolds)
                                 Reported(100, 10, 20));
 }
 
-TEST(SMStateTransitions, DisabledOneIsSkippedWithItsTriggers)
+TEST(SMStateTransitions, NegativePriorityComesBeforeThoseLeftAtTheDefault)
+{
+    const std::vector<Json> always = {Holds("on")};
+    Scene scene(
+        DocumentBuilder()
+            .Start(10)
+            .Parameter(BoolParameter("on", true))
+            .Nodes({Generic("From", 10, {100, 101, 102}), Generic("To0", 20), Generic("To1", 21),
+                    Generic("To2", 22)})
+            .Node(Transition("Fan0", 100, 10, 20, always))
+            .Node(Transition("Fan1", 101, 10, 21, always))
+            .Node(Transition("Fan2", 102, 10, 22, always).Set(JSON_TransitionPriority, -1)));
+    scene.Run(1);
+
+    EXPECT_EQ(scene.machine.MainStack(), "To2");
+}
+
+TEST(SMStateTransitions, DisabledOneIsSkippedWithItsConditionsAndTriggers)
 {
     Scene scene(FanDocument({1, 2}));
     scene.Run(0);
+    NotingCondition condition;
     TransitionOf(scene, 100).disabled = true;
+    TransitionOf(scene, 100).conditions = {&condition};
     scene.machine.AssignTrigger("Fan0", NoteTrigger);
 
-    const Lines lines = scene.Tick();
+    EXPECT_EQ(scene.Tick(), Lines{"From execution 0.5"} + Fired("From", 101) + Left("From") +
+                                Activated("To1", 21, "From") + Entered("To1") +
+                                Reported(101, 10, 21));
+}
 
-    EXPECT_EQ(scene.machine.MainStack(), "To1");
-    EXPECT_EQ(lines[1], "tree transitionTriggered = 101");
+TEST(SMStateTransitions, OneThatIsTakenOffBeforeItsTurnLeavesALineAndIsSkipped)
+{
+    TransitionList list;
+    UpdateResult result;
+    list.Add(1);
+    list.Add(2);
+    list.transitions.front().RegisterCondition(TakeAllOff);
+    shrinking = &list.state;
+
+    EXPECT_EQ(list.state.ProcessTransitions(nullptr, &result), 0u);
+
+    EXPECT_EQ(list.log.Take(), Lines{ErrorBreak("vell::SMState::GetTransitionAt")});
+    EXPECT_EQ(result.transition, nullptr);
 }
 
 TEST(SMStateTransitions, NullOneIsSkipped)
