@@ -2,6 +2,9 @@
 // tests/states/GlobalStateTest.cpp: the state that is on no stack.
 #include "states/GlobalState.h"
 
+#include <vell/UpdateResult.h>
+
+#include "definitions/GenericDef.h"
 #include "definitions/GlobalDef.h"
 #include "states/EnterState.h"
 #include "tests/support/Scene.h"
@@ -17,6 +20,14 @@ namespace
 DocumentBuilder GlobalDocument()
 {
     return SmallDocument().GlobalNode(Global("Global", 50));
+}
+
+/// Creates a definition that calls itself a global node and is of another class.
+BaseDef* CreateFalseGlobal(const GenericValue& node, HSMAlloc* alloc)
+{
+    BaseDef* def = GenericDef::Create(node, alloc);
+    def->SetType(DefTypeGlobal);
+    return def;
 }
 
 } // namespace
@@ -54,11 +65,32 @@ TEST(GlobalState, WithoutTransitionsNeverStartsABlipAndRunsNoAction)
 {
     Scene scene(GlobalDocument());
     scene.Run(0);
+    UpdateResult result;
 
+    EXPECT_EQ(scene.machine.UpdateState(scene.machine.globalState, &result, 0.5f), 2);
     EXPECT_EQ(scene.Tick(), Lines{"Stand execution 0.5"});
     EXPECT_EQ(scene.Tick(), Lines{"Stand execution 0.5"});
 
     EXPECT_FALSE(scene.machine.IsBlipState());
+}
+
+TEST(GlobalState, RefusesADefinitionOfAnotherClassAndTheMachineRunsOnWithoutIt)
+{
+    LogRecorder log;
+    TestMachine machine(GlobalDocument());
+    machine.RegisterNodeDef(DURMBaseLib::BUILDER_Global, CreateFalseGlobal);
+    ASSERT_EQ(machine.Init(), 1);
+    log.Clear();
+
+    machine.Start();
+
+    EXPECT_EQ(log.Take(),
+              (Lines{ErrorBreak("vell::GlobalState::Init"), ErrorBreak("vell::GlobalState::Init"),
+                     ErrorBreak("vell::HSM::ActivateState"), NotActivated(50),
+                     "6 Activated State: Stand (10)", "6 [Enter] Stand - SMState.cpp : #"}));
+    EXPECT_EQ(machine.globalState, nullptr);
+    machine.Update(0.5f);
+    EXPECT_EQ(machine.MainStack(), "Stand");
 }
 
 TEST(GlobalState, MissesWhenItsClassRefusesTheDefinitionAndTheMachineRunsOn)
