@@ -261,6 +261,27 @@ TEST(HSMBlip, CurrentStateIsTheTopOfTheBlipStackWhileItRuns)
     EXPECT_EQ(scene.machine.GetCurrentState(), scene.machine.FindState(10));
 }
 
+TEST(HSMBlip, SecondStartGoesBackToTheMainStackAndTheNextBlipEmptiesThat)
+{
+    Scene scene(GoalsDocument({5}));
+    scene.Run(1);
+    scene.TickWith("go0");
+
+    scene.machine.Start();
+    EXPECT_EQ(scene.log.Take(), Activated("Stand", 10, "-") + Entered("Stand"));
+    EXPECT_TRUE(scene.machine.IsBlipState());
+    EXPECT_EQ(scene.machine.blipPriority, 5);
+    EXPECT_EQ(scene.machine.MainStack() + " " + scene.machine.BlipStack(), "Stand/Stand Goal0");
+    EXPECT_EQ(scene.Tick(), (Lines{"Stand execution 0.5", "Stand execution 0.5"}));
+
+    EXPECT_EQ(scene.TickWith("go0"), Fired("Global", 400) + kStarts + Left("Stand") +
+                                         Left("Stand") + Activated("Goal0", 60, "Stand") +
+                                         Entered("Goal0") +
+                                         (Lines{"Goal0 execution 0.5", "Goal0 execution 0.5"}));
+    EXPECT_EQ(scene.machine.StackInTree("stackStates"), Ids{});
+    EXPECT_EQ(scene.machine.StackInTree("stackBlip"), (Ids{60, 60}));
+}
+
 TEST(HSMBlip, TransitionsInsideItRewriteTheBlipStackAndAreReported)
 {
     Scene scene(
