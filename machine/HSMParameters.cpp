@@ -11,6 +11,7 @@
 #include "machine/HSMInternals.h"
 #include "parameters/ParameterTable.h"
 
+#include <algorithm>
 #include <typeinfo>
 
 namespace vell
@@ -54,8 +55,10 @@ void HSM::BindParamCond()
     internals->idle.revision.Raise();
     // The log callback and a host's definitions may change the lists, and empty the table.
     const unsigned int before = nodeDefTable->timesCleared;
-    const std::size_t count = nodeDefTable->nodeIds.size();
     const NodeDefTable::NodeMap& nodes = nodeDefTable->nodes;
+    // Required: as many ids are looked at as there are nodes. Refused nodes and those of a layer
+    // that failed have ids in the list too, so the conditions of the last nodes stay unbound then.
+    const std::size_t count = std::min(nodes.size(), nodeDefTable->nodeIds.size());
     NodeDefTable::NodeMap::const_iterator next = nodes.begin();
     for (std::size_t i = 0; i < count; ++i)
     {

@@ -197,9 +197,10 @@ bool NaiveMachine::LoadRange(LoadedCondition* condition)
 void NaiveMachine::BindConditions(bool isLogged)
 {
     const Lines linesBefore = lines;
-    for (const unsigned int id : nodeIds)
+    // As many ids as there are nodes, though refused ones have ids too.
+    for (std::size_t i = 0; i < nodes.size(); ++i)
     {
-        const auto found = transitions.find(id);
+        const auto found = transitions.find(nodeIds[i]);
         if (found == transitions.end())
         {
             continue;

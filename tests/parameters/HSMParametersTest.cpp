@@ -95,6 +95,28 @@ TEST_F(ConditionBinding, ReachesEachLayerAndTheGlobalNodes)
     }
 }
 
+TEST_F(ConditionBinding, EndsAfterAsManyIdsAsThereAreNodes)
+{
+    const Json on = BoolCondition("on", true);
+    TestMachine machine(DocumentBuilder()
+                            .Parameter(BoolParameter("on", true))
+                            .Start(10)
+                            .Layer("First")
+                            .Node(Generic("Stand", 10))
+                            .Node(Transition("A", 100, 10, 10, {on}))
+                            .Node(Generic("Again", 10))
+                            .Layer("Second")
+                            .Node(Transition("B", 200, 10, 10, {on}))
+                            .GlobalNode(Transition("C", 300, 10, 10, {on})));
+
+    ASSERT_EQ(machine.Init(), 1);
+
+    EXPECT_EQ(FindTransition(machine, 100)->HandleConditions(&machine), 1);
+    EXPECT_EQ(FindTransition(machine, 200)->HandleConditions(&machine), 0)
+        << "four ids precede it, of two nodes";
+    EXPECT_EQ(FindTransition(machine, 300)->HandleConditions(&machine), 0);
+}
+
 TEST_F(ConditionBinding, WarnsAndFailsForAMissingParameterButNotForAFloat)
 {
     const struct
