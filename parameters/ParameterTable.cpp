@@ -8,6 +8,7 @@
 
 #include "definitions/BaseDefInternals.h"
 #include "foundation/Checks.h"
+#include "foundation/NoInline.h"
 #include "foundation/TableSync.h"
 #include "foundation/TreeKeys.h"
 
@@ -243,35 +244,32 @@ ParameterDef::Slot& ParameterTable::CreateSlot()
 
 void ParameterTable::ResetAll()
 {
-    // There is at least one. A listener that hears of a reset may assign a parameter or
-    // uninitialise the machine, which changes the list: the loop goes on with the next id.
+    // There is at least one.
     const Resetting* next = resetting.data();
     do
     {
-        if (next->IsDue())
-        {
-            const unsigned int id = next->id;
-            const auto index = static_cast<std::size_t>(next - resetting.data());
-            next->def->ResetValue();
-            const bool isInPlace = index < resetting.size() && resetting[index].id == id;
-            next = isInPlace ? resetting.data() + index + 1 : FindResettingAbove(id);
-        }
-        else
-        {
-            ++next;
-        }
+        next = next->IsDue() ? ResetOne(next) : next + 1;
     } while (next != resetting.data() + resetting.size());
 }
 
-/// Gives the first entry with a higher id, or the end of the list.
-const ParameterTable::Resetting* ParameterTable::FindResettingAbove(unsigned int id) const
+/// Resets a parameter and gives the entry behind it. A listener that hears of the reset may assign
+/// a parameter or uninitialise the machine, which changes the list.
+VELL_NOINLINE const ParameterTable::Resetting* ParameterTable::ResetOne(const Resetting* entry)
 {
-    const auto isAbove = [](unsigned int least, const Resetting& entry)
+    const std::ptrdiff_t index = entry - resetting.data();
+    const unsigned int id = entry->id;
+    entry->def->ResetValue();
+    const Resetting* const first = resetting.data();
+    const Resetting* const end = first + resetting.size();
+    if (index < end - first && first[index].id == id)
     {
-        return least < entry.id;
+        return first + index + 1;
+    }
+    const auto isAbove = [](unsigned int least, const Resetting& other)
+    {
+        return least < other.id;
     };
-    const Resetting* first = resetting.data();
-    return std::upper_bound(first, first + resetting.size(), id, isAbove);
+    return std::upper_bound(first, end, id, isAbove);
 }
 
 void ParameterTable::PlaceValue(ParameterDef& def, int type)

@@ -151,7 +151,7 @@ private:
     ParameterDef::Slot& CreateSlot();
     void Collect(unsigned int id, ParameterDef& def);
     void ResetAll();
-    const Resetting* FindResettingAbove(unsigned int id) const;
+    const Resetting* ResetOne(const Resetting* entry);
     void ForgetUpTo(ParameterMap::iterator end);
     void CloseRuntimeTables();
     void PlaceValue(ParameterDef& def, int type);
