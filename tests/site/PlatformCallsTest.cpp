@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <string>
 
 namespace vell::test
 {
@@ -292,6 +293,28 @@ TEST(PlatformCalls, CloseTheParameterTableThreeTimesWhenItsLoadFails)
     EXPECT_EQ(machine.InitParameterTable(machine.document, &machine.alloc), 0);
 
     EXPECT_EQ(watch.TakeClosed(), (Lines{"baseDef", "parameterTable", "(closed)", "(closed)"}));
+}
+
+TEST(PlatformCalls, GetEachLogLineAlsoBeforeACallbackIsSet)
+{
+    SetLogCallBackBase(nullptr);
+    TestMachine machine(SmallDocument());
+    ASSERT_EQ(machine.Init(), 1);
+    PlatformWatch watch;
+    testing::internal::CaptureStderr();
+
+    EXPECT_EQ(machine.FindDef(99u), nullptr);
+    EXPECT_EQ(machine.PushState(99u), nullptr);
+
+    const std::string written = testing::internal::GetCapturedStderr();
+    std::string logged;
+    for (const std::string& line : watch.TakeLogged())
+    {
+        EXPECT_EQ(line.substr(0, 2), "3 ");
+        logged += line.substr(2);
+    }
+    EXPECT_EQ(logged, written);
+    EXPECT_GE(std::count(written.begin(), written.end(), '\n'), 2);
 }
 
 } // namespace vell::test

@@ -11,6 +11,12 @@
 #include <utility>
 
 // The linker leads this program's calls of these functions here (--wrap).
+extern "C"
+{
+    void __real_LogImpl(int level, const char* text);
+    void __wrap_LogImpl(int level, const char* text);
+}
+
 namespace Tessel
 {
 
@@ -50,6 +56,7 @@ struct Watched
     bool hasOneRecord = false;
     std::vector<Call> calls;
     Lines closed;
+    Lines logged;
 };
 
 Watched* watched = nullptr;
@@ -289,6 +296,11 @@ Lines PlatformWatch::TakeClosed()
     return std::exchange(watched->closed, Lines());
 }
 
+Lines PlatformWatch::TakeLogged()
+{
+    return std::exchange(watched->logged, Lines());
+}
+
 std::set<int> PlatformWatch::MembersAskedFor()
 {
     return Members();
@@ -339,4 +351,14 @@ const char* DURMBaseLib::WatchGetJsonName(__JSONTYPES__ member)
 {
     vell::test::Members().insert(member);
     return RealGetJsonName(member);
+}
+
+void __wrap_LogImpl(int level, const char* text)
+{
+    using namespace vell::test;
+    if (watched != nullptr)
+    {
+        watched->logged.push_back(std::to_string(level) + " " + text);
+    }
+    __real_LogImpl(level, text);
 }

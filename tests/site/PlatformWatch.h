@@ -13,9 +13,9 @@ namespace vell::test
 
 using Lines = std::vector<std::string>;
 
-/// Records the library's calls of the table library for as long as it lives, in between the library
-/// and our own tables, and behaves like a site's own where it is told to. One watch lives at a
-/// time.
+/// Records the library's calls of the table library and of the logger for as long as it lives, in
+/// between the library and our own, and behaves like a site's own where it is told to. One watch
+/// lives at a time.
 class PlatformWatch
 {
 public:
@@ -37,6 +37,8 @@ public:
     /// The tables that were given to CloseTable since the last time, by their names: "(null)" for a
     /// null handle, "(closed)" for a table that was closed before.
     Lines TakeClosed();
+    /// The lines that were given to LogImpl since the last time, each as "LEVEL LINE".
+    Lines TakeLogged();
 
     /// The numbers of members that the vocabulary was asked for since the process began.
     static std::set<int> MembersAskedFor();
