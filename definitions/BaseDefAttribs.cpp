@@ -165,13 +165,14 @@ int BaseDef::TabAddAttrib(AttribBase* attrib)
     {
         return 1;
     }
-    Tessel::KVTable attribTable = attrib->GetKVTable();
+    const Tessel::KVTable table = GetKVTable();
+    const Tessel::KVTable children = table ? table->GetTable(kAttribsKey) : Tessel::KVTable();
+    const Tessel::KVTable attribTable = attrib->GetKVTable();
     if (attribTable)
     {
         attribTable->SetUInt(kNodeIdKey, id, 1);
     }
-    const Tessel::KVTable table = GetKVTable();
-    if (Tessel::KVTable children = table ? table->GetTable(kAttribsKey) : Tessel::KVTable())
+    if (children)
     {
         children->AttachTable(attrib->GetName(), attribTable, 1);
     }

@@ -18,28 +18,22 @@ constexpr unsigned int kEntering = 1;
 constexpr unsigned int kExiting = 2;
 
 /// Gives the kind that a document's text names, or 0. The library's four names lead to two kinds,
-/// and so do two fixed words.
+/// and so do two fixed words. The library is asked for no name behind the one that fits.
 unsigned int FindConnectorKind(const char* text)
 {
-    using DURMBaseLib::GetConnectorName;
-    const struct
+    const auto isNamed = [text](__CONNECTOR_TYPES__ type)
     {
-        const char* name;
-        unsigned int kind;
-    } names[] = {
-        {GetConnectorName(DURMBaseLib::CONNECTOR_In), kEntering},
-        {GetConnectorName(DURMBaseLib::CONNECTOR_Entering), kEntering},
-        {"Enter", kEntering},
-        {GetConnectorName(DURMBaseLib::CONNECTOR_Out), kExiting},
-        {GetConnectorName(DURMBaseLib::CONNECTOR_Exiting), kExiting},
-        {"Exit", kExiting},
+        return EqualsIgnoringCase(text, DURMBaseLib::GetConnectorName(type));
     };
-    for (const auto& entry : names)
+    if (isNamed(DURMBaseLib::CONNECTOR_In) || isNamed(DURMBaseLib::CONNECTOR_Entering) ||
+        EqualsIgnoringCase(text, "Enter"))
     {
-        if (EqualsIgnoringCase(text, entry.name))
-        {
-            return entry.kind;
-        }
+        return kEntering;
+    }
+    if (isNamed(DURMBaseLib::CONNECTOR_Out) || isNamed(DURMBaseLib::CONNECTOR_Exiting) ||
+        EqualsIgnoringCase(text, "Exit"))
+    {
+        return kExiting;
     }
     return 0;
 }

@@ -6,8 +6,10 @@
 #include <vell/IParameterTable.h>
 #include <vell/Parameters.h>
 
+#include "definitions/ConnectorDef.h"
 #include "tests/introspection/RichDocument.h"
 #include "tests/site/PlatformWatch.h"
+#include "tests/support/Definitions.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestMachine.h"
@@ -159,6 +161,97 @@ TEST(PlatformCalls, OfAnAttributeTakeItsRecordAndRemoveIt)
     EXPECT_EQ(watch.TakeOf("attribBase"), Locked("GetValueListener value") +
                                               Locked("GetValueListener value") +
                                               Locked("RemoveValueListener value"));
+}
+
+TEST(PlatformCalls, OfAnAttributeThatLoadsEndWithItsPlaceUnderItsNode)
+{
+    LogRecorder log;
+    Arena alloc;
+    const ParsedJson node(
+        Generic("Idle", 10).Set(JSON_Attributes, Json::Array({Attribute("speed", "int", 5)})));
+    OpenDef def;
+    PlatformWatch watch;
+
+    EXPECT_EQ(def.Init(*node, &alloc), 1);
+
+    EXPECT_EQ(watch.Take(), (Lines{"baseDef AddTable attribs", "attribBase SetString type",
+                                   "attribBase SetInt value", "attribBase SetString name",
+                                   "attribBase NeedsLock", "attribBase GetValueListener value",
+                                   "attribBase NeedsLock", "baseDef GetTable attribs",
+                                   "attribBase SetUInt nodeID", "attribs AttachTable speed"}));
+}
+
+TEST(PlatformCalls, MayGiveAnAttributeNoTable)
+{
+    LogRecorder log;
+    Arena alloc;
+    const ParsedJson node(
+        Generic("Idle", 10).Set(JSON_Attributes, Json::Array({Attribute("speed", "int", 5)})));
+    OpenDef def;
+    PlatformWatch watch;
+    watch.RefuseTables("attribBase");
+
+    EXPECT_EQ(def.Init(*node, &alloc), 1);
+
+    EXPECT_EQ(log.Take(),
+              (Lines{ErrorBreak("vell::AttribBase::InitKVTableListener"), CreatedDef("Idle")}));
+    EXPECT_EQ(watch.Take(), (Lines{"baseDef AddTable attribs", "baseDef GetTable attribs",
+                                   "attribs AttachTable speed"}));
+    int value = 0;
+    ASSERT_NE(def.GetAttrib("speed"), nullptr);
+    EXPECT_EQ(def.GetAttrib("speed")->GetValue(&value), 1);
+    EXPECT_EQ(value, 5);
+    EXPECT_EQ(def.Uninit_Attribs(), 1);
+    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::AttribBase::UnInitKVTableListener")}));
+}
+
+TEST(PlatformCalls, AskTwiceForTheTableOfTheNodesAndTakeNoNodesWithoutIt)
+{
+    LogRecorder log;
+    TestMachine machine(SmallDocument());
+    const ParsedJson nodes(Json::Array({Generic("Idle", 10)}));
+    PlatformWatch watch;
+    watch.RefuseTables("nodeDefTable");
+
+    EXPECT_EQ(machine.InitNodeDefTable(*nodes, &machine.alloc), 0);
+
+    const std::string create = ErrorBreak("vell::NodeDefTable::CreateKVTable");
+    const Lines init = {create, create, ErrorBreak("vell::NodeDefTable::Init")};
+    EXPECT_EQ(log.Take(), init + init + Lines{ErrorBreak("vell::HSM::InitNodeDefTable")});
+    EXPECT_EQ(machine.FindDef(10u), nullptr);
+}
+
+TEST(PlatformCalls, AskForConnectorNamesUpToTheOneThatFits)
+{
+    const std::pair<const char*, std::vector<int>> cases[] = {
+        {"in", {3}},         {"ENTERING", {3, 1}},      {"enter", {3, 1}},
+        {"Out", {3, 1, 4}},  {"exiting", {3, 1, 4, 2}}, {"EXIT", {3, 1, 4, 2}},
+        {"no", {3, 1, 4, 2}}};
+    for (const auto& [word, asked] : cases)
+    {
+        LogRecorder log;
+        PlatformWatch watch;
+
+        const Built<ConnectorDef> connector(Connector("Door", 30, word));
+
+        EXPECT_EQ(watch.TakeConnectors(), asked) << word;
+    }
+}
+
+TEST(PlatformCalls, MayShowAnAttributeAnIntegerInFourForms)
+{
+    for (int type = 0; type <= 20; ++type)
+    {
+        WatchedAttrib attrib;
+        attrib.InitKVTableListener();
+        PlatformWatch watch;
+        watch.ShowValuesAs(type);
+
+        attrib.GetKVTable()->SetInt("value", 7, 1);
+
+        const bool isTaken = type == 12 || (type >= 14 && type <= 16);
+        EXPECT_EQ(attrib.taken, isTaken ? 1 : 0) << type;
+    }
 }
 
 TEST(PlatformCalls, FillTheOneRecordOfAKeyEachTime)

@@ -24,6 +24,8 @@ ITable* RealResolveTable(KVTable table) __asm__("__real__ZN6Tessel12ResolveTable
 ITable* WatchResolveTable(KVTable table) __asm__("__wrap__ZN6Tessel12ResolveTableENS_7KVTableE");
 void RealCloseTable(KVTable table) __asm__("__real__ZN6Tessel10CloseTableENS_7KVTableE");
 void WatchCloseTable(KVTable table) __asm__("__wrap__ZN6Tessel10CloseTableENS_7KVTableE");
+KVTable RealCreateTable(const char* name) __asm__("__real__ZN6Tessel11CreateTableEPKc");
+KVTable WatchCreateTable(const char* name) __asm__("__wrap__ZN6Tessel11CreateTableEPKc");
 
 } // namespace Tessel
 
@@ -34,6 +36,10 @@ const char* RealGetJsonName(__JSONTYPES__ member) __asm__(
     "__real__ZN11DURMBaseLib11GetJsonNameENS_13__JSONTYPES__E");
 const char* WatchGetJsonName(__JSONTYPES__ member) __asm__(
     "__wrap__ZN11DURMBaseLib11GetJsonNameENS_13__JSONTYPES__E");
+const char* RealGetConnectorName(__CONNECTOR_TYPES__ type) __asm__(
+    "__real__ZN11DURMBaseLib16GetConnectorNameENS_19__CONNECTOR_TYPES__E");
+const char* WatchGetConnectorName(__CONNECTOR_TYPES__ type) __asm__(
+    "__wrap__ZN11DURMBaseLib16GetConnectorNameENS_19__CONNECTOR_TYPES__E");
 
 } // namespace DURMBaseLib
 
@@ -57,6 +63,9 @@ struct Watched
     std::vector<Call> calls;
     Lines closed;
     Lines logged;
+    std::vector<int> connectors;
+    std::string refused; ///< name of the tables that are not created; empty for none
+    int shownType = -1;  ///< of every value that is found; -1 for its own
 };
 
 Watched* watched = nullptr;
@@ -73,6 +82,49 @@ std::uintptr_t BitsOf(KVTable table)
     std::memcpy(&bits, &table, sizeof(bits));
     return bits;
 }
+
+/// A value that says that it is of another type.
+class ShownValue final : public KVValue
+{
+public:
+    ShownValue() = default;
+    ShownValue(KVValue* shownValue, int shownType) : value(shownValue), type(shownType)
+    {
+    }
+
+    int GetValueType() const override
+    {
+        return type;
+    }
+    int GetIntValue() const override
+    {
+        return value->GetIntValue();
+    }
+    float GetFloatValue() const override
+    {
+        return value->GetFloatValue();
+    }
+    const char* GetStringValue() const override
+    {
+        return value->GetStringValue();
+    }
+    int GetFloat2Value(Float2* out) const override
+    {
+        return value->GetFloat2Value(out);
+    }
+    int GetFloat3Value(Float3* out) const override
+    {
+        return value->GetFloat3Value(out);
+    }
+    unsigned GetUIntValue() const override
+    {
+        return value->GetUIntValue();
+    }
+
+private:
+    KVValue* value = nullptr;
+    int type = 0;
+};
 
 /// Notes each call of a table and hands it on.
 class WatchedTable final : public ITable
@@ -169,7 +221,13 @@ public:
     }
     KVValue* FindValue(const char* key) override
     {
-        return Noted("FindValue", key)->FindValue(key);
+        KVValue* value = Noted("FindValue", key)->FindValue(key);
+        if (value == nullptr || watched == nullptr || watched->shownType < 0)
+        {
+            return value;
+        }
+        shown = ShownValue(value, watched->shownType);
+        return &shown;
     }
     KVListener* GetTableListener() override
     {
@@ -229,6 +287,7 @@ private:
 
     KVTable handle;
     std::map<std::string, KVListener*> records; ///< used where each key has one
+    ShownValue shown;                           ///< the last that was found, where types are shown
 };
 
 /// The watched tables by handle. They stay, since callers keep them for the length of a call.
@@ -266,6 +325,16 @@ void PlatformWatch::KeepOneRecordForEachKey()
     watched->hasOneRecord = true;
 }
 
+void PlatformWatch::RefuseTables(const std::string& name)
+{
+    watched->refused = name;
+}
+
+void PlatformWatch::ShowValuesAs(int type)
+{
+    watched->shownType = type;
+}
+
 Lines PlatformWatch::Take()
 {
     Lines lines;
@@ -299,6 +368,11 @@ Lines PlatformWatch::TakeClosed()
 Lines PlatformWatch::TakeLogged()
 {
     return std::exchange(watched->logged, Lines());
+}
+
+std::vector<int> PlatformWatch::TakeConnectors()
+{
+    return std::exchange(watched->connectors, std::vector<int>());
 }
 
 std::set<int> PlatformWatch::MembersAskedFor()
@@ -345,6 +419,23 @@ void Tessel::WatchCloseTable(KVTable table)
         watched->closed.push_back(NameOf(table));
     }
     RealCloseTable(table);
+}
+
+Tessel::KVTable Tessel::WatchCreateTable(const char* name)
+{
+    using namespace vell::test;
+    const bool isRefused = watched != nullptr && name != nullptr && watched->refused == name;
+    return isRefused ? KVTable() : RealCreateTable(name);
+}
+
+const char* DURMBaseLib::WatchGetConnectorName(__CONNECTOR_TYPES__ type)
+{
+    using namespace vell::test;
+    if (watched != nullptr)
+    {
+        watched->connectors.push_back(type);
+    }
+    return RealGetConnectorName(type);
 }
 
 const char* DURMBaseLib::WatchGetJsonName(__JSONTYPES__ member)

@@ -28,6 +28,10 @@ public:
     void NeedLocks();
     /// Every key has one listener record from now on, which each call gives again.
     void KeepOneRecordForEachKey();
+    /// No table with the name `name` is created from now on.
+    void RefuseTables(const std::string& name);
+    /// Every value that is found by its key is of the type `type` from now on.
+    void ShowValuesAs(int type);
 
     /// The calls since the last time, each as "TABLE OPERATION KEY"; the table by its name.
     /// A SetUInt with the flag 0 is "SetUInt without flag".
@@ -39,6 +43,8 @@ public:
     Lines TakeClosed();
     /// The lines that were given to LogImpl since the last time, each as "LEVEL LINE".
     Lines TakeLogged();
+    /// The numbers of connectors that the vocabulary was asked for since the last time.
+    std::vector<int> TakeConnectors();
 
     /// The numbers of members that the vocabulary was asked for since the process began.
     static std::set<int> MembersAskedFor();
