@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 
 namespace vell
 {
@@ -259,22 +260,20 @@ int NodeDefTable::CreateKVTable()
 void NodeDefTable::Uninit()
 {
     numNodes = 0;
-    const unsigned int before = timesCleared;
-    NodeMap::iterator next = nodes.begin();
+    unsigned int before = timesCleared;
+    NodeMap::iterator position = nodes.begin();
     try
     {
-        while (next != nodes.end())
+        while (position != nodes.end())
         {
-            BaseDef* def = (next++)->second;
-            if (def != nullptr)
+            if (position->second != nullptr)
             {
-                def->Uninit();
+                position->second->Uninit();
             }
-            // An action's destructor or a host's Uninit may have done all this already.
-            if (timesCleared != before)
-            {
-                return;
-            }
+            // An action's destructor or a host's Uninit may have done this already, for all nodes
+            // or up to one that threw. It may also have filed nodes behind this one.
+            position = timesCleared == before ? std::next(position) : nodes.begin();
+            before = timesCleared;
         }
     }
     catch (...)
@@ -282,7 +281,8 @@ void NodeDefTable::Uninit()
         // A host's definition threw: the next call goes on behind it.
         if (timesCleared == before)
         {
-            nodes.erase(nodes.begin(), next);
+            ++timesCleared;
+            nodes.erase(nodes.begin(), std::next(position));
             cursor = nodes.end();
         }
         throw;

@@ -73,6 +73,18 @@ protected:
         CallingDef::onFlags = nullptr;
         CallingDef::onUninit = nullptr;
     }
+    /// Lets a definition throw an int in its Uninit, after `others` that do not.
+    static void ThrowInTheNextUninitBut(int others)
+    {
+        CallingDef::onUninit = [others]
+        {
+            if (others == 0)
+            {
+                throw 1;
+            }
+            ThrowInTheNextUninitBut(others - 1);
+        };
+    }
     std::function<void()> EmptyTable()
     {
         return [this]
@@ -106,6 +118,67 @@ TEST_F(NodeDefTableReentry, EndsAnUninitInsideOfWhichAnotherOneRan)
 
     EXPECT_EQ(CallingDef::uninits, 2);
     EXPECT_TRUE(table->nodes.empty());
+}
+
+TEST_F(NodeDefTableReentry, UninitialisesANodeThatTheLastOneFiledBehindItself)
+{
+    Fill({Node(kHostBuilder, "Lens", 20)});
+    CallingDef::onUninit = [this]
+    {
+        CallingDef::onUninit = [this]
+        {
+            table->Init(Parse(Json::Array({Json(Node(kHostBuilder, "Late", 30))})), &alloc);
+        };
+    };
+
+    table->Uninit();
+
+    EXPECT_EQ(CallingDef::uninits, 3);
+    EXPECT_TRUE(table->nodes.empty());
+}
+
+TEST_F(NodeDefTableReentry, GoesOnWithTheRestWhenAnUninitInsideOfItThrew)
+{
+    Fill({Node(kHostBuilder, "Lens", 20), Node(kHostBuilder, "Filter", 30)});
+    CallingDef::onUninit = [this]
+    {
+        ThrowInTheNextUninitBut(1);
+        EXPECT_THROW(table->Uninit(), int);
+    };
+
+    table->Uninit();
+
+    EXPECT_EQ(CallingDef::uninits, 4) << "Camera twice, Lens, Filter";
+    EXPECT_TRUE(table->nodes.empty());
+}
+
+TEST_F(NodeDefTableReentry, KeepsTheRestWhenAnUninitInsideOfItThrowsThroughIt)
+{
+    Fill({Node(kHostBuilder, "Lens", 20), Node(kHostBuilder, "Filter", 30)});
+    CallingDef::onUninit = [this]
+    {
+        ThrowInTheNextUninitBut(1);
+        table->Uninit();
+    };
+
+    EXPECT_THROW(table->Uninit(), int);
+
+    ASSERT_EQ(table->nodes.size(), 1u);
+    EXPECT_NE(table->Find(30), nullptr);
+    table->Uninit();
+    EXPECT_EQ(CallingDef::uninits, 4);
+}
+
+TEST_F(NodeDefTableReentry, FindsNothingByNameBehindANameThatTookNodesOff)
+{
+    CallingDef::onName = [this]
+    {
+        ThrowInTheNextUninitBut(0);
+        EXPECT_THROW(table->Uninit(), int);
+    };
+
+    EXPECT_EQ(table->FindByName("Run"), nullptr);
+    EXPECT_NE(table->FindByName("Run"), nullptr);
 }
 
 TEST_F(NodeDefTableReentry, BuildsANodeWhoseFactoryEmptiedTheRegistry)
