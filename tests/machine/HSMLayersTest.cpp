@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -309,6 +310,26 @@ TEST(HSMLayers, WalkTheNodesBeforeABadOneEightTimesAndLoseTheirRoomInTheArena)
     EXPECT_TRUE(import.Ids().empty());
     EXPECT_EQ(import.machine.alloc.used,
               static_cast<unsigned int>(sizeof(NodeDefTable)) + 8 * node);
+}
+
+TEST(HSMLayers, KeepTheEnterNodeOfTheFirstWalkWhenOneIsBadWhichRefusesThoseOfTheOtherSeven)
+{
+    const Import import(
+        DocumentOf({LayerObject("One", Json::Array({Json(Enter("In", 20, 22, 11)), Json(5)}))}));
+
+    const std::string refused = ErrorBreak("vell::NodeDefTable::InsertEnterNode");
+    Lines failed = FailedLayer(Joined(
+        {Created("In"),
+         {"6 EnterNode: In - ParentID: 11", refused, ErrorGoto("vell::NodeDefTable::Init")}}));
+    failed.erase(std::find(failed.begin(), failed.end(), refused));
+    EXPECT_EQ(import.result, 1);
+    EXPECT_EQ(import.lines, Joined({kBanner, LayerHead(0, "One"), failed}));
+    EXPECT_TRUE(import.Ids().empty());
+    EXPECT_EQ(import.machine.nodeDefTable->nodeIds, Ids(8, 20));
+    const auto& enterNodes = import.machine.nodeDefTable->enterNodes;
+    ASSERT_EQ(enterNodes.count(11), 1u);
+    EXPECT_EQ(static_cast<void*>(enterNodes.at(11)),
+              import.machine.alloc.block + sizeof(NodeDefTable));
 }
 
 TEST(HSMLayers, LetInitGoOnWithAnEmptyTableAfterABadOne)
