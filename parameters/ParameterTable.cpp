@@ -144,22 +144,25 @@ int ParameterTable::AddParameter(ParameterDef* def)
 
 void ParameterTable::Uninit()
 {
-    const unsigned int before = timesForgotten;
-    ParameterMap::iterator next = idToParam.begin();
+    unsigned int before = timesForgotten;
+    ParameterMap::iterator position = idToParam.begin();
     try
     {
-        while (next != idToParam.end())
+        while (position != idToParam.end())
         {
-            ParameterDef* def = (next++)->second;
-            if (def != nullptr)
+            if (position->second != nullptr)
             {
-                def->Uninit();
+                position->second->Uninit();
             }
-            // The destructor of an action on it may have done all this already.
-            if (timesForgotten != before)
+            // The destructor of an action on it may have done all this already, or up to one that
+            // threw. It may also have created parameters behind this one.
+            const bool isChanged = timesForgotten != before;
+            if (isChanged && idToParam.empty())
             {
                 return;
             }
+            position = isChanged ? idToParam.begin() : std::next(position);
+            before = timesForgotten;
         }
     }
     catch (...)
@@ -167,7 +170,7 @@ void ParameterTable::Uninit()
         // A parameter threw: the next call goes on behind it.
         if (timesForgotten == before)
         {
-            ForgetUpTo(next);
+            ForgetUpTo(std::next(position));
         }
         throw;
     }
