@@ -156,6 +156,10 @@ public:
         def->SetType(DefTypeTransition);
         return def;
     }
+    static BaseDef* CreateAtTheSecondTime(const GenericValue&, HSMAlloc* alloc)
+    {
+        return created++ == 0 ? nullptr : alloc->New<HostDef>();
+    }
     static BaseDef* CreateNothing(const GenericValue&, HSMAlloc*)
     {
         return nullptr;
@@ -441,6 +445,30 @@ TEST_F(DefinitionBuilders, FailALoadWhenTheyGiveNothing)
                          ErrorGoto("vell::NodeDefTable::Init")}));
         EXPECT_TRUE(machine.nodeDefTable->nodes.empty());
     }
+}
+
+TEST_F(DefinitionBuilders, FillTheTableOnTheThirdWalkWhenTheyGiveNothingOnce)
+{
+    TestMachine machine(WithHostNode());
+    machine.RegisterNodeDef(kHostBuilder, HostDef::CreateAtTheSecondTime);
+    HostDef::created = 0;
+    log.Clear();
+
+    EXPECT_EQ(machine.ImportLayers(machine.document, &machine.alloc), 1);
+
+    const std::string stand = "6 Created new BaseDef: Stand";
+    const std::string own = "6 Created new BaseDef: Own";
+    const std::string duplicate = "3 Duplicate ID (10) error: Stand conflicts with Stand";
+    const std::string insert = ErrorBreak("vell::NodeDefTable::InsertNode");
+    EXPECT_EQ(
+        log.Take({3, 6}),
+        (Lines{stand, ErrorBreak("vell::NodeDefTable::CreateNodeDef"),
+               "3 Failed to create builder type - (100)", ErrorGoto("vell::NodeDefTable::Init"),
+               stand, own, ErrorBreak("vell::HSM::InitNodeDefTable", "1"), stand, own,
+               ErrorBreak("vell::HSM::ImportStates", "1"), stand, duplicate, insert, duplicate,
+               insert, ErrorBreak("vell::NodeDefTable::Init"),
+               ErrorBreak("vell::HSM::ImportLayers", "1")}));
+    EXPECT_EQ(machine.nodeDefTable->nodes.size(), 2u);
 }
 
 TEST_F(DefinitionBuilders, MayCallADefinitionATransitionThatIsNone)
