@@ -2,6 +2,7 @@
 // foundation/HSMAlloc.cpp: the arena's block and what is kept for its end.
 #include <vell/HSMAlloc.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 
@@ -47,12 +48,14 @@ int HSMAlloc::Reserve(unsigned int size)
 
 void HSMAlloc::Release()
 {
-    for (Kept& entry : kept)
+    // By index: a host's ReleaseStorage may have further tables closed later.
+    for (std::size_t i = 0; i < kept.size(); ++i)
     {
+        const Kept entry = kept[i];
         if (entry.duty != nullptr && entry.duty->release != nullptr)
         {
-            entry.object = entry.duty->release(entry.object);
-            entry.duty = entry.object == nullptr ? nullptr : TableDuty();
+            void* const left = entry.duty->release(entry.object);
+            kept[i] = Kept{left, left == nullptr ? nullptr : TableDuty()};
         }
     }
     // Required: no destructor of an object in the block runs, neither here nor when the arena is

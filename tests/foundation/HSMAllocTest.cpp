@@ -128,6 +128,23 @@ struct Namesake : Holder
     int called = 0;
 };
 
+/// Has a second table, which its ReleaseStorage leaves to the arena with many more.
+struct TwoTables : Holder
+{
+    HSMAlloc* arena = nullptr;
+    Tessel::KVTable second = Tessel::CreateTable("second");
+
+    friend Tessel::KVTable ReleaseStorage(TwoTables& object, ArenaLink::AtEnd atEnd)
+    {
+        object.arena->CloseLater(object.second);
+        for (int i = 0; i < 100; ++i)
+        {
+            object.arena->CloseLater(Tessel::CreateTable("further"));
+        }
+        return ReleaseStorage(static_cast<Holder&>(object), atEnd);
+    }
+};
+
 bool IsZero(const void* bytes, std::size_t size)
 {
     const auto* first = static_cast<const unsigned char*>(bytes);
@@ -664,6 +681,23 @@ TEST(HSMAlloc, ClosesAtItsEndWhatItWasToldToCloseLater)
     }
 
     EXPECT_EQ(table->GetInt("key"), 0);
+}
+
+TEST(HSMAlloc, TakesTablesToCloseLaterWhileItReleasesItsObjects)
+{
+    const unsigned int tablesBefore = Tessel::GetOpenTableCount();
+    {
+        Arena arena(4096);
+        auto* first = arena.New<TwoTables>();
+        first->arena = &arena;
+        const Tessel::KVTable last = arena.New<Holder>()->table;
+
+        arena.Release();
+
+        EXPECT_EQ(Tessel::GetOpenTableCount(), tablesBefore + 103);
+        EXPECT_EQ(last->SetInt("key", 5, 1), 1);
+    }
+    EXPECT_EQ(Tessel::GetOpenTableCount(), tablesBefore);
 }
 
 } // namespace vell::test
