@@ -85,11 +85,15 @@ TEST(SlabMemory, AFreedBlockIsUsedAgain)
 }
 #endif
 
+/// What is common to all slabs is created with the first block, and stays.
+void TakeFirstBlock()
+{
+    const Blocks first(1);
+}
+
 TEST(SlabMemory, AllMemoryGoesBackWithTheLastBlock)
 {
-    {
-        const Blocks first(1); // the slabs themselves are created once
-    }
+    TakeFirstBlock();
     const HeapWatch watch;
     {
         const Blocks blocks(2000);
@@ -100,6 +104,7 @@ TEST(SlabMemory, AllMemoryGoesBackWithTheLastBlock)
 
 TEST(SlabMemory, RefusedMemoryLeavesNothingBehind)
 {
+    TakeFirstBlock();
     HeapWatch watch;
     for (std::size_t refused = 0; refused < 4; ++refused)
     {
