@@ -2,6 +2,7 @@
 // foundation/SlabMemory.cpp: the slabs of the process.
 #include "foundation/SlabMemory.h"
 
+#include "foundation/HugePage.h"
 #include "foundation/Prefetch.h"
 #include "foundation/Sanitizer.h"
 
@@ -97,18 +98,34 @@ private:
         std::size_t slabLines = 0; ///< of the latest slab, without its first line
     };
 
+    /// What is in the first line of a slab.
+    struct SlabHead
+    {
+        SlabHead* before; ///< the slab that was added before this one
+        std::align_val_t alignment;
+    };
+
     /// The first slab has few blocks, because most processes have few machines. Each has twice as
-    /// many as the one before it, up to a limit.
+    /// many as the one before it. The largest ones are huge pages: thousands of machines in any
+    /// order would need more small pages than the processor remembers.
     static constexpr std::size_t kFirstBlocks = 8;
-    static constexpr std::size_t kMostSlabLines = 2048;
+    static constexpr std::size_t kMostSlabLines = kHugePage / kCacheLine - 1;
 
     void AddSlab(BlockSize& size, std::size_t lines)
     {
-        const std::size_t wanted = std::max(kFirstBlocks * lines, 2 * size.slabLines);
-        const std::size_t slabLines = std::min(wanted, kMostSlabLines / lines * lines);
-        auto* const slab = static_cast<unsigned char*>(TakeLines(1 + slabLines));
-        latestSlab = new (slab) Link{latestSlab};
-        size.next = slab + kCacheLine;
+        const std::size_t most = kMostSlabLines / lines * lines;
+        const std::size_t slabLines =
+            std::min(std::max(kFirstBlocks * lines, 2 * size.slabLines), most);
+        const bool isLargest = slabLines == most;
+        const std::size_t bytes = isLargest ? kHugePage : (1 + slabLines) * kCacheLine;
+        const std::align_val_t alignment{isLargest ? kHugePage : kCacheLine};
+        void* const slab = ::operator new(bytes, alignment);
+        if (isLargest)
+        {
+            RequestHugePage(slab);
+        }
+        latestSlab = new (slab) SlabHead{latestSlab, alignment};
+        size.next = static_cast<unsigned char*>(slab) + kCacheLine;
         size.end = size.next + slabLines * kCacheLine;
         size.slabLines = slabLines;
     }
@@ -117,17 +134,17 @@ private:
     {
         while (latestSlab != nullptr)
         {
-            Link* const slab = latestSlab;
-            latestSlab = slab->next;
-            FreeLines(slab);
+            SlabHead* const slab = latestSlab;
+            latestSlab = slab->before;
+            ::operator delete(slab, slab->alignment);
         }
         sizes = {};
     }
 
     std::mutex mutex;
     std::array<BlockSize, kMostLines + 1> sizes; ///< by the number of lines
-    Link* latestSlab = nullptr;                  ///< in the first line of each, the one before it
-    std::size_t blockCount = 0;                  ///< taken and not yet freed
+    SlabHead* latestSlab = nullptr;
+    std::size_t blockCount = 0; ///< taken and not yet freed
 };
 
 } // namespace
