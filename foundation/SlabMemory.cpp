@@ -106,8 +106,8 @@ private:
     };
 
     /// The first slab has few blocks, because most processes have few machines. Each has twice as
-    /// many as the one before it. The largest ones are huge pages: thousands of machines in any
-    /// order would need more small pages than the processor remembers.
+    /// many as the one before it. The largest ones are huge pages: for thousands of machines, the
+    /// processor's translation buffer (TLB) has too few entries for small pages.
     static constexpr std::size_t kFirstBlocks = 8;
     static constexpr std::size_t kMostSlabLines = kHugePage / kCacheLine - 1;
 

@@ -33,8 +33,8 @@ namespace vell
 /// raised by whatever gives the parameter another table: assignment and `Init`. After each write by
 /// the setter, the slot is bound again if that is possible.
 ///
-/// *Where it is.* On the heap, with the table of parameters, in groups: the parameter and the arena
-/// are not larger for it. A parameter that is in no such table has no slot.
+/// *Where it is.* In slabs, in groups that the table of parameters owns: the parameter and the
+/// arena are not larger for it. A parameter that is in no such table has no slot.
 ///
 /// *Two values.* The value that a tick reads is in the parameter or in a ValueBlock, not here. A
 /// host that writes to it by `GetValuePtr` changes nothing in the tree.

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the library against a site's own platform libraries and checks that a consumer loads those:
 # COMPILER INSTALLED_TREE FOLDER_TO_WORK_IN. The site's vocabulary is that of the installed tree; its
-# tables are those of tests/site/ListedTables.cpp, which lack what a table library need not have.
+# tables are those of tests/support/ListedTables.cpp, which lack what a table library need not have.
 set -euo pipefail
 site=$(realpath "$2")
 rm -rf "$3"
@@ -13,7 +13,7 @@ root=$(realpath "$(dirname "$0")/../..")
 tables=$(realpath "$(find "${site}" -name libTesselX64.so)")
 soname=$(objdump -p "${tables}" | sed -n 's/ *SONAME *//p')
 "$1" -std=c++17 -shared -fPIC -fvisibility=hidden -DTESSEL_BUILDING -I"${root}/include" -I"${root}" \
-    -Wl,-soname,"${soname}" -o "${tables}" "${root}/tests/site/ListedTables.cpp"
+    -Wl,-soname,"${soname}" -o "${tables}" "${root}/tests/support/ListedTables.cpp"
 
 cmake -G Ninja -S "${root}" -B "$3/build" -DCMAKE_BUILD_TYPE=Debug \
     -DCMAKE_CXX_COMPILER="$1" -DVELL_PLATFORM_ROOT="${site}" \

@@ -56,6 +56,22 @@ DocumentBuilder SmallDocument()
                          {BoolCondition("go", true), BoolCondition("go", true)}));
 }
 
+/// A definition that is about to load one attribute.
+struct LoadingDef
+{
+    int Init()
+    {
+        return def.Init(*node, &alloc);
+    }
+
+    LogRecorder log;
+    Arena alloc;
+    const ParsedJson node{
+        Generic("Idle", 10).Set(JSON_Attributes, Json::Array({Attribute("speed", "int", 5)}))};
+    OpenDef def;
+    PlatformWatch watch;
+};
+
 Lines Sorted(Lines lines)
 {
     std::sort(lines.begin(), lines.end());
@@ -165,44 +181,35 @@ TEST(PlatformCalls, OfAnAttributeTakeItsRecordAndRemoveIt)
 
 TEST(PlatformCalls, OfAnAttributeThatLoadsEndWithItsPlaceUnderItsNode)
 {
-    LogRecorder log;
-    Arena alloc;
-    const ParsedJson node(
-        Generic("Idle", 10).Set(JSON_Attributes, Json::Array({Attribute("speed", "int", 5)})));
-    OpenDef def;
-    PlatformWatch watch;
+    LoadingDef loading;
 
-    EXPECT_EQ(def.Init(*node, &alloc), 1);
+    EXPECT_EQ(loading.Init(), 1);
 
-    EXPECT_EQ(watch.Take(), (Lines{"baseDef AddTable attribs", "attribBase SetString type",
-                                   "attribBase SetInt value", "attribBase SetString name",
-                                   "attribBase NeedsLock", "attribBase GetValueListener value",
-                                   "attribBase NeedsLock", "baseDef GetTable attribs",
-                                   "attribBase SetUInt nodeID", "attribs AttachTable speed"}));
+    EXPECT_EQ(loading.watch.Take(),
+              (Lines{"baseDef AddTable attribs", "attribBase SetString type",
+                     "attribBase SetInt value", "attribBase SetString name", "attribBase NeedsLock",
+                     "attribBase GetValueListener value", "attribBase NeedsLock",
+                     "baseDef GetTable attribs", "attribBase SetUInt nodeID",
+                     "attribs AttachTable speed"}));
 }
 
 TEST(PlatformCalls, MayGiveAnAttributeNoTable)
 {
-    LogRecorder log;
-    Arena alloc;
-    const ParsedJson node(
-        Generic("Idle", 10).Set(JSON_Attributes, Json::Array({Attribute("speed", "int", 5)})));
-    OpenDef def;
-    PlatformWatch watch;
-    watch.RefuseTables("attribBase");
+    LoadingDef loading;
+    loading.watch.RefuseTables("attribBase");
 
-    EXPECT_EQ(def.Init(*node, &alloc), 1);
+    EXPECT_EQ(loading.Init(), 1);
 
-    EXPECT_EQ(log.Take(),
+    EXPECT_EQ(loading.log.Take(),
               (Lines{ErrorBreak("vell::AttribBase::InitKVTableListener"), CreatedDef("Idle")}));
-    EXPECT_EQ(watch.Take(), (Lines{"baseDef AddTable attribs", "baseDef GetTable attribs",
-                                   "attribs AttachTable speed"}));
+    EXPECT_EQ(loading.watch.Take(), (Lines{"baseDef AddTable attribs", "baseDef GetTable attribs",
+                                           "attribs AttachTable speed"}));
     int value = 0;
-    ASSERT_NE(def.GetAttrib("speed"), nullptr);
-    EXPECT_EQ(def.GetAttrib("speed")->GetValue(&value), 1);
+    ASSERT_NE(loading.def.GetAttrib("speed"), nullptr);
+    EXPECT_EQ(loading.def.GetAttrib("speed")->GetValue(&value), 1);
     EXPECT_EQ(value, 5);
-    EXPECT_EQ(def.Uninit_Attribs(), 1);
-    EXPECT_EQ(log.Take(), (Lines{ErrorBreak("vell::AttribBase::UnInitKVTableListener")}));
+    EXPECT_EQ(loading.def.Uninit_Attribs(), 1);
+    EXPECT_EQ(loading.log.Take(), (Lines{ErrorBreak("vell::AttribBase::UnInitKVTableListener")}));
 }
 
 TEST(PlatformCalls, AskTwiceForTheTableOfTheNodesAndTakeNoNodesWithoutIt)

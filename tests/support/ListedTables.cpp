@@ -1,6 +1,6 @@
 // VELL: data-driven hierarchical state machines.
-// tests/site/ListedTables.cpp: a table library as a site may have its own: what Tessel.h lists, as
-// plain as can be, and nothing else.
+// tests/support/ListedTables.cpp: a table library as a site may have its own: what Tessel.h lists,
+// as plain as can be, and nothing else.
 #include <tessel/Slots.h>
 #include <tessel/Tessel.h>
 
